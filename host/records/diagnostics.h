@@ -1,0 +1,44 @@
+// Errors and warnings about source text, reported like a compiler does.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace records {
+
+// A place in a source text. Lines and columns count from 1.
+struct Place {
+    std::shared_ptr<const std::string> file;  // name as opened; null when there is no file
+    int line = 0;
+    int column = 0;
+    std::string text;  // the source line
+};
+
+enum class Severity { error, warning, note };
+
+struct Diagnostic {
+    Severity severity = Severity::error;
+    Place place;
+    std::string message;
+};
+
+class Diagnostics {
+  public:
+    void error(Place place, std::string message);
+    void warning(Place place, std::string message);
+    void note(Place place, std::string message);
+
+    bool has_errors() const { return errors_ > 0; }
+    const std::vector<Diagnostic>& all() const { return all_; }
+    // "file:line:column: error: message", the source line and a caret below it, for each; texts
+    // without a place are "error: message". Errors past the hundredth are only counted.
+    std::string text() const;
+
+  private:
+    std::vector<Diagnostic> all_;
+    int errors_ = 0;
+};
+
+}  // namespace records
