@@ -48,7 +48,10 @@ struct Picture {
 
 struct Literal {
     enum class Kind { number, text, figurative, hex, all } kind = Kind::text;
-    std::string value;  // digits with sign and point; text unquoted; figurative name in upper case
+    // number: digits with at most a minus sign and a '.' (also where the source has a comma);
+    // text: unquoted; figurative: ZERO SPACE HIGH-VALUE LOW-VALUE QUOTE NULL, whatever form was
+    // written; hex: pairs of upper-case hexadecimal digits; all: the bytes that are repeated.
+    std::string value;
     Place place;
 };
 
@@ -66,7 +69,8 @@ struct ConditionName {  // level 88
 struct Occurs {
     int min = 0;
     int max = 0;
-    std::string depending_on;  // empty when fixed
+    std::string depending_on;                  // empty when fixed
+    std::vector<std::string> depending_on_of;  // its qualifiers (OF, IN), outward
     Place place;
 };
 

@@ -13,7 +13,8 @@ struct Place {
     std::shared_ptr<const std::string> file;  // name as opened; null when there is no file
     int line = 0;
     int column = 0;
-    std::string text;  // the source line
+    std::string text;  // the source line (its beginning, when it is very long)
+    std::shared_ptr<const Place> copied_from;  // the COPY statement that brought `file` in, or null
 };
 
 enum class Severity { error, warning, note };
@@ -26,6 +27,7 @@ struct Diagnostic {
 
 class Diagnostics {
   public:
+    // Each adds notes for the COPY statements that the place was reached through.
     void error(Place place, std::string message);
     void warning(Place place, std::string message);
     void note(Place place, std::string message);
