@@ -1,0 +1,3 @@
+#include "fsi/xml/sxml/group_path.h"
+
+OpenGroup GroupPath::groups[GroupPath::CAPACITY];

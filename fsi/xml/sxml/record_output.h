@@ -1,0 +1,38 @@
+// What one record writes on its way to the output file. Pieces of markup are short, so they are
+// gathered in a buffer on the stack and handed to the stream in runs; field texts go out through
+// the text writers directly. Dropping an empty element often only takes back what is still here.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "fsi/xml/elements/text_output.h"
+
+class RecordOutput {
+  public:
+    RecordOutput(HostStream* stream, std::int32_t encoding);
+
+    // Low 32 bits of the output position, gathered bytes included.
+    std::uint32_t position() const { return start_ + static_cast<std::uint32_t>(used_); }
+    // Takes back everything written since the output stood at `position`.
+    void go_back(std::uint32_t position);
+
+    // Markup, and texts that need no escaping; each line feed becomes a line end.
+    void write(std::string_view text);
+    void write_line_end();
+    void write_indent(int width);
+    // A field's text, trimmed and escaped. Result: whether anything was left to write.
+    bool write_text(const XmlTextSpan& span);
+    // Hands everything gathered to the stream.
+    void flush();
+
+  private:
+    void make_room(std::size_t size);
+
+    static constexpr std::size_t CAPACITY = 2048;
+    HostStream* stream_;
+    std::int32_t encoding_;
+    std::uint32_t start_;  // output position of the first byte gathered
+    std::size_t used_ = 0;
+    char bytes_[CAPACITY];
+};

@@ -1,0 +1,16 @@
+#include "fsi/xml/sxml/xml_file.h"
+
+#include "fsi/xml/sxml/host_functions.h"
+#include "fsi/xml/sxml/source.h"
+#include "host/memory.h"
+
+XmlFile* new_xml_file() {
+    return static_cast<XmlFile*>(host_alloc(sizeof(XmlFile), HOST_BLOCK_ZEROED, SXML_SOURCE,
+                                            __LINE__, "XML file pointer", 0));
+}
+
+void free_xml_file(XmlFile* file) {
+    if (file->xfd != nullptr) host_functions::free_xfd()(file->xfd);
+    if (file->out != nullptr) host_fclose(file->out);
+    host_free(file, SXML_SOURCE, __LINE__, 0);
+}
