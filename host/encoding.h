@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "host/export.h"
+#include "host/text_span.h"
 
 // Host encoding codes. Codes above 7 stand for encodings that host_encoding_code found by name.
 enum HostEncoding : std::int32_t {
@@ -17,13 +18,6 @@ enum HostEncoding : std::int32_t {
     HOST_ENCODING_UTF16BE = 5,
     HOST_ENCODING_UTF32BE = 6,  // 32-bit units, big-endian
     HOST_ENCODING_LATIN1 = 7    // ISO-8859-1
-};
-
-// A piece of text; the bytes belong to whoever made the span.
-struct HostTextSpan {
-    const char* text;
-    std::uint64_t length;   // bytes
-    std::int32_t encoding;  // host encoding code
 };
 
 // The code of an encoding's name, compared without regard to letter case; HOST_ENCODING_UNKNOWN

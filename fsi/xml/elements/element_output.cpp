@@ -1,0 +1,132 @@
+// Writing an element with everything below it as XML.
+#include <algorithm>
+#include <string_view>
+
+#include "fsi/xml/elements/element.h"
+#include "fsi/xml/elements/text_output.h"
+#include "host/arrays.h"
+#include "host/encoding.h"
+#include "host/strings.h"
+
+namespace {
+
+constexpr std::uint8_t ESCAPED = XML_TEXT_ESCAPE | XML_TEXT_TRIM;
+constexpr std::uint64_t LEVEL_INDENT = 2;
+constexpr std::uint64_t CONTINUATION_INDENT = 5;
+
+// An output file with its encoding, through which all pieces of an element go.
+struct Output {
+    HostStream* stream;
+    std::int32_t encoding;
+
+    void line_end() const { xml_write_newline(stream, encoding); }
+    void markup(const char* text) const { xml_write_string(stream, encoding, text, 0); }
+
+    void text(std::string_view bytes, std::int32_t text_encoding, std::uint8_t flags) const {
+        const XmlTextSpan span = {bytes.data(), bytes.size(), text_encoding};
+        xml_write_text(stream, encoding, &span, flags);
+    }
+
+    void spaces(std::uint64_t count) const {
+        constexpr std::string_view blanks = "                                                ";
+        for (count = std::min<std::uint64_t>(count, XML_INDENT_LIMIT); count > 0;) {
+            const std::string_view run = blanks.substr(0, count);
+            text(run, HOST_ENCODING_NONE, 0);
+            count -= run.size();
+        }
+    }
+};
+
+std::string_view text_of(std::uint32_t string) {
+    if (string == 0) return {};
+    return {host_string_text(string), host_string_length(string)};
+}
+
+bool has_children(const XmlElement& element) {
+    return element.children && element.children->count > 0;
+}
+
+// Comment lines are trimmed, and the further ones stand below the first.
+void write_comments(const Output& out, std::string_view comments, std::uint64_t indent) {
+    if (comments.empty()) return;
+    out.spaces(indent);
+    out.markup("<!-- ");
+    for (;;) {
+        const HostTextSpan rest = {comments.data(), comments.size(), HOST_ENCODING_NONE};
+        const char* const line_feed = host_span_find_char(&rest, '\n');
+        if (!line_feed) break;
+        const auto line = static_cast<std::size_t>(line_feed - comments.data());
+        out.text(comments.substr(0, line), HOST_ENCODING_NONE, ESCAPED);
+        out.line_end();
+        out.spaces(indent + CONTINUATION_INDENT);
+        comments.remove_prefix(line + 1);
+    }
+    out.text(comments, HOST_ENCODING_NONE, ESCAPED);
+    out.markup(" -->\n");
+}
+
+void write_attributes(const Output& out, const XmlElement& element, std::uint64_t indent) {
+    const std::uint32_t count = host_array_count(element.attributes);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        out.line_end();
+        out.spaces(indent + CONTINUATION_INDENT);
+        out.text(text_of(element.attributes[i].name), HOST_ENCODING_NONE, 0);
+        out.markup("=\"");
+        out.text(text_of(element.attributes[i].value), HOST_ENCODING_NONE, ESCAPED);
+        out.markup("\"");
+    }
+}
+
+void write_end_tag(const Output& out, const XmlElement& element, std::uint64_t indent) {
+    if (element.children) out.spaces(indent);
+    out.markup("</");
+    out.text(text_of(element.name), HOST_ENCODING_NONE, 0);
+    out.markup(">\n");
+}
+
+// Writes an element up to where its children go. False when there are none to write; the element is
+// then written completely.
+bool write_start(const Output& out, const XmlElement& element, std::uint64_t indent) {
+    write_comments(out, text_of(element.comments), indent);
+    out.spaces(indent);
+    out.markup("<");
+    out.text(text_of(element.name), HOST_ENCODING_NONE, 0);
+    write_attributes(out, element, indent);
+
+    const std::string_view value = text_of(element.value);
+    if (value.empty() && !has_children(element)) {
+        out.markup("/>\n");
+        return false;
+    }
+    out.markup(">");
+    if (!value.empty()) out.text(value, element.value_encoding, ESCAPED);
+    if (element.children) out.line_end();
+    if (has_children(element)) return true;
+    write_end_tag(out, element, indent);
+    return false;
+}
+
+}  // namespace
+
+void xml_write_element(HostStream* output, std::int32_t output_encoding, std::uint32_t element,
+                       std::uint32_t indent) {
+    const XmlElement* const top = lookup_element(element);
+    if (!top) return;
+    const Output out = {output, output_encoding};
+    const XmlElement* at = top;
+    std::uint64_t depth = indent;
+    bool descend = write_start(out, *at, depth);
+    while (descend || at != top) {
+        const HostListNode* const next = descend ? at->children->first : at->sibling_node->next;
+        if (next) {
+            if (descend) depth += LEVEL_INDENT;
+            at = element_of(next->value);
+            descend = write_start(out, *at, depth);
+        } else {
+            at = element_of(at->parent);
+            depth -= LEVEL_INDENT;
+            write_end_tag(out, *at, depth);
+            descend = false;
+        }
+    }
+}

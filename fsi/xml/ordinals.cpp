@@ -1,0 +1,28 @@
+// Checks the list of ordinals against the documented prototypes.
+#include <initializer_list>
+#include <type_traits>
+
+#include "fsi/xml/xml_api.h"
+
+namespace {
+
+#define XML_ORDINAL(number, name, result, parameters) \
+    static_assert(std::is_same_v<decltype(&(name)), result(*) parameters>);
+#include "fsi/xml/ordinals.def"
+#undef XML_ORDINAL
+
+constexpr bool ascending_and_free_ones_left() {
+    int last = 0;
+    for (const int number : {
+#define XML_ORDINAL(number, name, result, parameters) number,
+#include "fsi/xml/ordinals.def"
+#undef XML_ORDINAL
+         }) {
+        if (number <= last || number == 44 || number == 66 || number == 70) return false;
+        last = number;
+    }
+    return true;
+}
+static_assert(ascending_and_free_ones_left());
+
+}  // namespace
