@@ -1,0 +1,9 @@
+      *> A record of 44 bytes.
+       01  CUSTOMER.
+           05  CUST-ID                 PIC 9(5).
+           05  CUST-NAME               PIC X(10).
+           05  BALANCE                 PIC S9(5)V99 COMP-3.
+           05  ADDR.
+               10  CITY                PIC X(8).
+               10  ZIP                 PIC X(5).
+           05  PHONE                   PIC X(4) OCCURS 3 TIMES.

@@ -1,0 +1,56 @@
+#include "tools/sxml/atomic_output.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+
+#include "tools/sxml/errors.h"
+
+namespace command {
+
+namespace {
+
+constexpr mode_t PERMISSIONS = 07777;
+
+// Where a chain of symbolic links ends; the name itself when it is no link or cannot be followed.
+std::string follow_links(const std::string& name) {
+    std::error_code error;
+    if (!std::filesystem::is_symlink(name, error)) return name;
+    const std::filesystem::path real = std::filesystem::weakly_canonical(name, error);
+    return error ? name : real.string();
+}
+
+}  // namespace
+
+AtomicOutput::AtomicOutput(const std::string& target) : target_(target) {
+    if (target == "-") return;
+    target_ = follow_links(target);
+    struct stat present = {};
+    const bool exists = stat(target_.c_str(), &present) == 0;
+    if (exists && S_ISDIR(present.st_mode)) fail_file(target, EISDIR);
+    if (exists && !S_ISREG(present.st_mode)) return;
+    const std::filesystem::path path(target_);
+    if (!path.has_filename()) fail_file(target, exists ? EISDIR : ENOENT);
+    const std::string folder = path.has_parent_path() ? path.parent_path().string() : ".";
+    temporary_ = std::make_unique<TemporaryFile>(folder, path.filename().string());
+    if (exists) chmod(temporary_->name().c_str(), present.st_mode & PERMISSIONS);
+}
+
+void AtomicOutput::commit() {
+    if (temporary_) temporary_->rename_to(target_);
+}
+
+void write_output(const std::string& target, std::string_view text) {
+    AtomicOutput output(target);
+    const bool standard = target == "-";
+    std::FILE* file = standard ? stdout : std::fopen(output.write_name().c_str(), "wb");
+    if (file == nullptr) fail_file(target, errno);
+    bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    written = (standard ? std::fflush(file) : std::fclose(file)) == 0 && written;
+    if (!written) fail_file(standard ? "standard output" : target, errno);
+    output.commit();
+}
+
+}  // namespace command

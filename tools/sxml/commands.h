@@ -1,0 +1,17 @@
+// The subcommands. Each function adds its subcommand, with options and help, to the application;
+// the subcommand runs as a callback of the parse and throws Failure when it cannot do its work.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace command {
+
+void add_layout_command(CLI::App& application);
+void add_compile_command(CLI::App& application);
+void add_to_xml_command(CLI::App& application);
+void add_dtd_command(CLI::App& application);
+void add_schema_command(CLI::App& application);
+
+}  // namespace command

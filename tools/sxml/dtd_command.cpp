@@ -1,0 +1,76 @@
+// sxml dtd: prints the declarations of the documents that a layout gives.
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/commands.h"
+#include "tools/sxml/document.h"
+#include "tools/sxml/errors.h"
+#include "tools/sxml/layout_source.h"
+#include "tools/sxml/options.h"
+#include "tools/sxml/settings.h"
+
+namespace command {
+
+namespace {
+
+struct DtdOptions {
+    LayoutOptions layout;
+    bool doctype = false;
+};
+
+// The document without records that the module makes of the bound description.
+std::string empty_document(const host::Module& module) {
+    const AtomicOutput output(temporary_folder() + "/sxml-dtd.xml");
+    Document document(module, output);
+    document.close();
+    check_written({&output});
+    return read_whole_file(output.write_name());
+}
+
+// The document type declaration within a document, from "<!DOCTYPE" to the line end behind "]>".
+std::string document_type(const std::string& document) {
+    const std::string end_mark = "]>\r\n";
+    const std::size_t start = document.find("<!DOCTYPE ");
+    const std::size_t end = document.find(end_mark, start);
+    if (start == std::string::npos || end == std::string::npos) {
+        fail("the module has written no document type declaration");
+    }
+    return document.substr(start, end + end_mark.size() - start);
+}
+
+// What stands between the brackets, without the rest of the opening line.
+std::string declarations(const std::string& type) {
+    const std::size_t start = type.find('\n') + 1;
+    return type.substr(start, type.rfind("]>") - start);
+}
+
+void print_dtd(const DtdOptions& options) {
+    const host::Module module = load_module();
+    apply_settings(options.layout.settings);
+    force_setting("SXML_CREATE_STYLE", "DTD");
+    force_setting("SXML_STYLESHEET_HREF", "");
+    const records::Description description =
+        load_layout(options.layout, records::RecordEncoding::ascii);
+    records::bind_description(&description);
+    const std::string type = document_type(empty_document(module));
+    write_output("-", options.doctype ? type : declarations(type));
+}
+
+}  // namespace
+
+void add_dtd_command(CLI::App& application) {
+    CLI::App* command = application.add_subcommand(
+        "dtd", "print the DTD of a layout's documents, as a file of declarations");
+    auto options = std::make_shared<DtdOptions>();
+    add_layout_options(*command, options->layout, LayoutArgument::positional);
+    command->add_flag("--doctype", options->doctype,
+                      "print the whole document type declaration, <!DOCTYPE and all");
+    command->footer(
+        "Example:\n  sxml dtd orders.cpy > orders.dtd\n"
+        "  xmllint --noout --dtdvalid orders.dtd orders.xml");
+    command->callback([options] { print_dtd(*options); });
+}
+
+}  // namespace command

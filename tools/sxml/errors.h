@@ -1,0 +1,35 @@
+// Failures of the command: a message for a person, and the exit status that goes with it.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace command {
+
+constexpr int EXIT_FAILED = 1;
+constexpr int EXIT_USAGE = 2;
+
+// Ends the command: main() prints "sxml: " and the message, and exits with the status. An empty
+// message means that everything has been said already.
+class Failure : public std::runtime_error {
+  public:
+    Failure(const std::string& message, int status)
+        : std::runtime_error(message), status_(status) {}
+    int status() const { return status_; }
+
+  private:
+    int status_;
+};
+
+// The data, a file or the machine is at fault.
+[[noreturn]] void fail(const std::string& message);
+// The command line is at fault.
+[[noreturn]] void fail_usage(const std::string& message);
+// "NAME: what the system says about `error`".
+[[noreturn]] void fail_file(const std::string& name, int error);
+
+std::string system_error_text(int error);
+// Prints "sxml: warning: " and the message on standard error.
+void warn(const std::string& message);
+
+}  // namespace command

@@ -1,0 +1,132 @@
+// sxml layout: shows a record layout as a table.
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cstdio>
+#include <functional>
+#include <memory>
+
+#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/commands.h"
+#include "tools/sxml/document.h"
+#include "tools/sxml/layout_source.h"
+#include "tools/sxml/options.h"
+#include "tools/sxml/settings.h"
+
+namespace command {
+
+namespace {
+
+using Row = records::Description::Row;
+
+struct Column {
+    const char* title;
+    bool right_aligned;
+    bool shown_when_empty;
+    std::function<std::string(const Row&)> text;
+};
+
+std::string level_text(int level) {
+    return (level < 10 ? "0" : "") + std::to_string(level);
+}
+
+// The name as COBOL sees it, indented by depth so that groups can be told from their fields.
+std::string indented_name(const Row& row, int depth) {
+    return std::string(static_cast<std::size_t>(depth) * 2, ' ') +
+           (row.name.empty() ? "FILLER" : row.name);
+}
+
+// Nesting depth of each row, from the level numbers.
+std::vector<int> depths(const std::vector<Row>& rows) {
+    std::vector<int> result;
+    std::vector<int> open_levels;
+    for (const Row& row : rows) {
+        while (!open_levels.empty() && open_levels.back() >= row.level) open_levels.pop_back();
+        result.push_back(static_cast<int>(open_levels.size()));
+        open_levels.push_back(row.level);
+    }
+    return result;
+}
+
+std::vector<Column> columns() {
+    return {
+        {"Offset", true, true, [](const Row& row) { return std::to_string(row.offset); }},
+        {"Length", true, true, [](const Row& row) { return std::to_string(row.length); }},
+        {"Level", false, true, [](const Row& row) { return level_text(row.level); }},
+        {"Name", false, true, [](const Row& row) { return row.name; }},
+        {"Element", false, true, [](const Row& row) { return row.xml_name; }},
+        {"Picture", false, true, [](const Row& row) { return row.picture; }},
+        {"Usage", false, true, [](const Row& row) { return row.usage; }},
+        {"Occurs", false, true, [](const Row& row) { return row.occurs; }},
+        {"Redefines", false, false, [](const Row& row) { return row.redefines; }},
+        {"Condition", false, true, [](const Row& row) { return row.condition; }},
+    };
+}
+
+using Table = std::vector<std::vector<std::string>>;
+
+void append_cell(std::string& line, const std::string& text, std::size_t width, bool right) {
+    const std::string padding(width - text.size(), ' ');
+    if (!line.empty()) line += "  ";
+    line += right ? padding + text : text + padding;
+}
+
+std::string table_text(const std::vector<Column>& shown, const Table& cells) {
+    std::vector<std::size_t> widths(shown.size(), 0);
+    for (const auto& row : cells) {
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+    }
+    std::string text;
+    for (const auto& row : cells) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            append_cell(line, row[i], widths[i], shown[i].right_aligned);
+        }
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+    }
+    return text;
+}
+
+std::string layout_table(const records::Description& description) {
+    std::vector<Row> rows = description.rows();
+    const std::vector<int> row_depths = depths(rows);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].name = indented_name(rows[i], row_depths[i]);
+    std::vector<Column> shown;
+    Table cells(rows.size() + 1);
+    for (Column& column : columns()) {
+        const bool used = std::any_of(rows.begin(), rows.end(),
+                                      [&](const Row& row) { return !column.text(row).empty(); });
+        if (!used && !column.shown_when_empty) continue;
+        cells[0].emplace_back(column.title);
+        for (std::size_t i = 0; i < rows.size(); ++i) cells[i + 1].push_back(column.text(rows[i]));
+        shown.push_back(std::move(column));
+    }
+    return table_text(shown, cells);
+}
+
+std::string length_line(const records::Description& description) {
+    const std::string longest = std::to_string(description.record_length());
+    const std::string shortest = std::to_string(description.min_record_length());
+    const std::string range = shortest == longest ? longest : shortest + " to " + longest;
+    return "\nRecord length: " + range + " bytes\n";
+}
+
+void show_layout(const LayoutOptions& options) {
+    load_module();  // it declares the settings
+    apply_settings(options.settings);
+    const records::Description description = load_layout(options, records::RecordEncoding::ascii);
+    write_output("-", layout_table(description) + length_line(description));
+}
+
+}  // namespace
+
+void add_layout_command(CLI::App& application) {
+    CLI::App* command = application.add_subcommand("layout", "show a record layout as a table");
+    auto options = std::make_shared<LayoutOptions>();
+    add_layout_options(*command, *options, LayoutArgument::positional);
+    command->footer("Example:\n  sxml layout orders.cpy\n  sxml layout ledger.cbl --fd LEDGER");
+    command->callback([options] { show_layout(*options); });
+}
+
+}  // namespace command

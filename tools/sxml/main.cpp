@@ -1,0 +1,46 @@
+// sxml: record files to XML, record layouts, DTDs and schemas, from a shell.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+
+#include "tools/sxml/commands.h"
+#include "tools/sxml/errors.h"
+
+namespace {
+
+int run(int argc, char** argv) {
+    CLI::App application{"Turns COBOL record files into XML documents."};
+    application.name("sxml");
+    application.set_version_flag("--version", "sxml " SXML_VERSION_LABEL);
+    application.require_subcommand(1);
+    application.footer(
+        "`sxml SUBCOMMAND --help` shows the options of a subcommand and an example.");
+    command::add_to_xml_command(application);
+    command::add_layout_command(application);
+    command::add_compile_command(application);
+    command::add_dtd_command(application);
+    command::add_schema_command(application);
+    try {
+        application.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return application.exit(error) == 0 ? 0 : command::EXIT_USAGE;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const command::Failure& failure) {
+        if (*failure.what() != '\0') std::fprintf(stderr, "sxml: %s\n", failure.what());
+        return failure.status();
+    } catch (const std::bad_alloc&) {
+        std::fputs("sxml: there is not enough memory\n", stderr);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "sxml: %s\n", error.what());
+    }
+    return command::EXIT_FAILED;
+}

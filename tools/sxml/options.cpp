@@ -1,0 +1,89 @@
+#include "tools/sxml/options.h"
+
+#include <CLI/CLI.hpp>
+#include <map>
+
+namespace command {
+
+namespace {
+
+const std::map<std::string, records::SourceFormat> SOURCE_FORMATS = {
+    {"detect", records::SourceFormat::detect},
+    {"fixed", records::SourceFormat::fixed},
+    {"free", records::SourceFormat::free},
+    {"variable", records::SourceFormat::variable},
+};
+
+const std::map<std::string, records::BinarySize> BINARY_SIZES = {
+    {"1-2-4-8", records::BinarySize::by_digits_1248},
+    {"2-4-8", records::BinarySize::by_digits_248},
+};
+
+// An option whose value is one of the names of `values`.
+template <typename Value>
+void add_choice(CLI::App& command, const std::string& name, Value& variable,
+                const std::map<std::string, Value>& values, const std::string& help) {
+    std::vector<std::string> names;
+    std::string metavariable;
+    for (const auto& entry : values) {
+        names.push_back(entry.first);
+        metavariable += (metavariable.empty() ? "" : "|") + entry.first;
+    }
+    command
+        .add_option_function<std::string>(
+            name, [&variable, &values](const std::string& text) { variable = values.at(text); },
+            help)
+        ->check(CLI::IsMember(names))
+        ->option_text(metavariable);
+}
+
+void add_source_options(CLI::App& command, LayoutOptions& options) {
+    command
+        .add_option("--fd", options.copybook.fd, "the FD, file or 01 record to take from a program")
+        ->option_text("NAME");
+    command
+        .add_option("-I,--copy-path", options.copybook.copy_path,
+                    "a folder to search for COPY texts (may be repeated)")
+        ->allow_extra_args(false)
+        ->option_text("FOLDER");
+    add_choice(command, "--format", options.copybook.format, SOURCE_FORMATS,
+               "source format of the layout (default: told from its text)");
+    command.add_flag("--debugging-lines", options.copybook.debugging_lines,
+                     "treat D lines as source, not as comments");
+}
+
+void add_description_options(CLI::App& command, LayoutOptions& options) {
+    records::LayoutOptions& layout = options.layout;
+    add_choice(command, "--binary-size", layout.binary_size, BINARY_SIZES,
+               "bytes that binary items may take (default: 1-2-4-8)");
+    command.add_flag_callback(
+        "--no-truncate", [&layout] { layout.binary_truncate = false; },
+        "binary items hold all that fits their bytes, whatever their picture says");
+    command.add_flag("--ebcdic-sign", layout.ebcdic_sign,
+                     "signs overpunched in DISPLAY numbers follow EBCDIC");
+    command.add_flag("--filler", layout.filler, "give FILLER items elements, too");
+    command
+        .add_option("--name", layout.name,
+                    "name of the document element (default: the FD's or the file's name)")
+        ->option_text("NAME");
+    command
+        .add_option("--set", options.settings,
+                    "a setting, such as SXML_CREATE_STYLE=NONE (may be repeated)")
+        ->allow_extra_args(false)
+        ->option_text("NAME=VALUE");
+}
+
+}  // namespace
+
+void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgument argument) {
+    const bool positional = argument == LayoutArgument::positional;
+    command
+        .add_option(positional ? "LAYOUT" : "--layout,-l", options.file,
+                    "a copybook, a program, or a description file (.xfd)")
+        ->required()
+        ->option_text(positional ? " " : "LAYOUT");
+    add_source_options(command, options);
+    add_description_options(command, options);
+}
+
+}  // namespace command

@@ -1,0 +1,29 @@
+// Options that several subcommands share.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/records/description.h"
+
+namespace CLI {
+class App;
+}
+
+namespace command {
+
+// Which layout to use, and how to read its source.
+struct LayoutOptions {
+    std::string file;  // a copybook, a program or a description file
+    records::CopybookOptions copybook;
+    records::LayoutOptions layout;
+    std::vector<std::string> settings;  // NAME=value, from --set
+};
+
+enum class LayoutArgument { positional, option };
+
+// Adds LAYOUT (or --layout) and everything that says how to read it. `options` must live until the
+// command line has been parsed.
+void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgument argument);
+
+}  // namespace command

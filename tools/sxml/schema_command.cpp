@@ -1,0 +1,41 @@
+// sxml schema: prints the XML Schema of the documents that a layout gives.
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/commands.h"
+#include "tools/sxml/document.h"
+#include "tools/sxml/layout_source.h"
+#include "tools/sxml/options.h"
+#include "tools/sxml/schema_file.h"
+#include "tools/sxml/settings.h"
+
+namespace command {
+
+namespace {
+
+void print_schema(const LayoutOptions& options) {
+    const host::Module module = load_module();
+    apply_settings(options.settings);
+    const records::Description description = load_layout(options, records::RecordEncoding::ascii);
+    records::bind_description(&description);
+    const AtomicOutput schema(temporary_folder() + "/sxml-schema.xsd");
+    write_schema_file(module, schema);
+    write_output("-", read_whole_file(schema.write_name()));
+}
+
+}  // namespace
+
+void add_schema_command(CLI::App& application) {
+    CLI::App* command =
+        application.add_subcommand("schema", "print the XML Schema of a layout's documents");
+    auto options = std::make_shared<LayoutOptions>();
+    add_layout_options(*command, *options, LayoutArgument::positional);
+    command->footer(
+        "Example:\n  sxml schema orders.cpy > orders.xsd\n"
+        "  xmllint --noout --schema orders.xsd orders.xml");
+    command->callback([options] { print_schema(*options); });
+}
+
+}  // namespace command

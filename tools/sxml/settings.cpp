@@ -1,0 +1,60 @@
+#include "tools/sxml/settings.h"
+
+#include <array>
+
+#include "host/config.h"
+#include "host/runtime/settings.h"
+#include "tools/sxml/errors.h"
+
+namespace command {
+
+namespace {
+
+constexpr std::array KNOWN_SETTINGS = {
+    "SXML_CREATE_STYLE",          "SXML_CREATE_SCHEMA", "SXML_SCHEMA_NAME",
+    "SXML_SCHEMA_NAMESPACE_DATA", "SXML_SCHEMA_DOC",    "SXML_STYLESHEET_TYPE",
+    "SXML_STYLESHEET_HREF",       "SXML_ENCODING",      "SXML_IGNORE_EMPTY_DATA",
+    "SXML_EXACT_TABLE_MATCH",     "4GL_COLUMN_CASE",
+};
+
+std::string known_settings() {
+    std::string list;
+    for (const char* name : KNOWN_SETTINGS) list += std::string("\n  ") + name;
+    return list;
+}
+
+}  // namespace
+
+void apply_settings(const std::vector<std::string>& assignments) {
+    for (const std::string& assignment : assignments) {
+        const std::size_t equals = assignment.find('=');
+        if (equals == std::string::npos) {
+            fail_usage("--set " + assignment + ": write it as NAME=VALUE");
+        }
+        const std::string name = assignment.substr(0, equals);
+        if (!host::is_known_setting(name)) {
+            fail_usage("--set " + name +
+                       ": there is no such setting; there are:" + known_settings());
+        }
+        std::string problem;
+        if (!host::set_config(name, assignment.substr(equals + 1), &problem)) {
+            fail_usage("--set " + assignment + ": " + problem);
+        }
+    }
+}
+
+void force_setting(const std::string& name, const std::string& value) {
+    std::string problem;
+    if (!host::set_config(name, value, &problem)) fail(name + ": " + problem);
+}
+
+CreateStyle create_style() {
+    return static_cast<CreateStyle>(host_config_choice("SXML_CREATE_STYLE", 0));
+}
+
+std::string setting_text(const std::string& name) {
+    const char* text = host_config_string(name.c_str(), nullptr);
+    return text == nullptr ? std::string() : std::string(text);
+}
+
+}  // namespace command

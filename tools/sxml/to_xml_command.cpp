@@ -1,0 +1,149 @@
+// sxml to-xml: turns a record file into an XML document.
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "host/config.h"
+#include "tools/sxml/commands.h"
+#include "tools/sxml/errors.h"
+#include "tools/sxml/layout_source.h"
+#include "tools/sxml/options.h"
+#include "tools/sxml/record_conversion.h"
+#include "tools/sxml/schema_file.h"
+#include "tools/sxml/settings.h"
+
+namespace command {
+
+namespace {
+
+struct ToXmlOptions {
+    std::string records;
+    std::string xml;
+    LayoutOptions layout;
+    std::string encoding;
+    bool lines = false;
+};
+
+// The character set of the records: --encoding, or what SXML_ENCODING says (UTF-8 unless set).
+CharacterSet character_set(const ToXmlOptions& options) {
+    if (!options.encoding.empty()) return CharacterSet(options.encoding);
+    const std::string configured = setting_text("SXML_ENCODING");
+    return CharacterSet(configured.empty() ? "utf-8" : configured);
+}
+
+// True for two names of one file, which need not exist yet.
+bool are_one_file(const std::string& first, const std::string& second) {
+    std::error_code error;
+    return std::filesystem::weakly_canonical(first, error) ==
+           std::filesystem::weakly_canonical(second, error);
+}
+
+// With SXML_CREATE_STYLE=SCHEMA the schema is a file of its own. It is written first, under a
+// temporary name of its own, and the document only refers to it.
+class SchemaBesideDocument {
+  public:
+    SchemaBesideDocument(const host::Module& module, const ToXmlOptions& options, const Xfd& xfd) {
+        if (create_style() != CreateStyle::schema) return;
+        const std::string name = setting_text("SXML_SCHEMA_NAME");
+        if (name.empty()) {
+            fail_usage("SXML_CREATE_STYLE is SCHEMA: --set SXML_SCHEMA_NAME=FILE names the schema");
+        }
+        if (are_one_file(name, options.xml))
+            fail_usage(name + ": the schema and the document are one file");
+        if ((xfd.flags & XFD_SEVERAL_LAYOUTS) != 0) {
+            warn(name +
+                 ": the layout has several records; the schema's top element knows the "
+                 "first one only");
+        }
+        if (host_config_flag("SXML_CREATE_SCHEMA", 0) == 0) return;
+        output_.emplace(name);
+        write_schema_file(module, *output_);
+        force_setting("SXML_CREATE_SCHEMA", "no");
+        force_setting("SXML_SCHEMA_NAME", name);
+    }
+
+    void commit() {
+        if (output_) output_->commit();
+    }
+
+  private:
+    std::optional<AtomicOutput> output_;
+};
+
+void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
+                 const RecordFields& fields) {
+    if (!options.lines) return;
+    if (characters.is_ebcdic()) {
+        fail_usage("--line: records in " + characters.name() + " are of fixed length");
+    }
+    for (const Field& field : fields.all()) {
+        if (field.kind == FieldKind::text || field.kind == FieldKind::display_number) continue;
+        warn("--line: field " + fields.name(field) +
+             " is binary; a byte in it that looks like a line end would cut its record");
+        return;
+    }
+}
+
+void convert_to_xml(const ToXmlOptions& options) {
+    const host::Module module = load_module();
+    apply_settings(options.layout.settings);
+    const CharacterSet characters = character_set(options);
+    force_setting("SXML_ENCODING", characters.declared_name());
+
+    const auto encoding =
+        characters.is_ebcdic() ? records::RecordEncoding::ebcdic : records::RecordEncoding::ascii;
+    records::Description description = load_layout(options.layout, encoding);
+    std::optional<records::Description> translated;
+    if (characters.is_ebcdic()) {
+        translated = load_layout(options.layout, records::RecordEncoding::ascii, Reports::hidden);
+    }
+    records::bind_description(translated ? &*translated : &description);
+
+    ByteSource source(options.records);
+    if (source.is_same_file(options.xml)) {
+        fail_usage(options.xml + ": the records and the document are one file");
+    }
+    RecordFields fields(description.xfd());
+    check_lines(options, characters, fields);
+    AtomicOutput output(options.xml);
+    SchemaBesideDocument schema(module, options, description.xfd());
+    Document document(module, output);
+    RecordConversion conversion(source, description, translated ? &translated->xfd() : nullptr,
+                                characters, fields);
+    conversion.run(options.lines, document, output);
+    schema.commit();
+    output.commit();
+}
+
+}  // namespace
+
+void add_to_xml_command(CLI::App& application) {
+    CLI::App* command =
+        application.add_subcommand("to-xml", "turn a record file into an XML document");
+    auto options = std::make_shared<ToXmlOptions>();
+    command->add_option("RECORDS", options->records, "the record file, - for standard input")
+        ->required()
+        ->option_text(" ");
+    command->add_option("XML", options->xml, "the document to write, - for standard output")
+        ->required()
+        ->option_text(" ");
+    add_layout_options(*command, options->layout, LayoutArgument::option);
+    command->add_flag("--line", options->lines,
+                      "the records are lines, ended by LF or CR LF (default: fixed length)");
+    command
+        ->add_option("--encoding", options->encoding,
+                     "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
+                     "code page such as cp037 ...")
+        ->option_text("NAME");
+    command->footer(
+        "Example:\n"
+        "  sxml to-xml orders.dat orders.xml --layout orders.cpy\n"
+        "  sxml to-xml orders.dat orders.xml --layout orders.cpy \\\n"
+        "      --set SXML_CREATE_STYLE=SCHEMA --set SXML_SCHEMA_NAME=orders.xsd\n"
+        "  sxml to-xml - - --layout orders.cpy --encoding cp037 < orders.ebc > orders.xml");
+    command->callback([options] { convert_to_xml(*options); });
+}
+
+}  // namespace command
