@@ -39,6 +39,8 @@ RUNTIME_API std::uint64_t live_bytes();
 // Blocks found damaged (guard bytes overwritten, freed twice) so far; each is also reported on
 // standard error. Always 0 in builds without guard bytes.
 RUNTIME_API std::uint64_t damaged_blocks();
+// True in builds with guard bytes: those without NDEBUG and without AddressSanitizer.
+RUNTIME_API bool guards_blocks();
 
 // Makes the n-th allocation from now fail (1 = the next), once; 0 turns the switch off.
 // allocation_failed() tells whether it has fired.

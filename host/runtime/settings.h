@@ -9,8 +9,10 @@
 
 namespace host {
 
-// Sets a setting or variable for this process; nothing unsets it again. False when the setting is
-// declared and the value is not one of its kind; `problem` then says what would be.
+// Sets a setting or variable for this process; without a value (std::nullopt) the environment, the
+// settings file or the default decide again. False, with nothing changed, when the setting is known
+// and the value is not one of its kind; `problem` then says what would be. A value set before its
+// setting is declared is checked at its first lookup.
 RUNTIME_API bool set_config(const std::string& name, const std::optional<std::string>& value,
                             std::string* problem = nullptr);
 

@@ -21,4 +21,7 @@ RUNTIME_API std::optional<WriteFailure> take_write_failure();
 // tests can cut input anywhere.
 RUNTIME_API void limit_read_size(std::size_t bytes);
 
+// Number of streams opened with host_fopen and not yet closed.
+RUNTIME_API std::size_t open_streams();
+
 }  // namespace host

@@ -1,0 +1,38 @@
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+
+#include "host/files.h"
+
+namespace {
+
+constexpr int FIRST_YEAR = 1900;  // tm_year counts from here
+constexpr int LAST_YEAR = 9999;
+
+std::int32_t as_number(const std::tm& day) {
+    return (day.tm_year + FIRST_YEAR) * 10000 + (day.tm_mon + 1) * 100 + day.tm_mday;
+}
+
+// The moment that SOURCE_DATE_EPOCH names, in UTC, so that outputs made anywhere can be compared.
+// False when it is not set or makes no sense.
+bool pinned_day(std::tm& day) {
+    const char* text = std::getenv("SOURCE_DATE_EPOCH");
+    if (text == nullptr || *text < '0' || *text > '9') return false;
+    char* end = nullptr;
+    errno = 0;
+    const long long seconds = std::strtoll(text, &end, 10);
+    const auto moment = static_cast<std::time_t>(seconds);
+    return errno == 0 && *end == '\0' && gmtime_r(&moment, &day) != nullptr &&
+           day.tm_year <= LAST_YEAR - FIRST_YEAR;
+}
+
+}  // namespace
+
+std::int32_t host_date() {
+    std::tm day{};
+    if (!pinned_day(day)) {
+        const std::time_t now = std::time(nullptr);
+        localtime_r(&now, &day);
+    }
+    return as_number(day);
+}

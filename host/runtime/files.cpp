@@ -1,0 +1,336 @@
+// Buffered streams over the system's descriptors.
+//
+// An output stream's buffer begins at a known place in the file. A step back within the buffer only
+// moves the position; what lies behind the position is dead, since it is overwritten or cut off. An
+// output that cannot seek keeps at least the last MiB in its buffer for that.
+#include "host/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "host/runtime/descriptors.h"
+#include "host/runtime/streams.h"
+#include "host/runtime/write_failures.h"
+
+namespace {
+
+constexpr std::size_t BUFFER_SIZE = 64 * 1024;
+constexpr std::size_t KEPT_WITHOUT_SEEK = 1024 * 1024;
+constexpr std::size_t LARGEST_BUFFER = 2 * KEPT_WITHOUT_SEEK;
+
+enum class Direction { input, output };
+
+}  // namespace
+
+struct HostStream {
+    int descriptor = -1;
+    Direction direction = Direction::input;
+    bool is_own = false;    // closed and released by host_fclose
+    bool can_seek = false;  // output: a step back beyond the buffer is possible
+    bool is_written_through = false;
+    bool has_failed = false;
+    std::string name;
+    std::unique_ptr<char[]> buffer;
+    std::size_t capacity = 0;        // 0 after a write error: nothing is taken over any more
+    std::size_t position = 0;        // in the buffer, of the next byte
+    std::size_t filled = 0;          // input: bytes in the buffer
+    std::uint64_t buffer_start = 0;  // output: where in the file the buffer begins
+    std::uint64_t first_position = 0;
+    std::uint64_t flushed_end =
+        0;  // output: behind the last byte that was ever written to the file
+};
+
+namespace {
+
+std::size_t largest_read = 0;  // 0 = no limit
+std::size_t open_count = 0;
+
+void fail(HostStream* stream, int error) {
+    if (!stream->has_failed) host::remember_write_failure(stream->name, error);
+    stream->has_failed = true;
+    stream->capacity = 0;
+    stream->position = 0;
+    errno = error;
+}
+
+void give_buffer(HostStream* stream) {
+    stream->buffer = std::make_unique_for_overwrite<char[]>(BUFFER_SIZE);
+    stream->capacity = BUFFER_SIZE;
+}
+
+// Writes the first `count` buffered bytes to the file and moves the rest to the front.
+bool flush_front(HostStream* stream, std::size_t count) {
+    if (stream->has_failed) return false;
+    if (const int error = host::write_whole(stream->descriptor, stream->buffer.get(), count);
+        error != 0) {
+        fail(stream, error);
+        return false;
+    }
+    stream->buffer_start += count;
+    stream->flushed_end = std::max(stream->flushed_end, stream->buffer_start);
+    stream->position -= count;
+    std::memmove(stream->buffer.get(), stream->buffer.get() + count, stream->position);
+    return true;
+}
+
+bool enlarge_buffer(HostStream* stream) {
+    const std::size_t larger = std::min(stream->capacity * 2, LARGEST_BUFFER);
+    auto buffer = std::unique_ptr<char[]>(new (std::nothrow) char[larger]);
+    if (buffer == nullptr) return false;
+    std::memcpy(buffer.get(), stream->buffer.get(), stream->position);
+    stream->buffer = std::move(buffer);
+    stream->capacity = larger;
+    return true;
+}
+
+// Makes room in a full buffer.
+bool make_room(HostStream* stream) {
+    if (stream->can_seek) return flush_front(stream, stream->position);
+    if (stream->capacity < LARGEST_BUFFER) {
+        if (enlarge_buffer(stream)) return true;
+        fail(stream, ENOMEM);
+        return false;
+    }
+    return flush_front(stream, stream->position - KEPT_WITHOUT_SEEK);
+}
+
+bool write_bytes(HostStream* stream, const char* data, std::size_t size) {
+    if (stream->direction != Direction::output || stream->has_failed) return false;
+    while (size > 0) {
+        const std::size_t part = std::min(size, stream->capacity - stream->position);
+        std::memcpy(stream->buffer.get() + stream->position, data, part);
+        stream->position += part;
+        data += part;
+        size -= part;
+        if (size > 0 && !make_room(stream)) return false;
+    }
+    return !stream->is_written_through || flush_front(stream, stream->position);
+}
+
+// Writes out the rest and cuts a file that was longer before a step back.
+void finish_output(HostStream* stream) {
+    if (!flush_front(stream, stream->position)) return;
+    if (stream->flushed_end > stream->buffer_start && stream->can_seek &&
+        ftruncate(stream->descriptor, static_cast<off_t>(stream->buffer_start)) != 0) {
+        fail(stream, errno);
+    }
+}
+
+void find_start(HostStream* stream) {
+    struct stat status {};
+    const bool is_file = fstat(stream->descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    const int flags = fcntl(stream->descriptor, F_GETFL);
+    // What is appended goes to the end wherever the position is.
+    stream->can_seek = is_file && flags >= 0 && (flags & O_APPEND) == 0;
+    const off_t start = stream->can_seek ? lseek(stream->descriptor, 0, SEEK_CUR) : 0;
+    stream->can_seek = stream->can_seek && start >= 0;
+    stream->first_position = stream->can_seek ? static_cast<std::uint64_t>(start) : 0;
+    stream->buffer_start = stream->first_position;
+    stream->flushed_end = stream->first_position;
+}
+
+int open_descriptor(const char* name, Direction direction) {
+    const int flags = direction == Direction::output ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY;
+    constexpr mode_t everybody = 0666;  // less what the process's mask takes away
+    int descriptor = -1;
+    do {
+        descriptor = open(name, flags | O_CLOEXEC, everybody);
+    } while (descriptor < 0 && errno == EINTR);
+    struct stat status {};
+    if (descriptor >= 0 && direction == Direction::input && fstat(descriptor, &status) == 0 &&
+        S_ISDIR(status.st_mode)) {
+        close(descriptor);
+        errno = EISDIR;
+        return -1;
+    }
+    return descriptor;
+}
+
+bool is_process_stream(std::string_view name) {
+    return name == "-";
+}
+
+HostStream* open_stream(const char* name, Direction direction) {
+    auto stream = std::make_unique<HostStream>();
+    stream->name = name;
+    stream->direction = direction;
+    stream->is_own = true;
+    give_buffer(stream.get());
+    if (is_process_stream(name)) {
+        stream->descriptor = direction == Direction::output ? STDOUT_FILENO : STDIN_FILENO;
+    } else {
+        stream->descriptor = open_descriptor(name, direction);
+        if (stream->descriptor < 0) return nullptr;
+    }
+    if (direction == Direction::output) find_start(stream.get());
+    ++open_count;
+    return stream.release();
+}
+
+HostStream* process_stream(int descriptor, Direction direction, const char* name) {
+    auto* stream = new HostStream;
+    stream->descriptor = descriptor;
+    stream->direction = direction;
+    stream->is_written_through = direction == Direction::output;
+    stream->name = name;
+    give_buffer(stream);
+    return stream;
+}
+
+// Hands out what is buffered, else what one read gives.
+std::size_t read_part(HostStream* stream, char* target, std::size_t size) {
+    if (stream->position == stream->filled) {
+        const ssize_t count =
+            host::read_some(stream->descriptor, stream->buffer.get(), stream->capacity);
+        if (count <= 0) return 0;
+        stream->position = 0;
+        stream->filled = static_cast<std::size_t>(count);
+    }
+    const std::size_t part = std::min(size, stream->filled - stream->position);
+    std::memcpy(target, stream->buffer.get() + stream->position, part);
+    stream->position += part;
+    return part;
+}
+
+// False when the bytes of all items make no size.
+bool total_size(std::size_t size, std::size_t count, std::size_t* total) {
+    return !__builtin_mul_overflow(size, count, total);
+}
+
+}  // namespace
+
+HostStream* host_fopen(const char* name, const char* mode, int /*flag*/) {
+    const std::string_view wanted = mode != nullptr ? mode : "";
+    const bool is_output = wanted == "w" || wanted == "wb";
+    if (name == nullptr || (!is_output && wanted != "r")) {
+        errno = EINVAL;
+        return nullptr;
+    }
+    try {
+        return open_stream(name, is_output ? Direction::output : Direction::input);
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+}
+
+void host_fclose(HostStream* stream) {
+    if (stream == nullptr) return;
+    if (stream->direction == Direction::output) finish_output(stream);
+    if (!stream->is_own) return;
+    if (!is_process_stream(stream->name) && close(stream->descriptor) != 0 && errno != EINTR &&
+        stream->direction == Direction::output) {
+        fail(stream, errno);
+    }
+    --open_count;
+    delete stream;
+}
+
+std::size_t host_fread(void* buffer, std::size_t size, std::size_t count, HostStream* stream) {
+    std::size_t wanted = 0;
+    if (stream == nullptr || stream->direction != Direction::input || size == 0 ||
+        !total_size(size, count, &wanted)) {
+        return 0;
+    }
+    if (largest_read > 0)
+        wanted = std::min(wanted, std::max(largest_read / size, std::size_t{1}) * size);
+    char* target = static_cast<char*>(buffer);
+    std::size_t done = 0;
+    // One part is enough, so that input from a terminal or a pipe is seen as it comes; but an item
+    // is never split.
+    do {
+        const std::size_t part = read_part(stream, target + done, wanted - done);
+        if (part == 0) break;
+        done += part;
+    } while (done % size != 0);
+    return done / size;
+}
+
+std::size_t host_fwrite(const void* data, std::size_t size, std::size_t count, HostStream* stream) {
+    std::size_t bytes = 0;
+    if (stream == nullptr || !total_size(size, count, &bytes) || bytes == 0) return 0;
+    if (bytes < stream->capacity - stream->position && stream->direction == Direction::output &&
+        !stream->is_written_through) {
+        std::memcpy(stream->buffer.get() + stream->position, data, bytes);
+        stream->position += bytes;
+        return count;
+    }
+    return write_bytes(stream, static_cast<const char*>(data), bytes) ? count : 0;
+}
+
+std::uint32_t host_ftell(HostStream* stream) {
+    return stream != nullptr ? static_cast<std::uint32_t>(stream->buffer_start + stream->position)
+                             : 0;
+}
+
+void host_fseek(HostStream* stream, std::uint32_t position) {
+    if (stream == nullptr || stream->direction != Direction::output || stream->has_failed) return;
+    const std::uint64_t step = host_ftell(stream) - position;  // the low 32 bits of the way back
+    const std::uint64_t way_back = static_cast<std::uint32_t>(step);
+    if (way_back <= stream->position) {
+        stream->position -= way_back;
+        return;
+    }
+    const std::uint64_t present = stream->buffer_start + stream->position;
+    if (way_back > present - stream->first_position) return fail(stream, EINVAL);
+    if (!stream->can_seek) return fail(stream, ESPIPE);
+    // The buffered bytes lie behind the new position: nobody will see them.
+    const std::uint64_t target = present - way_back;
+    if (lseek(stream->descriptor, static_cast<off_t>(target), SEEK_SET) < 0) {
+        return fail(stream, errno);
+    }
+    stream->buffer_start = target;
+    stream->position = 0;
+}
+
+HostStream* host_standard_input() {
+    static HostStream* stream = process_stream(STDIN_FILENO, Direction::input, "standard input");
+    return stream;
+}
+
+HostStream* host_standard_error() {
+    static HostStream* stream = process_stream(STDERR_FILENO, Direction::output, "standard error");
+    return stream;
+}
+
+int host_remove_file(const char* name) {
+    if (name == nullptr) {
+        errno = EINVAL;
+        return -1;
+    }
+    return unlink(name);
+}
+
+const char* host_xfd_name(const char* data_file_name) {
+    thread_local std::string name;
+    try {
+        name = data_file_name;
+    } catch (const std::bad_alloc&) {
+        return data_file_name;
+    }
+    const std::size_t folder_end = name.rfind('/');
+    const std::size_t start = folder_end == std::string::npos ? 0 : folder_end + 1;
+    const std::size_t dot = name.rfind('.');
+    if (dot != std::string::npos && dot > start) name.resize(dot);
+    return name.c_str();
+}
+
+namespace host {
+
+void limit_read_size(std::size_t bytes) {
+    largest_read = bytes;
+}
+std::size_t open_streams() {
+    return open_count;
+}
+
+}  // namespace host

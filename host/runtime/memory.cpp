@@ -1,0 +1,219 @@
+// Tracked allocation: counts, failure switch and guards around the block store.
+#include "host/memory.h"
+
+#include <cstdio>
+#include <cstring>
+#include <unordered_set>
+
+#include "host/runtime/block_store.h"
+#include "host/runtime/immortal.h"
+#include "host/runtime/memory_report.h"
+#include "host/runtime/sites.h"
+#include "host/runtime/tracked_memory.h"
+
+namespace host {
+namespace memory {
+namespace {
+
+constexpr unsigned char GUARD_BYTE = 0xA5;
+constexpr unsigned char FRESH_BYTE = 0xCD;  // fills raw blocks in builds with guards
+constexpr unsigned char FREED_BYTE = 0xDD;
+
+struct Counters {
+    std::uint64_t allocations;
+    std::uint64_t live_bytes;
+    std::uint64_t damaged;
+    std::uint64_t until_failure;  // allocations up to and including the one that fails; 0 = off
+    bool failed;
+};
+
+constinit Counters counters{};
+// The addresses of live blocks, kept in builds with guards only, to recognise a second release.
+constinit Immortal<std::unordered_set<const void*>*> live_addresses;
+
+std::unordered_set<const void*>& addresses() {
+    if (*live_addresses == nullptr) *live_addresses = new std::unordered_set<const void*>;
+    return **live_addresses;
+}
+
+// Counts one allocation. False when it is the one that shall fail.
+bool may_allocate() {
+    ++counters.allocations;
+    if (counters.until_failure == 0 || --counters.until_failure != 0) return true;
+    counters.failed = true;
+    return false;
+}
+
+void report_damage(const void* block, const Origin& origin, const char* what) {
+    ++counters.damaged;
+    std::fprintf(stderr, "sxml host: block %p, %s line %d, \"%s\": %s\n", block, origin.source,
+                 origin.line, origin.description, what);
+}
+
+void set_guards(BlockHeader* header) {
+    char* payload = static_cast<char*>(payload_of(header));
+    std::memset(payload - GUARD_SIZE, GUARD_BYTE, GUARD_SIZE);
+    std::memset(payload + block_size(header), GUARD_BYTE, GUARD_SIZE);
+}
+
+bool is_guard(const char* bytes) {
+    for (std::size_t i = 0; i < GUARD_SIZE; ++i) {
+        if (static_cast<unsigned char>(bytes[i]) != GUARD_BYTE) return false;
+    }
+    return true;
+}
+
+// False when the address is not a live block's: the caller then leaves it alone.
+bool check_block(void* block) {
+    if (!addresses().contains(block)) {
+        report_damage(block, {"(unknown)", 0, "(unknown)"}, "released twice or never allocated");
+        return false;
+    }
+    const BlockHeader* header = header_of(block);
+    const char* payload = static_cast<const char*>(block);
+    if (!is_guard(payload - GUARD_SIZE)) {
+        report_damage(block, site(header->site).origin, "bytes before the block overwritten");
+    }
+    if (!is_guard(payload + block_size(header))) {
+        report_damage(block, site(header->site).origin, "bytes behind the block overwritten");
+    }
+    return true;
+}
+
+void count_in(const BlockHeader* header) {
+    Site& place = site(header->site);
+    ++place.live_blocks;
+    ++place.all_blocks;
+    place.live_bytes += block_size(header);
+    counters.live_bytes += gross_size(header);
+}
+
+void count_out(const BlockHeader* header) {
+    Site& place = site(header->site);
+    --place.live_blocks;
+    place.live_bytes -= block_size(header);
+    counters.live_bytes -= gross_size(header);
+}
+
+void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
+    std::uint32_t number = 0;
+    if (!may_allocate() || !find_site(origin, number)) return nullptr;
+    BlockHeader* header = take_block(size, zeroed);
+    if (header == nullptr) return nullptr;
+    header->sequence = counters.allocations & ((std::uint64_t{1} << 56) - 1);
+    header->site = number;
+    count_in(header);
+    void* block = payload_of(header);
+    if constexpr (HAS_GUARDS) {
+        if (!zeroed) std::memset(block, FRESH_BYTE, size);
+        set_guards(header);
+        addresses().insert(block);
+    }
+    return block;
+}
+
+}  // namespace
+
+void* allocate(std::size_t size, const Origin& origin) {
+    return allocate_block(size, false, origin);
+}
+
+void* allocate_zeroed(std::size_t size, const Origin& origin) {
+    return allocate_block(size, true, origin);
+}
+
+void* reallocate(void* block, std::size_t size, const char* source, int line) {
+    if constexpr (HAS_GUARDS) {
+        if (!check_block(block)) return nullptr;
+    }
+    BlockHeader* header = header_of(block);
+    std::uint32_t number = 0;
+    if (!may_allocate() || !find_site({source, line, description_of(block)}, number)) {
+        return nullptr;
+    }
+    count_out(header);
+    BlockHeader* moved = resize_block(header, size);
+    if (moved == nullptr) {
+        count_in(header);
+        --site(header->site).all_blocks;
+        return nullptr;
+    }
+    moved->site = number;
+    count_in(moved);
+    if constexpr (HAS_GUARDS) {
+        set_guards(moved);
+        addresses().erase(block);
+        addresses().insert(payload_of(moved));
+    }
+    return payload_of(moved);
+}
+
+void release(void* block) {
+    if (block == nullptr) return;
+    if constexpr (HAS_GUARDS) {
+        if (!check_block(block)) return;
+    }
+    BlockHeader* header = header_of(block);
+    count_out(header);
+    if constexpr (HAS_GUARDS) {
+        std::memset(block, FREED_BYTE, block_size(header));
+        addresses().erase(block);
+    }
+    give_back(header);
+}
+
+const char* description_of(const void* block) {
+    return site(header_of(block)->site).origin.description;
+}
+
+}  // namespace memory
+
+std::uint64_t allocation_count() {
+    return memory::counters.allocations;
+}
+std::uint64_t live_bytes() {
+    return memory::counters.live_bytes;
+}
+std::uint64_t damaged_blocks() {
+    return memory::counters.damaged;
+}
+bool guards_blocks() {
+    return memory::HAS_GUARDS;
+}
+
+void fail_allocation(std::uint64_t n) {
+    memory::counters.until_failure = n;
+    memory::counters.failed = false;
+}
+
+bool allocation_failed() {
+    return memory::counters.failed;
+}
+
+}  // namespace host
+
+using namespace host;
+
+void* host_alloc(std::size_t size, int kind, const char* source, int line, const char* description,
+                 int /*flags*/) {
+    const memory::Origin origin{source, line, description};
+    return kind == HOST_BLOCK_ZEROED ? memory::allocate_zeroed(size, origin)
+                                     : memory::allocate(size, origin);
+}
+
+void* host_realloc(void* block, std::size_t size, const char* source, int line, int /*flags*/) {
+    if (block == nullptr) return memory::allocate(size, {source, line, "reallocated block"});
+    return memory::reallocate(block, size, source, line);
+}
+
+void host_free(void* block, const char* /*source*/, int /*line*/, int /*flags*/) {
+    memory::release(block);
+}
+
+char* host_strdup(const char* text, const char* source, int line) {
+    if (text == nullptr) return nullptr;
+    const std::size_t size = std::strlen(text) + 1;
+    void* copy = memory::allocate(size, {source, line, "text copy"});
+    if (copy != nullptr) std::memcpy(copy, text, size);
+    return static_cast<char*>(copy);
+}

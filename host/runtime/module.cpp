@@ -1,0 +1,111 @@
+#include "host/runtime/module.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <stdexcept>
+
+namespace host {
+
+namespace {
+
+constexpr const char* MODULE_FILE = "sxml.so";
+
+template <class Function>
+Function* as_function(HostEntry* entry) {
+    return reinterpret_cast<Function*>(entry);
+}
+
+// Stands in for functions that this host does not have. The module does not test them for null.
+void* missing_function() {
+    return nullptr;
+}
+
+std::string folder_of_this_library() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&missing_function), &info) == 0 ||
+        info.dli_fname == nullptr) {
+        return ".";
+    }
+    const std::string file = info.dli_fname;
+    const std::size_t slash = file.rfind('/');
+    return slash == std::string::npos ? "." : file.substr(0, slash);
+}
+
+std::string module_path(const std::string& path) {
+    if (!path.empty()) return path;
+    const char* named = std::getenv("SXML_MODULE");
+    if (named != nullptr && *named != '\0') return named;
+    return folder_of_this_library() + "/" + MODULE_FILE;
+}
+
+void hand_over(XmlSetHostFunctionEntry* set, const std::vector<NamedFunction>& functions) {
+    const NamedFunction own[] = {
+        {"f_remove", reinterpret_cast<HostFunction*>(&f_remove)},
+        {"f_rename", reinterpret_cast<HostFunction*>(&f_rename)},
+        {"f_copy", reinterpret_cast<HostFunction*>(&f_copy)},
+    };
+    for (const NamedFunction& function : own) set(function.name, function.function);
+    for (const NamedFunction& function : functions) set(function.name, function.function);
+    constexpr int most_names = 1000;  // against a module that always asks for one more
+    for (int i = 0; i < most_names; ++i) {
+        const auto* name = static_cast<const char*>(set(nullptr, nullptr));
+        if (name == nullptr) return;
+        set(name, reinterpret_cast<HostFunction*>(&missing_function));
+    }
+}
+
+}  // namespace
+
+Module Module::load(const std::string& path, const std::vector<NamedFunction>& functions) {
+    const std::string file = module_path(path);
+    Module module;
+    module.library_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module.library_ == nullptr) {
+        const char* reason = dlerror();
+        throw std::runtime_error("cannot load the module " + file + ": " +
+                                 (reason != nullptr ? reason : "unknown reason"));
+    }
+    auto* get_table =
+        reinterpret_cast<GetDispatchTableFunction*>(module.symbol("GetDispatchTable"));
+    if (get_table == nullptr || get_table(&module.table_) != 0 || module.table_ == nullptr) {
+        throw std::runtime_error(file + " is no module: it gives no dispatch table");
+    }
+    for (const DispatchSlot needed : {SLOT_INIT, SLOT_SET_HOST_FUNCTION, SLOT_REGISTER_SETTINGS,
+                                      SLOT_MAKE, SLOT_OPEN, SLOT_CLOSE, SLOT_READ, SLOT_WRITE}) {
+        if (module.slot(needed) != nullptr) continue;
+        throw std::runtime_error(file + ": slot " + std::to_string(needed) +
+                                 " of the dispatch table is empty");
+    }
+    std::int32_t version = 0;
+    as_function<XmlInitEntry>(module.slot(SLOT_INIT))(nullptr, &version);
+    hand_over(as_function<XmlSetHostFunctionEntry>(module.slot(SLOT_SET_HOST_FUNCTION)), functions);
+    as_function<XmlRegisterSettingsEntry>(module.slot(SLOT_REGISTER_SETTINGS))();
+    return module;
+}
+
+void* Module::symbol(const char* name) const {
+    return dlsym(library_, name);
+}
+
+int Module::make(const char* name, const char* params) const {
+    return as_function<XmlMakeEntry>(slot(SLOT_MAKE))(name, params);
+}
+
+XmlFile* Module::open(const char* name, std::int32_t mode) const {
+    return as_function<XmlOpenEntry>(slot(SLOT_OPEN))(name, mode, 0, 0, 0, 0, nullptr, 0);
+}
+
+int Module::close(XmlFile* file) const {
+    return as_function<XmlCloseEntry>(slot(SLOT_CLOSE))(file);
+}
+
+int Module::read(XmlFile* file, void* record) const {
+    return as_function<XmlReadEntry>(slot(SLOT_READ))(file, record);
+}
+
+int Module::write(XmlFile* file, const void* record, std::uint32_t length) const {
+    return as_function<XmlWriteEntry>(slot(SLOT_WRITE))(file, record, length);
+}
+
+}  // namespace host

@@ -1,0 +1,10 @@
+// The write failures that the embedding program has not yet asked for.
+#pragma once
+
+#include <string>
+
+namespace host {
+
+void remember_write_failure(const std::string& file, int error) noexcept;
+
+}  // namespace host
