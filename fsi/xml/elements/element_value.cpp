@@ -9,7 +9,6 @@
 namespace {
 
 constexpr const char* VALUE_DESCRIPTION = "XML Character data";
-constexpr std::size_t VALUE_SPARE_ROOM = 4;  // for the pieces that parsers deliver
 
 std::int32_t out_of_memory() {
     set_element_error(XMLERR_NO_MEMORY);
@@ -31,10 +30,9 @@ std::int32_t shorten_value(const XmlElement& element, std::size_t length) {
 }
 
 // Appends to one of the element's strings, which is made when there is none.
-bool append_text(std::uint32_t& string, const char* text, std::size_t n, std::size_t spare,
-                 const char* description) {
+bool append_text(std::uint32_t& string, const char* text, std::size_t n, const char* description) {
     if (string == 0) {
-        string = new_text(text, n, spare, description);
+        string = new_text(text, n, description);
         return string != 0;
     }
     return n == 0 || host_string_append_n(string, text, n, ELEMENTS_SOURCE, __LINE__, 0);
@@ -72,11 +70,7 @@ std::int32_t xml_set_element_value(std::uint32_t element, const char* text, std:
         found->value_encoding = encoding;
         return shorten_value(*found, n);
     }
-    if (found->value == 0)
-        found->value = new_text(text, n, 0, VALUE_DESCRIPTION);
-    else if (!replace_text(found->value, text, n, VALUE_DESCRIPTION))
-        return out_of_memory();
-    if (found->value == 0) return out_of_memory();
+    if (!replace_text(found->value, text, n, VALUE_DESCRIPTION)) return out_of_memory();
     found->value_encoding = encoding;
     return 1;
 }
@@ -86,8 +80,7 @@ std::int32_t xml_append_element_value(std::uint32_t element, const char* text, s
     XmlElement* const found = lookup_element(element);
     if (!found) return 0;
     const bool is_first = found->value == 0;
-    if (!append_text(found->value, text, text_length(text, length), VALUE_SPARE_ROOM,
-                     VALUE_DESCRIPTION)) {
+    if (!append_text(found->value, text, text_length(text, length), VALUE_DESCRIPTION)) {
         return out_of_memory();
     }
     if (is_first) found->value_encoding = encoding;
@@ -97,7 +90,7 @@ std::int32_t xml_append_element_value(std::uint32_t element, const char* text, s
 std::int32_t xml_add_comment(std::uint32_t element, const char* text) {
     XmlElement* const found = lookup_element(element);
     if (!found) return 0;
-    const bool added = append_text(found->comments, text, text_length(text, -1), 1, "XML comments");
+    const bool added = append_text(found->comments, text, text_length(text, -1), "XML comments");
     return added ? 1 : out_of_memory();
 }
 

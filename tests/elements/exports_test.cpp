@@ -1,0 +1,123 @@
+// What the module exports, a C program that uses it, and the cost of building trees, all seen from
+// outside.
+#include <cstdio>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "tests/elements/element_test.h"
+
+namespace {
+
+// What a command prints on standard output; `status` is its exit status.
+std::string output_of(const std::string& command, int& status) {
+    std::string text;
+    FILE* const pipe = popen(command.c_str(), "r");
+    if (!pipe) return text;
+    char buffer[4096];
+    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) text.append(buffer, n);
+    status = pclose(pipe);
+    return text;
+}
+
+// The symbols that nm lists, with their addresses.
+std::map<std::string, std::string> symbols(const std::string& options) {
+    int status = -1;
+    std::istringstream lines(output_of("nm " + options + " '" + module_path() + "'", status));
+    EXPECT_EQ(status, 0);
+    std::map<std::string, std::string> found;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string address;
+        std::string kind;
+        std::string name;
+        if (words >> address >> kind >> name) found[name] = address;
+    }
+    return found;
+}
+
+// The list kept with the tests: number and function, a line each.
+std::map<int, std::string> expected_exports() {
+    std::ifstream file(expected_file("exports.txt"));
+    std::map<int, std::string> exports;
+    int number = 0;
+    for (std::string name; file >> number >> name;) exports[number] = name;
+    EXPECT_FALSE(exports.empty());
+    return exports;
+}
+
+TEST(Exports, AreTheOrdinalsAndOneName) {
+    const auto all = symbols("--defined-only");
+    std::set<std::string> expected = {"GetDispatchTable"};
+    for (const auto& [number, name] : expected_exports()) {
+        const std::string symbol = "ordinal_" + std::to_string(number);
+        expected.insert(symbol);
+        ASSERT_TRUE(all.contains(symbol) && all.contains(name)) << symbol;
+        EXPECT_EQ(all.at(symbol), all.at(name)) << symbol;
+    }
+    std::set<std::string> exported;
+    for (const auto& [name, address] : symbols("-D --defined-only")) exported.insert(name);
+    EXPECT_EQ(exported, expected);
+
+    std::string def = "LIBRARY sxml\nEXPORTS\n    GetDispatchTable\n";
+    for (const auto& [number, name] : expected_exports()) {
+        def += "    " + name + " @" + std::to_string(number) + " NONAME\n";
+    }
+    EXPECT_EQ(file_text(SXML_BUILD_DIR "/fsi/xml/sxml.def"), def);
+}
+
+TEST(Exports, AModuleThatCannotBeUsedIsRefused) {
+    XmlApi table;
+    EXPECT_NE(xml_api_load("./no_such_module.so", &table), nullptr);
+    EXPECT_NE(xml_api_load("libc.so.6", &table), nullptr) << "a library without ordinals";
+    EXPECT_EQ(table.xml_new_element, nullptr);
+}
+
+TEST(Example, BuildsATreeInC) {
+    const std::string file = ::testing::TempDir() + "build_tree.xml";
+    int status = -1;
+    EXPECT_EQ(output_of("'" BUILD_TREE "' '" + module_path() + "' '" + file + "'", status),
+              "item(1): Bolt <M8>\nitem(2): Nut & washer\nitem(3): Bracket\n");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(file_text(file), file_text(expected_file("build_tree.xml")));
+    output_of("xmllint --noout '" + file + "'", status);
+    EXPECT_EQ(status, 0) << "not well-formed";
+}
+
+// Instructions that the cost driver takes, counted by valgrind; 0 when there is no valgrind.
+std::uint64_t instructions(const std::string& shape, int count) {
+    int status = -1;
+    const std::string text =
+        output_of("valgrind --tool=callgrind --callgrind-out-file=/dev/null '" COST_DRIVER "' " +
+                      shape + ' ' + std::to_string(count) + " 2>&1",
+                  status);
+    const std::string label = "Collected : ";
+    const std::size_t at = text.find(label);
+    if (status != 0 || at == std::string::npos) return 0;
+    return std::strtoull(text.c_str() + at + label.size(), nullptr, 10);
+}
+
+class Cost : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(Cost, IsLinear) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "valgrind cannot count instructions of a sanitized build";
+#endif
+    int status = -1;
+    output_of("valgrind --version", status);
+    if (status != 0) GTEST_SKIP() << "valgrind is not installed";
+    const auto start = instructions(GetParam(), 0);
+    const auto few = instructions(GetParam(), 10'000);
+    const auto many = instructions(GetParam(), 100'000);
+    ASSERT_GT(start, 0U);
+    ASSERT_GT(few, start);
+    const double ratio = static_cast<double>(many - start) / static_cast<double>(few - start);
+    std::cout << GetParam() << ": " << few - start << " and " << many - start
+              << " instructions, ratio " << ratio << '\n';
+    EXPECT_LE(ratio, 11.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes, Cost, ::testing::Values("one_name", "all_different", "nested"),
+                         [](const auto& shape) { return std::string(shape.param); });
+
+}  // namespace
