@@ -24,7 +24,7 @@ constinit Immortal<SiteTable> table;
 std::size_t hash_of(const Origin& origin) {
     std::uint64_t hash = reinterpret_cast<std::uintptr_t>(origin.source) * 0x9E3779B97F4A7C15;
     hash ^= reinterpret_cast<std::uintptr_t>(origin.description) * 0xC2B2AE3D27D4EB4F;
-    hash ^= static_cast<std::uint32_t>(origin.line) * 0x165667B19E3779F9;
+    hash ^= static_cast<std::uint32_t>(origin.line) * 0x165667B19E3779F9U;
     return hash ^ (hash >> 29);
 }
 
