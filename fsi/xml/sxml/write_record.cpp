@@ -95,7 +95,7 @@ bool is_zero(std::string_view text) {
 bool write_number(RecordWriter& writer, XfdItem& field) {
     if (host_trace_on != 0) host_trace(0, 2, "Writing numeric data");
     const std::string_view bytes = field_bytes(writer, field);
-    if (bytes.size() != static_cast<std::size_t>(std::max(field.data.length, 0))) return false;
+    if (bytes.empty() || bytes.size() != static_cast<std::size_t>(field.data.length)) return false;
     const std::string_view text = convert_number(writer, field, bytes);
     if (is_zero(text) && settings::ignore_empty_data()) return false;
     writer.output.write(text);

@@ -1,0 +1,175 @@
+#include "tests/module/module_fixture.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "host/files.h"
+#include "host/runtime/settings.h"
+#include "host/runtime/trace_control.h"
+
+namespace {
+
+std::map<std::string, Xfd*> descriptions;
+std::vector<std::string> names_looked_up;
+int descriptions_out = 0;
+int lookups_refused = 0;
+
+Xfd* parse_xfd(const char* name, int first, int second) {
+    EXPECT_EQ(first, 14);
+    EXPECT_EQ(second, 30);
+    names_looked_up.emplace_back(name);
+    const auto found = descriptions.find(name);
+    if (lookups_refused-- > 0 || found == descriptions.end()) return nullptr;
+    ++descriptions_out;
+    return found->second;
+}
+
+void free_xfd(Xfd*) {
+    --descriptions_out;
+}
+
+int test_condition(Xfd* xfd, int number, const void* record) {
+    EXPECT_GE(number, 1);
+    EXPECT_LE(number, xfd->condition_count);
+    XfdBuilder::test_condition(xfd, number, record);
+    return 0;
+}
+
+std::string digits_of(const XfdDataDesc& field) {
+    std::string_view bytes(static_cast<const char*>(field.address),
+                           static_cast<std::size_t>(field.length));
+    if (field.type != XfdBuilder::PACKED) return std::string(bytes);
+    std::string digits;
+    for (const char character : bytes) {
+        const auto byte = static_cast<unsigned char>(character);
+        digits += static_cast<char>('0' + (byte >> 4));
+        if ((byte & 0xF) < 10) digits += static_cast<char>('0' + (byte & 0xF));
+    }
+    return (bytes.back() & 0xF) == 0xD ? "-" + digits : digits;
+}
+
+// Unsigned DISPLAY and packed numbers; other characters (a decimal comma, say) stay.
+int convert(XfdDataDesc* text, const XfdDataDesc* field, int mode) {
+    EXPECT_EQ(mode, 1);
+    EXPECT_EQ(text->type, 0);
+    EXPECT_EQ(text->digits, field->digits);
+    std::string digits = digits_of(*field);
+    const std::size_t sign = digits.starts_with('-') ? 1 : 0;
+    const auto decimals = static_cast<std::size_t>(-field->scale);
+    while (digits.size() - sign > decimals + 1 && digits[sign] == '0') digits.erase(sign, 1);
+    if (field->scale < 0) digits.insert(digits.size() - decimals, 1, '.');
+    digits.resize(static_cast<std::size_t>(text->length), ' ');
+    digits.copy(static_cast<char*>(text->address), digits.size());
+    return 1;
+}
+
+template <typename Function>
+host::NamedFunction named(const char* name, Function* function) {
+    return {name, reinterpret_cast<HostFunction*>(function)};
+}
+
+void replace_all(std::string& text, std::string_view what, std::string_view with) {
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at)) {
+        text.replace(at, what.size(), with);
+    }
+}
+
+}  // namespace
+
+bool ModuleTest::encodings_granted = true;
+
+const host::Module& ModuleTest::module() {
+    static const host::Module loaded = [] {
+        host::grant_encoding_support(encodings_granted);
+        return host::Module::load(
+            SXML_BUILD_DIR "/lib/sxml.so",
+            {named("Q4ParseXFD", parse_xfd), named("Q4XFDFree", free_xfd),
+             named("Q4TestCOBOLCond", test_condition), named("Qconvert", convert)});
+    }();
+    return loaded;
+}
+
+void ModuleTest::SetUp() {
+    setenv("SOURCE_DATE_EPOCH", "1795003200", 1);  // 2026-11-18
+    folder_ = (std::filesystem::temp_directory_path() / "sxml-module-XXXXXX").string();
+    ASSERT_NE(mkdtemp(folder_.data()), nullptr);
+    names_looked_up.clear();
+    refuse_lookups(0);
+    module();
+}
+
+void ModuleTest::TearDown() {
+    for (const char* setting : settings_) host::set_config(setting, std::nullopt);
+    descriptions.clear();
+    std::filesystem::remove_all(folder_);
+    EXPECT_TRUE(host::live_blocks().empty()) << host::leak_report();
+    EXPECT_EQ(descriptions_out, 0);
+    EXPECT_EQ(host::damaged_blocks(), 0U);
+}
+
+void ModuleTest::set(const char* setting, const char* value) {
+    settings_.push_back(setting);
+    const auto text = value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+    ASSERT_TRUE(host::set_config(setting, text)) << setting;
+}
+
+void ModuleTest::describe(const std::string& name, Xfd* xfd) {
+    descriptions[host_xfd_name(name.c_str())] = xfd;
+}
+
+const std::vector<std::string>& ModuleTest::lookups() {
+    return names_looked_up;
+}
+
+void ModuleTest::refuse_lookups(int count) {
+    lookups_refused = count;
+}
+
+std::string ModuleTest::document(Xfd* xfd, const std::vector<std::string>& records) {
+    const std::string name = path("out.xml");
+    describe(name, xfd);
+    XmlFile* const file = module().open(name.c_str(), XML_OPEN_OUTPUT);
+    if (file == nullptr) return "(not opened)";
+    for (const std::string& record : records) {
+        const std::uint64_t before = host::allocation_count();
+        EXPECT_EQ(module().write(file, record.data(), static_cast<std::uint32_t>(record.size())),
+                  1);
+        EXPECT_EQ(*host_file_error(), HOST_FILE_OK);
+        EXPECT_EQ(host::allocation_count(), before);
+    }
+    EXPECT_EQ(module().close(file), 0);
+    return read(name);
+}
+
+std::string ModuleTest::elements(Xfd* xfd, const std::vector<std::string>& records) {
+    set("SXML_CREATE_STYLE", "NONE");
+    const std::string text = document(xfd, records);
+    const std::string start_tag = "<" + std::string(xfd->name) + ">\r\n";
+    const std::size_t start = text.find(start_tag);
+    const std::size_t end = text.rfind("</" + std::string(xfd->name));
+    if (start == std::string::npos || end == std::string::npos) return text;
+    const std::size_t first = start + start_tag.size();
+    return text.substr(first, end - first);
+}
+
+void ModuleTest::expect_file(const std::string& actual, const std::string& expected_file) {
+    std::string expected = read(SXML_SOURCE_DIR "/tests/module/expected/" + expected_file);
+    replace_all(expected, "@VERSION@", SXML_VERSION_LABEL);
+    EXPECT_EQ(actual, expected) << expected_file;
+}
+
+std::string ModuleTest::read(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    EXPECT_TRUE(stream.good()) << file;
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+void ModuleTest::expect_valid(const std::string& judge_arguments) {
+    const std::string command = "xmllint --noout --nonet " + judge_arguments;
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+}

@@ -1,0 +1,47 @@
+// The module behind its dispatch table, on the embedded host, with the host functions handed over
+// by name replaced by small ones that a test can steer and ask.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/errors.h"
+#include "host/runtime/module.h"
+#include "tests/support/xfd_builder.h"
+
+class ModuleTest : public ::testing::Test {
+  protected:
+    // Encoding support is granted or refused once, when the process loads the module.
+    static bool encodings_granted;
+
+    void SetUp() override;
+    void TearDown() override;  // fails when blocks are live or descriptions not given back
+
+    const host::Module& module();
+    std::string path(std::string_view file) const { return folder_ + "/" + std::string(file); }
+    void set(const char* setting, const char* value);
+    // What is found under the name of a data file.
+    void describe(const std::string& name, Xfd* xfd);
+    // The names under which descriptions were looked for.
+    static const std::vector<std::string>& lookups();
+    // Makes the next lookups find nothing.
+    static void refuse_lookups(int count);
+
+    // Opens for output, writes the records, closes. Result: the document.
+    std::string document(Xfd* xfd, const std::vector<std::string>& records);
+    // The same with no description of the data, and without declaration, banner and end tag.
+    std::string elements(Xfd* xfd, const std::vector<std::string>& records);
+
+    // Compares with a file of tests/module/expected, in which @VERSION@ stands for the label.
+    static void expect_file(const std::string& actual, const std::string& expected_file);
+    static std::string read(const std::string& file);
+    static void expect_valid(const std::string& judge_arguments);
+
+  private:
+    std::string folder_;
+    std::vector<const char*> settings_;
+};
