@@ -28,6 +28,7 @@
 #include <stdint.h>
 
 #include "fsi/xml/elements/error_codes.h"
+#include "fsi/xml/xml_parser_api.h"
 #include "host/text_span.h"
 
 /* A piece of text: pointer, length in bytes, host encoding code. */

@@ -1,0 +1,189 @@
+#include <cstring>
+
+#include "fsi/xml/handlers/handlers.h"
+#include "fsi/xml/handlers/latin1.h"
+#include "fsi/xml/handlers/trace_message.h"
+#include "fsi/xml/xml_api.h"
+#include "host/errors.h"
+#include "host/memory.h"
+#include "host/strings.h"
+
+namespace {
+
+// Shorter character data of ISO-8859-1 documents is converted without an allocation.
+constexpr std::size_t SHORT_TEXT = 100;
+
+void trace_start(const char* name, const char* const* attributes) {
+    trace_message(1, 8, "start_element: '%s' %s attributes", name,
+                  attributes[0] ? "with" : "without");
+    for (; attributes[0]; attributes += 2)
+        trace_message(0, 8, " '%s': '%s'", attributes[0], attributes[1]);
+}
+
+// The name under which an element is stored, in a tracked block; null when memory is exhausted.
+char* stored_name(const XmlParser& parser, const char* name) {
+    char* copy = host_strdup(name, HANDLERS_SOURCE, __LINE__);
+    if (!copy) return nullptr;
+    const std::uint32_t mode = parser.flags & XMLOPT_NAME_MODE;
+    if (mode == XML_NAME_LOWER_UNDERSCORE) host_convert_case(copy, -3, HOST_NAME_LOWER_CASE);
+    if (mode == XML_NAME_LOWER_UNDERSCORE || mode == XML_NAME_UNDERSCORE)
+        host_convert_case(copy, -3, HOST_NAME_UNDERSCORES);
+    if (stores_latin1(parser)) utf8_to_latin1(copy);
+    return copy;
+}
+
+// Creates the element that starts, below the innermost open one. 0 when memory is exhausted, and
+// also when somebody released the tree under the parser: a second tree would belong to nobody.
+std::uint32_t new_element(const XmlParser& parser, const char* name) {
+    if (parser.root && !xml_is_element(parser.current)) return 0;
+    return xml_add_child(parser.current, name);
+}
+
+bool add_latin1_attribute(std::uint32_t element, const char* name, const char* value) {
+    char* name_copy = latin1_copy(name, std::strlen(name), "Temporary data buffer");
+    char* value_copy = latin1_copy(value, std::strlen(value), "Temporary data buffer");
+    const bool added = name_copy && value_copy && xml_add_attribute(element, name_copy, value_copy);
+    host_free(name_copy, HANDLERS_SOURCE, __LINE__, 0);
+    host_free(value_copy, HANDLERS_SOURCE, __LINE__, 0);
+    return added;
+}
+
+bool add_attributes(const XmlParser& parser, std::uint32_t element, const char* const* attributes) {
+    for (; attributes[0]; attributes += 2) {
+        const bool added = stores_latin1(parser)
+                               ? add_latin1_attribute(element, attributes[0], attributes[1])
+                               : xml_add_attribute(element, attributes[0], attributes[1]) != 0;
+        if (!added) return false;
+    }
+    return true;
+}
+
+// Hands the comments kept so far to an element.
+void give_comments(XmlParser& parser, std::uint32_t element) {
+    if (!parser.pending_comments || !host_string_length(parser.pending_comments)) return;
+    xml_add_comment(element, host_string_text(parser.pending_comments));
+    host_string_clear(parser.pending_comments);
+}
+
+// Lets the caller of the driver go on before Expat delivers more.
+void suspend(const XmlParser& parser) {
+    if (parser.state & XMLPS_STEPWISE) XML_StopParser(parser.expat, XML_TRUE);
+}
+
+// Drops the white space around the data of the element that ends.
+void trim_value(const XmlParser& parser, const char* data, std::uint64_t length) {
+    const std::int32_t encoding = text_encoding(parser);
+    const HostTextSpan span{data, length, encoding};
+    std::uint64_t start = 0;
+    std::uint64_t end = length;
+    host_trim_span(&span, &start, &end);
+    if (start == 0 && end == length) return;
+    // The data is the element's own text; shortening it in place is what the element allows.
+    std::memmove(const_cast<char*>(data), data + start, end - start);
+    xml_set_element_value(parser.current, data, static_cast<std::int64_t>(end - start), encoding);
+}
+
+bool append_latin1(const XmlParser& parser, const char* text, std::size_t length) {
+    if (length < SHORT_TEXT) {
+        char copy[SHORT_TEXT];
+        std::memcpy(copy, text, length);
+        copy[length] = '\0';
+        const std::size_t stored = utf8_to_latin1(copy);
+        return xml_append_element_value(parser.current, copy, static_cast<std::int64_t>(stored),
+                                        parser.input_encoding) != 0;
+    }
+    char* copy = latin1_copy(text, length, "Temporary data buffer");
+    if (!copy) return false;
+    const bool appended =
+        xml_append_element_value(parser.current, copy, -1, parser.input_encoding) != 0;
+    host_free(copy, HANDLERS_SOURCE, __LINE__, 0);
+    return appended;
+}
+
+// The end of start_element when something could not be stored.
+void start_failed(XmlParser& parser, char* name, const char* why) {
+    host_free(name, HANDLERS_SOURCE, __LINE__, 0);
+    stop_out_of_memory(parser);
+    if (host_trace_on) host_trace(-1, 8, "%s", why);
+}
+
+}  // namespace
+
+void stop_out_of_memory(XmlParser& parser) {
+    *host_file_error() = HOST_FILE_NO_MEMORY;
+    parser.state |= XMLPS_OUT_OF_MEMORY;
+    XML_StopParser(parser.expat, XML_FALSE);
+}
+
+void start_element(void* expat, const char* name, const char** attributes) {
+    XmlParser& parser = parser_of(expat);
+    if (stopped(parser)) return;
+    if (host_trace_on) trace_start(name, attributes);
+    char* stored = stored_name(parser, name);
+    ++parser.depth;
+    const std::uint32_t element = stored ? new_element(parser, stored) : 0;
+    if (!element) return start_failed(parser, stored, "Leaving, no memory for element info");
+    // The tree must own the element before anything else can fail.
+    const bool is_root = parser.root == 0;
+    if (is_root) parser.root = element;
+
+    if (!add_attributes(parser, element, attributes))
+        return start_failed(parser, stored, "Leaving, no memory for element info");
+    give_comments(parser, element);
+    if (!parser.element_hash)
+        host_free(stored, HANDLERS_SOURCE, __LINE__, 0);
+    else if (!add_to_element_hash(parser.element_hash, element, stored))
+        return start_failed(parser, stored, "Leaving, no memory for hash");
+    parser.current = element;
+
+    if (parser.depth == 2) parser.state |= XMLPS_RECORD_STARTED;
+    if (is_root) suspend(parser);
+    if (host_trace_on) host_trace(-1, 8, "Leaving");
+}
+
+void end_element(void* expat, const char* name) {
+    XmlParser& parser = parser_of(expat);
+    if (stopped(parser)) return;
+    std::uint64_t length = 0;
+    const char* data = xml_element_value(parser.current, &length);
+    if (host_trace_on) trace_message(1, 8, "end_element: '%s'", name);
+    if (parser.depth == 0) {
+        if (host_trace_on) host_trace(-1, 8, "Leaving, element depth == 0");
+        return;
+    }
+    give_comments(parser, parser.current);
+    if (data && length > 0) trim_value(parser, data, length);
+    parser.current = xml_parent(parser.current);
+    --parser.depth;
+    if (parser.depth == 1) suspend(parser);
+    if (host_trace_on) host_trace(-1, 8, "Leaving");
+}
+
+void char_data(void* expat, const char* text, int length) {
+    XmlParser& parser = parser_of(expat);
+    if (stopped(parser)) return;
+    const auto size = static_cast<std::size_t>(length);
+    if (host_trace_on) {
+        trace_message(1, 9, "char data of length %d", length);
+        if (host_trace_on >= 9) host_trace_dump(0, 0, text, size);
+    }
+    const bool appended =
+        stores_latin1(parser)
+            ? append_latin1(parser, text, size)
+            : xml_append_element_value(parser.current, text, length, text_encoding(parser)) != 0;
+    // Without the element handlers there is no element to take the data.
+    if (!appended && parser.current) stop_out_of_memory(parser);
+    if (host_trace_on) host_trace(-1, 9, "Leaving");
+}
+
+void start_cdata(void*) {
+    if (!host_trace_on) return;
+    host_trace(1, 9, "start cdata section");
+    host_trace(-1, 9, "Leaving");
+}
+
+void end_cdata(void*) {
+    if (!host_trace_on) return;
+    host_trace(1, 9, "end cdata section");
+    host_trace(-1, 9, "Leaving");
+}

@@ -1,0 +1,88 @@
+#include "fsi/xml/parsexml/document_text.h"
+
+#include <strings.h>
+
+#include <initializer_list>
+#include <string_view>
+
+#include "fsi/xml/elements/element.h"
+#include "host/arrays.h"
+#include "host/strings.h"
+
+namespace {
+
+bool is_ascii(std::uint32_t string) {
+    if (!string) return true;
+    const std::string_view text(host_string_text(string), host_string_length(string));
+    for (const char c : text)
+        if (static_cast<unsigned char>(c) >= 0x80) return false;
+    return true;
+}
+
+bool element_is_ascii(const XmlElement& element) {
+    if (!is_ascii(element.name) || !is_ascii(element.value) || !is_ascii(element.comments))
+        return false;
+    const std::uint32_t count = host_array_count(element.attributes);
+    for (std::uint32_t i = 0; i < count; ++i)
+        if (!is_ascii(element.attributes[i].name) || !is_ascii(element.attributes[i].value))
+            return false;
+    return true;
+}
+
+// The element after `element` in document order, below `top`; 0 after the last.
+std::uint32_t next_element(std::uint32_t element, std::uint32_t top) {
+    if (const HostListNode* child = first_child_node(*element_of(element))) return child->value;
+    while (element != top) {
+        const XmlElement& passed = *element_of(element);
+        if (passed.sibling_node && passed.sibling_node->next)
+            return passed.sibling_node->next->value;
+        element = passed.parent;
+    }
+    return 0;
+}
+
+bool tree_is_ascii(std::uint32_t root) {
+    if (!xml_is_element(root)) return true;
+    for (std::uint32_t element = root; element; element = next_element(element, root))
+        if (!element_is_ascii(*element_of(element))) return false;
+    return true;
+}
+
+bool prologue_is_ascii(const XmlParser& parser) {
+    for (const std::uint32_t string :
+         {parser.top_comments, parser.doctype_name, parser.doctype_internal, parser.doctype_pubid,
+          parser.doctype_sysid})
+        if (!is_ascii(string)) return false;
+    const std::uint32_t count = host_array_count(parser.pis);
+    for (std::uint32_t i = 0; i < count; ++i)
+        if (!is_ascii(parser.pis[i].target) || !is_ascii(parser.pis[i].data)) return false;
+    return true;
+}
+
+bool begins_with(const char* name, std::string_view prefix) {
+    return strncasecmp(name, prefix.data(), prefix.size()) == 0;
+}
+
+// True for names of encodings in which markup is not written with one byte per character.
+bool names_wide_units(const char* name) {
+    for (const char* prefix : {"utf-16", "utf-32", "iso-10646-ucs", "ucs-"})
+        if (begins_with(name, prefix)) return true;
+    return false;
+}
+
+}  // namespace
+
+bool document_is_ascii(const XmlParser& parser) {
+    return prologue_is_ascii(parser) && tree_is_ascii(parser.root);
+}
+
+const char* written_encoding(const XmlParser& parser) {
+    const char* name = parser.encoding_name;
+    const bool usable = !name || !names_wide_units(name);
+    const bool was_read = parser.expat != nullptr;
+    // Only its maker knows what a document is in that was not read.
+    if (!was_read) return usable ? name : "UTF-8";
+    const char* actual = stores_latin1(parser) ? "ISO-8859-1" : "UTF-8";
+    if (strcasecmp(name ? name : "UTF-8", actual) == 0) return name;
+    return usable && document_is_ascii(parser) ? name : actual;
+}

@@ -1,0 +1,28 @@
+// Reading a document record by record: a record is a child of the document element.
+#include "fsi/xml/handlers/parse_driver.h"
+#include "fsi/xml/parsexml/parser_handle.h"
+#include "fsi/xml/xml_api.h"
+#include "host/errors.h"
+
+std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
+    XmlParserInfo* info = lookup_parser_info(handle);
+    if (!info) return 0;
+    XmlParser* parser = info->parser;
+    std::int16_t& error = *host_file_error();
+    error = HOST_FILE_OK;
+    if (parser->element_hash) host_hash_clear(parser->element_hash, PARSEXML_SOURCE, __LINE__, 0);
+
+    // A record that is an empty-element tag starts and ends at once, so the depth alone does not
+    // show that there was one.
+    parser->state &= ~std::uint32_t{XMLPS_RECORD_STARTED};
+    do {
+        parse_to_next_gt(parser, info->stream);
+    } while (error == HOST_FILE_OK && parser->depth == 1 &&
+             !(parser->state & XMLPS_RECORD_STARTED));
+    if (!(parser->state & XMLPS_RECORD_STARTED)) {
+        if (error == HOST_FILE_OK) error = HOST_FILE_END;
+        return 0;
+    }
+    while (error == HOST_FILE_OK && parser->depth >= 2) parse_to_next_gt(parser, info->stream);
+    return 1;
+}

@@ -1,0 +1,47 @@
+// What a parser has collected of elements: the tree, the element hash, the content models.
+#include "fsi/xml/elements/element.h"
+#include "fsi/xml/parsexml/parser_handle.h"
+#include "fsi/xml/xml_api.h"
+
+std::uint32_t xml_parser_root(std::uint32_t handle) {
+    const XmlParser* parser = lookup_parser(handle);
+    return parser ? parser->root : 0;
+}
+
+std::uint32_t xml_parser_current(std::uint32_t handle) {
+    const XmlParser* parser = lookup_parser(handle);
+    return parser ? parser->current : 0;
+}
+
+HostTable* xml_parser_models(std::uint32_t handle) {
+    const XmlParser* parser = lookup_parser(handle);
+    return parser ? parser->models : nullptr;
+}
+
+HostNameIndex* xml_parser_element_hash(std::uint32_t handle) {
+    const XmlParser* parser = lookup_parser(handle);
+    return parser ? parser->element_hash : nullptr;
+}
+
+std::uint32_t xml_parser_new_root(std::uint32_t handle, const char* name) {
+    XmlParser* parser = lookup_parser(handle);
+    if (!parser) return 0;
+    if (parser->root) {
+        set_parser_error(XMLERR_HAS_TOP_LEVEL);
+        return 0;
+    }
+    parser->root = xml_add_child(0, name);
+    return parser->root;
+}
+
+std::uint32_t xml_element_parser(std::uint32_t element) {
+    if (!element || !next_parser_handle(0) || !xml_is_element(element)) return 0;
+    std::uint32_t top = element;
+    while (const std::uint32_t parent = element_of(top)->parent) top = parent;
+    for (std::uint32_t handle = next_parser_handle(0); handle;
+         handle = next_parser_handle(handle)) {
+        const XmlParser* parser = lookup_parser(handle);
+        if (parser && parser->root == top) return handle;
+    }
+    return 0;
+}
