@@ -1,0 +1,13 @@
+// Where record descriptions and what they copy are looked for.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace records {
+
+// The folders of SXML_PATH, separated by colons, an empty one being the current folder; empty when
+// the variable is not set.
+std::vector<std::string> search_path();
+
+}  // namespace records
