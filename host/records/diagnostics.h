@@ -35,12 +35,16 @@ class Diagnostics {
     bool has_errors() const { return errors_ > 0; }
     const std::vector<Diagnostic>& all() const { return all_; }
     // "file:line:column: error: message", the source line and a caret below it, for each; texts
-    // without a place are "error: message". Errors past the hundredth are only counted.
+    // without a place are "error: message". Errors past the hundredth are only counted, and so are
+    // warnings.
     std::string text() const;
 
   private:
+    void add(Severity severity, Place place, std::string message);
+
     std::vector<Diagnostic> all_;
     int errors_ = 0;
+    int warnings_ = 0;
 };
 
 }  // namespace records

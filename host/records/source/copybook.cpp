@@ -1,0 +1,184 @@
+#include "host/records/copybook.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/records/source/copy_library.h"
+#include "host/records/source/entry_parser.h"
+#include "host/records/source/program_structure.h"
+#include "host/records/source/record_builder.h"
+#include "host/records/source/text_case.h"
+#include "host/records/source/text_manipulation.h"
+
+namespace records {
+
+namespace {
+
+// "CUST-REC" from "copy/cust_rec.cpy": what a record is called that the source does not name.
+std::string implied_record_name(const std::string& file) {
+    std::string name = file.substr(file.rfind('/') + 1);
+    name = to_upper(name.substr(0, name.find('.')));
+    for (char& c : name) {
+        if (!is_letter(c) && !is_digit(c)) c = '-';
+    }
+    const std::size_t start = name.find_first_not_of('-');
+    if (start == std::string::npos) return "RECORD";
+    return name.substr(start, name.find_last_not_of('-') + 1 - start);
+}
+
+class Compilation {
+  public:
+    Compilation(const CopybookOptions& options, Diagnostics& diagnostics)
+        : options_(options),
+          diagnostics_(diagnostics),
+          context_{sources_, diagnostics, false, '$', {}} {}
+
+    std::optional<RecordSource> parse(std::string text, const std::string& name) {
+        source_.file = name;
+        TextManipulator manipulator(options_, sources_, arena_, diagnostics_);
+        const auto file = make_source_file(name, std::move(text), options_.tab_width);
+        tokens_ = make_tokens(manipulator.expand(file), arena_);
+        structure_ = find_structure(tokens_, context_);
+        source_.decimal_point_is_comma = context_.decimal_point_is_comma;
+        source_.currency = context_.currency;
+        const bool found = options_.fd.empty() ? take_only_choice() : take_chosen();
+        if (!found) {
+            report_broken();
+            return std::nullopt;
+        }
+        if (!source_.records.empty()) return std::move(source_);
+        if (!diagnostics_.has_errors()) fail("there is no data description in it");
+        return std::nullopt;
+    }
+
+  private:
+    using Kind = RecordArea::Kind;
+
+    bool fail(std::string message) {
+        diagnostics_.error(sources_.place({0, 0, 0}), std::move(message));
+        return false;
+    }
+
+    void take(TokenRange range) {
+        TokenCursor cursor(tokens_, range.begin, range.end);
+        const std::string& file = *sources_.file(0).name;
+        RecordBuilder builder(source_.records, implied_record_name(file), context_);
+        while (!cursor.at_end()) {
+            if (auto entry = parse_entry(cursor, context_)) builder.add(std::move(*entry));
+        }
+    }
+
+    // Text that could not be read matters once what was wanted cannot be found.
+    void report_broken() {
+        for (const Token& token : tokens_) {
+            if (token.kind == WordKind::broken) context_.error(token, {});
+        }
+    }
+
+    bool take_chosen() {
+        const std::string wanted = to_upper(options_.fd);
+        for (const RecordArea& area : structure_.areas) {
+            if (area.kind != Kind::file || area.name != wanted) continue;
+            source_.name = area.name;
+            take(area.tokens);
+            return true;
+        }
+        for (const RecordArea& area : structure_.areas) {
+            for (const RecordSpan& record : area.records) {
+                if (record.name != wanted) continue;
+                take(record.tokens);
+                return true;
+            }
+        }
+        const std::string names = all_names();
+        return fail("there is no FD or record " + wanted +
+                    (names.empty() ? std::string() : "; there are " + names));
+    }
+
+    // Without a choice: the only FD; in a bare copybook all records; in a program without files its
+    // only record.
+    bool take_only_choice() {
+        const auto is_file = [](const RecordArea& area) { return area.kind == Kind::file; };
+        const auto& areas = structure_.areas;
+        const auto files = std::count_if(areas.begin(), areas.end(), is_file);
+        if (files == 1) {
+            const auto area = std::find_if(areas.begin(), areas.end(), is_file);
+            source_.name = area->name;
+            take(area->tokens);
+            return true;
+        }
+        if (files > 1) return fail("there are several FDs, choose one: " + all_names());
+        if (!structure_.is_program) {
+            take(areas.front().tokens);
+            return true;
+        }
+        return take_only_record();
+    }
+
+    bool take_only_record() {
+        const RecordSpan* only = nullptr;
+        std::size_t count = 0;
+        for (const RecordArea& area : structure_.areas) {
+            for (const RecordSpan& record : area.records) {
+                only = &record;
+                ++count;
+            }
+        }
+        if (count == 0) return fail("there is no data description in it");
+        if (count > 1) {
+            return fail("there is no FD but several records, choose one: " + all_names());
+        }
+        take(only->tokens);
+        return true;
+    }
+
+    // The FDs, or when there are none the records.
+    std::string all_names() const {
+        std::string names;
+        const auto add = [&names](const std::string& name) {
+            if (name.empty() || names.size() > 2000) return;
+            names += (names.empty() ? "" : ", ") + name;
+        };
+        for (const RecordArea& area : structure_.areas) {
+            if (area.kind == Kind::file) add(area.name);
+        }
+        if (!names.empty() && options_.fd.empty()) return names;
+        for (const RecordArea& area : structure_.areas) {
+            for (const RecordSpan& record : area.records) add(record.name);
+        }
+        return names;
+    }
+
+    const CopybookOptions& options_;
+    Diagnostics& diagnostics_;
+    SourceSet sources_;
+    TextArena arena_;
+    std::vector<Token> tokens_;
+    ParseContext context_;
+    ProgramStructure structure_;
+    RecordSource source_;
+};
+
+}  // namespace
+
+std::optional<RecordSource> parse_copybook_file(const std::string& file,
+                                                const CopybookOptions& options,
+                                                Diagnostics& diagnostics) {
+    std::string why;
+    auto text = read_text_file(file, why);
+    if (!text) {
+        Place place;
+        place.file = std::make_shared<const std::string>(file);
+        diagnostics.error(std::move(place), "cannot read the file: " + why);
+        return std::nullopt;
+    }
+    return Compilation(options, diagnostics).parse(std::move(*text), file);
+}
+
+std::optional<RecordSource> parse_copybook_text(std::string_view text, const std::string& name,
+                                                const CopybookOptions& options,
+                                                Diagnostics& diagnostics) {
+    return Compilation(options, diagnostics).parse(std::string(text), name);
+}
+
+}  // namespace records

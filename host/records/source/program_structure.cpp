@@ -1,0 +1,184 @@
+#include "host/records/source/program_structure.h"
+
+#include <string_view>
+#include <utility>
+
+#include "host/records/source/directives.h"
+#include "host/records/source/entry_parser.h"
+#include "host/records/source/literals.h"
+#include "host/records/source/text_case.h"
+#include "host/records/source/value_clause.h"
+
+namespace records {
+
+namespace {
+
+bool is_division(std::string_view word) {
+    return word == "IDENTIFICATION" || word == "ID" || word == "ENVIRONMENT" || word == "DATA";
+}
+
+class StructureFinder {
+  public:
+    StructureFinder(const std::vector<Token>& tokens, ParseContext& context)
+        : cursor_(tokens, 0, tokens.size()), tokens_(tokens), context_(context) {}
+
+    ProgramStructure find() {
+        open_area(RecordArea::Kind::copybook, {}, 0);
+        while (!cursor_.at_end()) read_sentence();
+        close_area(tokens_.size());
+        return std::move(structure_);
+    }
+
+  private:
+    enum class Mode { data, other };  // may entries stand here?
+
+    void read_sentence() {
+        const std::size_t begin = cursor_.index();
+        skip_directives(cursor_);
+        if (cursor_.at_end()) return;
+        if (cursor_.at_word("DIVISION", 1) && is_division(cursor_.peek().text)) {
+            enter_division(begin);
+        } else if (cursor_.at_word("SECTION", 1)) {
+            enter_section(begin);
+        } else if (mode_ == Mode::data) {
+            read_data_sentence(begin);
+        } else {
+            read_special_names();
+        }
+        skip_sentence();
+    }
+
+    void enter_division(std::size_t begin) {
+        structure_.is_program = true;
+        close_area(begin);
+        mode_ = cursor_.at_word("DATA") ? Mode::data : Mode::other;
+        cursor_.advance();
+        cursor_.advance();
+    }
+
+    void enter_section(std::size_t begin) {
+        structure_.is_program = true;
+        close_area(begin);
+        const std::string& name = cursor_.peek().text;
+        const bool is_storage =
+            name == "WORKING-STORAGE" || name == "LINKAGE" || name == "LOCAL-STORAGE";
+        mode_ = is_storage || name == "FILE" ? Mode::data : Mode::other;
+        cursor_.advance();
+        cursor_.advance();
+        skip_sentence();
+        if (is_storage) open_area(RecordArea::Kind::storage, {}, cursor_.index());
+        went_on_ = true;
+    }
+
+    void read_data_sentence(std::size_t begin) {
+        if ((cursor_.at_word("FD") || cursor_.at_word("SD")) && cursor_.at(WordKind::word, 1)) {
+            enter_file(begin);
+            return;
+        }
+        if (define_constant(cursor_, context_)) return;
+        const int level = level_number(cursor_.peek());
+        if (level == 0 || !area_open_) return;
+        RecordArea& area = structure_.areas.back();
+        if (level == 1 || level == 77) {
+            close_record(begin);
+            const Token& name = cursor_.peek(1);
+            const bool named = name.kind == WordKind::word && name.text != "FILLER";
+            area.records.push_back({named ? name.text : std::string(), {begin, 0}});
+        } else if (area.records.empty() && level <= 49) {
+            area.records.push_back({{}, {begin, 0}});
+        }
+        cursor_.advance();
+    }
+
+    void enter_file(std::size_t begin) {
+        close_area(begin);
+        open_area(RecordArea::Kind::file, cursor_.peek(1).text, begin);
+        cursor_.advance();
+        cursor_.advance();
+        skip_sentence();
+        structure_.areas.back().tokens.begin = cursor_.index();
+        went_on_ = true;
+    }
+
+    // DECIMAL-POINT IS COMMA and CURRENCY SIGN IS literal, wherever they stand in the sentence.
+    void read_special_names() {
+        while (!cursor_.at_end() && !cursor_.at(WordKind::period)) {
+            if (cursor_.take_word("DECIMAL-POINT")) {
+                cursor_.take_word("IS");
+                if (cursor_.at_word("COMMA")) context_.decimal_point_is_comma = true;
+            } else if (cursor_.take_word("CURRENCY")) {
+                read_currency();
+            } else if (cursor_.at_word("DIVISION", 1) || cursor_.at_word("SECTION", 1)) {
+                went_on_ = true;
+                return;
+            } else {
+                cursor_.advance();
+            }
+        }
+    }
+
+    void read_currency() {
+        cursor_.take_word("SIGN");
+        cursor_.take_word("IS");
+        if (!cursor_.at(WordKind::literal)) return;
+        std::string why;
+        Token sign = cursor_.peek();
+        for (std::size_t ahead = 1; ahead <= 3; ++ahead) {
+            if (cursor_.at_word("SYMBOL", ahead) && cursor_.at(WordKind::literal, ahead + 1)) {
+                sign = cursor_.peek(ahead + 1);
+            }
+        }
+        const auto literal = read_quoted_literal(sign.text, why);
+        if (literal && literal->value.size() == 1) {
+            context_.currency = upper(literal->value.front());
+        } else {
+            context_.error(sign, "expected one character as the currency sign");
+        }
+    }
+
+    // To behind the period, or to where the next sentence seems to begin without one.
+    void skip_sentence() {
+        if (std::exchange(went_on_, false)) return;
+        while (!cursor_.at_end()) {
+            if (cursor_.take(WordKind::period)) return;
+            const bool is_new_line = cursor_.peek().first_on_line;
+            if (is_new_line && (cursor_.at_word("FD") || cursor_.at_word("SD"))) return;
+            if (is_new_line && mode_ == Mode::data && looks_like_entry(cursor_)) return;
+            if (cursor_.at_word("SECTION", 1) || cursor_.at_word("DIVISION", 1)) return;
+            cursor_.advance();
+        }
+    }
+
+    void open_area(RecordArea::Kind kind, std::string name, std::size_t begin) {
+        structure_.areas.push_back({kind, std::move(name), {begin, begin}, {}});
+        area_open_ = true;
+    }
+
+    void close_record(std::size_t end) {
+        if (!area_open_ || structure_.areas.back().records.empty()) return;
+        structure_.areas.back().records.back().tokens.end = end;
+    }
+
+    void close_area(std::size_t end) {
+        if (!area_open_) return;
+        close_record(end);
+        structure_.areas.back().tokens.end = end;
+        area_open_ = false;
+    }
+
+    TokenCursor cursor_;
+    const std::vector<Token>& tokens_;
+    ParseContext& context_;
+    ProgramStructure structure_;
+    Mode mode_ = Mode::data;
+    bool area_open_ = false;
+    bool went_on_ = false;  // the sentence has been passed already
+};
+
+}  // namespace
+
+ProgramStructure find_structure(const std::vector<Token>& tokens, ParseContext& context) {
+    return StructureFinder(tokens, context).find();
+}
+
+}  // namespace records
