@@ -13,20 +13,21 @@ namespace records {
 // Floating-point fields of any magnitude are held as their shortest decimal form.
 struct Decimal {
     static constexpr int MAX_DIGITS = 400;
-    std::array<std::uint8_t, MAX_DIGITS> digits{};  // values 0 to 9
-    int count = 0;                                  // digits in use; 0 means zero
-    int scale = 0;                                  // power of ten of the last digit
-    bool negative = false;                          // may be set on zero
+    std::array<std::uint8_t, MAX_DIGITS> digits;  // values 0 to 9; only the first `count` are set
+    int count = 0;                                // digits in use; 0 means zero
+    int scale = 0;                                // power of ten of the last digit
+    bool negative = false;                        // may be set on zero
 };
 
 // Reads the number in a numeric field (data.address set, type one of the numeric FieldType codes).
 // Never reads outside the field. False when the field holds no valid number; `out` is then what the
-// defined repair gives (see docs/copybooks.md) and one data exception is counted.
+// defined repair gives (see docs/numbers.md) and one data exception is counted.
 bool decode_field(const XfdDataDesc& data, Decimal& out);
 
 // Stores a number in a numeric field, cutting decimals that do not fit and keeping the low-order
 // digits when there are too many. False (and one data exception counted) when high-order digits
-// were lost.
+// or the sign of a number other than zero were lost, or when the descriptor is of no numeric field
+// (nothing is then stored).
 bool encode_field(const Decimal& number, const XfdDataDesc& data);
 
 // Reads a number from text: blanks around, sign, digits, decimal point, exponent. False (and one
