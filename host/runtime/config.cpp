@@ -29,7 +29,7 @@ constexpr std::string_view OWN_PREFIX = "SXML_";
 // shell, which a name with a leading digit cannot.
 constexpr const char* COLUMN_CASE = "4GL_COLUMN_CASE";
 constexpr const char* COLUMN_CASE_ALIAS = "SXML_COLUMN_CASE";
-constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS, "SXML_PATH"};
+constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS, "SXML_PATH", "SXML_FD"};
 // Read from the environment when the process starts: in a settings file they come too late.
 constexpr const char* ENVIRONMENT_ONLY[] = {"SXML_CONFIG", "SXML_TRACE", "SXML_TRACE_FILE",
                                             "SXML_HOST_LEAKS", "SXML_MODULE"};
