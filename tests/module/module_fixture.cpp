@@ -146,7 +146,7 @@ std::string ModuleTest::document(Xfd* xfd, const std::vector<std::string>& recor
 
 std::string ModuleTest::elements(Xfd* xfd, const std::vector<std::string>& records) {
     set("SXML_CREATE_STYLE", "NONE");
-    const std::string text = document(xfd, records);
+    std::string text = document(xfd, records);
     const std::string start_tag = "<" + std::string(xfd->name) + ">\r\n";
     const std::size_t start = text.find(start_tag);
     const std::size_t end = text.rfind("</" + std::string(xfd->name));

@@ -8,8 +8,6 @@
 
 namespace {
 
-using std::string_view_literals::operator""sv;
-
 // A piece of text as a byte range.
 struct Range {
     const char* begin;
@@ -26,15 +24,15 @@ std::uint64_t write_items(HostStream* output, const char* begin, const char* end
 constexpr std::string_view markup_entity(std::uint32_t character) {
     switch (character) {
         case '<':
-            return "&lt;"sv;
+            return "&lt;";
         case '>':
-            return "&gt;"sv;
+            return "&gt;";
         case '&':
-            return "&amp;"sv;
+            return "&amp;";
         case '\'':
-            return "&apos;"sv;
+            return "&apos;";
         case '"':
-            return "&quot;"sv;
+            return "&quot;";
         default:
             return {};
     }

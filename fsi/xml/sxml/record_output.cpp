@@ -5,6 +5,22 @@
 
 #include "fsi/xml/sxml/xml_output.h"
 
+namespace {
+
+constexpr std::size_t GROWTH = 2;  // a line feed becomes two bytes
+constexpr std::size_t LONGEST_RUN = 512;
+
+// Copies a text, each line feed in it as a line end. Result: behind its last byte.
+char* put(char* at, std::string_view text) {
+    for (const char character : text) {
+        if (character == '\n') *at++ = '\r';
+        *at++ = character;
+    }
+    return at;
+}
+
+}  // namespace
+
 RecordOutput::RecordOutput(HostStream* stream, std::int32_t encoding)
     : stream_(stream), encoding_(encoding), start_(host_ftell(stream)) {}
 
@@ -15,8 +31,14 @@ void RecordOutput::flush() {
     used_ = 0;
 }
 
-void RecordOutput::make_room(std::size_t size) {
+// Where up to `size` bytes may be put; keep_to then says where they end.
+char* RecordOutput::room_for(std::size_t size) {
     if (size > CAPACITY - used_) flush();
+    return bytes_ + used_;
+}
+
+void RecordOutput::keep_to(const char* end) {
+    used_ = static_cast<std::size_t>(end - bytes_);
 }
 
 void RecordOutput::go_back(std::uint32_t position) {
@@ -32,29 +54,34 @@ void RecordOutput::go_back(std::uint32_t position) {
 
 void RecordOutput::write(std::string_view text) {
     while (!text.empty()) {
-        // A line feed grows into two bytes.
-        const std::string_view run = {text.data(), std::min(text.size(), CAPACITY / 2)};
-        make_room(2 * run.size());
-        for (const char character : run) {
-            if (character == '\n') bytes_[used_++] = '\r';
-            bytes_[used_++] = character;
-        }
+        const std::string_view run = {text.data(), std::min(text.size(), LONGEST_RUN)};
+        keep_to(put(room_for(GROWTH * run.size()), run));
         text.remove_prefix(run.size());
     }
 }
 
 void RecordOutput::write_line_end() {
-    write("\n");
+    keep_to(put(room_for(2), "\n"));
 }
 
 void RecordOutput::write_indent(int width) {
     for (auto left = static_cast<std::size_t>(indent_blanks(width)); left > 0;) {
         const std::size_t run = std::min(left, CAPACITY);
-        make_room(run);
-        std::memset(bytes_ + used_, ' ', run);
-        used_ += run;
+        char* const at = room_for(run);
+        std::memset(at, ' ', run);
+        keep_to(at + run);
         left -= run;
     }
+}
+
+void RecordOutput::write_start_tag(std::string_view name) {
+    char* const at = room_for(GROWTH * name.size() + 2);
+    keep_to(put(put(put(at, "<"), name), ">"));
+}
+
+void RecordOutput::write_end_tag(std::string_view name) {
+    char* const at = room_for(GROWTH * name.size() + 5);
+    keep_to(put(put(put(at, "</"), name), ">\n"));
 }
 
 // The stream is asked where it stands, since the text writers count code units, not bytes.

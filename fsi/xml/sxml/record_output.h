@@ -21,13 +21,16 @@ class RecordOutput {
     void write(std::string_view text);
     void write_line_end();
     void write_indent(int width);
+    void write_start_tag(std::string_view name);
+    void write_end_tag(std::string_view name);  // with the line end behind it
     // A field's text, trimmed and escaped. Result: whether anything was left to write.
     bool write_text(const XmlTextSpan& span);
     // Hands everything gathered to the stream.
     void flush();
 
   private:
-    void make_room(std::size_t size);
+    char* room_for(std::size_t size);
+    void keep_to(const char* end);
 
     static constexpr std::size_t CAPACITY = 2048;
     HostStream* stream_;

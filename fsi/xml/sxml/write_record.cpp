@@ -166,18 +166,9 @@ std::int32_t next_child_in_record(const RecordWriter& writer, std::int32_t child
     return child;
 }
 
-void write_start_tag(RecordOutput& output, const XfdItem& item) {
-    output.write_indent(item.level);
-    output.write("<");
-    output.write(item_name(item));
-    output.write(">");
-}
-
 // Writes an item's end tag, and drops the element when it is empty and empty ones are not wanted.
 void finish_piece(RecordOutput& output, const XfdItem& item, std::uint32_t start, bool has_data) {
-    output.write("</");
-    output.write(item_name(item));
-    output.write(">\n");
+    output.write_end_tag(item_name(item));
     if (!has_data && settings::ignore_empty_data()) output.go_back(start);
     if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
 }
@@ -192,7 +183,8 @@ bool start_piece(RecordWriter& writer, GroupPath& path, std::int32_t index) {
     }
     const std::int32_t written = written_item(writer.xfd, index, path);
     const XfdItem& item = writer.xfd.items[written];
-    write_start_tag(output, item);
+    output.write_indent(item.level);
+    output.write_start_tag(item_name(item));
     if (is_group(item) && !path.full()) {
         output.write_line_end();
         path.open({written, first_child_item(writer.xfd, written), start, false});
