@@ -9,7 +9,7 @@ namespace records {
 namespace {
 
 constexpr const char* HOW_TO_CHOOSE =
-    "; say when each is meant with a \"when\" directive, or hide the others with \"hidden\"";
+    "; say when each is meant with a \"when\" directive, or leave the others out with \"hide\"";
 constexpr std::size_t MAX_LAYOUTS = 256;
 
 // A variant's own table is not one of the items beside it.
