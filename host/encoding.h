@@ -25,6 +25,7 @@ enum HostEncoding : std::int32_t {
 HOST_API std::int32_t host_encoding_code(const char* name);
 
 // Width in bytes (1, 2 or 4) of one code unit. Entry [code + 1] is for the codes -1 to 7.
+// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): declared here, initialised by the host
 HOST_DATA const std::int32_t host_encoding_unit_width[9];
 
 // Width of one code unit of any code; 1 for codes beyond the table.

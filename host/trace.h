@@ -10,6 +10,7 @@
 //   1 file-interface entries      2 moving field data          3 finding an element
 //   4 comparing array subscripts  6 parser driving, DOCTYPE    7 entity and XML declarations
 //   8 elements                    9 character data, comments   10 content models, element texts
+// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): declared here, initialised by the host
 HOST_DATA std::int16_t host_trace_on;
 
 // Writes one trace line when `level` is at most host_trace_on. `step` moves the indentation: +1 on

@@ -6,10 +6,12 @@
 
 namespace {
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types cannot stand in parentheses
 #define XML_ORDINAL(number, name, result, parameters) \
     static_assert(std::is_same_v<decltype(&(name)), result(*) parameters>);
 #include "fsi/xml/ordinals.def"
 #undef XML_ORDINAL
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr bool ascending_and_free_ones_left() {
     int last = 0;

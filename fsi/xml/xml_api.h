@@ -221,6 +221,7 @@ uint64_t xml_copy_string(char* destination, uint64_t unused, const char* source)
 
 /* The functions of the module, found by ordinal number. */
 typedef struct XmlApi {
+/* NOLINTNEXTLINE(bugprone-macro-parentheses): types cannot stand in parentheses */
 #define XML_ORDINAL(number, name, result, parameters) result(*name) parameters;
 #include "fsi/xml/ordinals.def"
 #undef XML_ORDINAL

@@ -19,14 +19,15 @@ struct Model {
     std::vector<std::unique_ptr<Model>> children;
 
     bool full() const { return last == XML_INDEX_LIMIT - 1; }
+    std::uint32_t& number(int position) { return indices.at(static_cast<std::size_t>(position)); }
 
     void add_level(int level) {
         for (const auto& child : children) {
             if (child->full()) continue;  // and so is all below it
             for (int i = XML_INDEX_LIMIT - 1; i > level + 1; --i) {
-                child->indices.at(i) = child->indices.at(i - 1);
+                child->number(i) = child->number(i - 1);
             }
-            child->indices.at(level + 1) = 1;
+            child->number(level + 1) = 1;
             ++child->last;
             child->add_level(level);
         }
@@ -45,10 +46,10 @@ struct Model {
             if ((*i)->name != new_name || full()) continue;
             if (++count == 1 && (*i)->last == last) {
                 (*i)->add_level((*i)->last);
-                (*i)->indices.at(++(*i)->last) = 1;
+                (*i)->number(++(*i)->last) = 1;
             }
         }
-        if (count > 0) child->indices.at(++child->last) = count + 1;
+        if (count > 0) child->number(++child->last) = count + 1;
         return children.insert(at, std::move(child))->get();
     }
 
@@ -59,9 +60,9 @@ struct Model {
 };
 
 // Compares the whole tree with the model. False at the first difference.
-bool same_tree(const Model& model) {
+bool same_tree(Model& model) {
     std::string numbers;
-    for (int i = 0; i <= model.last; ++i) append_number(numbers, model.indices.at(i));
+    for (int i = 0; i <= model.last; ++i) append_number(numbers, model.number(i));
     std::vector<std::uint32_t> handles;
     for (const auto& child : model.children) handles.push_back(child->handle);
     EXPECT_EQ(api().xml_element_name(model.handle), model.name);
@@ -179,18 +180,20 @@ TEST_F(ElementTest, StopsNumberingAtTwentyNumbers) {
         if (level <= XML_INDEX_LIMIT) append_number(path, 2);
         EXPECT_EQ(numbers_of(at), path) << level;
     }
-    // A number in front of full ones: those stay, the others move.
+    // A number in front: an element with 19 numbers becomes full, full ones stay as they are.
     const std::uint32_t above = xml.xml_add_child(0, "above");
     const std::uint32_t first = xml.xml_add_child(above, "E");
-    at = first;
-    for (int level = 0; level < 25; ++level) {
-        xml.xml_add_child(at, "L");
-        at = xml.xml_add_child(at, "L");
+    std::vector<std::uint32_t> levels = {first};
+    for (int level = 1; level <= 25; ++level) {
+        xml.xml_add_child(levels.back(), "L");
+        levels.push_back(xml.xml_add_child(levels.back(), "L"));
     }
     xml.xml_add_child(above, "E");
     EXPECT_EQ(numbers_of(first), "1");
-    EXPECT_EQ(numbers_of(at), path);
-    EXPECT_EQ(numbers_of(children_of(first).back()), "1,2");
+    EXPECT_EQ(numbers_of(levels[1]), "1,2");
+    EXPECT_EQ(numbers_of(levels[19]), "1" + path.substr(1));
+    EXPECT_EQ(numbers_of(levels[20]), path);
+    EXPECT_EQ(numbers_of(levels[25]), path);
     xml.xml_free_element(above);
     xml.xml_free_element(top);
 }
