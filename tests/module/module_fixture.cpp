@@ -102,7 +102,7 @@ void ModuleTest::SetUp() {
 }
 
 void ModuleTest::TearDown() {
-    for (const char* setting : settings_) host::set_config(setting, std::nullopt);
+    unset_all();
     descriptions.clear();
     std::filesystem::remove_all(folder_);
     EXPECT_TRUE(host::live_blocks().empty()) << host::leak_report();
@@ -110,10 +110,15 @@ void ModuleTest::TearDown() {
     EXPECT_EQ(host::damaged_blocks(), 0U);
 }
 
-void ModuleTest::set(const char* setting, const char* value) {
+void ModuleTest::set(const std::string& setting, const char* value) {
     settings_.push_back(setting);
     const auto text = value != nullptr ? std::optional<std::string>(value) : std::nullopt;
     ASSERT_TRUE(host::set_config(setting, text)) << setting;
+}
+
+void ModuleTest::unset_all() {
+    for (const std::string& setting : settings_) host::set_config(setting, std::nullopt);
+    settings_.clear();
 }
 
 void ModuleTest::describe(const std::string& name, Xfd* xfd) {

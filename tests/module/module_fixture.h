@@ -23,7 +23,8 @@ class ModuleTest : public ::testing::Test {
 
     const host::Module& module();
     std::string path(std::string_view file) const { return folder_ + "/" + std::string(file); }
-    void set(const char* setting, const char* value);
+    void set(const std::string& setting, const char* value);  // null unsets
+    void unset_all();
     // What is found under the name of a data file.
     void describe(const std::string& name, Xfd* xfd);
     // The names under which descriptions were looked for.
@@ -43,5 +44,5 @@ class ModuleTest : public ::testing::Test {
 
   private:
     std::string folder_;
-    std::vector<const char*> settings_;
+    std::vector<std::string> settings_;
 };

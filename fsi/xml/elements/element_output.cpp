@@ -30,7 +30,8 @@ struct Output {
     void spaces(std::uint64_t count) const {
         constexpr std::string_view blanks = "                                                ";
         for (count = std::min<std::uint64_t>(count, XML_INDENT_LIMIT); count > 0;) {
-            const std::string_view run = blanks.substr(0, count);
+            const std::string_view run = {blanks.data(),
+                                          std::min<std::size_t>(count, blanks.size())};
             text(run, HOST_ENCODING_NONE, 0);
             count -= run.size();
         }
@@ -56,7 +57,7 @@ void write_comments(const Output& out, std::string_view comments, std::uint64_t 
         const char* const line_feed = host_span_find_char(&rest, '\n');
         if (!line_feed) break;
         const auto line = static_cast<std::size_t>(line_feed - comments.data());
-        out.text(comments.substr(0, line), HOST_ENCODING_NONE, ESCAPED);
+        out.text({comments.data(), line}, HOST_ENCODING_NONE, ESCAPED);
         out.line_end();
         out.spaces(indent + CONTINUATION_INDENT);
         comments.remove_prefix(line + 1);

@@ -227,6 +227,10 @@ bool write_xml_piece(RecordWriter& writer, std::int32_t index) {
 }  // namespace
 
 int xml_swrite(XmlFile* file, const void* record, std::uint32_t length) {
+    if (file->out == nullptr) {
+        *host_file_error() = HOST_FILE_UNSUPPORTED;
+        return 0;
+    }
     RecordWriter writer = {*file->xfd, static_cast<const char*>(record), length,
                            RecordOutput(file->out, file->out_encoding)};
     const std::uint32_t start = writer.output.position();
