@@ -165,7 +165,7 @@ void resolve(Entry& entry) {
     check_file_names();
     const auto declared = config->declared.find(entry.name);
     entry.setting = declared != config->declared.end() ? declared->second : nullptr;
-    const std::optional<UserValue> value = user_value(entry.name);
+    const std::optional<UserValue> value = user_value(std::string(canonical(entry.name)));
     entry.is_resolved = true;
     if (!value.has_value()) return apply_default(entry);
     entry.text = value->text;
@@ -181,7 +181,7 @@ void resolve(Entry& entry) {
 }
 
 Entry& look_up(const char* name) {
-    const std::string_view wanted = canonical(name);
+    const std::string_view wanted = name;
     const std::uint64_t hash = hash_text(wanted.data(), wanted.size());
     const std::size_t mask = config->slots.size() - 1;
     Entry* entry = nullptr;
@@ -217,7 +217,7 @@ void forget_resolved() {
 
 void forget_resolved(std::string_view name) {
     for (const auto& entry : config->entries) {
-        if (entry->name == name) entry->is_resolved = false;
+        if (canonical(entry->name) == name) entry->is_resolved = false;
     }
 }
 

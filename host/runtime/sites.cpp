@@ -22,10 +22,11 @@ constinit Immortal<SiteTable> table;
 // Texts are told apart by address: the same literal in two places makes two sites, and the reports
 // add them up.
 std::size_t hash_of(const Origin& origin) {
-    std::uint64_t hash = reinterpret_cast<std::uintptr_t>(origin.source) * 0x9E3779B97F4A7C15;
-    hash ^= reinterpret_cast<std::uintptr_t>(origin.description) * 0xC2B2AE3D27D4EB4F;
-    hash ^= static_cast<std::uint32_t>(origin.line) * 0x165667B19E3779F9U;
-    return hash ^ (hash >> 29);
+    const std::uint64_t texts = reinterpret_cast<std::uintptr_t>(origin.source) ^
+                                reinterpret_cast<std::uintptr_t>(origin.description) << 7;
+    const std::uint64_t hash =
+        (texts + static_cast<std::uint32_t>(origin.line)) * 0x9E3779B97F4A7C15;
+    return hash >> 32;
 }
 
 bool same(const Origin& a, const Origin& b) {

@@ -17,20 +17,32 @@ inline std::uint64_t fold(std::uint64_t a, std::uint64_t b) {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+template <class Word>
+std::uint64_t load_word(const char* bytes) {
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
 inline std::uint64_t hash_text(const char* text, std::size_t length) {
     constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;
+    constexpr std::size_t word_size = sizeof(std::uint64_t);
     std::uint64_t hash = text_hash_seed ^ length;
-    std::uint64_t word = 0;
-    for (; length >= sizeof word; text += sizeof word, length -= sizeof word) {
-        std::memcpy(&word, text, sizeof word);
-        hash = fold(hash ^ word, multiplier);
+    std::uint64_t last = 0;
+    if (length >= word_size) {
+        const char* last_word = text + length - word_size;  // may overlap the one before
+        for (; text < last_word; text += word_size) {
+            hash = fold(hash ^ load_word<std::uint64_t>(text), multiplier);
+        }
+        last = load_word<std::uint64_t>(last_word);
+    } else if (length >= 4) {
+        last = load_word<std::uint32_t>(text) << 32 | load_word<std::uint32_t>(text + length - 4);
+    } else if (length > 0) {
+        last = load_word<std::uint8_t>(text) << 16 |
+               load_word<std::uint8_t>(text + length / 2) << 8 |
+               load_word<std::uint8_t>(text + length - 1);
     }
-    if (length > 0) {
-        word = 0;
-        std::memcpy(&word, text, length);
-        hash = fold(hash ^ word, multiplier ^ text_hash_seed);
-    }
-    return fold(hash, multiplier);
+    return fold(hash ^ last, multiplier ^ text_hash_seed);
 }
 
 }  // namespace host

@@ -40,13 +40,13 @@ class Config : public testing::Test {
     static std::string values() {
         const auto text = [](const char* name) {
             const char* value = host_config_string(name, nullptr);
-            return value != nullptr ? "'" + std::string(value) + "'" : "none";
+            return value != nullptr ? std::string("'").append(value).append("'") : "none";
         };
         std::string all = text("SXML_TEST_TEXT");
-        all += " " + text("SXML_TEST_WORD");
-        all += " " + std::to_string(host_config_choice("SXML_TEST_STYLE", 0));
-        all += " " + std::to_string(host_config_flag("SXML_TEST_FLAG", 0));
-        all += " " + std::to_string(host_config_number("4GL_COLUMN_CASE", 0));
+        all.append(" ").append(text("SXML_TEST_WORD"));
+        all.append(" ").append(std::to_string(host_config_choice("SXML_TEST_STYLE", 0)));
+        all.append(" ").append(std::to_string(host_config_flag("SXML_TEST_FLAG", 0)));
+        all.append(" ").append(std::to_string(host_config_number("4GL_COLUMN_CASE", 0)));
         return all;
     }
 };
