@@ -16,12 +16,11 @@ constexpr std::size_t DEEPEST = 1000;  // levels shown
 struct Node {
     std::string head;
     std::string text;
-    bool has_text = false;
     std::string children;
 };
 
 std::string shown(const Node& node) {
-    return node.head + (node.has_text ? "=" + node.text : "") + "(" + node.children + ")";
+    return node.head + (node.text.empty() ? "" : "=" + node.text) + "(" + node.children + ")";
 }
 
 struct Builder {
@@ -75,7 +74,6 @@ void end(void* data, const char*) {
 void text(void* data, const char* bytes, int length) {
     Builder& b = builder(data);
     if (b.open.empty()) return;
-    b.open.back().has_text = true;
     b.open.back().text += b.stored(std::string(bytes, static_cast<std::size_t>(length)).c_str());
 }
 
@@ -88,7 +86,7 @@ void show(std::uint32_t element, std::size_t depth, std::string& out) {
         out += std::string(" ") + xml.xml_attribute_name(element, i) + ":" +
                xml.xml_attribute_value(element, i);
     if (const char* value = xml.xml_element_value(element, &length))
-        out += "=" + std::string(value, length);
+        if (length > 0) out += "=" + std::string(value, length);
     out += "(";
     for (std::uint32_t child = xml.xml_first_child(element); child;
          child = xml.xml_next_sibling(child))

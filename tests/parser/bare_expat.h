@@ -14,5 +14,6 @@ struct BareResult {
 // Parses with handlers for elements and text only. `latin1`: texts are shown in ISO-8859-1.
 BareResult parse_bare(std::string_view document, bool latin1);
 
-// The tree below an element of the module, with names, attributes, text and nothing else.
+// The tree below an element of the module, with names, attributes, text and nothing else. An empty
+// text counts as none.
 std::string canonical_tree(unsigned element);

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "fsi/xml/handlers/latin1.h"
 #include "fsi/xml/parsexml/document_text.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "fsi/xml/xml_api.h"
@@ -20,6 +19,7 @@ struct DocumentWriter {
 
     void markup(const char* text) const { xml_write_string(output, encoding, text, 0); }
     void raw(const char* text, std::size_t length) const;
+    void as_latin1(const char* text, bool line_ends) const;
     void kept_text(const char* text, std::size_t length, bool line_ends) const;
     void kept_text(std::uint32_t string) const;
 
@@ -47,19 +47,32 @@ void DocumentWriter::raw(const char* text, std::size_t length) const {
     xml_write_text(output, encoding, &span, 0);
 }
 
+// Writes a UTF-8 text in ISO-8859-1, piece by piece, without an allocation that could fail.
+void DocumentWriter::as_latin1(const char* text, bool line_ends) const {
+    char piece[256];
+    std::size_t length = 0;
+    while (*text) {
+        const std::uint32_t character = host_next_char(&text);
+        const bool line_end = line_ends && character == '\n';
+        if (!line_end) piece[length++] = static_cast<char>(character);
+        if (line_end || length == sizeof piece || !*text) {
+            raw(piece, length);
+            length = 0;
+        }
+        if (line_end) xml_write_newline(output, encoding);
+    }
+}
+
 // Writes a text from outside the tree. A document in ISO-8859-1 keeps these in UTF-8, other than
 // the texts of its tree; here they join the tree's encoding. `line_ends`: line feeds are written as
 // line ends.
 void DocumentWriter::kept_text(const char* text, std::size_t length, bool line_ends) const {
-    char* latin1 = stores_latin1(parser) && fits_latin1(text)
-                       ? latin1_copy(text, length, "Temporary data buffer")
-                       : nullptr;
-    const char* written = latin1 ? latin1 : text;
-    if (line_ends)
-        markup(written);
+    if (stores_latin1(parser) && fits_latin1(text))
+        as_latin1(text, line_ends);
+    else if (line_ends)
+        markup(text);
     else
-        raw(written, latin1 ? std::strlen(latin1) : length);
-    host_free(latin1, PARSEXML_SOURCE, __LINE__, 0);
+        raw(text, length);
 }
 
 void DocumentWriter::kept_text(std::uint32_t string) const {

@@ -1,0 +1,197 @@
+// Parser handles: failure codes, sources, what a document can be asked and how it is changed.
+#include <dlfcn.h>
+#include <expat.h>
+#include <unistd.h>
+
+#include "host/runtime/trace_control.h"
+#include "tests/parser/parser_test.h"
+
+namespace {
+
+int deferral_calls = 0;
+
+}  // namespace
+
+// Stands before the library's function, when there is one, and lets the tests see the calls.
+extern "C" __attribute__((visibility("default"))) XML_Bool XML_SetReparseDeferralEnabled(
+    XML_Parser parser, XML_Bool enabled) {
+    deferral_calls += enabled ? 1000 : 1;
+    using Setter = XML_Bool(XML_Parser, XML_Bool);
+    auto* real = reinterpret_cast<Setter*>(dlsym(RTLD_NEXT, "XML_SetReparseDeferralEnabled"));
+    return real ? real(parser, enabled) : XML_FALSE;
+}
+
+namespace {
+
+class Handles : public ParserTest {};
+
+TEST_F(Handles, BadHandlesAreHarmless) {
+    const std::uint32_t stale = xml.xml_open_file(nullptr, 0, 0);
+    const std::uint32_t element = xml.xml_parser_new_root(stale, "a");
+    ASSERT_EQ(xml.xml_free_parser(stale), 1);
+    const std::uint32_t tree = xml.xml_add_child(0, "b");
+    for (const std::uint32_t bad : {0U, stale, element, tree, 12345U, 0xFFFFFFFFU}) {
+        SCOPED_TRACE(bad);
+        std::uint64_t length = 7;
+        // Brings the last error away from the code that is expected next.
+        const auto fails = [&](bool failed) {
+            EXPECT_TRUE(failed);
+            EXPECT_EQ(parser_error(), XMLERR_BAD_PARSER);
+            const std::uint32_t other = xml.xml_open_file(nullptr, 0, 0);
+            xml.xml_pi_count(other);
+            xml.xml_free_parser(other);
+            EXPECT_EQ(parser_error(), XMLERR_NO_PI);
+        };
+        fails(xml.xml_parser_root(bad) == 0);
+        fails(xml.xml_parser_models(bad) == nullptr);
+        fails(xml.xml_parser_new_root(bad, "a") == 0);
+        fails(xml.SxmlParser_parse_record(bad) == 0);
+        fails(xml.xml_parser_current(bad) == 0);
+        fails(xml.xml_free_parser(bad) == 0);
+        fails(xml.xml_write_document(bad, (folder / "no.xml").c_str()) == 0);
+        fails(xml.xml_add_top_comment(bad, "x") == 0);
+        fails((xml.xml_clear_top_comments(bad), true));
+        fails(xml.xml_top_comments(bad, &length) == nullptr && length == 0);
+        fails(xml.xml_pi_target(bad, 0) == nullptr);
+        fails(xml.xml_pi_data(bad, 0) == nullptr);
+        fails(xml.xml_delete_pi(bad, 0) == 0);
+        fails(xml.xml_insert_pi(bad, 0, "t", "d") == 0);
+        fails(xml.xml_pi_count(bad) == 0);
+        fails(xml.xml_parser_version(bad) == nullptr);
+        fails(xml.xml_set_parser_version(bad, "1.0") == nullptr);
+        fails(xml.xml_parser_encoding(bad) == nullptr);
+        fails((xml.xml_set_parser_encoding(bad, "x"), true));
+        fails(xml.xml_parser_standalone(bad) == 0);
+        fails((xml.xml_set_parser_standalone(bad, 1), true));
+        fails(xml.xml_parser_doctype_text(bad) == nullptr);
+        fails(xml.xml_set_parser_doctype_text(bad, "x") == 0);
+        fails(xml.xml_parser_element_hash(bad) == nullptr);
+        EXPECT_EQ(xml.xml_is_parser(bad), 0);
+        EXPECT_EQ(xml.xml_element_parser(bad), 0U);
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "no.xml"));
+    xml.xml_free_element(tree);
+}
+
+TEST_F(Handles, OpeningTellsWhyItFails) {
+    const std::string broken = "<?xml version='1.0'?><a></b>";
+    EXPECT_EQ(xml.xml_open_file((folder / "missing.xml").c_str(), WHOLE, 0), 0U);
+    EXPECT_EQ(parser_error(), XMLERR_OPEN_FILE);
+    std::int32_t code = 0;
+    EXPECT_STREQ(xml.xml_last_error(&code), "Unable to open named file");
+    EXPECT_EQ(xml.xml_open_file(broken.c_str(), WHOLE, broken.size()), 0U);
+    EXPECT_EQ(parser_error(), XMLERR_PARSE);
+    EXPECT_EQ(file_error(), HOST_FILE_XML);
+    EXPECT_EQ(*host_error_detail(HOST_FILE_XML), HOST_DETAIL_EXPAT);
+    EXPECT_EQ(*host_error_subcode(), XML_ERROR_TAG_MISMATCH);
+    EXPECT_STREQ(*host_error_text(), XML_ErrorString(XML_ERROR_TAG_MISMATCH));
+    // Only the given length counts, and an end that comes early is no error.
+    const std::uint32_t cut = xml.xml_open_file(broken.c_str(), WHOLE, broken.size() - 2);
+    EXPECT_EQ(file_error(), HOST_FILE_END);
+    EXPECT_STREQ(xml.xml_element_name(xml.xml_parser_root(cut)), "a");
+    xml.xml_free_parser(cut);
+
+    const std::uint32_t empty = open("", EVERYTHING);
+    EXPECT_EQ(file_error(), HOST_FILE_END);
+    EXPECT_EQ(xml.xml_parser_root(empty), 0U);
+    EXPECT_EQ(xml.SxmlParser_parse_record(empty), 0);
+    EXPECT_EQ(file_error(), HOST_FILE_END);
+    xml.xml_free_parser(empty);
+
+    const std::uint32_t child = open("<c/>", EVERYTHING);
+    EXPECT_EQ(file_error(), HOST_FILE_OK) << "an empty document element opens as any other";
+    xml.xml_free_parser(child);
+    EXPECT_EQ(parser_error(), XMLERR_PARSE) << "success clears nothing";
+}
+
+TEST_F(Handles, ReadsStandardInputAndLeavesItOpen) {
+    const std::string path = file_with("<a><b>1</b></a>");
+    const int saved = dup(0);
+    ASSERT_NE(freopen(path.c_str(), "r", stdin), nullptr);
+    const std::uint32_t parser = xml.xml_open_file("-", WHOLE, 0);
+    ASSERT_NE(parser, 0U);
+    EXPECT_STREQ(xml.xml_element_name(xml.xml_parser_root(parser)), "a");
+    xml.xml_free_parser(parser);
+    EXPECT_NE(dup2(saved, 0), -1);
+    close(saved);
+}
+
+TEST_F(Handles, AnswersWhatTheDocumentHolds) {
+    const std::uint32_t parser = open(
+        "<?xml version='1.0' encoding='UTF-8' standalone='yes'?><?a 1?><!-- one --> <!--   -->\n"
+        "<!-- text - generated by KORVANE v1 on 2026/01/01 -->"
+        "<!-- keep\n text - generated by KORVANE v1\n\nthis -->"
+        "<!DOCTYPE r PUBLIC 'p' 's' [<!ELEMENT R (a, b*)><!ENTITY e 'x'><!ATTLIST r k CDATA 'v'>]>"
+        "<r><!--b--><x/><?b 2?>&e;<!--c--></r><?c?>",
+        WHOLE | XMLOPT_ELEMENT_DECLS | XMLOPT_ENTITY_DECLS | XMLOPT_NOTATION_DECLS);
+    ASSERT_NE(parser, 0U);
+    EXPECT_STREQ(xml.xml_parser_version(parser), "1.0");
+    EXPECT_STREQ(xml.xml_parser_encoding(parser), "UTF-8");
+    EXPECT_EQ(xml.xml_parser_standalone(parser), 1);
+    EXPECT_STREQ(xml.xml_top_comments(parser, nullptr), "one\nkeep\n\nthis");
+    EXPECT_STREQ(xml.xml_parser_doctype_text(parser), "<!ATTLIST r k CDATA 'v'>");
+    EXPECT_NE(xml.xml_parser_models(parser), nullptr);
+    EXPECT_EQ(describe(xml.xml_parser_root(parser)), "r[]=x@2!c k:v(x[]!b)");
+    EXPECT_EQ(xml.xml_pi_count(parser), 3U);
+    EXPECT_STREQ(xml.xml_pi_target(parser, 1), "b");
+    EXPECT_STREQ(xml.xml_pi_data(parser, 2), "");
+    EXPECT_EQ(xml.xml_pi_target(parser, 3), nullptr);
+    EXPECT_EQ(parser_error(), XMLERR_BAD_PI);
+    EXPECT_EQ(xml.xml_delete_pi(parser, 0), 1);
+    EXPECT_STREQ(xml.xml_pi_data(parser, 0), "2");
+    const std::uint32_t inner = xml.xml_first_child(xml.xml_parser_root(parser));
+    EXPECT_EQ(xml.xml_element_parser(inner), parser);
+    EXPECT_EQ(xml.xml_parser_new_root(parser, "q"), 0U);
+    EXPECT_EQ(parser_error(), XMLERR_HAS_TOP_LEVEL);
+    xml.xml_free_parser(parser);
+    EXPECT_EQ(xml.xml_element_parser(inner), 0U);
+
+    // A default handler for the whole document keeps entities unexpanded.
+    const std::uint32_t plain =
+        open("<!DOCTYPE r [<!ENTITY e 'x'>]><r>a&e;b</r>", WHOLE | XMLOPT_DEFAULT);
+    EXPECT_EQ(describe(xml.xml_parser_root(plain)), "r[]=ab@2");
+    EXPECT_STREQ(xml.xml_parser_doctype_text(plain), "<!ENTITY e 'x'>");
+    xml.xml_free_parser(plain);
+}
+
+TEST_F(Handles, ConvertsNames) {
+    const char* const expected[] = {"A-b_C", "a_b_c", "A_b_C", "A-b_C"};
+    for (std::uint32_t mode = 0; mode < 4; ++mode) {
+        const std::uint32_t parser = open("<A-b_C X-y='1'/>", WHOLE | mode);
+        EXPECT_STREQ(xml.xml_element_name(xml.xml_parser_root(parser)), expected[mode]);
+        EXPECT_STREQ(xml.xml_attribute_name(xml.xml_parser_root(parser), 0), "X-y");
+        xml.xml_free_parser(parser);
+    }
+}
+
+TEST_F(Handles, TracesWhatItReads) {
+    const std::string trace = folder / "trace";
+    ASSERT_TRUE(host::set_trace(10, trace));
+    const std::uint32_t parser = open(
+        "<?xml version='1.0' encoding='UTF-8'?><!--c--><?t d?><!DOCTYPE r SYSTEM 's' "
+        "[<!ELEMENT r (a?, (b | c)*)><!ATTLIST r k CDATA 'v'><!ENTITY e SYSTEM 'x'>"
+        "<!NOTATION n PUBLIC 'p'><!ENTITY u SYSTEM 'y' NDATA n>]>\n"
+        "<r>\n<a x='1'>&e;</a><![CDATA[t]]></r>",
+        0x7FFFC & ~std::uint32_t{XMLOPT_DEFAULT});
+    xml.xml_free_parser(parser);
+    EXPECT_EQ(xml.xml_open_file("<?xml version='1.0' encoding='X-NONE'?><a/>", WHOLE, 43), 0U);
+    host::set_trace(0, "");
+    EXPECT_EQ(file_text(trace), file_text(SXML_SOURCE_DIR "/tests/parser/expected/trace.txt"));
+}
+
+TEST_F(Handles, ATreeReleasedUnderItsParserEndsTheParse) {
+    const std::uint32_t parser = open("<a><r>1</r><r>2</r></a>", EVERYTHING);
+    ASSERT_EQ(xml.SxmlParser_parse_record(parser), 1);
+    xml.xml_free_element(xml.xml_parser_root(parser));
+    xml.SxmlParser_parse_record(parser);
+    EXPECT_EQ(file_error(), HOST_FILE_NO_MEMORY);
+    xml.xml_free_parser(parser);
+}
+
+TEST_F(Handles, TurnsReparseDeferralOff) {
+    deferral_calls = 0;
+    xml.xml_free_parser(open("<a/>", EVERYTHING));
+    EXPECT_EQ(deferral_calls, 1);
+}
+
+}  // namespace

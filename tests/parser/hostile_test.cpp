@@ -1,0 +1,157 @@
+// Hostile input: an error or success in linear time, never a crash. The sizes here keep the suite
+// fast; with SXML_FULL_SIZES set the large ones run, and figures are printed.
+#include <expat.h>
+
+#include <chrono>
+#include <functional>
+
+#include "host/runtime/trace_control.h"
+#include "tests/parser/parser_test.h"
+
+namespace {
+
+bool full_sizes() {
+    return std::getenv("SXML_FULL_SIZES") != nullptr;
+}
+
+// A text of `count` bytes, made of copies of `unit`.
+std::string filled(std::size_t count, std::string_view unit) {
+    std::string text;
+    text.reserve(count + unit.size());
+    while (text.size() < count) text += unit;
+    return text;
+}
+
+class Hostile : public ParserTest {
+  protected:
+    // Parses whole and record by record. Result: the seconds both took together.
+    double seconds(const std::string& path, const std::string& what,
+                   const std::function<void(std::uint32_t)>& check) const {
+        const auto start = std::chrono::steady_clock::now();
+        const std::uint32_t whole = xml.xml_open_file(path.c_str(), WHOLE, 0);
+        check(whole);
+        if (whole) xml.xml_free_parser(whole);
+        const std::uint32_t parser = xml.xml_open_file(path.c_str(), EVERYTHING, 0);
+        while (parser && file_error() == HOST_FILE_OK && xml.SxmlParser_parse_record(parser)) {
+        }
+        if (parser) xml.xml_free_parser(parser);
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+        if (full_sizes())
+            std::printf("%s: %zu bytes, whole and by record %.2f s\n", what.c_str(),
+                        static_cast<std::size_t>(std::filesystem::file_size(path)), taken.count());
+        return taken.count();
+    }
+
+    // Twice the size may take twice the time, and some more.
+    void expect_linear(const std::string& what, std::size_t size,
+                       const std::function<std::string(std::size_t)>& document,
+                       const std::function<void(std::uint32_t)>& check) const {
+        SCOPED_TRACE(what);
+        if (full_sizes()) size *= 100;
+        const double one = seconds(file_with(document(size)), what, check);
+        const double four = seconds(file_with(document(4 * size)), what, check);
+        EXPECT_LT(four, 12 * one + 0.2) << one << " s, then " << four << " s";
+    }
+};
+
+TEST_F(Hostile, TakesLinearTimeForWhateverIsLong) {
+    const auto is_read = [](std::uint32_t parser) { EXPECT_NE(parser, 0U); };
+    expect_linear(
+        "attribute full of >", 250'000,
+        [](std::size_t n) { return "<a><r k='" + filled(n, "x>") + "'/><r/></a>"; }, is_read);
+    expect_linear(
+        "long attribute", 250'000,
+        [](std::size_t n) { return "<a><r k='" + filled(n, "x") + "'/><r/></a>"; }, is_read);
+    expect_linear(
+        "comment", 250'000,
+        [](std::size_t n) { return "<a><!--" + filled(n, "> - ") + "--><r/></a>"; }, is_read);
+    expect_linear(
+        "tag that never ends", 250'000, [](std::size_t n) { return "<a><r k='" + filled(n, "x>"); },
+        is_read);
+    expect_linear(
+        "text", 500'000,
+        [](std::size_t n) { return "<a><r>" + filled(n, "text > text\n") + "</r></a>"; }, is_read);
+    expect_linear(
+        "never closed", 100'000, [](std::size_t n) { return "<a>" + filled(n, "<r>1</r><r/>\n"); },
+        is_read);
+}
+
+TEST_F(Hostile, DeepTreesAreReadWrittenAndReleased) {
+    const std::size_t depth = full_sizes() ? 1'000'000 : 50'000;
+    const std::string path = file_with(filled(3 * depth, "<e>") + filled(4 * depth, "</e>"));
+    const std::string out = folder / "out.xml";
+    seconds(path, "nested elements", [&](std::uint32_t parser) {
+        ASSERT_NE(parser, 0U);
+        if (full_sizes()) return;  // indentation alone makes such a file huge
+        EXPECT_EQ(xml.xml_write_document(parser, out.c_str()), 1);
+    });
+}
+
+TEST_F(Hostile, ManyAttributesAreKeptInOrder) {
+    std::string tag = "<a";
+    for (int i = 0; i < 100'000; ++i)
+        tag += " k" + std::to_string(i) + "='" + std::to_string(i) + "'";
+    seconds(file_with(tag + "/>"), "100,000 attributes", [&](std::uint32_t parser) {
+        const std::uint32_t root = xml.xml_parser_root(parser);
+        ASSERT_EQ(xml.xml_attribute_count(root), 100'000U);
+        EXPECT_STREQ(xml.xml_attribute_value(root, 99'999), "99999");
+    });
+}
+
+TEST_F(Hostile, EntityBombsEndAsExpatsError) {
+    std::string document = "<!DOCTYPE a [<!ENTITY e0 '0123456789'>";
+    for (int i = 1; i < 30; ++i) {
+        const std::string inner = "&e" + std::to_string(i - 1) + ";";
+        document += "<!ENTITY e" + std::to_string(i) + " '" + filled(40, inner) + "'>";
+    }
+    document += "]><a><r>&e29;</r></a>";
+    seconds(file_with(document), "entity bomb", [&](std::uint32_t parser) {
+        EXPECT_EQ(parser, 0U);
+        EXPECT_EQ(file_error(), HOST_FILE_XML);
+        EXPECT_EQ(*host_error_subcode(), XML_ERROR_AMPLIFICATION_LIMIT_BREACH);
+    });
+}
+
+TEST_F(Hostile, ContentModelsOfAnyDepthAreTraced) {
+    const std::size_t depth = 3000;
+    const std::string document =
+        "<!DOCTYPE a [<!ELEMENT a " + filled(depth, "(") + "b" + filled(depth, ")") + ">]><a/>";
+    const std::string trace = folder / "trace";
+    ASSERT_TRUE(host::set_trace(10, trace));
+    const std::uint32_t parser = open(document, WHOLE | XMLOPT_ELEMENT_DECLS);
+    host::set_trace(0, "");
+    EXPECT_NE(xml.xml_parser_models(parser), nullptr);
+    xml.xml_free_parser(parser);
+    const std::string text = file_text(trace);
+    const auto count = [&](std::string_view words) {
+        std::size_t n = 0;
+        for (auto at = text.find(words); at != std::string::npos; at = text.find(words, at + 1))
+            ++n;
+        return n;
+    };
+    EXPECT_EQ(count("Dumping content model"), 100U);
+    EXPECT_EQ(count("Done with model"), 100U);
+}
+
+// One text of a gigabyte, which no file needs to hold: it comes through a pipe.
+TEST_F(Hostile, ReadsAGigabyteOfText) {
+    if (!full_sizes()) GTEST_SKIP() << "runs when SXML_FULL_SIZES is set";
+    const std::string pipe = folder / "pipe";
+    const std::string maker = "mkfifo '" + pipe +
+                              "' && (printf '<a><r>'; head -c 1073741824 /dev/zero | tr '\\0' x; "
+                              "printf '</r></a>') > '" +
+                              pipe + "' &";
+    ASSERT_EQ(std::system(maker.c_str()), 0);
+    while (!std::filesystem::exists(pipe)) usleep(1000);
+    const auto start = std::chrono::steady_clock::now();
+    const std::uint32_t parser = xml.xml_open_file(pipe.c_str(), EVERYTHING, 0);
+    ASSERT_EQ(xml.SxmlParser_parse_record(parser), 1);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    std::uint64_t length = 0;
+    xml.xml_element_value(xml.xml_first_child(xml.xml_parser_root(parser)), &length);
+    EXPECT_EQ(length, 1073741824U);
+    std::printf("text of 1 GiB: %.2f s\n", taken.count());
+    xml.xml_free_parser(parser);
+}
+
+}  // namespace
