@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "host/files.h"
+#include "host/records/numbers.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/trace_control.h"
 
@@ -38,34 +39,6 @@ int test_condition(Xfd* xfd, int number, const void* record) {
     return 0;
 }
 
-std::string digits_of(const XfdDataDesc& field) {
-    std::string_view bytes(static_cast<const char*>(field.address),
-                           static_cast<std::size_t>(field.length));
-    if (field.type != XfdBuilder::PACKED) return std::string(bytes);
-    std::string digits;
-    for (const char character : bytes) {
-        const auto byte = static_cast<unsigned char>(character);
-        digits += static_cast<char>('0' + (byte >> 4));
-        if ((byte & 0xF) < 10) digits += static_cast<char>('0' + (byte & 0xF));
-    }
-    return (bytes.back() & 0xF) == 0xD ? "-" + digits : digits;
-}
-
-// Unsigned DISPLAY and packed numbers; other characters (a decimal comma, say) stay.
-int convert(XfdDataDesc* text, const XfdDataDesc* field, int mode) {
-    EXPECT_EQ(mode, 1);
-    EXPECT_EQ(text->type, 0);
-    EXPECT_EQ(text->digits, field->digits);
-    std::string digits = digits_of(*field);
-    const std::size_t sign = digits.starts_with('-') ? 1 : 0;
-    const auto decimals = static_cast<std::size_t>(-field->scale);
-    while (digits.size() - sign > decimals + 1 && digits[sign] == '0') digits.erase(sign, 1);
-    if (field->scale < 0) digits.insert(digits.size() - decimals, 1, '.');
-    digits.resize(static_cast<std::size_t>(text->length), ' ');
-    digits.copy(static_cast<char*>(text->address), digits.size());
-    return 1;
-}
-
 template <typename Function>
 host::NamedFunction named(const char* name, Function* function) {
     return {name, reinterpret_cast<HostFunction*>(function)};
@@ -87,7 +60,7 @@ const host::Module& ModuleTest::module() {
         return host::Module::load(
             SXML_BUILD_DIR "/lib/sxml.so",
             {named("Q4ParseXFD", parse_xfd), named("Q4XFDFree", free_xfd),
-             named("Q4TestCOBOLCond", test_condition), named("Qconvert", convert)});
+             named("Q4TestCOBOLCond", test_condition), named("Qconvert", Qconvert)});
     }();
     return loaded;
 }

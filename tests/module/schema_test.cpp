@@ -38,7 +38,7 @@ TEST_F(SchemaTest, TablesAreDeclaredAtTheirFirstOccurrence) {
     for (int i = 1; i <= 2; ++i) {
         builder.group(2, "line", 9 * (i - 1));
         builder.occurrence({{i, 2}});
-        builder.number(3, "price", 9 * (i - 1), 3, 5, -1, XfdBuilder::PACKED);
+        builder.number(3, "price", 9 * (i - 1), 3, 5, -1, records::PACKED_SIGNED);
         builder.occurrence({{i, 2}});
         for (int j = 1; j <= 3; ++j) {
             builder.text(3, "size", 9 * (i - 1) + 1 + 2 * j, 2);

@@ -12,8 +12,6 @@ namespace {
 
 using WriteTest = ModuleTest;
 
-constexpr int UNIT_TEXT = 40;  // a type whose text is in the conventions' encoding
-
 std::string units(std::u32string_view text, std::size_t width, bool big_endian) {
     std::string bytes;
     for (const char32_t unit : text) {
@@ -46,7 +44,7 @@ TEST_F(WriteTest, FieldValues) {
     using namespace std::string_literals;
     struct Case {
         int type;
-        std::int32_t encoding;  // of the conventions
+        std::int32_t encoding;  // of character fields in the conventions; a number's scale
         std::string data;
         std::string expected;
         bool empty = false;  // dropped when empty data is ignored
@@ -56,35 +54,39 @@ TEST_F(WriteTest, FieldValues) {
         return "&lt;" + units(U"\u3C00\u3E00", width, big) + "&gt;&amp;&apos;&quot;";
     };
     const Case cases[] = {
-        {XfdBuilder::TEXT, 0, "A<B&C", "A&lt;B&amp;C"},
-        {XfdBuilder::TEXT, 0, " \tA\tB'\"> ", "A&#x09;B&apos;&quot;&gt;"},
-        {XfdBuilder::TEXT, 0, "A\x1F\r\nB\x7F\x80", "A&#x1f;&#x0d;&#x0a;B\x7F\x80"},
-        {XfdBuilder::TEXT, 0, "AB  \0 "s, "AB  "},
-        {XfdBuilder::TEXT, 0, "A\0B"s, "A"},
-        {XfdBuilder::TEXT, 0, "\0\0\0"s, "", true},
-        {XfdBuilder::TEXT, 0, "   ", "", true},
-        {24, 0, "caf\xE9<", "caf\xE9&lt;"},
-        {UNIT_TEXT, HOST_ENCODING_UTF8, "\xC3\xA9<\xE2\x82\xAC", "\xC3\xA9&lt;\xE2\x82\xAC"},
+        {records::ALPHANUMERIC, 0, "A<B&C", "A&lt;B&amp;C"},
+        {records::ALPHANUMERIC, 0, " \tA\tB'\"> ", "A&#x09;B&apos;&quot;&gt;"},
+        {records::ALPHANUMERIC, 0, "A\x1F\r\nB\x7F\x80", "A&#x1f;&#x0d;&#x0a;B\x7F\x80"},
+        {records::ALPHANUMERIC, 0, "AB  \0 "s, "AB  "},
+        {records::ALPHANUMERIC, 0, "A\0B"s, "A"},
+        {records::ALPHANUMERIC, 0, "\0\0\0"s, "", true},
+        {records::ALPHANUMERIC, 0, "   ", "", true},
+        {records::NATIONAL, 0, "caf\xE9<", "caf\xE9&lt;"},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF8, "\xC3\xA9<\xE2\x82\xAC",
+         "\xC3\xA9&lt;\xE2\x82\xAC"},
         // A character cut at the end of the field, and one whose second byte would be markup.
-        {UNIT_TEXT, HOST_ENCODING_UTF8, "a\xE2\x82", "a\xE2\x82"},
-        {UNIT_TEXT, HOST_ENCODING_UTF8, "a\xC3<", "a\xC3<"},
-        {UNIT_TEXT, HOST_ENCODING_LATIN1, "\xC3<", "\xC3&lt;"},
-        {UNIT_TEXT, HOST_ENCODING_UTF16LE, units(markup, 2, false), wide(2, false)},
-        {UNIT_TEXT, HOST_ENCODING_UTF16BE, units(markup, 2, true), wide(2, true)},
-        {UNIT_TEXT, HOST_ENCODING_UTF32LE, units(markup, 4, false), wide(4, false)},
-        {UNIT_TEXT, HOST_ENCODING_UTF32BE, units(markup, 4, true), wide(4, true)},
-        {UNIT_TEXT, HOST_ENCODING_UTF16LE, units(U"\xD83C\xDC3C<", 2, false),
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF8, "a\xE2\x82", "a\xE2\x82"},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF8, "a\xC3<", "a\xC3<"},
+        {records::ENCODED_TEXT, HOST_ENCODING_LATIN1, "\xC3<", "\xC3&lt;"},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF16LE, units(markup, 2, false), wide(2, false)},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF16BE, units(markup, 2, true), wide(2, true)},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF32LE, units(markup, 4, false), wide(4, false)},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF32BE, units(markup, 4, true), wide(4, true)},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF16LE, units(U"\xD83C\xDC3C<", 2, false),
          units(U"\xD83C\xDC3C", 2, false) + "&lt;"},
-        {UNIT_TEXT, 99, "text", "", true},
-        {XfdBuilder::DISPLAY, 0, "00000", "0", true},
-        {XfdBuilder::DISPLAY, 0, "00070", "70"},
-        {XfdBuilder::DISPLAY, 0, "12,34", "12.34"},
+        {records::ENCODED_TEXT, 99, "text", "", true},
+        {records::DISPLAY_UNSIGNED, 0, "00000", "0", true},
+        {records::DISPLAY_UNSIGNED, 0, "00070", "70"},
+        {records::DISPLAY_UNSIGNED, -2, "01234", "12.34"},
     };
     for (const Case& c : cases) {
         XfdBuilder builder("f");
-        builder.text(1, "v", 0, static_cast<int>(c.data.size()));
-        builder.item(0).data.type = static_cast<std::int16_t>(c.type);
-        builder.item(0).data.digits = static_cast<std::int8_t>(c.data.size());
+        const int length = static_cast<int>(c.data.size());
+        const int scale = c.type == records::DISPLAY_UNSIGNED ? c.encoding : 0;
+        const records::FieldExtra comma = {
+            5, static_cast<std::int8_t>(scale), records::FIELD_DECIMAL_COMMA, {}};
+        builder.number(1, "v", 0, length, length, scale, static_cast<std::int16_t>(c.type));
+        records::set_field_extra(builder.item(0).data, comma);
         builder.conventions().field_encoding = c.encoding;
         builder.conventions().decimal_point = ',';
         const std::string expected = " <v>" + c.expected + "</v>\r\n";

@@ -6,15 +6,12 @@
 #include <vector>
 
 #include "host/record_description.h"
+#include "host/records/field_types.h"
 
 // A description under construction. Items are appended in layout order; the functions give the
 // index of the item. The description itself is made by xfd() and lives as long as the builder.
 class XfdBuilder {
   public:
-    static constexpr std::int16_t DISPLAY = 1;  // type codes; any of a class would do
-    static constexpr std::int16_t PACKED = 6;
-    static constexpr std::int16_t TEXT = 15;
-
     explicit XfdBuilder(std::string_view name) {
         name.copy(xfd_.name, sizeof xfd_.name - 1);
         conventions_.decimal_point = '.';
@@ -27,16 +24,17 @@ class XfdBuilder {
     }
     int text(int level, std::string_view name, int offset, int length, int condition = 0) {
         XfdItem& item = add(level, name, offset, length);
-        item.data.type = TEXT;
+        item.data.type = records::ALPHANUMERIC;
         item.condition = static_cast<std::int16_t>(condition);
         return last();
     }
     int number(int level, std::string_view name, int offset, int length, int digits, int scale = 0,
-               std::int16_t type = DISPLAY) {
+               std::int16_t type = records::DISPLAY_UNSIGNED) {
         XfdItem& item = add(level, name, offset, length);
         item.data.type = type;
         item.data.digits = static_cast<std::int8_t>(digits);
         item.data.scale = static_cast<std::int8_t>(scale);
+        records::set_field_extra(item.data, {item.data.digits, item.data.scale, 0, {}});
         return last();
     }
     // Says of the last item which occurrence it is, dimension by dimension: {subscript, maximum}.
