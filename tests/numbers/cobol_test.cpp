@@ -31,14 +31,15 @@ std::string plain_number(std::string units, const FieldSpec& field) {
     const auto decimals = static_cast<std::size_t>(field.decimals());
     if (decimals == 0) return sign + units;
     if (units.size() <= decimals) units.insert(0, decimals + 1 - units.size(), '0');
-    return sign + units.insert(units.size() - decimals, ".");
+    return sign + units.insert(units.size() - decimals, 1, '.');
 }
 
 UsageCase fixed(const std::string& picture, const FieldSpec& field, const std::string& usage = "") {
     const auto digits = static_cast<std::size_t>(field.digits);
-    std::vector<std::string> units{
-        "0", "1", std::string(digits, '9'), "1" + std::string(digits - 1, '0'),
-        std::string("12345678909876543210123456789098765432").substr(0, digits)};
+    const std::string all_different = "12345678909876543210123456789098765432";
+    std::vector<std::string> units{"0", "1", std::string(digits, '9'), std::string(digits, '0'),
+                                   all_different.substr(0, digits)};
+    units[3].front() = '1';
     if (picture.starts_with('S')) {
         for (std::size_t i = 1; i < 5; ++i) units.push_back("-" + units[i]);
     }
@@ -54,7 +55,7 @@ std::vector<UsageCase> binary_cases(const std::string& usage, FieldType with_sig
         int digits, length;
     } sizes[] = {{1, 1}, {2, 1}, {3, 2}, {4, 2}, {5, 4}, {9, 4}, {10, 8}, {18, 8}};
     for (const auto& size : sizes) {
-        const std::string picture = "9(" + std::to_string(size.digits) + ")";
+        const std::string picture = std::string("9(") + std::to_string(size.digits) + ")";
         cases.push_back(
             fixed("S" + picture, {with_sign, size.digits, 0, size.length, flags}, usage));
         cases.push_back(fixed(picture, {without, size.digits, 0, size.length, flags}, usage));

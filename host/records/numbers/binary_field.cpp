@@ -47,8 +47,9 @@ void save(const Field& field, Uint128 bits) {
 void append_number(Decimal& out, std::uint64_t value) {
     std::array<char, 20> text;
     const char* end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
-    for (const char* c = text.data(); c < end; ++c)
-        append_digit(out, static_cast<unsigned>(*c - '0'));
+    DigitWriter digits(out);
+    for (const char* c = text.data(); c < end; ++c) digits.append(static_cast<unsigned>(*c - '0'));
+    digits.finish();
 }
 
 // Writes a value of any size in parts of 18 digits, the most significant first.
@@ -58,13 +59,15 @@ void append_wide_number(Decimal& out, Uint128 value) {
     std::array<std::uint64_t, 3> parts{static_cast<std::uint64_t>(value / PART / PART),
                                        static_cast<std::uint64_t>(value / PART % PART),
                                        static_cast<std::uint64_t>(value % PART)};
+    DigitWriter all(out);
     for (std::uint64_t part : parts) {
         std::array<unsigned, PART_DIGITS> digits;
         for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, part /= 10) {
             *digit = static_cast<unsigned>(part % 10);
         }
-        for (unsigned digit : digits) append_digit(out, digit);
+        for (unsigned digit : digits) all.append(digit);
     }
+    all.finish();
 }
 
 // The number as an integer in units of ten to the power of `scale`, decimals cut; modulo two to the
@@ -93,7 +96,7 @@ Uint128 to_pictured_integer(const Decimal& number, const Field& field, bool& fit
     Decimal cut;
     cut.scale = field.scale;
     cut.count = std::min(field.digits, 38);
-    fits = place_digits(number, field.scale, cut.count, cut.digits.data());
+    fits = place_digits(number, field.scale, cut.count, 0, cut.digits.data());
     bool in_range = false;
     return to_integer(cut, field.scale, in_range);
 }

@@ -22,10 +22,12 @@ bool read(const Field& field, Decimal& out) {
     const char* end = std::to_chars(text.data(), text.data() + text.size(), std::abs(value),
                                     std::chars_format::scientific)
                           .ptr;
+    DigitWriter digits(out);
     const char* c = text.data();
     for (; *c != 'e'; ++c) {
-        if (*c != '.') append_digit(out, static_cast<unsigned>(*c - '0'));
+        if (*c != '.') digits.append(static_cast<unsigned>(*c - '0'));
     }
+    digits.finish();
     c += c[1] == '+' ? 2 : 1;
     int exponent = 0;
     std::from_chars(c, end, exponent);

@@ -23,23 +23,34 @@ const char* skip_digits(const char* c, const char* end) {
     return c;
 }
 
+const char* skip_zeros(const char* c, const char* end) {
+    while (c < end && *c == '0') ++c;
+    return c;
+}
+
+// Appends the values of digit characters for which there is room.
+void append_values(const char* c, std::ptrdiff_t count, Decimal& out) {
+    std::uint8_t* digits = out.digits.data() + out.count;
+    for (std::ptrdiff_t i = 0; i < count; ++i) digits[i] = static_cast<std::uint8_t>(c[i] - '0');
+    out.count += static_cast<int>(count);
+}
+
 // Takes the digits of the integer part. False when there were too many.
 bool take_integer(const char* c, const char* end, Decimal& out) {
-    while (c < end && *c == '0') ++c;
+    c = skip_zeros(c, end);
     const bool all = end - c <= Decimal::MAX_DIGITS;
-    if (!all) c = end - Decimal::MAX_DIGITS;
-    for (; c < end; ++c) append_digit(out, static_cast<unsigned>(*c - '0'));
+    if (!all) c = skip_zeros(end - Decimal::MAX_DIGITS, end);
+    append_values(c, end - c, out);
     return all;
 }
 
 // Takes the digits behind the point; those that do not fit are cut. Gives the power of ten of the
 // last one taken.
-std::int64_t take_decimals(const char* c, const char* end, Decimal& out) {
-    std::int64_t scale = 0;
-    for (; c < end && out.count < Decimal::MAX_DIGITS; ++c, --scale) {
-        append_digit(out, static_cast<unsigned>(*c - '0'));
-    }
-    return scale;
+std::int64_t take_decimals(const char* decimals, const char* end, Decimal& out) {
+    const char* c = out.count == 0 ? skip_zeros(decimals, end) : decimals;
+    const std::ptrdiff_t taken = std::min<std::ptrdiff_t>(end - c, Decimal::MAX_DIGITS - out.count);
+    append_values(c, taken, out);
+    return decimals - (c + taken);
 }
 
 // Reads sign and digits of an exponent; nothing else may follow.
@@ -92,11 +103,8 @@ Shape fixed_shape(const Decimal& number, int decimals, int length) {
 }
 
 void write_digits(const Decimal& number, int scale, int width, char* out) {
-    const DigitWindow window = digit_window(number, scale, width);
-    std::memset(out, '0', static_cast<std::size_t>(width));
-    const std::uint8_t* digits = number.digits.data() + window.first;
-    out += window.zeros;
-    for (int i = 0; i < window.copied; ++i) out[i] = static_cast<char>('0' + digits[i]);
+    copy_window(number, digit_window(number, scale, width), width, '0',
+                reinterpret_cast<std::uint8_t*>(out));
 }
 
 void write_shape(const Decimal& number, const Shape& shape, char point, std::span<char> out) {
@@ -131,7 +139,8 @@ void round_to(Decimal& number, int scale) {
     if (up && number.count > 0) {
         ++last();
     } else if (up) {
-        append_digit(number, 1);
+        number.digits[0] = 1;
+        number.count = 1;
     }
     while (number.count > 0 && last() == 0) drop_last();
 }

@@ -49,14 +49,16 @@ bool read_packed(const Field& field, Decimal& out) {
     for (std::int64_t i = 0; i < places.first; ++i) {
         if (half_byte(field, i) != 0) valid = false;
     }
+    DigitWriter digits(out);
     for (std::int64_t i = places.first; i < places.end; ++i) {
         unsigned digit = half_byte(field, i);
         if (digit > 9) {
             valid = false;
             digit = 0;
         }
-        append_digit(out, digit);
+        digits.append(digit);
     }
+    digits.finish();
     if (field.type != PACKED_NO_SIGN && !read_sign(field, out.negative)) valid = false;
     return valid;
 }
@@ -70,7 +72,7 @@ bool store_packed(const Field& field, const Decimal& number) {
     const int lead = static_cast<int>(places.first % 2);
     const int width = static_cast<int>(places.end - places.first);
     digits[0] = 0;
-    bool kept = place_digits(number, field.scale, width, digits.data() + lead);
+    bool kept = place_digits(number, field.scale, width, 0, digits.data() + lead);
     if (field.type != PACKED_NO_SIGN) {
         const unsigned sign = field.type == PACKED_UNSIGNED ? UNSIGNED
                               : number.negative             ? NEGATIVE
