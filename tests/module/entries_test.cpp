@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,61 +38,30 @@ TEST_F(EntriesTest, FillsExactlyTheSlotsThatItProvides) {
 }
 
 TEST_F(EntriesTest, AsksForTheHostFunctionsThatAreMissing) {
-    const char* const names[] = {"QTrace",
-                                 "Q4DBFromPath",
-                                 "Q4FlattenName",
-                                 "Q4XFDFree",
-                                 "Q4ParseXFD",
-                                 "Q4MatchFDInfotoXFD",
-                                 "Q4FreeTable",
-                                 "Q4MatchDBColstoXFD",
-                                 "Q4TestCOBOLCond",
-                                 "Q4ConvertDateTime",
-                                 "Q4TestData",
-                                 "Q4TestDatap",
-                                 "Q4CheckExtraWhere",
-                                 "Q4ParseErrorFile",
-                                 "Q4DefineSuffixes",
-                                 "Q4RemoveSuffix",
-                                 "Q4FillWhereMagic",
-                                 "Q4MatchDBKeystoXFD",
-                                 "Q4FindColumn",
-                                 "Q4make_sql_name",
-                                 "Q4fill_nines",
-                                 "Q4build_key",
-                                 "Q4free_string",
-                                 "Q4TransactionTrace",
-                                 "Q4CurTrace",
-                                 "Qconvert",
-                                 "QconvertData",
-                                 "cvt_8_decimal",
-                                 "f_rename",
-                                 "f_remove",
-                                 "f_copy",
-                                 "w_message_box",
-                                 "i_open",
-                                 "i_close",
-                                 "i_info",
-                                 "i_write",
-                                 "i_start",
-                                 "i_next",
-                                 "i_read",
-                                 "i_delete"};
-    ASSERT_EQ(std::size(names), 40U);
+    std::istringstream list(
+        "QTrace Q4DBFromPath Q4FlattenName Q4XFDFree Q4ParseXFD Q4MatchFDInfotoXFD "
+        "Q4FreeTable Q4MatchDBColstoXFD Q4TestCOBOLCond Q4ConvertDateTime Q4TestData "
+        "Q4TestDatap Q4CheckExtraWhere Q4ParseErrorFile Q4DefineSuffixes "
+        "Q4RemoveSuffix Q4FillWhereMagic Q4MatchDBKeystoXFD Q4FindColumn "
+        "Q4make_sql_name Q4fill_nines Q4build_key Q4free_string Q4TransactionTrace "
+        "Q4CurTrace Qconvert QconvertData cvt_8_decimal f_rename f_remove f_copy "
+        "w_message_box i_open i_close i_info i_write i_start i_next i_read i_delete");
+    const std::vector<std::string> names(std::istream_iterator<std::string>(list), {});
+    ASSERT_EQ(names.size(), 40U);
     auto* const set = entry<XmlSetHostFunctionEntry>(module(), SLOT_SET_HOST_FUNCTION);
     EXPECT_EQ(set("qtrace", dummy_function), nullptr);
     EXPECT_EQ(set("no_such_function", dummy_function), nullptr);
     EXPECT_EQ(set(nullptr, nullptr), nullptr);  // the loader has handed everything over
 
     std::vector<HostFunction*> functions;
-    for (const char* name : names) {
-        const void* const before = set(name, nullptr);
+    for (const std::string& name : names) {
+        const void* const before = set(name.c_str(), nullptr);
         EXPECT_NE(before, nullptr) << name;
         functions.push_back(reinterpret_cast<HostFunction*>(const_cast<void*>(before)));
     }
     for (std::size_t i = 0; i < functions.size(); ++i) {
-        EXPECT_STREQ(static_cast<const char*>(set(nullptr, dummy_function)), names[i]);
-        EXPECT_EQ(set(names[i], functions[i]), nullptr);
+        EXPECT_EQ(static_cast<const char*>(set(nullptr, dummy_function)), names[i]);
+        EXPECT_EQ(set(names[i].c_str(), functions[i]), nullptr);
     }
     EXPECT_EQ(set(nullptr, nullptr), nullptr);
 }
