@@ -110,6 +110,13 @@ std::optional<std::string> CopyLibrary::find_in_folder(const std::string& folder
 
 std::optional<std::string> CopyLibrary::find(const std::string& name, const std::string& library,
                                              const std::string& first_folder) {
+    const auto [entry, is_new] = found_.try_emplace({name, library, first_folder});
+    if (is_new) entry->second = look_up(name, library, first_folder);
+    return entry->second;
+}
+
+std::optional<std::string> CopyLibrary::look_up(const std::string& name, const std::string& library,
+                                                const std::string& first_folder) {
     std::string path = name;
     std::replace(path.begin(), path.end(), '\\', '/');
     if (path.find('\0') != std::string::npos) return std::nullopt;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -39,11 +40,14 @@ class CopyLibrary {
     const Listing& list(const std::string& folder);
     std::optional<std::string> find_entry(const std::string& folder, const std::string& name,
                                           bool want_folder);
+    std::optional<std::string> look_up(const std::string& name, const std::string& library,
+                                       const std::string& first_folder);
     std::optional<std::string> find_in_folder(const std::string& folder, const std::string& name);
 
     std::vector<std::string> folders_;
     int tab_width_;
     std::map<std::string, Listing> listings_;
+    std::map<std::tuple<std::string, std::string, std::string>, std::optional<std::string>> found_;
     std::map<std::string, std::shared_ptr<const SourceFile>> files_;
 };
 

@@ -42,10 +42,7 @@ class Compilation {
         source_.decimal_point_is_comma = context_.decimal_point_is_comma;
         source_.currency = context_.currency;
         const bool found = options_.fd.empty() ? take_only_choice() : take_chosen();
-        if (!found) {
-            report_broken();
-            return std::nullopt;
-        }
+        if (!found) return std::nullopt;
         if (!source_.records.empty()) return std::move(source_);
         if (!diagnostics_.has_errors()) fail("there is no data description in it");
         return std::nullopt;
@@ -61,24 +58,33 @@ class Compilation {
 
     void take(TokenRange range) {
         TokenCursor cursor(tokens_, range.begin, range.end);
-        const std::string& file = *sources_.file(0).name;
+        // A bare copybook lends its own name; below an FD, the copybook that was copied does.
+        const bool is_bare = !structure_.is_program && source_.name.empty();
+        const bool is_empty = range.begin >= range.end;
+        const std::uint32_t inclusion =
+            is_bare || is_empty ? 0 : tokens_[range.begin].position.inclusion;
+        const std::string& file = *sources_.file(inclusion).name;
         RecordBuilder builder(source_.records, implied_record_name(file), context_);
         while (!cursor.at_end()) {
             if (auto entry = parse_entry(cursor, context_)) builder.add(std::move(*entry));
         }
     }
 
-    // Text that could not be read matters once what was wanted cannot be found.
-    void report_broken() {
-        for (const Token& token : tokens_) {
-            if (token.kind == WordKind::broken) context_.error(token, {});
+    // Copies that failed where data descriptions stand matter once what was wanted is not found.
+    bool report_missing(std::string message) {
+        fail(std::move(message));
+        for (const RecordArea& area : structure_.areas) {
+            for (std::size_t i = area.tokens.begin; i < area.tokens.end; ++i) {
+                if (tokens_[i].kind == WordKind::broken) context_.error(tokens_[i], {});
+            }
         }
+        return false;
     }
 
     bool take_chosen() {
         const std::string wanted = to_upper(options_.fd);
         for (const RecordArea& area : structure_.areas) {
-            if (area.kind != Kind::file || area.name != wanted) continue;
+            if (area.name.empty() || area.name != wanted) continue;
             source_.name = area.name;
             take(area.tokens);
             return true;
@@ -91,8 +97,8 @@ class Compilation {
             }
         }
         const std::string names = all_names();
-        return fail("there is no FD or record " + wanted +
-                    (names.empty() ? std::string() : "; there are " + names));
+        return report_missing("there is no FD or record " + wanted +
+                              (names.empty() ? std::string() : "; there are " + names));
     }
 
     // Without a choice: the only FD; in a bare copybook all records; in a program without files its
@@ -124,7 +130,7 @@ class Compilation {
                 ++count;
             }
         }
-        if (count == 0) return fail("there is no data description in it");
+        if (count == 0) return report_missing("there is no data description in it");
         if (count > 1) {
             return fail("there is no FD but several records, choose one: " + all_names());
         }
@@ -132,7 +138,7 @@ class Compilation {
         return true;
     }
 
-    // The FDs, or when there are none the records.
+    // The files, and the records where a record can be meant.
     std::string all_names() const {
         std::string names;
         const auto add = [&names](const std::string& name) {
@@ -140,7 +146,7 @@ class Compilation {
             names += (names.empty() ? "" : ", ") + name;
         };
         for (const RecordArea& area : structure_.areas) {
-            if (area.kind == Kind::file) add(area.name);
+            add(area.name);
         }
         if (!names.empty() && options_.fd.empty()) return names;
         for (const RecordArea& area : structure_.areas) {

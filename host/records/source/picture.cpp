@@ -57,6 +57,15 @@ class PictureAnalyser {
         return 0;
     }
 
+    // Where the symbols stand that may stand only once: the last of them is one too many.
+    std::size_t last(std::string_view symbols) const {
+        std::size_t offset = 0;
+        for (const Run& run : runs_) {
+            if (symbols.find(run.symbol) != std::string_view::npos) offset = run.offset;
+        }
+        return offset;
+    }
+
     bool split();
     bool take_symbol(Run& run);
     bool take_count(Run& run);
@@ -184,10 +193,9 @@ bool PictureAnalyser::numeric() {
     picture.category = Category::numeric;
     picture.is_signed = has('S');
     if (count('S') > 1 || (has('S') && runs_.front().symbol != 'S')) {
-        return fail(runs_.front().symbol == 'S' ? runs_.front().offset : first("S"),
-                    "S stands once, as the first symbol");
+        return fail(last("S"), "S stands once, as the first symbol");
     }
-    if (count('V') > 1) return fail(first("V"), "V stands at most once");
+    if (count('V') > 1) return fail(last("V"), "V stands at most once");
     if (count('9') + count('P') > MAX_DIGITS) {
         return fail(first("9P"), "a number has at most 38 digits");
     }
@@ -232,7 +240,7 @@ bool PictureAnalyser::numeric_edited() {
     picture.category = Category::edited;
     picture.is_signed = has_any("+-") || has(CREDIT) || has(DEBIT);
     if (has('S')) return fail(first("S"), "S cannot stand with editing symbols");
-    if (count('.') + count('V') > 1) return fail(first(".V"), "only one decimal point is allowed");
+    if (count('.') + count('V') > 1) return fail(last(".V"), "only one decimal point is allowed");
     if (!check_edited_signs() || !check_edited_order()) return false;
     std::int64_t digits = 0;
     std::int64_t decimals = 0;
@@ -256,7 +264,7 @@ bool PictureAnalyser::numeric_edited() {
 
 bool PictureAnalyser::check_edited_signs() {
     if (count(CREDIT) + count(DEBIT) > 1) {
-        return fail(first("cd"), "CR or DB stands at most once");
+        return fail(last("cd"), "CR or DB stands at most once");
     }
     const bool credit = has(CREDIT) || has(DEBIT);
     if (credit && runs_.back().symbol != CREDIT && runs_.back().symbol != DEBIT) {

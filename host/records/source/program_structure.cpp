@@ -92,7 +92,9 @@ class StructureFinder {
 
     void enter_file(std::size_t begin) {
         close_area(begin);
-        open_area(RecordArea::Kind::file, cursor_.peek(1).text, begin);
+        const auto kind =
+            cursor_.at_word("FD") ? RecordArea::Kind::file : RecordArea::Kind::sort_file;
+        open_area(kind, cursor_.peek(1).text, begin);
         cursor_.advance();
         cursor_.advance();
         skip_sentence();

@@ -20,10 +20,10 @@ struct RecordSpan {
     TokenRange tokens;
 };
 
-// The records of one FD, of one section, or of a bare copybook.
+// The records of one FD or SD, of one section, or of a bare copybook.
 struct RecordArea {
-    enum class Kind { copybook, file, storage } kind = Kind::copybook;
-    std::string name;  // of the FD
+    enum class Kind { copybook, file, sort_file, storage } kind = Kind::copybook;
+    std::string name;  // of the FD or SD
     TokenRange tokens;
     std::vector<RecordSpan> records;
 };

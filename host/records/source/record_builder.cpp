@@ -7,7 +7,7 @@ namespace records {
 namespace {
 
 // How many redefinitions of one item are looked through; bounds the work on hostile text.
-constexpr int MAX_REDEFINITIONS = 1000;
+constexpr int MAX_REDEFINITIONS = 200;
 
 std::string level_text(int level) {
     return (level < 10 ? "0" : "") + std::to_string(level);
@@ -87,6 +87,9 @@ void RecordBuilder::check_redefines(const Entry& entry,
                                     const std::vector<std::unique_ptr<DataItem>>& siblings) {
     const DataItem& item = *entry.item;
     if (item.redefines.empty()) return;
+    const bool follows_another = !siblings.empty() && siblings.back()->level == item.level &&
+                                 siblings.back()->redefines == item.redefines;
+    if (follows_another) return;
     int seen = 0;
     for (auto sibling = siblings.rbegin(); sibling != siblings.rend() && seen < MAX_REDEFINITIONS;
          ++sibling, ++seen) {

@@ -34,12 +34,20 @@ Evidence judge_indicator(std::string_view trimmed) {
     return trimmed.size() > 1 && is_letter(trimmed[1]) ? Evidence::free : Evidence::none;
 }
 
+bool is_number(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), is_digit);
+}
+
+// The line has text in columns 1 to 6: a sequence number or a mark, or COBOL text in free format.
 Evidence judge_sequence_area(std::string_view line, std::string_view trimmed) {
-    const std::string_view area = line.substr(0, SEQUENCE_WIDTH);
-    if (std::all_of(area.begin(), area.end(), is_digit)) return Evidence::fixed;
-    if (trimmed.starts_with("*>") || trimmed.starts_with("*")) return Evidence::free;
-    if (starts_with_level(trimmed)) return Evidence::free;
-    if (line.size() <= SEQUENCE_WIDTH) return Evidence::free;
+    if (trimmed.starts_with("*") || starts_with_level(trimmed)) return Evidence::free;
+    std::string_view area = without_leading_blanks(line.substr(0, SEQUENCE_WIDTH));
+    while (area.ends_with(' ')) area.remove_suffix(1);
+    const bool at_margin = line.front() != ' ';
+    if (is_number(area)) return Evidence::fixed;
+    if (line.size() <= SEQUENCE_WIDTH || !at_margin || area.find(' ') != std::string_view::npos) {
+        return Evidence::free;
+    }
     return is_indicator(line[SEQUENCE_WIDTH]) ? Evidence::fixed : Evidence::free;
 }
 
@@ -55,6 +63,12 @@ Evidence judge(std::string_view line) {
     return Evidence::none;
 }
 
+// Behind such a line the format is known.
+bool switches_format(std::string_view line) {
+    const std::string_view text = without_leading_blanks(line);
+    return (text.starts_with(">>") || text.starts_with("$")) && format_directive(text).has_value();
+}
+
 }  // namespace
 
 std::optional<SourceFormat> detect_source_format(const SourceFile& file) {
@@ -62,7 +76,7 @@ std::optional<SourceFormat> detect_source_format(const SourceFile& file) {
     int free = 0;
     int beyond = 0;
     const std::size_t count = std::min(file.lines.size(), LINES_LOOKED_AT);
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count && !switches_format(file.lines[i]); ++i) {
         switch (judge(file.lines[i])) {
             case Evidence::none:
                 break;

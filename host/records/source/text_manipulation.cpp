@@ -13,8 +13,9 @@ namespace {
 constexpr std::size_t MAX_COPY_DEPTH = 64;
 constexpr std::size_t MAX_WORDS = 1'000'000;  // of all files together, each inclusion counted
 
+constexpr std::size_t MAX_BYTES = std::size_t{128} << 20;
 constexpr const char* TOO_LARGE =
-    "the text is too large: more than 1,000,000 words with all copies";
+    "the text is too large: more than 1,000,000 words or 128 MiB with all copies";
 
 bool is_word(const std::vector<TextWord>& words, std::size_t at, std::string_view text) {
     return at < words.size() && words[at].kind == WordKind::word && same_word(words[at].text, text);
@@ -62,7 +63,8 @@ TextManipulator::TextManipulator(const CopybookOptions& options, SourceSet& sour
       arena_(arena),
       diagnostics_(diagnostics),
       library_(options.copy_path, options.tab_width),
-      words_left_(MAX_WORDS) {}
+      words_left_(MAX_WORDS),
+      bytes_left_(MAX_BYTES) {}
 
 void TextManipulator::break_at(const TextWord& word, std::string message, Words& out) {
     out.push_back({WordKind::broken, true, arena_.keep(std::move(message)), word.position});
@@ -206,6 +208,12 @@ void TextManipulator::include(const std::string& name, const std::string& librar
         break_at(statement, "cannot read copybook '" + *path + "': " + why, out);
         return;
     }
+    if (file->text.size() > bytes_left_) {
+        stopped_ = true;
+        break_at(statement, TOO_LARGE, out);
+        return;
+    }
+    bytes_left_ -= file->text.size();
     Words copied = expand_file(std::move(file), statement.position, format);
     if (!copied.empty()) copied.front().space_before = true;
     if (!rules.empty()) {
@@ -224,6 +232,11 @@ void TextManipulator::include(const std::string& name, const std::string& librar
     out.insert(out.end(), copied.begin(), copied.end());
 }
 
+void TextManipulator::report_exhausted(const Replacer* replacer, const TextWord& word, Words& out) {
+    if (!replacer || !replacer->exhausted()) return;
+    break_at(word, "REPLACE has too much to compare and was stopped", out);
+}
+
 // Reads the REPLACE statement at `at`; gives the index behind it.
 std::size_t TextManipulator::read_replace(const Words& words, std::size_t at, Words& out,
                                           std::unique_ptr<Replacer>& replacer) {
@@ -236,6 +249,7 @@ std::size_t TextManipulator::read_replace(const Words& words, std::size_t at, Wo
     if (result.error_at) {
         break_at({WordKind::broken, true, {}, *result.error_at}, std::move(result.error), out);
     }
+    report_exhausted(replacer.get(), words[at], out);
     replacer.reset();
     if (!result.rules.empty()) {
         replacer = std::make_unique<Replacer>(std::move(result.rules), arena_);
@@ -264,6 +278,7 @@ TextManipulator::Words TextManipulator::obey_replace(Words words) {
         at += std::max<std::size_t>(used, 1);
     }
     if (out.size() > MAX_WORDS) break_at(out.back(), TOO_LARGE, out);
+    if (!out.empty()) report_exhausted(replacer.get(), out.back(), out);
     return out;
 }
 

@@ -33,6 +33,7 @@ class TextManipulator {
                  SourceFormat format, std::vector<ReplaceRule> rules, Words& out);
     std::size_t read_replace(const Words& words, std::size_t at, Words& out,
                              std::unique_ptr<Replacer>& replacer);
+    void report_exhausted(const Replacer* replacer, const TextWord& word, Words& out);
     Words obey_replace(Words words);
     void break_at(const TextWord& word, std::string message, Words& out);
 
@@ -43,7 +44,8 @@ class TextManipulator {
     CopyLibrary library_;
     std::vector<std::string> open_files_;  // being expanded, outermost first
     std::size_t words_left_;
-    bool stopped_ = false;  // at the PROCEDURE DIVISION, or at a limit
+    std::size_t bytes_left_;  // of the files read, each inclusion counted
+    bool stopped_ = false;    // at the PROCEDURE DIVISION, or at a limit
 };
 
 }  // namespace records

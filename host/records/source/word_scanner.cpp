@@ -151,12 +151,19 @@ std::optional<TextWord> WordScanner::next() {
     }
 }
 
+// The end of the line, a blank, or the end of pseudo-text: what makes a comma or a period before it
+// a separator.
+bool WordScanner::at_gap(std::size_t at) const {
+    const std::string_view text = line_.content;
+    return at >= text.size() || text[at] == ' ' || text.substr(at).starts_with("==");
+}
+
 // A blank, or a comma or semicolon that separates.
 bool WordScanner::at_separator(std::size_t at) const {
     const std::string_view text = line_.content;
     if (text[at] == ' ') return true;
     if (text[at] != ',' && text[at] != ';') return false;
-    if (at + 1 >= text.size() || text[at + 1] == ' ' || is_quote(text[at + 1])) return true;
+    if (at_gap(at + 1) || is_quote(text[at + 1])) return true;
     return at > 0 && is_quote(text[at - 1]);
 }
 
@@ -191,8 +198,7 @@ TextWord WordScanner::scan_word() {
         const std::string_view text = line_.content;
         if (at >= text.size() || at_separator(at)) return true;
         if (text[at] == '.') {
-            return at + 1 == text.size() || text[at + 1] == ' ' ||
-                   (at > 0 && is_quote(text[at - 1]));
+            return at_gap(at + 1) || (at > 0 && is_quote(text[at - 1]));
         }
         return std::string_view("\"'():=<>&").find(text[at]) != std::string_view::npos;
     };

@@ -39,6 +39,7 @@ class WordScanner {
     bool scan_literal_part(std::string& text, char quote);
     bool continue_literal(std::string& text, char quote);
 
+    bool at_gap(std::size_t at) const;
     bool at_separator(std::size_t at) const;
     TextWord take(WordKind kind, std::size_t length);
     Position position_at(std::size_t offset) const;

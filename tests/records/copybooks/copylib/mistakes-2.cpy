@@ -1,0 +1,2 @@
+           05  DEEP-WRONG              PIC 9V9V.
+           COPY BROKEN.

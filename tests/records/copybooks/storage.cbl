@@ -1,0 +1,10 @@
+       DATA DIVISION.
+       WORKING-STORAGE SECTION.
+       01  ONLY-RECORD.
+           05  A                       PIC X.
+       01  LIMIT CONSTANT AS 10.
+       LINKAGE SECTION.
+       SCREEN SECTION.
+       01  MAIN-SCREEN.
+           05  LINE 1 COL 1 VALUE "NOT A RECORD".
+       PROCEDURE DIVISION.

@@ -1,0 +1,4 @@
+	01	PART.
+		03 PART-NO	PIC 9(6).
+      *	A COMMENT
+		03 PART-NAME	PIC X(10).
