@@ -1,5 +1,6 @@
 // Writing an element with everything below it as XML.
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "fsi/xml/elements/element.h"
@@ -13,6 +14,14 @@ namespace {
 constexpr std::uint8_t ESCAPED = XML_TEXT_ESCAPE | XML_TEXT_TRIM;
 constexpr std::uint64_t LEVEL_INDENT = 2;
 constexpr std::uint64_t CONTINUATION_INDENT = 5;
+
+// The widest indentation. Without a limit a document nested n levels deep would be written as some
+// n * n bytes of blanks.
+constexpr auto blanks = [] {
+    std::array<char, XML_INDENT_LIMIT> row{};
+    row.fill(' ');
+    return row;
+}();
 
 // An output file with its encoding, through which all pieces of an element go.
 struct Output {
@@ -28,13 +37,8 @@ struct Output {
     }
 
     void spaces(std::uint64_t count) const {
-        constexpr std::string_view blanks = "                                                ";
-        for (count = std::min<std::uint64_t>(count, XML_INDENT_LIMIT); count > 0;) {
-            const std::string_view run = {blanks.data(),
-                                          std::min<std::size_t>(count, blanks.size())};
-            text(run, HOST_ENCODING_NONE, 0);
-            count -= run.size();
-        }
+        const std::size_t length = std::min<std::uint64_t>(count, blanks.size());
+        text({blanks.data(), length}, HOST_ENCODING_NONE, 0);
     }
 };
 
