@@ -28,21 +28,26 @@
        01  TOTAL                       PIC S9(9)V99.
 
        01  CUSTOMER-TABLE.
-           05  FILLER PIC X(82) VALUE
-               "Smith & Sons                  12 Market Street          LS
-      -        "1 4DY  Leeds             ".
-           05  FILLER PIC X(82) VALUE
-               "Miller's Garden Centre        ""The Old Mill""            B
-      -        "S8 2XN  Bristol           ".
-           05  FILLER PIC X(82) VALUE
-               "Nord <Trading> A/S            Havnegade 44              10
-      -        "58     Copenhagen        ".
-           05  FILLER PIC X(82) VALUE
-               "Vermeer Bloemen               Keizersgracht 9           10
-      -        "15 CJ  Amsterdam         ".
-           05  FILLER PIC X(82) VALUE
-               "Okafor Hardware                                         EH
-      -        "1 1AA  Edinburgh         ".
+           05  FILLER PIC X(30) VALUE "Smith & Sons".
+           05  FILLER PIC X(26) VALUE "12 Market Street".
+           05  FILLER PIC X(8)  VALUE "LS1 4DY".
+           05  FILLER PIC X(18) VALUE "Leeds".
+           05  FILLER PIC X(30) VALUE "Miller's Garden Centre".
+           05  FILLER PIC X(26) VALUE """The Old Mill""".
+           05  FILLER PIC X(8)  VALUE "BS8 2XN".
+           05  FILLER PIC X(18) VALUE "Bristol".
+           05  FILLER PIC X(30) VALUE "Nord <Trading> A/S".
+           05  FILLER PIC X(26) VALUE "Havnegade 44".
+           05  FILLER PIC X(8)  VALUE "1058".
+           05  FILLER PIC X(18) VALUE "Copenhagen".
+           05  FILLER PIC X(30) VALUE "Vermeer Bloemen".
+           05  FILLER PIC X(26) VALUE "Keizersgracht 9".
+           05  FILLER PIC X(8)  VALUE "1015 CJ".
+           05  FILLER PIC X(18) VALUE "Amsterdam".
+           05  FILLER PIC X(30) VALUE "Okafor Hardware".
+           05  FILLER PIC X(26) VALUE SPACES.
+           05  FILLER PIC X(8)  VALUE "EH1 1AA".
+           05  FILLER PIC X(18) VALUE "Edinburgh".
        01  CUSTOMERS REDEFINES CUSTOMER-TABLE.
            05  KNOWN-CUSTOMER OCCURS 5 TIMES.
                10  KNOWN-NAME          PIC X(30).

@@ -14,12 +14,18 @@ namespace {
 
 constexpr mode_t PERMISSIONS = 07777;
 
-// Where a chain of symbolic links ends; the name itself when it is no link or cannot be followed.
+// Where a chain of symbolic links ends, whether there is a file or not.
 std::string follow_links(const std::string& name) {
+    constexpr int MOST_LINKS = 40;
+    std::filesystem::path path = name;
     std::error_code error;
-    if (!std::filesystem::is_symlink(name, error)) return name;
-    const std::filesystem::path real = std::filesystem::weakly_canonical(name, error);
-    return error ? name : real.string();
+    for (int links = 0; links < MOST_LINKS; ++links) {
+        if (!std::filesystem::is_symlink(path, error)) return path.string();
+        const std::filesystem::path next = std::filesystem::read_symlink(path, error);
+        if (error) break;
+        path = path.parent_path() / next;
+    }
+    fail_file(name, ELOOP);
 }
 
 }  // namespace

@@ -50,7 +50,6 @@ void print_dtd(const DtdOptions& options) {
     const host::Module module = load_module();
     apply_settings(options.layout.settings);
     force_setting("SXML_CREATE_STYLE", "DTD");
-    force_setting("SXML_STYLESHEET_HREF", "");
     const records::Description description =
         load_layout(options.layout, records::RecordEncoding::ascii);
     records::bind_description(&description);

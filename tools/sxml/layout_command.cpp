@@ -63,6 +63,18 @@ std::vector<Column> columns() {
     };
 }
 
+// Leaves a condition out where the enclosing group has the same one.
+void thin_out_conditions(std::vector<Row>& rows, const std::vector<int>& row_depths) {
+    std::vector<std::string> enclosing;  // of each open group
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        enclosing.resize(static_cast<std::size_t>(row_depths[i]));
+        std::string condition = rows[i].condition;
+        const bool repeated = !enclosing.empty() && enclosing.back() == condition;
+        if (repeated) rows[i].condition.clear();
+        enclosing.push_back(std::move(condition));
+    }
+}
+
 using Table = std::vector<std::vector<std::string>>;
 
 void append_cell(std::string& line, const std::string& text, std::size_t width, bool right) {
@@ -90,6 +102,7 @@ std::string table_text(const std::vector<Column>& shown, const Table& cells) {
 std::string layout_table(const records::Description& description) {
     std::vector<Row> rows = description.rows();
     const std::vector<int> row_depths = depths(rows);
+    thin_out_conditions(rows, row_depths);
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i].name = indented_name(rows[i], row_depths[i]);
     std::vector<Column> shown;

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "tools/sxml/commands.h"
 #include "tools/sxml/errors.h"
@@ -23,6 +25,14 @@ int run(int argc, char** argv) {
     command::add_schema_command(application);
     try {
         application.parse(argc, argv);
+    } catch (const CLI::RequiredError& error) {
+        const std::vector<std::string> unknown = application.remaining();
+        if (application.get_subcommands().empty() && !unknown.empty()) {
+            command::fail_usage("there is no subcommand " + unknown.front() +
+                                "; `sxml --help` lists them");
+        }
+        application.exit(error);
+        return command::EXIT_USAGE;
     } catch (const CLI::ParseError& error) {
         return application.exit(error) == 0 ? 0 : command::EXIT_USAGE;
     }

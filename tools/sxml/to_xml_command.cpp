@@ -35,9 +35,11 @@ CharacterSet character_set(const ToXmlOptions& options) {
 
 // True for two names of one file, which need not exist yet.
 bool are_one_file(const std::string& first, const std::string& second) {
-    std::error_code error;
-    return std::filesystem::weakly_canonical(first, error) ==
-           std::filesystem::weakly_canonical(second, error);
+    const auto place = [](const std::string& name) {
+        std::error_code error;
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(name), error);
+    };
+    return place(first) == place(second);
 }
 
 // With SXML_CREATE_STYLE=SCHEMA the schema is a file of its own. It is written first, under a

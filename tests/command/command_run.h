@@ -1,0 +1,38 @@
+// Runs programs the way a shell does, and gives tests a folder to work in.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+struct Outcome {
+    int status;  // exit status; 128 + n when ended by signal n
+    std::string out;
+    std::string err;
+};
+
+// Runs a program found on PATH. `input` is given to it as standard input. `output` names a file or
+// device that its standard output goes to; empty: it is caught.
+Outcome run(const std::vector<std::string>& words, const std::string& input = "",
+            const std::string& output = "");
+
+// Each test has an empty folder, which is the current one while the test runs, and a fixed date.
+class CommandTest : public testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The command with these words behind its name.
+    static Outcome sxml(std::vector<std::string> words, const std::string& input = "",
+                        const std::string& output = "");
+    static void write_file(const std::string& name, const std::string& text);
+    static std::string read_file(const std::string& name);
+    // Names of all files in the folder, hidden ones included, in order.
+    static std::vector<std::string> files();
+
+    static const std::string EXAMPLES;  // folder of the sample programs
+
+  private:
+    std::string folder_;
+};

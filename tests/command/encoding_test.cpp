@@ -1,0 +1,139 @@
+// Character sets of the records' text.
+
+#include "tests/command/command_run.h"
+
+namespace {
+
+const std::string COPYBOOK =
+    "       01  MOVE.\n"
+    "           05  WORD PIC X(5).\n"
+    "           05  AMOUNT PIC S9(3)V99.\n"
+    "           05  COUNTED PIC 9(3).\n"
+    "           05  LEFT-SIGNED PIC S9(2) SIGN LEADING SEPARATE.\n"
+    "           05  PACKED PIC S9(3) COMP-3.\n";
+
+std::string moves(const std::string& word, const std::string& numbers) {
+    return " <move>\r\n  <word>" + word + "</word>\r\n" + numbers + " </move>\r\n";
+}
+
+const std::string NUMBERS =
+    "  <amount>-123.45</amount>\r\n  <counted>7</counted>\r\n"
+    "  <left_signed>-12</left_signed>\r\n  <packed>-123</packed>\r\n";
+
+const std::string ASCII_NUMBERS = "1234u007-12\x12\x3D";
+const std::string EBCDIC_NUMBERS = "\xF1\xF2\xF3\xF4\xD5\xF0\xF0\xF7\x60\xF1\xF2\x12\x3D";
+
+struct EncodingCase {
+    const char* name;
+    std::string encoding;
+    std::string record;
+    int status;
+    std::string declared;  // with status 0
+    std::string word;      // with status 0: in the document
+    std::string said;
+};
+
+class EncodingTest : public CommandTest, public testing::WithParamInterface<EncodingCase> {};
+
+TEST_P(EncodingTest, TextAndNumbersComeOutRight) {
+    const EncodingCase& expected = GetParam();
+    write_file("m.cpy", COPYBOOK);
+    write_file("m.dat", expected.record);
+    const Outcome outcome =
+        sxml({"to-xml", "m.dat", "m.xml", "--layout", "m.cpy", "--encoding", expected.encoding});
+    EXPECT_EQ(outcome.status, expected.status);
+    EXPECT_NE(outcome.err.find(expected.said), std::string::npos) << outcome.err;
+    if (expected.status != 0) {
+        EXPECT_EQ(files(), (std::vector<std::string>{"m.cpy", "m.dat"}));
+        return;
+    }
+    const std::string document = read_file("m.xml");
+    EXPECT_EQ(document.find("<?xml version=\"1.0\" encoding=\"" + expected.declared + "\"?>"), 0U)
+        << document.substr(0, 60);
+    EXPECT_NE(document.find(moves(expected.word, NUMBERS)), std::string::npos) << document;
+    const Outcome judged = run({"xmllint", "--noout", "--valid", "m.xml"});
+    EXPECT_EQ(judged.status, 0) << judged.err;
+}
+
+const std::vector<EncodingCase> CASES = {
+    {"utf8", "UTF-8", "Caf\xC3\xA9" + ASCII_NUMBERS, 0, "UTF-8", "Caf\xC3\xA9", ""},
+    {"latin1", "iso-8859-1", "Caf\xE9 " + ASCII_NUMBERS, 0, "ISO-8859-1", "Caf\xE9", ""},
+    {"latin1_control", "iso-8859-1", "Caf\x1F " + ASCII_NUMBERS, 1, "", "",
+     "record 1, field word, byte offset 3 (3 in the record): the byte 0x1F is a control"},
+    {"windows", "windows-1252", "Caf\xE9\x80" + ASCII_NUMBERS, 0, "WINDOWS-1252", "Caf\xE9\x80",
+     ""},
+    {"windows_undefined", "windows-1252", "Caf\x81 " + ASCII_NUMBERS, 1, "", "",
+     "the byte 0x81 is no character of windows-1252"},
+    {"ascii", "us-ascii", "Caf\xE9 " + ASCII_NUMBERS, 1, "", "", "the byte 0xE9 is no character"},
+    {"cp037", "cp037", "\xC3\x81\x86\x51\x4C" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "Caf\xE9&lt;", ""},
+    {"cp1047_brackets", "cp1047", "\xAD\xBD\x40\x40\x40" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "[]",
+     ""},
+    {"cp037_brackets", "cp037", "\xBA\xBB\x40\x40\x40" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "[]", ""},
+    {"cp273", "cp273", "\xC0\x4A\x6A\x40\x40" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "\xE4\xC4\xF6",
+     ""},
+    {"euro_in_ebcdic", "ibm1140", "\x9F\x40\x40\x40\x40" + EBCDIC_NUMBERS, 1, "", "",
+     "field word, byte offset 0 (0 in the record): the byte 0x9F is a character of ibm1140 that "
+     "ISO-8859-1 lacks"},
+    {"ebcdic_control", "cp037", "\xC3\x01\x40\x40\x40" + EBCDIC_NUMBERS, 1, "", "",
+     "the byte 0x01 is a control character"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Sets, EncodingTest, testing::ValuesIn(CASES),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(CommandTest, EbcdicFieldsThatHoldNoNumberAreNamed) {
+    write_file("m.cpy", COPYBOOK);
+    write_file("m.dat", "\xC3\x40\x40\x40\x40" + EBCDIC_NUMBERS + "\xC3\x40\x40\x40\x40" +
+                            "\xF1\xF2\xC1\xF4\xD5\xF0\xF0\xF7\x60\xF1\xF2\x12\x3D");
+    const Outcome outcome = sxml({"to-xml", "m.dat", "m.xml", "-l", "m.cpy", "--encoding=cp037"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.err.find("m.dat: record 2, field amount (byte offset 23) holds no valid "
+                               "number: X'F1F2C1F4D5'"),
+              std::string::npos)
+        << outcome.err;
+}
+
+// Layouts are told apart on the records as they are, whatever the translation makes of them.
+TEST_F(CommandTest, EbcdicLayoutsAreToldApart) {
+    write_file("k.cpy",
+               "      *> sxml: when IS-TEXT\n"
+               "       01  A-TEXT.\n"
+               "           05  KIND PIC X.\n"
+               "               88  IS-TEXT VALUE \"T\".\n"
+               "           05  WORD PIC X(3).\n"
+               "      *> sxml: when IS-SUM\n"
+               "       01  A-SUM.\n"
+               "           05  SUM-KIND PIC X.\n"
+               "               88  IS-SUM VALUE \"S\".\n"
+               "           05  TOTAL PIC S9(5) COMP-3.\n");
+    write_file("k.dat", "\xE3\x81\x82\x83\xE2\x12\x34\x5D");
+    const Outcome outcome = sxml({"to-xml", "k.dat", "-", "-l", "k.cpy", "--encoding", "cp500"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(outcome.out.find(" <a_text>\r\n  <kind>T</kind>\r\n  <word>abc</word>\r\n"
+                               " </a_text>\r\n <a_sum>\r\n  <sum_kind>S</sum_kind>\r\n"
+                               "  <total>-12345</total>\r\n </a_sum>\r\n"),
+              std::string::npos)
+        << outcome.out;
+}
+
+// Bytes outside the layout that applies, and behind the record's end, are not text of the document.
+TEST_F(CommandTest, OnlyFieldsOfTheRecordAreChecked) {
+    write_file("k.cpy",
+               "      *> sxml: when IS-TEXT\n"
+               "       01  A-TEXT.\n"
+               "           05  KIND PIC X.\n"
+               "               88  IS-TEXT VALUE \"T\".\n"
+               "           05  WORD PIC X(3).\n"
+               "      *> sxml: when IS-SUM\n"
+               "       01  A-SUM.\n"
+               "           05  SUM-KIND PIC X.\n"
+               "               88  IS-SUM VALUE \"S\".\n"
+               "           05  TOTAL PIC S9(5) COMP-3.\n");
+    write_file("good", std::string("S\x00\x01\x2C", 4) + "Tabc");
+    EXPECT_EQ(sxml({"to-xml", "good", "good.xml", "-l", "k.cpy"}).err, "");
+    write_file("bad", std::string("S\x00\x01\x2C", 4) + "Ta\x01\x2C");
+    EXPECT_NE(sxml({"to-xml", "bad", "bad.xml", "-l", "k.cpy"}).err.find("record 2, field word"),
+              std::string::npos);
+}
+
+}  // namespace

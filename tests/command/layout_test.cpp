@@ -1,0 +1,93 @@
+// Layouts: the table, description files, DTDs and schemas.
+
+#include "tests/command/command_run.h"
+
+namespace {
+
+class LayoutTest : public CommandTest {};
+
+TEST_F(LayoutTest, TableShowsEveryItem) {
+    const Outcome outcome = sxml({"layout", EXAMPLES + "ledger.cpy"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(
+        outcome.out,
+        R"(Offset  Length  Level  Name                 Element            Picture   Usage    Occurs  Condition
+     0      58  01     ACCOUNT              account                                       RECORD-KIND = "A"
+     0       1  05       RECORD-KIND        record_kind        X         DISPLAY
+     1       8  05       ACCOUNT-NUMBER     account_number     9(8)      DISPLAY
+     9      30  05       HOLDER             holder             X(30)     DISPLAY
+    39       8  05       OPENED-ON          opened_on          9(8)      DISPLAY
+    47       6  05       OPENING-BALANCE    opening_balance    S9(9)V99  COMP-3
+    53       1  05       OVERDRAFT-ALLOWED  overdraft_allowed  X         DISPLAY
+    54       4  05       FILLER                                X(4)      DISPLAY
+     0      58  01     BOOKING              booking                                       RECORD-KIND = "B" OR RECORD-KIND = "R"
+     0       1  05       BOOKING-KIND       booking_kind       X         DISPLAY
+     1       8  05       BOOKING-ACCOUNT    booking_account    9(8)      DISPLAY
+     9       2  05       SEQUENCE-NUMBER    sequence_number    9(4)      COMP
+    11       8  05       BOOKED-ON          booked_on          9(8)      DISPLAY
+    19       9  05       AMOUNT             amount             S9(7)V99  DISPLAY
+    28      30  05       PURPOSE            purpose            X(30)     DISPLAY
+
+Record length: 58 bytes
+)");
+}
+
+TEST_F(LayoutTest, TableShowsTablesAndVaryingLengths) {
+    write_file("v.cpy",
+               "       01  V.\n           05  N PIC 9.\n"
+               "           05  ROW-GROUP OCCURS 1 TO 3 DEPENDING ON N.\n"
+               "               10  CELL PIC S9(4) COMP OCCURS 2.\n"
+               "               10  LABEL-TEXT PIC X(4).\n"
+               "               10  LABEL-NUMBER REDEFINES LABEL-TEXT PIC 9(4).\n");
+    const Outcome outcome = sxml({"layout", "v.cpy"});
+    EXPECT_EQ(
+        outcome.out,
+        R"(Offset  Length  Level  Name              Element     Picture  Usage    Occurs                 Redefines   Condition
+     0      25  01     V                 v
+     0       1  05       N               n           9        DISPLAY
+     1       8  05       ROW-GROUP       row_group                     1 to 3 depending on N
+     1       2  10         CELL          cell        S9(4)    COMP     2
+     5       4  10         LABEL-TEXT    label_text  X(4)     DISPLAY
+     5       4  10         LABEL-NUMBER              9(4)     DISPLAY                         LABEL-TEXT
+
+Record length: 9 to 25 bytes
+)");
+}
+
+// A description file stands for its copybook.
+TEST_F(LayoutTest, DescriptionFilesGiveTheSameDocument) {
+    write_file("l.dat", "A40000037Ann                           20010101" +
+                            std::string("\x00\x00\x00\x00\x12\x3D", 6) + "Y    ");
+    const std::string copybook = EXAMPLES + "ledger.cpy";
+    EXPECT_EQ(sxml({"compile", copybook, "-o", "ledger.xfd"}).err, "");
+    const Outcome from_copybook = sxml({"to-xml", "l.dat", "-", "--layout", copybook});
+    const Outcome from_description = sxml({"to-xml", "l.dat", "-", "--layout", "ledger.xfd"});
+    EXPECT_EQ(from_description.err, "");
+    EXPECT_NE(from_copybook.out.find("<opening_balance>-1.23</opening_balance>"), std::string::npos)
+        << from_copybook.out;
+    EXPECT_EQ(from_description.out, from_copybook.out);
+    EXPECT_EQ(sxml({"layout", "ledger.xfd"}).out, sxml({"layout", copybook}).out);
+    EXPECT_EQ(sxml({"compile", "ledger.xfd", "-o", "-"}).out, read_file("ledger.xfd"));
+
+    write_file("broken.xfd", read_file("ledger.xfd").substr(0, 200));
+    const Outcome broken = sxml({"layout", "broken.xfd"});
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_NE(broken.err.find("broken.xfd"), std::string::npos);
+}
+
+TEST_F(LayoutTest, DeclarationsServeAsFileAndAsDocumentType) {
+    write_file("p.cpy",
+               "       01  P.\n           05  A PIC X.\n           05  B PIC 9 OCCURS 2.\n");
+    const std::string declarations =
+        "<!ELEMENT p_file (p)*>\r\n <!ELEMENT p (a, b*)>\r\n"
+        "  <!ELEMENT a (#PCDATA)>\r\n  <!ELEMENT b (#PCDATA)>\r\n";
+    EXPECT_EQ(sxml({"dtd", "p.cpy"}).out, declarations);
+    EXPECT_EQ(sxml({"dtd", "p.cpy", "--doctype"}).out,
+              "<!DOCTYPE p_file [\r\n" + declarations + "]>\r\n");
+    const std::string schema = sxml({"schema", "p.cpy", "--name", "pairs"}).out;
+    EXPECT_EQ(schema.find("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<xs:schema "), 0U);
+    EXPECT_NE(schema.find("<xs:element name=\"pairs\">"), std::string::npos);
+    EXPECT_NE(schema.find("on 2026/11/18\r\n"), std::string::npos) << schema;
+}
+
+}  // namespace

@@ -1,0 +1,184 @@
+// Where documents go: files that appear when they are complete, pipes, full disks, interruptions.
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "tests/command/command_run.h"
+
+namespace {
+
+class OutputTest : public CommandTest {
+  protected:
+    void SetUp() override {
+        CommandTest::SetUp();
+        write_file("w.cpy",
+                   "       01  ENTRY-LINE.\n           05  WORD PIC X(4).\n"
+                   "           05  MARK PIC X(2).\n");
+        write_file("w.dat", "aaaabb    cc      eeeeff");
+        write_file("bad.dat", "aaaabb\x01   ff");
+    }
+
+    static Outcome convert(const std::string& records, const std::string& xml,
+                           std::vector<std::string> more = {}, const std::string& input = "",
+                           const std::string& output = "") {
+        more.insert(more.begin(), {"to-xml", records, xml, "--layout", "w.cpy"});
+        return sxml(more, input, output);
+    }
+};
+
+TEST_F(OutputTest, StandardInputAndOutput) {
+    EXPECT_EQ(convert("w.dat", "w.xml").err, "");
+    const Outcome piped = convert("-", "-", {}, read_file("w.dat"));
+    EXPECT_EQ(piped.err, "");
+    EXPECT_EQ(piped.out, read_file("w.xml"));
+    EXPECT_NE(convert("-", "-", {}, "aaaab").err.find("standard input: record 1 is cut short"),
+              std::string::npos);
+}
+
+// A pipe cannot be moved back in when an empty element is dropped.
+TEST_F(OutputTest, EmptyElementsAreDroppedFromPipes) {
+    const std::vector<std::string> drop = {"--set", "SXML_IGNORE_EMPTY_DATA=yes"};
+    EXPECT_EQ(convert("w.dat", "w.xml", drop).err, "");
+    const std::string document = read_file("w.xml");
+    EXPECT_NE(document.find("<w>\r\n <entry_line>\r\n  <word>aaaa</word>\r\n  <mark>bb</mark>\r\n"
+                            " </entry_line>\r\n <entry_line>\r\n  <mark>cc</mark>\r\n"
+                            " </entry_line>\r\n <entry_line>\r\n  <word>eeee</word>\r\n"
+                            "  <mark>ff</mark>\r\n </entry_line>\r\n</w>\r\n"),
+              std::string::npos)
+        << document;
+    const Outcome piped = run({"sh", "-c",
+                               "$0 to-xml w.dat - --layout w.cpy --set SXML_IGNORE_EMPTY_DATA=yes"
+                               " | cat",
+                               SXML_BUILD_DIR "/bin/sxml"});
+    EXPECT_EQ(piped.err, "");
+    EXPECT_EQ(piped.out, document);
+}
+
+TEST_F(OutputTest, AFailureLeavesTheOldDocument) {
+    write_file("w.xml", "old");
+    chmod("w.xml", 0640);
+    EXPECT_EQ(convert("bad.dat", "w.xml").status, 1);
+    EXPECT_EQ(read_file("w.xml"), "old");
+    EXPECT_EQ(files(), (std::vector<std::string>{"bad.dat", "w.cpy", "w.dat", "w.xml"}));
+    EXPECT_EQ(convert("w.dat", "w.xml").status, 0);
+    EXPECT_EQ(files(), (std::vector<std::string>{"bad.dat", "w.cpy", "w.dat", "w.xml"}));
+    struct stat status = {};
+    stat("w.xml", &status);
+    EXPECT_EQ(status.st_mode & 07777, 0640U);
+    EXPECT_NE(read_file("w.xml").find("eeee"), std::string::npos);
+}
+
+TEST_F(OutputTest, SymbolicLinksAreFollowed) {
+    std::filesystem::create_directory("real");
+    std::filesystem::create_symlink("real/w.xml", "link.xml");
+    EXPECT_EQ(convert("w.dat", "link.xml").err, "");
+    EXPECT_TRUE(std::filesystem::is_symlink("link.xml"));
+    EXPECT_NE(read_file("real/w.xml").find("</w>"), std::string::npos);
+}
+
+// What is sent on cannot be taken back, so it must not look complete.
+TEST_F(OutputTest, ADocumentThatFailsOnStandardOutputHasNoEndTag) {
+    const Outcome outcome = convert("bad.dat", "-");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out.find("</w>"), std::string::npos);
+}
+
+TEST_F(OutputTest, FullDisks) {
+    const std::string full = ": No space left on device\n";
+    EXPECT_EQ(convert("w.dat", "/dev/full").err, "sxml: /dev/full" + full);
+    const Outcome piped = convert("w.dat", "-", {}, "", "/dev/full");
+    EXPECT_EQ(piped.err, "sxml: standard output" + full);
+    EXPECT_EQ(piped.status, 1);
+    for (const char* command : {"layout", "dtd", "schema"}) {
+        const Outcome outcome = sxml({command, "w.cpy"}, "", "/dev/full");
+        EXPECT_EQ(outcome.err, "sxml: standard output" + full) << command;
+        EXPECT_EQ(outcome.status, 1) << command;
+    }
+    EXPECT_EQ(sxml({"compile", "w.cpy", "-o", "/dev/full"}).err, "sxml: /dev/full" + full);
+}
+
+TEST_F(OutputTest, FullDisksAreNoticedOnTheWay) {
+    const Outcome outcome = run({"sh", "-c",
+                                 "yes | tr '\\n' y | timeout 60 $0 to-xml - /dev/full"
+                                 " --layout w.cpy",
+                                 SXML_BUILD_DIR "/bin/sxml"});
+    EXPECT_EQ(outcome.err, "sxml: /dev/full: No space left on device\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+// The schema is a second file: both appear, or neither.
+TEST_F(OutputTest, SchemaAndDocumentAppearTogether) {
+    const std::vector<std::string> schema = {"--set", "SXML_CREATE_STYLE=SCHEMA", "--set",
+                                             "SXML_SCHEMA_NAME=w.xsd"};
+    EXPECT_EQ(convert("bad.dat", "w.xml", schema).status, 1);
+    EXPECT_EQ(files(), (std::vector<std::string>{"bad.dat", "w.cpy", "w.dat"}));
+    EXPECT_EQ(convert("w.dat", "w.xml", schema).err, "");
+    EXPECT_EQ(read_file("w.xsd"), sxml({"schema", "w.cpy"}).out);
+    EXPECT_NE(read_file("w.xml").find("xs:noNamespaceSchemaLocation=\"w.xsd\">"),
+              std::string::npos);
+    EXPECT_EQ(run({"xmllint", "--noout", "--schema", "w.xsd", "w.xml"}).status, 0);
+    EXPECT_EQ(files(), (std::vector<std::string>{"bad.dat", "w.cpy", "w.dat", "w.xml", "w.xsd"}));
+
+    std::vector<std::string> elsewhere = schema;
+    elsewhere.back() = "SXML_SCHEMA_NAME=/dev/full";
+    EXPECT_EQ(convert("w.dat", "w2.xml", elsewhere).err,
+              "sxml: /dev/full: No space left on device\n");
+    elsewhere.back() = "SXML_SCHEMA_NAME=none/w.xsd";
+    EXPECT_EQ(convert("w.dat", "w2.xml", elsewhere).status, 1);
+    EXPECT_FALSE(std::filesystem::exists("w2.xml"));
+
+    elsewhere.insert(elsewhere.end(), {"--set", "SXML_CREATE_SCHEMA=no"});
+    EXPECT_EQ(convert("w.dat", "w2.xml", elsewhere).err, "");
+    EXPECT_NE(read_file("w2.xml").find("SchemaLocation=\"none/w.xsd\">"), std::string::npos);
+}
+
+// Waits, for a few seconds at most, until a file whose name starts so is there.
+bool appears(const std::string& start) {
+    for (int tries = 0; tries < 500; ++tries) {
+        for (const auto& entry : std::filesystem::directory_iterator(".")) {
+            if (entry.path().filename().string().rfind(start, 0) == 0) return true;
+        }
+        usleep(10'000);
+    }
+    return false;
+}
+
+TEST_F(OutputTest, InterruptionsRemoveTheTemporaryFile) {
+    for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) {
+        mkfifo("records", 0600);
+        const pid_t process = fork();
+        if (process == 0) {
+            execl(SXML_BUILD_DIR "/bin/sxml", "sxml", "to-xml", "records", "w.xml", "--layout",
+                  "w.cpy", nullptr);
+            _exit(127);
+        }
+        const int writer = open("records", O_WRONLY);
+        ASSERT_TRUE(appears(".w.xml."));
+        kill(process, signal_number);
+        int status = 0;
+        waitpid(process, &status, 0);
+        close(writer);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal_number);
+        unlink("records");
+        EXPECT_EQ(files(), (std::vector<std::string>{"bad.dat", "w.cpy", "w.dat"}));
+    }
+}
+
+TEST_F(OutputTest, SettingsShapeTheDocument) {
+    const Outcome outcome =
+        convert("w.dat", "-",
+                {"--name", "words", "--set", "4GL_COLUMN_CASE=2", "--set",
+                 "SXML_STYLESHEET_TYPE=text/css", "--set", "SXML_STYLESHEET_HREF=a.css"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(outcome.out.find("<?xml-stylesheet type=\"text/css\" href=\"a.css\"?><!DOCTYPE "
+                               "words [\r\n<!ELEMENT words (ENTRY-LINE)*>\r\n"),
+              std::string::npos)
+        << outcome.out;
+}
+
+}  // namespace
