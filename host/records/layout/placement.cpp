@@ -96,13 +96,15 @@ class Placer {
         return node;
     }
 
-    // Gives the item its offset and its size; result: the alignment that SYNCHRONIZED asks for.
+    // Gives the item its offset and its size.
     void place(Node& node, std::int64_t offset) {
         node.offset = offset;
-        node.size = node.is_group() ? place_children(node) : elementary_size(node);
-        if (node.is_group() && node.occurs > 1) {
-            const std::int64_t past = node.size % group_alignment(node);
-            if (past != 0) node.size += group_alignment(node) - past;
+        if (node.is_group()) {
+            node.size = place_children(node);
+            if (node.occurs > 1) fill_up(node);
+        } else {
+            node.size = elementary_size(node);
+            last_field_ = &node;
         }
         node.stride = node.size;
         if (node.offset + node.extent() > MAX_RECORD_LENGTH && !too_long_) {
@@ -160,6 +162,7 @@ class Placer {
 
     std::int64_t place_children(Node& group) {
         std::int64_t end = group.offset;
+        entry_alignment_ = 1;
         for (const auto& child : group.children) {
             if (too_long_) return 0;
             if (child->redefined >= 0) {
@@ -169,6 +172,7 @@ class Placer {
             } else {
                 const std::int64_t alignment = own_alignment(*child);
                 place(*child, (end + alignment - 1) / alignment * alignment);
+                entry_alignment_ = std::max(entry_alignment_, alignment);
             }
             end = std::max(end, child->offset + child->extent());
         }
@@ -200,12 +204,15 @@ class Placer {
         }
     }
 
-    int group_alignment(const Node& group) {
-        int alignment = 1;
-        for (const auto& child : group.children) {
-            if (child->redefined < 0) alignment = std::max(alignment, own_alignment(*child));
-        }
-        return alignment;
+    // Fills an entry of a table up, so that the next one is aligned alike. As cobc does it: to the
+    // alignment found last (a group without synchronized items, coming after them, undoes it), and
+    // with the slack bytes before the entry's last field rather than behind it.
+    void fill_up(Node& entry) {
+        const std::int64_t past = entry.size % entry_alignment_;
+        if (past == 0) return;
+        const std::int64_t slack = entry_alignment_ - past;
+        entry.size += slack;
+        last_field_->offset += slack;
     }
 
     std::int64_t elementary_size(const Node& node) {
@@ -268,6 +275,8 @@ class Placer {
     const LayoutOptions& options_;
     Diagnostics& diagnostics_;
     const DataItem* reported_ = nullptr;
+    Node* last_field_ = nullptr;        // placed last
+    std::int64_t entry_alignment_ = 1;  // of the synchronized items seen in the present entry
     bool too_deep_ = false;
     bool too_long_ = false;
 };
