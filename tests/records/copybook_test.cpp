@@ -80,6 +80,7 @@ TEST(Copybook, HostileTextEndsSoon) {
         "replace ==a== by ==" + repeat("a ", 12'000) + "==.\n" + repeat("a ", 12'000),
         "replace ==" + repeat("a ", 1'000) + "b== by ==c==.\n01 r.\n" + repeat("a ", 25'000),
         repeat("COPY ", 12'000),
+        "       DATA DIVISION.\n       X DIVISION.\n       FD.\n       3)\n           05  A\n",
         repeat("fd x. ", 12'000),
     };
     for (const std::string& text : texts) {

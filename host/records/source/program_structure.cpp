@@ -36,6 +36,7 @@ class StructureFinder {
         const std::size_t begin = cursor_.index();
         skip_directives(cursor_);
         if (cursor_.at_end()) return;
+        const std::size_t start = cursor_.index();
         if (cursor_.at_word("DIVISION", 1) && is_division(cursor_.peek().text)) {
             enter_division(begin);
         } else if (cursor_.at_word("SECTION", 1)) {
@@ -45,6 +46,7 @@ class StructureFinder {
         } else {
             read_special_names();
         }
+        if (cursor_.index() == start) cursor_.advance();
         skip_sentence();
     }
 
@@ -54,6 +56,10 @@ class StructureFinder {
         mode_ = cursor_.at_word("DATA") ? Mode::data : Mode::other;
         cursor_.advance();
         cursor_.advance();
+        cursor_.take(WordKind::period);
+        went_on_ = true;
+        // Records before any section are taken as those of a storage section.
+        if (mode_ == Mode::data) open_area(RecordArea::Kind::storage, {}, cursor_.index());
     }
 
     void enter_section(std::size_t begin) {
