@@ -125,9 +125,22 @@ class Flattener {
         }
     }
 
+    // True for a table whose counter decides where the record ends.
+    bool ends_record(const ModelItem& item) const {
+        return item.table && !item.table->depending_on.empty() &&
+               std::any_of(model_.length_rules.begin(), model_.length_rules.end(),
+                           [&item](const LengthRule& rule) {
+                               return rule.table_offset == item.offset &&
+                                      rule.stride == item.table->stride;
+                           });
+    }
+
     XfdItem flattened(const ModelItem& item, int level, std::int32_t shift) const {
         XfdItem result{};
         result.offset = item.offset + shift;
+        // A group is written when it starts within the record or at its end: the entry behind the
+        // last one in use would be, and be empty. Its second byte tells whether it is there.
+        if (item.group && ends_record(item)) ++result.offset;
         result.data.length = item.length;
         result.level = static_cast<std::int16_t>(level);
         result.condition = item.group ? XFD_GROUP : condition_number(item.condition);

@@ -1,0 +1,1 @@
+sxml_fuzz(description_fuzz SOURCES description_fuzz.cpp LIBRARIES sxml_records)
