@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t CLASS_STEP = 16;
 constexpr std::size_t CLASS_COUNT = 64;
 constexpr std::size_t LARGEST_POOLED = CLASS_STEP * CLASS_COUNT;
-constexpr std::size_t CHUNK_SIZE = 64 * 1024;
+constexpr std::size_t CHUNK_SIZE = std::size_t{64} * 1024;
 constexpr std::size_t OVERHEAD = sizeof(BlockHeader) + 2 * GUARD_SIZE;
 constexpr std::size_t LARGEST_SIZE = PTRDIFF_MAX - 4096;
 

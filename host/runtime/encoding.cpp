@@ -15,8 +15,6 @@ const std::int32_t host_encoding_unit_width[9] = {1, 1, 1, 1, 2, 4, 2, 4, 1};
 
 namespace {
 
-using std::operator""sv;
-
 struct NamedEncoding {
     std::string_view name;
     std::int32_t code;
@@ -57,6 +55,7 @@ bool is_encoding_name(std::string_view name) {
 
 bool converter_knows(const std::string& name) {
     iconv_t converter = iconv_open("UTF-8", name.c_str());
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): this is how iconv_open says no
     if (converter == reinterpret_cast<iconv_t>(-1)) return false;
     iconv_close(converter);
     return true;
@@ -170,6 +169,7 @@ std::int32_t host_detect_encoding(const HostTextSpan* span) {
         std::int32_t code;
     };
     // A longer pattern stands before one that it begins with.
+    using namespace std::string_view_literals;
     static constexpr Pattern patterns[] = {
         {"\xFF\xFE\0\0"sv, HOST_ENCODING_UTF32LE}, {"\0\0\xFE\xFF"sv, HOST_ENCODING_UTF32BE},
         {"<\0\0\0"sv, HOST_ENCODING_UTF32LE},      {"\0\0\0<"sv, HOST_ENCODING_UTF32BE},

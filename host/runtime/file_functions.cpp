@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t COPY_SIZE = 64 * 1024;
+constexpr std::size_t COPY_SIZE = std::size_t{64} * 1024;
 
 int check_names(const char* first, const char* second) {
     if (first != nullptr && second != nullptr) return 1;

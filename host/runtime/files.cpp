@@ -23,8 +23,8 @@
 
 namespace {
 
-constexpr std::size_t BUFFER_SIZE = 64 * 1024;
-constexpr std::size_t KEPT_WITHOUT_SEEK = 1024 * 1024;
+constexpr std::size_t BUFFER_SIZE = std::size_t{64} * 1024;
+constexpr std::size_t KEPT_WITHOUT_SEEK = std::size_t{1024} * 1024;
 constexpr std::size_t LARGEST_BUFFER = 2 * KEPT_WITHOUT_SEEK;
 
 enum class Direction { input, output };

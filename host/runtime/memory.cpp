@@ -51,9 +51,11 @@ void report_damage(const void* block, const Origin& origin, const char* what) {
 }
 
 void set_guards(BlockHeader* header) {
-    char* payload = static_cast<char*>(payload_of(header));
-    std::memset(payload - GUARD_SIZE, GUARD_BYTE, GUARD_SIZE);
-    std::memset(payload + block_size(header), GUARD_BYTE, GUARD_SIZE);
+    if constexpr (HAS_GUARDS) {
+        char* payload = static_cast<char*>(payload_of(header));
+        std::memset(payload - GUARD_SIZE, GUARD_BYTE, GUARD_SIZE);
+        std::memset(payload + block_size(header), GUARD_BYTE, GUARD_SIZE);
+    }
 }
 
 bool is_guard(const char* bytes) {
@@ -106,9 +108,9 @@ void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
     void* block = payload_of(header);
     if constexpr (HAS_GUARDS) {
         if (!zeroed) std::memset(block, FRESH_BYTE, size);
-        set_guards(header);
         addresses().insert(block);
     }
+    set_guards(header);
     return block;
 }
 
@@ -140,8 +142,8 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
     }
     moved->site = number;
     count_in(moved);
+    set_guards(moved);
     if constexpr (HAS_GUARDS) {
-        set_guards(moved);
         addresses().erase(block);
         addresses().insert(payload_of(moved));
     }
