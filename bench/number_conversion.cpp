@@ -89,7 +89,8 @@ struct Samples {
     }
 
     std::size_t text_length() const {
-        return static_cast<std::size_t>(usage.digits + (usage.scale < 0 ? 2 : 1));
+        const int length = usage.digits + (usage.scale < 0 ? 2 : 1);
+        return static_cast<std::size_t>(length);
     }
 
     std::uint8_t* field(std::size_t i) {
@@ -127,7 +128,7 @@ void field_to_text(benchmark::State& state, const Usage* usage) {
     std::array<char, 64> text{};
     XfdDataDesc to = samples.text_descriptor(text.data(), samples.text_length());
     std::size_t i = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         samples.item.address = samples.field(i++ % VALUES);
         benchmark::DoNotOptimize(Qconvert(&to, &samples.item, 1));
     }
@@ -139,7 +140,7 @@ void text_to_field(benchmark::State& state, const Usage* usage) {
     std::array<std::uint8_t, 64> bytes{};
     samples.item.address = bytes.data();
     std::size_t i = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         std::string& text = samples.texts[i++ % VALUES];
         const XfdDataDesc from = samples.text_descriptor(text.data(), text.size());
         benchmark::DoNotOptimize(Qconvert(&samples.item, &from, 1));
@@ -153,7 +154,7 @@ void libcob_field_to_edited(benchmark::State& state, const Usage* usage) {
     cob_field from{static_cast<std::size_t>(usage->length), nullptr, &samples.attributes};
     cob_field to{samples.text_length(), text.data(), &samples.edited_attributes};
     std::size_t i = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         from.data = samples.field(i++ % VALUES);
         cob_move(&from, &to);
         benchmark::DoNotOptimize(text);
@@ -168,7 +169,7 @@ void libcob_text_to_field(benchmark::State& state, const Usage* usage) {
     cob_field from{0, nullptr, &characters};
     cob_field to{static_cast<std::size_t>(usage->length), bytes.data(), &samples.attributes};
     std::size_t i = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         std::string& text = samples.texts[i++ % VALUES];
         from.data = reinterpret_cast<std::uint8_t*>(text.data());
         from.size = text.size();

@@ -50,8 +50,8 @@ class NumberField {
 
     // The field as text, blanks at the end cut, asked for as the writer does. `ok` is the result.
     std::string to_text(bool& ok) {
-        const auto length =
-            static_cast<std::size_t>(spec_.text_digits() + 1 + (spec_.decimals() > 0 ? 1 : 0));
+        const int asked_for = spec_.text_digits() + 1 + (spec_.decimals() > 0 ? 1 : 0);
+        const auto length = static_cast<std::size_t>(asked_for);
         std::string text(length + 2 * GUARD, GUARD_BYTE);
         XfdDataDesc to = data_;
         to.address = text.data() + GUARD;

@@ -77,7 +77,7 @@ bool store_packed(const Field& field, const Decimal& number) {
         const unsigned sign = field.type == PACKED_UNSIGNED ? UNSIGNED
                               : number.negative             ? NEGATIVE
                                                             : POSITIVE;
-        digits[static_cast<std::size_t>(lead + width)] = static_cast<std::uint8_t>(sign);
+        digits.data()[lead + width] = static_cast<std::uint8_t>(sign);
     }
     const std::int64_t unused_bytes = places.first / 2;
     std::fill_n(field.bytes, unused_bytes, std::uint8_t{0});
