@@ -96,8 +96,9 @@ class NameSettler {
             cut_name(around != nullptr ? join_names(around->name, old, options_.name_case) : old,
                      MAX_ITEM_NAME);
         node.name = base;
-        for (int number = 2; clashes(node, layout, siblings); ++number) {
-            const std::string suffix = std::to_string(number);
+        int& number = numbers_.try_emplace(folded(base), 1).first->second;
+        while (clashes(node, layout, siblings)) {
+            const std::string suffix = std::to_string(++number);
             node.name = join_names(cut_name(base, MAX_ITEM_NAME - suffix.size() - 1), suffix,
                                    options_.name_case);
         }
@@ -122,6 +123,7 @@ class NameSettler {
     Diagnostics& diagnostics_;
     bool several_;
     std::unordered_map<std::string, Declared> declared_;  // by folded name, the first of each
+    std::unordered_map<std::string, int> numbers_;        // the last one given to each name
     std::set<std::string> warned_;
 };
 

@@ -305,15 +305,17 @@ bool is_of(const Node& node, const Operand& item) {
 
 using Fields = std::vector<Node*>;
 
-// The fields of a layout that are filled from XML and hold what a condition tests: the tested item
-// itself, or, when the layout does not describe it, what lies in its place.
-Fields fields_holding(const Fields& fields, const Operand& item) {
-    Fields result;
-    std::copy_if(fields.begin(), fields.end(), std::back_inserter(result),
-                 [&item](const Node* field) { return is_of(*field, item); });
+// The fields of a layout (by index) that are filled from XML and hold what a condition tests: the
+// tested item itself, or, when the layout does not describe it, what lies in its place.
+std::vector<std::size_t> fields_holding(const Fields& fields, const Operand& item) {
+    std::vector<std::size_t> result;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (is_of(*fields[i], item)) result.push_back(i);
+    }
     if (!result.empty()) return result;
-    std::copy_if(fields.begin(), fields.end(), std::back_inserter(result),
-                 [&item](const Node* field) { return overlaps(*field, item); });
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (overlaps(*fields[i], item)) result.push_back(i);
+    }
     return result;
 }
 
@@ -344,12 +346,10 @@ class FieldConditions {
         for (const ConditionNumberer::Tested& tested : numberer_.tested) {
             // With several layouts only a layout's own test decides about its fields.
             if (several_ && tested.first != layout.condition) continue;
-            const Fields holding = fields_holding(fields, tested.item);
+            const std::vector<std::size_t> holding = fields_holding(fields, tested.item);
             if (holding.empty()) warn_of_missing(layout, tested.item);
-            for (const Node* field : holding) {
-                const auto index = static_cast<std::size_t>(
-                    std::find(fields.begin(), fields.end(), field) - fields.begin());
-                result[index] = std::min(result[index], innermost_below(*field, tested.first));
+            for (const std::size_t i : holding) {
+                result[i] = std::min(result[i], innermost_below(*fields[i], tested.first));
             }
         }
         for (std::size_t i = 0; i < fields.size(); ++i) fields[i]->condition = result[i];
