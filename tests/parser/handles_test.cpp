@@ -194,4 +194,23 @@ TEST_F(Handles, TurnsReparseDeferralOff) {
     EXPECT_EQ(deferral_calls, 1);
 }
 
+// The example program, on a whole document and on one that is cut off.
+TEST_F(Handles, AProgramSumsAField) {
+    std::string document = "<?xml version='1.0'?>\n<orders>\n";
+    for (int i = 1; i <= 2000; ++i)
+        document += " <order><total>" + std::to_string(i) + ".25</total><id>7</id></order>\n";
+    const std::string out = folder / "out";
+    const auto run = [&](const std::string& bytes) {
+        return std::system(("'" SUM_FIELD "' '" + module_path() + "' '" + file_with(bytes) +
+                            "' total > '" + out + "' 2>&1")
+                               .c_str());
+    };
+    EXPECT_EQ(run(document + "</orders>\n"), 0);
+    EXPECT_EQ(file_text(out), "2000 records, sum of total: 2001500.00\n");
+    EXPECT_NE(run(document + "<order><total>1"), 0);
+    EXPECT_EQ(file_text(out),
+              "2000 records, sum of total: 2001500.00\n"
+              "sum_field: after record 2000: the document is not complete\n");
+}
+
 }  // namespace
