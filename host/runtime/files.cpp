@@ -53,6 +53,7 @@ namespace {
 
 std::size_t largest_read = 0;  // 0 = no limit
 std::size_t open_count = 0;
+thread_local std::string description_name;  // what host_xfd_name gave last
 
 void fail(HostStream* stream, int error) {
     if (!stream->has_failed) host::remember_write_failure(stream->name, error);
@@ -311,9 +312,9 @@ int host_remove_file(const char* name) {
 }
 
 const char* host_xfd_name(const char* data_file_name) {
-    thread_local std::string name;
+    std::string& name = description_name;
     try {
-        name = data_file_name;
+        name = data_file_name != nullptr ? data_file_name : "";
     } catch (const std::bad_alloc&) {
         return data_file_name;
     }

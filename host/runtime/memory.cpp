@@ -1,6 +1,7 @@
 // Tracked allocation: counts, failure switch and guards around the block store.
 #include "host/memory.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <unordered_set>
@@ -53,8 +54,8 @@ void report_damage(const void* block, const Origin& origin, const char* what) {
 void set_guards(BlockHeader* header) {
     if constexpr (HAS_GUARDS) {
         char* payload = static_cast<char*>(payload_of(header));
-        std::memset(payload - GUARD_SIZE, GUARD_BYTE, GUARD_SIZE);
-        std::memset(payload + block_size(header), GUARD_BYTE, GUARD_SIZE);
+        std::fill_n(payload - GUARD_SIZE, GUARD_SIZE, static_cast<char>(GUARD_BYTE));
+        std::fill_n(payload + block_size(header), GUARD_SIZE, static_cast<char>(GUARD_BYTE));
     }
 }
 
@@ -67,6 +68,7 @@ bool is_guard(const char* bytes) {
 
 // False when the address is not a live block's: the caller then leaves it alone.
 bool check_block(void* block) {
+    if constexpr (!HAS_GUARDS) return true;
     if (!addresses().contains(block)) {
         report_damage(block, {"(unknown)", 0, "(unknown)"}, "released twice or never allocated");
         return false;
@@ -125,9 +127,7 @@ void* allocate_zeroed(std::size_t size, const Origin& origin) {
 }
 
 void* reallocate(void* block, std::size_t size, const char* source, int line) {
-    if constexpr (HAS_GUARDS) {
-        if (!check_block(block)) return nullptr;
-    }
+    if (!check_block(block)) return nullptr;
     BlockHeader* header = header_of(block);
     std::uint32_t number = 0;
     if (!may_allocate() || !find_site({source, line, description_of(block)}, number)) {
@@ -152,9 +152,7 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
 
 void release(void* block) {
     if (block == nullptr) return;
-    if constexpr (HAS_GUARDS) {
-        if (!check_block(block)) return;
-    }
+    if (!check_block(block)) return;
     BlockHeader* header = header_of(block);
     count_out(header);
     if constexpr (HAS_GUARDS) {
