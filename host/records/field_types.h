@@ -35,6 +35,7 @@ enum FieldType : std::int16_t {
 
 // What a numeric item's descriptor carries for Qconvert beside type, length, digits and scale. The
 // digits and scale that the module sees describe the text; these describe the field.
+// digits 0: as the descriptor itself says.
 struct FieldExtra {
     std::int8_t digits;  // digits stored in the field (may be fewer than the text's: PIC 99PPP)
     std::int8_t scale;   // power of ten of the last stored digit (3 for PIC 99PPP)

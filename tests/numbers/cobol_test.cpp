@@ -121,9 +121,9 @@ std::vector<UsageCase> usage_cases(int display_flags) {
     add(whole_range("BINARY-DOUBLE SIGNED", NATIVE_SIGNED, 8,
                     {"-1", "9223372036854775807", "-9223372036854775808"}));
     add(whole_range("BINARY-DOUBLE UNSIGNED", NATIVE_UNSIGNED, 8, {"18446744073709551615"}));
-    add({"COMP-1", {FLOAT_NATIVE, 84, -45, 4, 0}, {"0", "1.5", "-0.1", "123456.7", "-1000000"}});
+    add({"COMP-1", {FLOAT_NATIVE, 47, -46, 4, 0}, {"0", "1.5", "-0.1", "123456.7", "-1000000"}});
     add({"COMP-2",
-         {FLOAT_NATIVE, 127, -127, 8, 0},
+         {FLOAT_NATIVE, 127, -126, 8, 0},
          {"0", "1.5", "-0.375", "123456789.015625", "-1000000000000"}});
     return cases;
 }

@@ -52,8 +52,8 @@ constexpr FieldSpec BINARY_16{BINARY_UNSIGNED, 39, 0, 16};
 constexpr FieldSpec SCALED_UP{DISPLAY_UNSIGNED, 2, 3, 2};
 constexpr FieldSpec SCALED_DOWN{DISPLAY_SIGN_TRAILING, 2, -4, 2};
 constexpr FieldSpec FLOAT_SHORT_TEXT{FLOAT_NATIVE, 5, -3, 4};
-constexpr FieldSpec FLOAT{FLOAT_NATIVE, 84, -45, 4};
-constexpr FieldSpec DOUBLE{FLOAT_NATIVE, 127, -127, 8};
+constexpr FieldSpec FLOAT{FLOAT_NATIVE, 47, -46, 4};
+constexpr FieldSpec DOUBLE{FLOAT_NATIVE, 127, -126, 8};
 
 // In the order in which a row is read. NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding)
 struct StoreCase {
