@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <ostream>
 #include <random>
 
 #include "tests/elements/element_test.h"
@@ -81,6 +82,10 @@ struct Shape {
     int releases;         // of 100 steps, so many release an element
     std::size_t largest;  // then a big part is released
 };
+
+void PrintTo(const Shape& shape, std::ostream* out) {
+    *out << shape.name;
+}
 
 class Numbering : public ElementTest, public ::testing::WithParamInterface<Shape> {
   protected:
