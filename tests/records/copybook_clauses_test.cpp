@@ -20,7 +20,7 @@ std::string compile_picture(const std::string& picture, bool comma) {
     const std::string text = compile_text(head + "01 A PIC " + picture + ".\n");
     const std::size_t start = text.find(" [");
     if (start != std::string::npos) return text.substr(start + 2, text.find(']') - start - 2);
-    const std::size_t error = text.find(":", text.find("in the picture"));
+    const std::size_t error = text.find(':', text.find("in the picture"));
     const std::size_t end = text.find('\n', error);
     const std::size_t caret = text.find('^') - text.rfind('\n', text.find('^'));
     return "at " + std::to_string(caret - 14) + text.substr(error, end - error);

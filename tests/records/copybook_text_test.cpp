@@ -1,5 +1,6 @@
 // Source formats, comments, continuation, COPY and REPLACE.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -11,6 +12,10 @@ namespace {
 
 const std::string ONE_ITEM = "1 A\n  5 B PIC X [alnum length 1]\n";
 
+std::string blanks(std::size_t count) {
+    return std::string(count, ' ');
+}
+
 TEST(SourceText, FormatIsFoundOut) {
     const std::string texts[] = {
         "01 A.\n05 B PIC X.\n",
@@ -18,20 +23,14 @@ TEST(SourceText, FormatIsFoundOut) {
         "000100 01 A.\n000200     05 B PIC X.\n",
         "   100 01 A.\n   200     05 B PIC X.\n",
         "CR1987 01 A.\nCR1987     05 B PIC X.\n",
-        "      *COMMENT\n       01 A.                                                            "
-        "COLUMN73\n           05 B PIC X.\n",
+        "      *COMMENT\n       01 A." + blanks(60) + "COLUMN73\n           05 B PIC X.\n",
         // Behind column 80 there is no card: the margin does not hold.
-        "       01 A.\n           05 B                                                             "
-        " "
-        "       PIC X.\n",
-        "      *COMMENT\n       01 A.\n           05 B                                         "
-        "                             PIC X.\n",
+        "       01 A.\n           05 B" + blanks(69) + "PIC X.\n",
+        "      *COMMENT\n       01 A.\n           05 B" + blanks(70) + "PIC X.\n",
         "       01 A.\n*> COMMENT IN COLUMN 1\n         05 B\n  PIC\n   X.\n",
         "* COMMENT IN COLUMN 1\n01 A.\n  05 B PIC X.\n",
         ">>SOURCE FORMAT FREE\n01 A.\n05 B PIC X.\n",
-        "       >>SOURCE FORMAT IS FREE\n       01 A.\n           05 B                             "
-        " "
-        "                                       PIC X.\n",
+        "       >>SOURCE FORMAT IS FREE\n       01 A.\n           05 B" + blanks(69) + "PIC X.\n",
         "      $SET SOURCEFORMAT(FREE)\n01 A.\n05 B PIC X.\n",
         "01 A.\n>>SOURCE FORMAT FIXED\n000100     05 B PIC X.\n",
         "      DATA DIVISION.\n WORKING-STORAGE SECTION.\n 01 A.\n  05 B PIC X.\n",
