@@ -8,12 +8,15 @@
 struct BareResult {
     int error = 0;            // Expat's code; what only shows when the input ends is no error
     bool after_root = false;  // the document element had ended when the error came
-    std::string tree;         // as canonical_tree shows it
+    // As canonical_tree shows it, without the text right before an error: how much of that arrives
+    // depends, in Expat, on how the input is cut.
+    std::string tree;
 };
 
-// Parses with handlers for elements and text only. `latin1`: texts are shown in ISO-8859-1.
-BareResult parse_bare(std::string_view document, bool latin1);
+// Parses with handlers for the XML declaration, elements and text. The texts of a document that
+// declares ISO-8859-1 are shown in that.
+BareResult parse_bare(std::string_view document);
 
 // The tree below an element of the module, with names, attributes, text and nothing else. An empty
-// text counts as none.
-std::string canonical_tree(unsigned element);
+// text counts as none; that of the element `broken_off`, if any, is left out.
+std::string canonical_tree(unsigned element, unsigned broken_off = 0);

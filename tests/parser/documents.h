@@ -7,7 +7,6 @@
 struct SampleDocument {
     std::string name;
     std::string bytes;
-    bool latin1 = false;  // stored in ISO-8859-1
 };
 
 std::vector<SampleDocument> sample_documents();
