@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstring>
 
 #include "host/records/layout/description_data.h"
 
@@ -13,8 +12,7 @@ struct Dimension {
 };
 
 void copy_name(char* to, std::size_t size, const std::string& name) {
-    std::memset(to, 0, size);
-    std::memcpy(to, name.data(), std::min(name.size(), size - 1));
+    to[name.copy(to, size - 1)] = '\0';
 }
 
 // Walks the model as the module sees it: every occurrence of a table, items without elements left

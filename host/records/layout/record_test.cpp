@@ -19,6 +19,7 @@ struct CodePage {
 CodePage make_code_page() {
     CodePage page;
     const iconv_t converter = iconv_open("IBM037", "ISO-8859-1");
+    const bool is_open = reinterpret_cast<std::intptr_t>(converter) != -1;
     for (int i = 0; i < 256; ++i) {
         const auto code = static_cast<std::uint8_t>(i);
         char from = static_cast<char>(code);
@@ -27,13 +28,13 @@ CodePage make_code_page() {
         char* out = &to;
         std::size_t in_left = 1;
         std::size_t out_left = 1;
-        if (converter != reinterpret_cast<iconv_t>(-1)) {
+        if (is_open) {
             iconv(converter, &in, &in_left, &out, &out_left);
         }
         page.to_ebcdic[code] = static_cast<std::uint8_t>(to);
         page.to_ascii[static_cast<std::uint8_t>(to)] = code;
     }
-    if (converter != reinterpret_cast<iconv_t>(-1)) iconv_close(converter);
+    if (is_open) iconv_close(converter);
     return page;
 }
 
@@ -176,7 +177,7 @@ std::string problem_of(const Test& test, const Bounds& bounds, int depth, std::s
         return "the condition is nested too deep or has too many parts";
     }
     if (test.kind == Test::Kind::comparison || test.kind == Test::Kind::class_test) {
-        const std::string left = item_problem(test.left, bounds);
+        std::string left = item_problem(test.left, bounds);
         if (!left.empty() || test.kind == Test::Kind::class_test) return left;
         return comparison_problem(test, bounds);
     }
