@@ -24,7 +24,7 @@ std::vector<fs::path> documents_below(const fs::path& folder) {
 
 std::string differences_of(const fs::path& path, const BareResult& bare) {
     std::string found;
-    for (const std::size_t size : {0, 1, 13}) {
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{13}}) {
         host::limit_read_size(size);
         found += differences(path.c_str(), 0, bare);
     }

@@ -31,9 +31,10 @@ std::string start_tag_of(std::size_t size) {
 void add_encodings(std::vector<SampleDocument>& all) {
     for (const bool big : {false, true}) {
         for (const bool mark : {false, true}) {
-            const std::string label = std::string(big ? "BE" : "LE") + (mark ? "_mark" : "");
+            const std::string label =
+                std::string(big ? "utf16be" : "utf16le") + (mark ? "_mark" : "");
             const auto add = [&](const std::string& kind, const std::string& text) {
-                all.push_back({"utf16" + label + kind, utf16(text, big, mark)});
+                all.push_back({label + kind, utf16(text, big, mark)});
             };
             add("", declared("UTF-16", RECORDS));
             add("_lower", declared("utf-16", RECORDS));
@@ -83,6 +84,9 @@ std::vector<SampleDocument> sample_documents() {
          "<a k='&g;'>&co;<r>&n;&lt;&#62;</r><r>&g;</r></a>"},
         {"entity_of_records",
          "<!DOCTYPE a [<!ENTITY r '<r>1</r><r/><r><s>3</s></r> '>]><a>&r;<r>x</r>&r;&r;</a>"},
+        {"entity_ends_with_record",
+         "<!DOCTYPE a [<!ENTITY r '<r>1</r><r k=\"v\"/>'><!ENTITY s '<r><s>3</s></r>'>"
+         "<!ENTITY e '<r i=\"1\"/>'>]><a>&r;<r j='2'>x</r>&r;&s;&e;&e;&r;</a>"},
         {"doctype_system", "<!DOCTYPE a SYSTEM 'a.dtd'><a>&unknown;</a>"},
         {"doctype_public", "<!DOCTYPE a PUBLIC '-//x' 'a.dtd' [<!ATTLIST a d CDATA 'v>'>]><a/>"},
         {"doctype_full",

@@ -49,7 +49,7 @@ class ParserTest : public ElementTest {
     }
 
     std::string file_with(std::string_view bytes, const std::string& name = "in.xml") const {
-        const std::string path = folder / name;
+        std::string path = folder / name;
         std::ofstream(path, std::ios::binary) << bytes;
         return path;
     }

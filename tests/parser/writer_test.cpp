@@ -47,7 +47,7 @@ class Writer : public ParserTest {
 
     // The tree of a document, its texts in UTF-8 whatever it is stored in.
     std::string tree_of(std::uint32_t parser) const {
-        const std::string tree = canonical_tree(xml.xml_parser_root(parser));
+        std::string tree = canonical_tree(xml.xml_parser_root(parser));
         const char* name = xml.xml_parser_encoding(parser);
         if (!name || strcasecmp(name, "iso-8859-1") != 0) return tree;
         std::string utf8;

@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "fsi/xml/handlers/early_events.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/latin1.h"
 #include "fsi/xml/handlers/trace_message.h"
@@ -67,7 +68,8 @@ void give_comments(XmlParser& parser, std::uint32_t element) {
 
 // Lets the caller of the driver go on before Expat delivers more.
 void suspend(const XmlParser& parser) {
-    if (parser.state & XMLPS_STEPWISE) XML_StopParser(parser.expat, XML_TRUE);
+    const std::uint32_t bits = parser.state & (XMLPS_STEPWISE | XMLPS_SUSPENDED);
+    if (bits == XMLPS_STEPWISE) XML_StopParser(parser.expat, XML_TRUE);
 }
 
 // Drops the white space around the data of the element that ends.
@@ -118,6 +120,7 @@ void stop_out_of_memory(XmlParser& parser) {
 void start_element(void* expat, const char* name, const char** attributes) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
+    if (is_early(parser)) return keep_start(parser, name, attributes);
     if (host_trace_on) trace_start(name, attributes);
     char* stored = stored_name(parser, name);
     ++parser.depth;
@@ -144,6 +147,7 @@ void start_element(void* expat, const char* name, const char** attributes) {
 void end_element(void* expat, const char* name) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
+    if (is_early(parser)) return keep_end(parser);
     std::uint64_t length = 0;
     const char* data = xml_element_value(parser.current, &length);
     if (host_trace_on) trace_message(1, 8, "end_element: '%s'", name);
@@ -155,7 +159,10 @@ void end_element(void* expat, const char* name) {
     if (data && length > 0) trim_value(parser, data, length);
     parser.current = xml_parent(parser.current);
     --parser.depth;
-    if (parser.depth == 1) suspend(parser);
+    if (parser.depth == 1) {
+        parser.state |= XMLPS_RECORD_ENDED;
+        suspend(parser);
+    }
     if (host_trace_on) host_trace(-1, 8, "Leaving");
 }
 

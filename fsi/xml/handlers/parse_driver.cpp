@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 
+#include "fsi/xml/handlers/early_events.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/trace_message.h"
 #include "host/errors.h"
@@ -194,6 +195,10 @@ bool feed_to_next_gt(XmlParser& parser, HostStream* stream, bool* at_gt) {
 void parse_to_next_gt(XmlParser* parser, HostStream* stream) {
     if (host_trace_on) host_trace(1, 6, "Parsing to next >");
     if (is_over(*parser)) return;
+    if (replay_early_events(*parser)) {
+        if (accept(*parser, XML_STATUS_OK)) leave("Leaving");
+        return;
+    }
     if (parser->state & XMLPS_SUSPENDED) {
         if (resume(*parser)) leave("Leaving");
         return;
@@ -210,6 +215,8 @@ void parse_to_end(XmlParser* parser, HostStream* stream) {
     if (host_trace_on) host_trace(1, 6, "Parsing to end of file");
     if (is_over(*parser)) return;
     parser->state &= ~std::uint32_t{XMLPS_STEPWISE};
+    replay_early_events(*parser);
+    if (!accept(*parser, XML_STATUS_OK)) return;
     while (parser->state & XMLPS_SUSPENDED)
         if (!resume(*parser)) return;
     while (parser->position != parser->end || read_more(*parser, stream)) {

@@ -12,6 +12,8 @@ char message_buffer[512];
 void trace_message(int step, int level, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
+    // The analyser loses sight of va_start.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     std::vsnprintf(message_buffer, sizeof message_buffer, format, arguments);
     va_end(arguments);
     host_trace(step, level, "%s", message_buffer);

@@ -140,5 +140,6 @@ void free_parser(XmlParser* parser) {
     if (parser->models) host_table_free(parser->models, HANDLERS_SOURCE, __LINE__);
     if (parser->root) xml_free_element(parser->root);
     if (parser->pis) free_instructions(*parser);
+    host_free(parser->early_start, HANDLERS_SOURCE, __LINE__, 0);
     host_free(parser, HANDLERS_SOURCE, __LINE__, 0);
 }

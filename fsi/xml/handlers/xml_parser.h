@@ -38,7 +38,9 @@ enum XmlParserState : std::uint32_t {
     XMLPS_RECORD_STARTED = 0x40,    // a child of the document element has started
     XMLPS_OUT_OF_MEMORY = 0x80,     // a handler failed: the tree is incomplete, nothing follows
     XMLPS_INPUT_ENDED = 0x100,      // Expat was told that the input has ended
-    XMLPS_FAILED = 0x200            // Expat rejected the document
+    XMLPS_FAILED = 0x200,           // Expat rejected the document
+    XMLPS_RECORD_ENDED = 0x400,     // the record that was asked for has ended
+    XMLPS_EARLY_END = 0x800         // an end tag was kept, see early_events.h
 };
 
 // A processing instruction; the parser owns both strings.
@@ -75,6 +77,7 @@ struct XmlParser {
     std::uint32_t state;          // XMLPS_ bits
     std::int32_t input_encoding;  // of the input being read: `encoding` as the document gave it
     std::uint64_t bytes_fed;      // input bytes given to Expat so far
+    const char** early_start;     // a start tag was kept, see early_events.h; or null
 };
 
 constexpr std::size_t XML_READ_SIZE = 32000;
