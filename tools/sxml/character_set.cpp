@@ -27,7 +27,7 @@ using Characters = std::array<std::int32_t, 256>;  // Unicode for each byte, or 
 class Converter {
   public:
     explicit Converter(const std::string& name) : handle_(iconv_open("UTF-32LE", name.c_str())) {
-        if (handle_ == reinterpret_cast<iconv_t>(-1)) fail_unknown(name);
+        if (reinterpret_cast<std::intptr_t>(handle_) == -1) fail_unknown(name);
     }
     ~Converter() { iconv_close(handle_); }
     Converter(const Converter&) = delete;

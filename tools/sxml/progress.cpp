@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -14,7 +15,7 @@ constexpr auto INTERVAL = std::chrono::milliseconds(200);
 constexpr double MEGABYTE = 1e6;
 
 std::string duration_text(double seconds) {
-    const auto whole = static_cast<long long>(seconds + 0.5);
+    const auto whole = std::llround(seconds);
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60,
                   whole % 60);

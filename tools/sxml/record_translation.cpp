@@ -60,7 +60,7 @@ void RecordTranslation::translate_number(const std::uint8_t* record, const Field
 
 void RecordTranslation::store(const Field& field, const std::uint8_t* bytes) {
     for (std::int32_t i = 0; i < field.length; ++i) {
-        const auto position = static_cast<std::size_t>(field.offset + i);
+        const auto position = static_cast<std::size_t>(field.offset) + static_cast<std::size_t>(i);
         if (stored_[position] != 0 && translated_[position] != bytes[i]) {
             fail("field " + fields_.name(field) +
                  " shares bytes with another field, and the two need different translations of "

@@ -19,7 +19,10 @@ constexpr std::array KNOWN_SETTINGS = {
 
 std::string known_settings() {
     std::string list;
-    for (const char* name : KNOWN_SETTINGS) list += std::string("\n  ") + name;
+    for (const char* name : KNOWN_SETTINGS) {
+        list += "\n  ";
+        list += name;
+    }
     return list;
 }
 
