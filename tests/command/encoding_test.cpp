@@ -136,4 +136,32 @@ TEST_F(CommandTest, OnlyFieldsOfTheRecordAreChecked) {
               std::string::npos);
 }
 
+// In EBCDIC, two views of the same bytes can contradict each other.
+TEST_F(CommandTest, EbcdicBytesAreNotTranslatedInTwoWays) {
+    const std::string two_views =
+        "       01  VIEWS.\n           05  WORD PIC X(2).\n"
+        "      *> sxml: when NUMERIC-VIEW\n"
+        "           05  AMOUNT REDEFINES WORD PIC S9(3) COMP-3.\n"
+        "           05  VIEW PIC X.\n"
+        "               88  NUMERIC-VIEW VALUE \"N\" \"B\".\n"
+        "               88  TEXT-VIEW VALUE \"T\" \"B\".\n";
+    std::string with_conditions = two_views;
+    with_conditions.insert(with_conditions.find("           05  WORD"),
+                           "      *> sxml: when TEXT-VIEW\n");
+    write_file("v.cpy", with_conditions);
+    write_file("v.dat", "\x12\x3D\xD5\x81\x82\xE3");
+    const std::vector<std::string> words = {"to-xml", "v.dat",      "-",    "-l",
+                                            "v.cpy",  "--encoding", "cp037"};
+    const Outcome apart = sxml(words);
+    EXPECT_EQ(apart.err, "");
+    EXPECT_NE(apart.out.find("<amount>-123</amount>"), std::string::npos) << apart.out;
+    EXPECT_NE(apart.out.find("<word>ab</word>"), std::string::npos) << apart.out;
+    write_file("v.dat", "\x12\x3D\xD5\x81\x82\xC2");
+    const Outcome both = sxml(words);
+    EXPECT_EQ(both.status, 1);
+    EXPECT_NE(both.err.find("v.dat: record 2, field amount shares bytes with another field"),
+              std::string::npos)
+        << both.err;
+}
+
 }  // namespace

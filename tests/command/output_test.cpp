@@ -181,4 +181,19 @@ TEST_F(OutputTest, SettingsShapeTheDocument) {
         << outcome.out;
 }
 
+// The environment sets what the command line does not.
+TEST_F(OutputTest, SettingsComeFromTheEnvironmentToo) {
+    setenv("SXML_ENCODING", "iso-8859-1", 1);
+    setenv("SXML_CREATE_STYLE", "NONE", 1);
+    write_file("w.dat", "caf\xE9xx");
+    const Outcome from_environment = convert("w.dat", "-");
+    const Outcome overridden = convert("w.dat", "-", {"--encoding", "utf-8"});
+    unsetenv("SXML_ENCODING");
+    unsetenv("SXML_CREATE_STYLE");
+    EXPECT_EQ(from_environment.out.find("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>"), 0U);
+    EXPECT_EQ(from_environment.out.find("DOCTYPE"), std::string::npos);
+    EXPECT_EQ(overridden.status, 1);
+    EXPECT_NE(overridden.err.find("not valid UTF-8"), std::string::npos) << overridden.err;
+}
+
 }  // namespace

@@ -235,4 +235,31 @@ TEST_F(CommandTest, TablesEndWhereTheirCounterSays) {
         << outcome.out;
 }
 
+// Of many bad numbers the first ones are named, and all are counted.
+TEST_F(CommandTest, BadNumbersAreCounted) {
+    write_file("items.cpy", COPYBOOK);
+    std::string records;
+    for (int i = 0; i < 1500; ++i) records += "ab  x!?x y ";
+    write_file("items.dat", records);
+    const Outcome outcome = sxml({"to-xml", "items.dat", "items.xml", "-l", "items.cpy"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.err.find(": record 10, field amount"), std::string::npos);
+    EXPECT_EQ(outcome.err.find(": record 11, field amount"), std::string::npos);
+    EXPECT_NE(outcome.err.find("sxml: warning: items.dat: 1500 numeric fields held no valid number "
+                               "and came out repaired; the first 10 are named above\n"),
+              std::string::npos)
+        << outcome.err;
+}
+
+// Binary data that the copybook declares is not text: any byte will do.
+TEST_F(CommandTest, HexadecimalFieldsHoldAnyByte) {
+    write_file("h.cpy",
+               "       01  ROW.\n           05  WORD PIC X(2).\n"
+               "      *> sxml: hex\n           05  MASK PIC X(3).\n");
+    write_file("h.dat", std::string("ab\x00\x01\xFF", 5));
+    const Outcome outcome = sxml({"to-xml", "h.dat", "-", "--layout", "h.cpy"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(outcome.out.find("<mask>0001FF</mask>"), std::string::npos) << outcome.out;
+}
+
 }  // namespace
