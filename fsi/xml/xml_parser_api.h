@@ -103,7 +103,9 @@ uint32_t xml_parser_new_root(uint32_t parser, const char* name);
 uint32_t xml_element_parser(uint32_t element);
 
 /* The host's name index of the elements parsed last (XMLOPT_ELEMENT_HASH): since the last call of
- * SxmlParser_parse_record, or since the document was opened. Null when there is none. */
+ * SxmlParser_parse_record, or since the document was opened. Null when there is none. The user data
+ * of these elements is their entry in the index, and must not be used once the next record is read.
+ */
 struct HostNameIndex* xml_parser_element_hash(uint32_t parser);
 
 /* ---- The XML declaration ---- */
