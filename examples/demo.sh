@@ -30,7 +30,7 @@ run xmllint --noout --valid orders.xml
 echo "orders.xml is valid: $(grep -c '<order_record>' orders.xml) records"
 show orders.xml 1 8
 echo ...
-show orders.xml 28 70
+show orders.xml 30 72
 
 heading "The orders as XML, with a schema"
 run sxml to-xml orders.dat orders-schema.xml --layout "$examples/orders.cpy" \
