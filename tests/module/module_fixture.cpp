@@ -133,6 +133,22 @@ std::string ModuleTest::elements(Xfd* xfd, const std::vector<std::string>& recor
     return text.substr(first, end - first);
 }
 
+std::vector<ReadResult> ModuleTest::records(Xfd* xfd, const std::string& text, std::size_t size) {
+    const std::string name = path("in.xml");
+    store(name, text);
+    describe(name, xfd);
+    XmlFile* const file = module().open(name.c_str(), XML_OPEN_INPUT);
+    if (file == nullptr) return {{0, *host_file_error(), "(not opened)"}};
+    std::vector<ReadResult> results;
+    do {
+        std::vector<char> buffer(size, '.');
+        const int result = module().read(file, buffer.data());
+        results.push_back({result, *host_file_error(), {buffer.begin(), buffer.end()}});
+    } while (results.back().result > 0);
+    EXPECT_EQ(module().close(file), 0);
+    return results;
+}
+
 void ModuleTest::expect_file(const std::string& actual, const std::string& expected_file) {
     std::string expected = read(SXML_SOURCE_DIR "/tests/module/expected/" + expected_file);
     replace_all(expected, "@VERSION@", SXML_VERSION_LABEL);
@@ -145,6 +161,10 @@ std::string ModuleTest::read(const std::string& file) {
     std::ostringstream text;
     text << stream.rdbuf();
     return text.str();
+}
+
+void ModuleTest::store(const std::string& file, std::string_view text) {
+    std::ofstream(file, std::ios::binary) << text;
 }
 
 void ModuleTest::expect_valid(const std::string& judge_arguments) {

@@ -13,6 +13,14 @@
 #include "host/runtime/module.h"
 #include "tests/support/xfd_builder.h"
 
+// One read: its result, the file error code, the record.
+struct ReadResult {
+    int result;
+    int code;  // file error code
+    std::string record;
+    bool operator==(const ReadResult&) const = default;
+};
+
 class ModuleTest : public ::testing::Test {
   protected:
     // Encoding support is granted or refused once, when the process loads the module.
@@ -37,9 +45,14 @@ class ModuleTest : public ::testing::Test {
     // The same with no description of the data, and without declaration, banner and end tag.
     std::string elements(Xfd* xfd, const std::vector<std::string>& records);
 
+    // Reads a document to its end: each record into a buffer of `size` dots, the last result being
+    // that of the read that found none; "(not opened)" when the open failed.
+    std::vector<ReadResult> records(Xfd* xfd, const std::string& text, std::size_t size);
+
     // Compares with a file of tests/module/expected, in which @VERSION@ stands for the label.
     static void expect_file(const std::string& actual, const std::string& expected_file);
     static std::string read(const std::string& file);
+    static void store(const std::string& file, std::string_view text);
     static void expect_valid(const std::string& judge_arguments);
 
   private:

@@ -31,6 +31,27 @@ XfdBuilder orders() {
     return builder;
 }
 
+XfdBuilder order_lines() {
+    XfdBuilder builder("lines");
+    builder.group(1, "row");
+    builder.text(2, "id", 0, 2);
+    for (int line = 1; line <= 2; ++line) {
+        builder.group(2, "line");
+        builder.occurrence({{line, 2}});
+        builder.text(3, "sku", 4 * line - 2, 2);
+        builder.occurrence({{line, 2}});
+        for (int i = 1; i <= 2; ++i) {
+            builder.text(3, "qty", 4 * line - 1 + i, 1);
+            builder.occurrence({{line, 2}, {i, 2}});
+        }
+    }
+    builder.group(2, "head");
+    builder.text(3, "name", 10, 2);
+    builder.group(2, "foot");
+    builder.text(3, "name", 12, 2);
+    return builder;
+}
+
 std::string lines(std::string_view text) {
     std::string result;
     for (const char character : text) {

@@ -14,5 +14,9 @@ extern const std::string SMITH;  // a record of it, 47 bytes
 // D. Records are 6 bytes.
 XfdBuilder orders();
 
+// lines: a table of two lines with a table of two quantities in each, and two groups that hold a
+// field of the same name. Records are 14 bytes.
+XfdBuilder order_lines();
+
 // A text of lines, each of which ends as output lines do.
 std::string lines(std::string_view text);

@@ -4,6 +4,7 @@
 #include "fsi/xml/sxml/dtd.h"
 #include "fsi/xml/sxml/entries.h"
 #include "fsi/xml/sxml/host_functions.h"
+#include "fsi/xml/sxml/open_input.h"
 #include "fsi/xml/sxml/plugin.h"
 #include "fsi/xml/sxml/schema.h"
 #include "fsi/xml/sxml/settings.h"
@@ -154,13 +155,6 @@ bool start_output(XmlFile& file) {
     return false;
 }
 
-// Files cannot be opened for input yet.
-bool start_input(XmlFile&) {
-    trace_leaving("Leaving, open mode not supported");
-    *host_file_error() = HOST_FILE_UNSUPPORTED;
-    return false;
-}
-
 bool complete_open(XmlFile& file, const char* name, std::int32_t mode) {
     if (!read_description(file, name)) {
         trace_leaving("Leaving, failed to parse XFD file");
@@ -168,7 +162,7 @@ bool complete_open(XmlFile& file, const char* name, std::int32_t mode) {
     }
     *host_file_error() = HOST_FILE_OK;
     file.mode = mode;
-    return direction_of(mode) == XML_OPEN_OUTPUT ? start_output(file) : start_input(file);
+    return direction_of(mode) == XML_OPEN_OUTPUT ? start_output(file) : start_input(file, name);
 }
 
 }  // namespace

@@ -64,6 +64,9 @@ bool create_schema() {
 bool ignore_empty_data() {
     return host_config_flag(IGNORE_EMPTY_DATA, 0) != 0;
 }
+bool exact_table_match() {
+    return host_config_flag(EXACT_TABLE_MATCH, 0) != 0;
+}
 const char* encoding() {
     return host_config_string(ENCODING, nullptr);
 }

@@ -16,6 +16,7 @@ enum CreateStyle : std::int16_t {
 std::int16_t create_style();     // a CreateStyle
 bool create_schema();            // with STYLE_SCHEMA: write the schema file at open
 bool ignore_empty_data();        // leave empty fields and elements out of the output
+bool exact_table_match();        // an element must carry as many numbers as its item has dimensions
 const char* encoding();          // name of the output's encoding
 const char* schema_name();       // the schema file to write and to refer to
 const char* schema_namespace();  // format of the schema reference, with one %s for its name

@@ -2,6 +2,7 @@
 
 #include "fsi/xml/sxml/host_functions.h"
 #include "fsi/xml/sxml/source.h"
+#include "fsi/xml/xml_api.h"
 #include "host/memory.h"
 
 XmlFile* new_xml_file() {
@@ -12,5 +13,7 @@ XmlFile* new_xml_file() {
 void free_xml_file(XmlFile* file) {
     if (file->xfd != nullptr) host_functions::free_xfd()(file->xfd);
     if (file->out != nullptr) host_fclose(file->out);
+    if (file->parser != 0) xml_free_parser(file->parser);
+    if (file->input_items != nullptr) free_input_items(file->input_items);
     host_free(file, SXML_SOURCE, __LINE__, 0);
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "fsi/xml/sxml/input_items.h"
 #include "host/files.h"
 #include "host/record_description.h"
 
@@ -13,6 +14,7 @@ struct XmlFile {
     HostStream* out;            // output: the document being written; owned. Null for input
     std::int32_t mode;          // as the host gave it
     std::int32_t out_encoding;  // output: host encoding code that every write passes on
+    InputItems* input_items;    // input: the description prepared for reading; owned
 };
 
 // What an open mode's low two bits say.

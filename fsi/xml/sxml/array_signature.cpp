@@ -1,0 +1,90 @@
+#include "fsi/xml/sxml/array_signature.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "fsi/xml/elements/element.h"
+#include "fsi/xml/sxml/settings.h"
+#include "host/trace.h"
+
+namespace {
+
+// A list of numbers for the trace: "(1,2)", or nothing when there are none.
+class NumberList {
+  public:
+    template <typename Number>
+    NumberList(const Number* numbers, int count) {
+        text_[0] = '\0';
+        std::size_t length = 0;
+        for (int i = 0; i < count; ++i) {
+            length += static_cast<std::size_t>(
+                std::snprintf(text_ + length, sizeof text_ - length, "%c%d", i == 0 ? '(' : ',',
+                              static_cast<std::int32_t>(numbers[i])));
+        }
+        if (count > 0) std::snprintf(text_ + length, sizeof text_ - length, ")");
+    }
+    const char* text() const { return text_; }
+
+  private:
+    // Separator, sign and ten digits for each number, the closing bracket and the NUL.
+    char text_[12 * XML_INDEX_LIMIT + 2];
+};
+static_assert(XML_INDEX_LIMIT >= XFD_MAX_DIMENSIONS);
+
+void trace_comparison(std::uint32_t handle, const XmlElement& element, const XfdItem& item) {
+    const NumberList numbers(element.indices, element.last_index + 1);
+    const NumberList subscripts(item.subscripts, item.dimensions());
+    host_trace(1, 4, "same_array_signature for items %s%s and %s%s", xml_element_name(handle),
+               numbers.text(), item.name, subscripts.text());
+}
+
+bool leave(bool result, const char* why) {
+    if (host_trace_on != 0) host_trace(-1, 4, "%s", why);
+    return result;
+}
+
+bool equals(std::int16_t subscript, std::uint32_t number) {
+    return subscript >= 0 && static_cast<std::uint32_t>(subscript) == number;
+}
+
+bool fits_without_numbers(const XfdItem& item) {
+    const int dimensions = item.dimensions();
+    if (dimensions == 0) return leave(true, "Leaving, TRUE, neither an array");
+    const bool all_first = std::all_of(item.subscripts, item.subscripts + dimensions,
+                                       [](std::int16_t subscript) { return subscript <= 1; });
+    if (!all_first) return leave(false, "Leaving, FALSE, only one an array");
+    return leave(true, "Leaving, TRUE, XFD element an array, XML element not, but indices all 1");
+}
+
+// Fewer numbers than subscripts: a table level with a single element gave no number.
+bool fits_with_gaps(const XmlElement& element, const XfdItem& item) {
+    const int count = element.last_index + 1;
+    int matched = 0;
+    for (int i = 0; i < item.dimensions(); ++i) {
+        if (matched < count && equals(item.subscripts[i], element.indices[matched])) {
+            ++matched;
+        } else if (item.subscripts[i] != 1) {
+            return leave(false, "Leaving, FALSE 2");
+        }
+    }
+    // The trace knows no line for numbers that are left over.
+    return matched == count && leave(true, "Leaving, TRUE");
+}
+
+}  // namespace
+
+bool same_array_signature(std::uint32_t handle, const XfdItem& item) {
+    const XmlElement& element = *element_of(handle);
+    if (host_trace_on != 0) trace_comparison(handle, element, item);
+    const int count = element.last_index + 1;
+    const int dimensions = item.dimensions();
+    if (count == 0) return fits_without_numbers(item);
+    if (dimensions == count) {
+        const bool same =
+            std::equal(item.subscripts, item.subscripts + dimensions, element.indices, equals);
+        return leave(same, same ? "Leaving, TRUE" : "Leaving, FALSE 1");
+    }
+    if (settings::exact_table_match()) return leave(false, "Leaving, exact match required");
+    if (dimensions < count) return leave(false, "Leaving, FALSE - too many XML indices");
+    return fits_with_gaps(element, item);
+}

@@ -1,0 +1,13 @@
+// Telling the occurrences of a table apart: an element's occurrence numbers against an item's
+// subscripts.
+#pragma once
+
+#include <cstdint>
+
+#include "host/record_description.h"
+
+// True when the occurrence numbers of `element` (a live handle) fit the subscripts of `item`. They
+// fit when both are the same; an element without numbers fits subscripts that are all 1. Without
+// exact table match, an element also fits that lacks the number of a dimension whose subscript is
+// 1.
+bool same_array_signature(std::uint32_t element, const XfdItem& item);

@@ -1,0 +1,182 @@
+#include "fsi/xml/sxml/find_element.h"
+
+#include <strings.h>
+
+#include "fsi/xml/handlers/element_hash.h"
+#include "fsi/xml/sxml/array_signature.h"
+#include "fsi/xml/sxml/record_index.h"
+#include "fsi/xml/xml_api.h"
+#include "host/name_index.h"
+#include "host/trace.h"
+
+namespace {
+
+// Longer chains of one name, and longer lists of children, are not walked but looked up in the
+// record's index.
+constexpr int WALK_LIMIT = 16;
+
+// An item whose element is looked for: the one asked for or, behind it, the groups around it from
+// the inside out. One that its name does not settle needs the element of a group further out, so
+// that looking for one element may mean to look for the elements of many groups.
+struct Step {
+    std::int32_t item;
+    std::int32_t caller;  // the step that waits for this one
+    std::int32_t next;    // the step to look at next for the enclosing element
+    std::uint32_t result;
+    bool is_known;  // `result` is the outcome
+};
+
+// One search runs at a time in the process. Groups around each other have ever lower levels: no
+// more than there are 16-bit levels. Pages that no description needs are never touched.
+Step steps[65536];
+
+// Groups looked for again and again are traced again and again, as often as this per search.
+constexpr int MOST_REPEATS = 10'000;
+
+class ElementSearch {
+  public:
+    ElementSearch(const XmlFile& file, std::int32_t index) : file_(file), items_(file.xfd->items) {
+        add_step(index);
+    }
+    std::uint32_t run();
+
+  private:
+    // Each of these tells whether the outcome of step `at` is known by now.
+    bool start(std::int32_t at);
+    bool choose(std::int32_t at, const XmlHashEntry* first);
+    bool look_further(std::int32_t& at);
+    bool take_enclosing(std::int32_t at, std::uint32_t element);
+    bool finish(std::int32_t at, std::uint32_t element, const char* why);
+
+    FittingElements count_fitting(const XmlHashEntry* first, const XfdItem& item);
+    std::uint32_t find_child(std::uint32_t parent, const XfdItem& item);
+
+    const XfdItem& item_of(std::int32_t at) const { return items_[steps[at].item]; }
+    void add_step(std::int32_t item) { steps[step_count_++] = {item, -1, 0, 0, false}; }
+    bool reach(std::int32_t at);
+    bool use_index();
+
+    const XmlFile& file_;
+    const XfdItem* items_;
+    std::int32_t step_count_ = 0;
+    int repeats_left_ = MOST_REPEATS;
+};
+
+bool ElementSearch::use_index() {
+    if (host_trace_on != 0) return false;
+    const std::uint32_t record = xml_first_child(xml_parser_root(file_.parser));
+    return make_record_index(file_.input_items->record_index, record);
+}
+
+bool ElementSearch::finish(std::int32_t at, std::uint32_t element, const char* why) {
+    steps[at].result = element;
+    steps[at].is_known = true;
+    if (host_trace_on != 0) host_trace(-1, 3, "%s", why);
+    return true;
+}
+
+bool is_moved(const XmlHashEntry& entry) {
+    return (entry.used & 1) != 0;
+}
+
+bool ElementSearch::start(std::int32_t at) {
+    const XfdItem& item = item_of(at);
+    steps[at].next = at + 1;
+    if (host_trace_on != 0) host_trace(1, 3, "find_element %d (%s)", steps[at].item, item.name);
+    const auto* const entry = static_cast<const XmlHashEntry*>(
+        host_hash_find(xml_parser_element_hash(file_.parser), item.name));
+    if (entry == nullptr) return finish(at, 0, "Leaving, no such element");
+    if (entry->next != nullptr) return choose(at, entry);
+    const bool moved = is_moved(*entry);
+    if (item.dimensions() != 0) {
+        return moved ? finish(at, 0, "Leaving, only one element, but already moved")
+                     : finish(at, entry->element, "Leaving, found an element");
+    }
+    return moved ? finish(at, 0, "Leaving, only one element, not a table, but already moved")
+                 : finish(at, entry->element, "Leaving, only one element, not a table");
+}
+
+bool ElementSearch::choose(std::int32_t at, const XmlHashEntry* first) {
+    const FittingElements fitting = count_fitting(first, item_of(at));
+    if (fitting.count != 1) return false;
+    return finish(at, fitting.any->element, "Leaving, returning pTarget because count == 1");
+}
+
+// Whether there are two or more makes no difference; the trace shows every comparison.
+FittingElements ElementSearch::count_fitting(const XmlHashEntry* first, const XfdItem& item) {
+    FittingElements found = {0, nullptr};
+    int walked = 0;
+    for (const XmlHashEntry* entry = first; entry != nullptr; entry = entry->next) {
+        if (++walked > WALK_LIMIT && use_index()) {
+            return find_fitting(file_.input_items->record_index, item);
+        }
+        if (is_moved(*entry) || !same_array_signature(entry->element, item)) continue;
+        found = {found.count + 1, entry};
+        if (found.count > 1 && host_trace_on == 0) break;
+    }
+    return found;
+}
+
+std::uint32_t ElementSearch::find_child(std::uint32_t parent, const XfdItem& item) {
+    int walked = 0;
+    for (std::uint32_t child = xml_first_child(parent); child != 0;
+         child = xml_next_sibling(child)) {
+        if (++walked > WALK_LIMIT && use_index()) {
+            return find_fitting_child(file_.input_items->record_index, parent, item);
+        }
+        if (strcasecmp(xml_element_name(child), item.name) != 0) continue;
+        if (same_array_signature(child, item)) return child;
+    }
+    return 0;
+}
+
+// `element`: of a group around the item; 0 when that group has none.
+bool ElementSearch::take_enclosing(std::int32_t at, std::uint32_t element) {
+    if (element == 0) return false;
+    const std::uint32_t child = find_child(element, item_of(at));
+    return finish(at, child,
+                  child != 0 ? "Leaving, found an element" : "Leaving, returning H_NULL");
+}
+
+bool ElementSearch::reach(std::int32_t at) {
+    if (at < step_count_) return true;
+    const std::int32_t group = file_.input_items->enclosing[steps[at - 1].item];
+    if (group < 0) return false;
+    add_step(group);
+    return true;
+}
+
+// Looks at one more group for step `at`. When that group's element has to be found first, `at`
+// becomes the group's step.
+bool ElementSearch::look_further(std::int32_t& at) {
+    const std::int32_t group = steps[at].next++;
+    if (!reach(group)) return finish(at, 0, "Leaving, pTarget == NULL");
+    // Nothing changes during a search, so what is known stays so.
+    if (steps[group].is_known && (host_trace_on == 0 || repeats_left_-- <= 0)) {
+        return take_enclosing(at, steps[group].result);
+    }
+    steps[group].caller = at;
+    at = group;
+    return start(at);
+}
+
+std::uint32_t ElementSearch::run() {
+    std::int32_t at = 0;
+    bool done = start(at);
+    while (!done || steps[at].caller >= 0) {
+        if (done) {
+            const std::uint32_t element = steps[at].result;
+            at = steps[at].caller;
+            done = take_enclosing(at, element);
+        } else {
+            done = look_further(at);
+        }
+    }
+    return steps[at].result;
+}
+
+}  // namespace
+
+std::uint32_t find_element(const XmlFile& file, std::int32_t index) {
+    return ElementSearch(file, index).run();
+}

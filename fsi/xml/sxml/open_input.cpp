@@ -1,0 +1,78 @@
+#include "fsi/xml/sxml/open_input.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "fsi/xml/handlers/xml_parser.h"
+#include "fsi/xml/sxml/source.h"
+#include "fsi/xml/xml_api.h"
+#include "host/config.h"
+#include "host/errors.h"
+#include "host/memory.h"
+#include "host/trace.h"
+
+namespace {
+
+constexpr char XML_SUFFIX[] = ".xml";
+
+// How element names are converted; mode 3 leaves them as they are.
+std::uint32_t name_mode() {
+    switch (host_config_number("4GL_COLUMN_CASE", 0)) {
+        case 1:
+            return 2;
+        case 2:
+            return 3;
+        default:
+            return 1;
+    }
+}
+
+bool fail_to_open(int error) {
+    if (host_trace_on != 0) host_trace(-1, 1, "Leaving, open input failed: %d\n", error);
+    *host_file_error() = HOST_FILE_CANNOT_OPEN;
+    return false;
+}
+
+bool fail_without_memory() {
+    *host_file_error() = HOST_FILE_NO_MEMORY;
+    return false;
+}
+
+bool input_is_missing() {
+    std::int32_t code = XMLERR_NONE;
+    xml_last_error(&code);
+    return code == XMLERR_OPEN_FILE;
+}
+
+// Tries the name with ".xml" added. Nothing but a document will do, whatever it fails for.
+bool open_with_suffix(XmlFile& file, const char* name, std::uint32_t options) {
+    const std::size_t size = std::strlen(name) + sizeof XML_SUFFIX;
+    auto* const longer = static_cast<char*>(
+        host_alloc(size, HOST_BLOCK_RAW, SXML_SOURCE, __LINE__, "temp .xml filename", 0));
+    if (longer == nullptr) return fail_without_memory();
+    std::snprintf(longer, size, "%s%s", name, XML_SUFFIX);
+    file.parser = xml_open_file(longer, options, 0);
+    const int error = errno;
+    host_free(longer, SXML_SOURCE, __LINE__, 0);
+    return file.parser != 0 || fail_to_open(error);
+}
+
+bool open_document(XmlFile& file, const char* name) {
+    const std::uint32_t options = XMLOPT_SEQUENTIAL_FILE | name_mode();
+    file.parser = xml_open_file(name, options, 0);
+    const int error = errno;
+    if (file.parser == 0 && input_is_missing() && !open_with_suffix(file, name, options)) {
+        return false;
+    }
+    if (*host_file_error() != HOST_FILE_OK) return false;
+    return file.parser != 0 || fail_to_open(error);
+}
+
+}  // namespace
+
+bool start_input(XmlFile& file, const char* name) {
+    if (!open_document(file, name)) return false;
+    file.input_items = new_input_items(*file.xfd);
+    return file.input_items != nullptr || fail_without_memory();
+}
