@@ -46,6 +46,7 @@ Outcome run(const std::vector<std::string>& words, const std::string& input,
     posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), create, 0666);
     posix_spawn_file_actions_addopen(&actions, 2, streams.name("err").c_str(), create, 0666);
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     pid_t process = 0;
