@@ -48,7 +48,11 @@ class Hostile : public ParserTest {
                        const std::function<std::string(std::size_t)>& document,
                        const std::function<void(std::uint32_t)>& check) const {
         SCOPED_TRACE(what);
-        if (full_sizes()) size *= 100;
+        // Small reads make up for small documents: what is looked at again shows all the same.
+        if (full_sizes())
+            size *= 100;
+        else
+            host::limit_read_size(64);
         const double one = seconds(file_with(document(size)), what, check);
         const double four = seconds(file_with(document(4 * size)), what, check);
         EXPECT_LT(four, 12 * one + 0.2) << one << " s, then " << four << " s";
