@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "host/files.h"
+#include "host/records/description.h"
 #include "host/records/numbers.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/trace_control.h"
@@ -17,6 +18,7 @@ std::map<std::string, Xfd*> descriptions;
 std::vector<std::string> names_looked_up;
 int descriptions_out = 0;
 int lookups_refused = 0;
+bool conditions_are_compiled = false;
 
 Xfd* parse_xfd(const char* name, int first, int second) {
     EXPECT_EQ(first, 14);
@@ -35,6 +37,7 @@ void free_xfd(Xfd*) {
 int test_condition(Xfd* xfd, int number, const void* record) {
     EXPECT_GE(number, 1);
     EXPECT_LE(number, xfd->condition_count);
+    if (conditions_are_compiled) return Q4TestCOBOLCond(xfd, number, record);
     XfdBuilder::test_condition(xfd, number, record);
     return 0;
 }
@@ -77,6 +80,7 @@ void ModuleTest::SetUp() {
 void ModuleTest::TearDown() {
     unset_all();
     descriptions.clear();
+    conditions_are_compiled = false;
     std::filesystem::remove_all(folder_);
     EXPECT_TRUE(host::live_blocks().empty()) << host::leak_report();
     EXPECT_EQ(descriptions_out, 0);
@@ -100,6 +104,10 @@ void ModuleTest::describe(const std::string& name, Xfd* xfd) {
 
 const std::vector<std::string>& ModuleTest::lookups() {
     return names_looked_up;
+}
+
+void ModuleTest::use_compiled_conditions() {
+    conditions_are_compiled = true;
 }
 
 void ModuleTest::refuse_lookups(int count) {

@@ -37,6 +37,8 @@ class ModuleTest : public ::testing::Test {
     void describe(const std::string& name, Xfd* xfd);
     // The names under which descriptions were looked for.
     static const std::vector<std::string>& lookups();
+    // Evaluates the conditions of compiled descriptions, until the test is over.
+    static void use_compiled_conditions();
     // Makes the next lookups find nothing.
     static void refuse_lookups(int count);
 

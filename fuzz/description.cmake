@@ -1,1 +1,0 @@
-sxml_fuzz(description_fuzz SOURCES description_fuzz.cpp LIBRARIES sxml_records)

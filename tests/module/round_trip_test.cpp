@@ -1,0 +1,88 @@
+// Records to XML and back, for layouts that are made up at random.
+//     SXML_ROUND_TRIP_LAYOUTS   how many (1,000)
+//     SXML_ROUND_TRIP_SEED      where to begin; a failure names the seed of its layout
+#include <cstdlib>
+
+#include "host/records/copybook.h"
+#include "tests/module/module_fixture.h"
+#include "tests/module/random_layout.h"
+
+namespace {
+
+class RoundTripTest : public ModuleTest {
+  protected:
+    static std::uint64_t number_from(const char* variable, std::uint64_t fallback) {
+        const char* const text = std::getenv(variable);
+        return text != nullptr ? std::strtoull(text, nullptr, 10) : fallback;
+    }
+
+    // Writes the records, reads them again into buffers of spaces.
+    std::vector<std::string> there_and_back(Xfd* xfd, const std::vector<std::string>& records) {
+        const std::string name = path("trip.xml");
+        describe(name, xfd);
+        XmlFile* const out = module().open(name.c_str(), XML_OPEN_OUTPUT);
+        if (out == nullptr) return {"(not opened)"};
+        for (const std::string& record : records) {
+            module().write(out, record.data(), static_cast<std::uint32_t>(record.size()));
+        }
+        module().close(out);
+        XmlFile* const in = module().open(name.c_str(), XML_OPEN_INPUT);
+        if (in == nullptr) return {"(not opened again)"};
+        std::vector<std::string> results;
+        for (;;) {
+            std::string record(records[0].size(), ' ');
+            if (module().read(in, record.data()) == 0) break;
+            results.push_back(record);
+        }
+        module().close(in);
+        return results;
+    }
+
+    // The names of the fields that differ, for a message.
+    static std::string difference(const Xfd& xfd, const std::string& record,
+                                  const std::string& result) {
+        if (record.size() != result.size()) return result;
+        std::string text;
+        for (int i = 0; i < xfd.item_count; ++i) {
+            const XfdItem& item = xfd.items[i];
+            if (item.condition == XFD_GROUP) continue;
+            const auto offset = static_cast<std::size_t>(item.offset);
+            const auto length = static_cast<std::size_t>(item.data.length);
+            const std::string before = record.substr(offset, length);
+            const std::string after = result.substr(offset, length);
+            if (before == after) continue;
+            text += std::string(item.name) + " at " + std::to_string(offset) + " type " +
+                    std::to_string(item.data.type) + ": " + ::testing::PrintToString(before) +
+                    " became " + ::testing::PrintToString(after) + "\n";
+        }
+        return text;
+    }
+};
+
+TEST_F(RoundTripTest, RandomLayoutsComeBackByteForByte) {
+    use_compiled_conditions();
+    set("SXML_CREATE_STYLE", "NONE");
+    const std::uint64_t layouts = number_from("SXML_ROUND_TRIP_LAYOUTS", 1000);
+    const std::uint64_t first_seed = number_from("SXML_ROUND_TRIP_SEED", 1);
+    for (std::uint64_t seed = first_seed; seed < first_seed + layouts; ++seed) {
+        RandomLayout random(seed);
+        const std::string copybook = random.copybook();
+        records::Diagnostics diagnostics;
+        const auto source = records::parse_copybook_text(copybook, "random.cpy", {}, diagnostics);
+        ASSERT_TRUE(source.has_value()) << copybook;
+        auto description = records::compile_description(*source, {}, diagnostics);
+        ASSERT_TRUE(description.has_value()) << copybook << diagnostics.text();
+        std::vector<std::string> originals;
+        for (int i = 0; i < 3; ++i) originals.push_back(random.record(*description));
+        const std::vector<std::string> results = there_and_back(&description->xfd(), originals);
+        ASSERT_EQ(results.size(), originals.size()) << "seed " << seed << "\n" << copybook;
+        for (std::size_t i = 0; i < results.size(); ++i) {
+            ASSERT_TRUE(results[i] == originals[i])
+                << "seed " << seed << ", record " << i << "\n"
+                << copybook << difference(description->xfd(), originals[i], results[i])
+                << read(path("trip.xml"));
+        }
+    }
+}
+
+}  // namespace
