@@ -120,6 +120,7 @@ void CharacterSet::become_utf8() {
 }
 
 void CharacterSet::become_single_byte(const Characters& characters) {
+    characters_ = characters;
     ebcdic_ = is_ebcdic_set(characters);
     if (!ebcdic_ && !extends_ascii(characters)) {
         fail_usage("--encoding " + name_ + ": neither an extension of ASCII nor EBCDIC");

@@ -33,6 +33,8 @@ class CharacterSet {
     bool is_ebcdic() const { return ebcdic_; }
     ByteClass classify(std::uint8_t byte) const { return classes_[byte]; }
     const std::array<ByteClass, 256>& classes() const { return classes_; }
+    // The character (Unicode) of each byte of a single-byte set; negative where there is none.
+    const std::array<std::int32_t, 256>& characters() const { return characters_; }
     // ISO-8859-1 for each byte of an EBCDIC set.
     const std::array<std::uint8_t, 256>& translation() const { return translation_; }
 
@@ -45,6 +47,7 @@ class CharacterSet {
     bool utf8_ = false;
     bool ebcdic_ = false;
     std::array<ByteClass, 256> classes_{};
+    std::array<std::int32_t, 256> characters_{};
     std::array<std::uint8_t, 256> translation_{};
 };
 

@@ -11,6 +11,7 @@ namespace command {
 void add_layout_command(CLI::App& application);
 void add_compile_command(CLI::App& application);
 void add_to_xml_command(CLI::App& application);
+void add_from_xml_command(CLI::App& application);
 void add_dtd_command(CLI::App& application);
 void add_schema_command(CLI::App& application);
 

@@ -12,13 +12,14 @@
 namespace {
 
 int run(int argc, char** argv) {
-    CLI::App application{"Turns COBOL record files into XML documents."};
+    CLI::App application{"Turns COBOL record files into XML documents and back."};
     application.name("sxml");
     application.set_version_flag("--version", "sxml " SXML_VERSION_LABEL);
     application.require_subcommand(1);
     application.footer(
         "`sxml SUBCOMMAND --help` shows the options of a subcommand and an example.");
     command::add_to_xml_command(application);
+    command::add_from_xml_command(application);
     command::add_layout_command(application);
     command::add_compile_command(application);
     command::add_dtd_command(application);

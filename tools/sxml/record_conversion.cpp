@@ -1,5 +1,8 @@
 #include "tools/sxml/record_conversion.h"
 
+#include <algorithm>
+#include <numeric>
+
 #include "tools/sxml/errors.h"
 #include "tools/sxml/progress.h"
 
@@ -21,8 +24,16 @@ RecordConversion::RecordConversion(ByteSource& source, records::Description& des
       text_check_(characters),
       numbers_(description.xfd(), fields, source.name()) {
     if (translated == nullptr) return;
-    translation_ = std::make_unique<RecordTranslation>(description.xfd(), *translated, characters,
-                                                       fields, description.record_length());
+    const auto translate_field = [this, &characters](std::span<const std::uint8_t> field) {
+        translated_text_.resize(field.size());
+        std::transform(field.begin(), field.end(), translated_text_.begin(),
+                       [&](std::uint8_t byte) { return characters.translation()[byte]; });
+        return std::span<const std::uint8_t>(translated_text_);
+    };
+    TextTranslation text{translate_field, {}};
+    std::iota(text.filler.begin(), text.filler.end(), std::uint8_t{0});
+    translation_ = std::make_unique<RecordTranslation>(
+        description.xfd(), *translated, std::move(text), fields, description.record_length());
 }
 
 void RecordConversion::run(bool lines, Document& document, const AtomicOutput& output) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "host/records/description.h"
 #include "tools/sxml/atomic_output.h"
@@ -43,6 +44,7 @@ class RecordConversion {
     records::Description& description_;
     RecordFields& fields_;
     TextCheck text_check_;
+    std::vector<std::uint8_t> translated_text_;
     std::unique_ptr<RecordTranslation> translation_;
     NumberReport numbers_;
 };

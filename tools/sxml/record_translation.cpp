@@ -1,18 +1,18 @@
 #include "tools/sxml/record_translation.h"
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 #include "host/records/numbers.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
 
-RecordTranslation::RecordTranslation(const Xfd& from, const Xfd& to, const CharacterSet& characters,
+RecordTranslation::RecordTranslation(const Xfd& from, const Xfd& to, TextTranslation text,
                                      const RecordFields& fields, std::int32_t record_length)
     : from_(from),
       to_(to),
-      characters_(characters),
+      text_(std::move(text)),
       fields_(fields),
       translated_(static_cast<std::size_t>(record_length)),
       stored_(translated_.size()),
@@ -23,7 +23,8 @@ RecordTranslation::RecordTranslation(const Xfd& from, const Xfd& to, const Chara
 const std::uint8_t* RecordTranslation::translate(const std::uint8_t* record,
                                                  std::span<const Field> chosen,
                                                  std::int32_t length) {
-    std::memcpy(translated_.data(), record, translated_.size());
+    std::transform(record, record + translated_.size(), translated_.begin(),
+                   [this](std::uint8_t byte) { return text_.filler[byte]; });
     std::fill(stored_.begin(), stored_.end(), std::uint8_t{0});
     for (const Field& field : chosen) {
         if (fields_.field_applies(field, length)) translate_field(record, field);
@@ -33,11 +34,15 @@ const std::uint8_t* RecordTranslation::translate(const std::uint8_t* record,
 
 void RecordTranslation::translate_field(const std::uint8_t* record, const Field& field) {
     const std::uint8_t* bytes = record + field.offset;
+    std::span<const std::uint8_t> translated;
     switch (field.kind) {
         case FieldKind::text:
-            std::transform(bytes, bytes + field.length, scratch_.begin(),
-                           [this](std::uint8_t byte) { return characters_.translation()[byte]; });
-            store(field, scratch_.data());
+            try {
+                translated = text_.field({bytes, static_cast<std::size_t>(field.length)});
+            } catch (const Failure& failure) {
+                fail("field " + fields_.name(field) + ": " + failure.what());
+            }
+            store(field, translated.data());
             break;
         case FieldKind::display_number:
             translate_number(record, field);

@@ -1,0 +1,189 @@
+// Documents to record files: round trips, other people's documents, and what is refused.
+
+#include <cctype>
+
+#include "tests/command/command_run.h"
+
+namespace {
+
+const std::string COPYBOOK =
+    "       01  ITEM.\n"
+    "           05  CODE-ID PIC X(4).\n"
+    "           05  AMOUNT PIC S9(3).\n"
+    "           05  PACKED PIC S9(3) COMP-3.\n"
+    "           05  TAG PIC X(2) OCCURS 2.\n";
+
+struct FromXmlCase {
+    const char* name;
+    std::string document;
+    std::vector<std::string> options;
+    int status;
+    std::string records;            // with status 0
+    std::vector<std::string> said;  // in standard error; empty: nothing is said
+};
+
+std::string items(const std::string& contents, const std::string& encoding = "UTF-8") {
+    return "<?xml version=\"1.0\" encoding=\"" + encoding + "\"?>\n<items>" + contents + "</items>";
+}
+
+std::string item(const std::string& contents) {
+    return "<item>" + contents + "</item>\n";
+}
+
+class FromXmlTest : public CommandTest, public testing::WithParamInterface<FromXmlCase> {};
+
+TEST_P(FromXmlTest, ConvertsOrRefuses) {
+    const FromXmlCase& expected = GetParam();
+    write_file("items.cpy", COPYBOOK);
+    write_file("items.xml", expected.document);
+    std::vector<std::string> words = {"from-xml", "items.xml", "items.dat", "--layout",
+                                      "items.cpy"};
+    words.insert(words.end(), expected.options.begin(), expected.options.end());
+    const Outcome outcome = sxml(words);
+    EXPECT_EQ(outcome.status, expected.status) << outcome.err;
+    EXPECT_EQ(outcome.err.empty(), expected.said.empty()) << outcome.err;
+    for (const std::string& text : expected.said) {
+        EXPECT_NE(outcome.err.find(text), std::string::npos)
+            << "missing: " << text << "\nin: " << outcome.err;
+    }
+    if (expected.status == 0) {
+        EXPECT_TRUE(read_file("items.dat") == expected.records) << read_file("items.dat");
+    } else {
+        EXPECT_EQ(files(), (std::vector<std::string>{"items.cpy", "items.xml"}));
+    }
+    // Standard input and output make no difference.
+    words[1] = words[2] = "-";
+    const Outcome piped = sxml(words, expected.document);
+    EXPECT_EQ(piped.status, expected.status);
+    if (expected.status == 0) {
+        EXPECT_TRUE(piped.out == expected.records);
+    }
+}
+
+const std::string FULL = item(
+    "<tag>t1</tag><amount> -12 </amount><packed>7</packed><code_id>AB&amp;</code_id><tag>t2</tag>");
+const std::string EMPTY_FIELDS = "    000" + std::string("\x00\x0C", 2) + "    ";
+const std::string FULL_RECORD = "AB& 01r" + std::string("\x00\x7C", 2) + "t1t2";
+
+const FromXmlCase CASES[] = {
+    {"nothing", items(""), {}, 0, "", {}},
+    {"defaults", items(FULL + "<item/>"), {}, 0, FULL_RECORD + EMPTY_FIELDS, {}},
+    {"spaces",
+     items(FULL + item("")),
+     {"--buffer", "spaces"},
+     0,
+     FULL_RECORD + std::string(13, ' '),
+     {}},
+    {"zeros", items(item("<code_id/>")), {"--buffer", "zeros"}, 0, std::string(13, '\0'), {}},
+    {"keep", items(FULL + "<item/>"), {"--buffer", "keep"}, 0, FULL_RECORD + FULL_RECORD, {}},
+    {"lines",
+     items(item("<code_id>A</code_id><packed>22</packed><tag> </tag>") + FULL),
+     {"--line"},
+     0,
+     "A   000" + std::string("\x02\x2C\n", 3) + FULL_RECORD + "\n",
+     {}},
+    {"line feed in a line",
+     items(item("<code_id>A&#10;B</code_id>")),
+     {"--line"},
+     1,
+     "",
+     {"items.xml: record 1: ", "line feed"}},
+    {"latin as it is",
+     items(item("<code_id>\xE9</code_id>"), "ISO-8859-1"),
+     {},
+     0,
+     "\xE9" + EMPTY_FIELDS.substr(1),
+     {}},
+    {"latin to UTF-8",
+     items(item("<code_id>\xE9</code_id>"), "iso-8859-1"),
+     {"--encoding", "utf-8"},
+     0,
+     "\xC3\xA9" + EMPTY_FIELDS.substr(2),
+     {}},
+    {"latin too long in UTF-8",
+     items(item("<code_id>abc\xE9</code_id>"), "ISO-8859-1"),
+     {"--encoding", "utf-8"},
+     1,
+     "",
+     {"record 1: field code_id: its text in utf-8 takes 5 bytes"}},
+    {"UTF-8 to Windows",
+     items(item("<code_id>\xE2\x82\xAC</code_id>")),
+     {"--encoding", "windows-1252"},
+     0,
+     "\x80" + EMPTY_FIELDS.substr(1),
+     {}},
+    {"UTF-8 perhaps cut",
+     items(item("<code_id>ab\xC3\xA9</code_id>")),
+     {"--encoding", "iso-8859-1"},
+     1,
+     "",
+     {"may have been cut off"}},
+    {"not in the set",
+     items(item("<code_id>\xE2\x82\xAC</code_id>")),
+     {"--encoding", "cp037"},
+     1,
+     "",
+     {"record 1: field code_id: its character U+20AC is not in cp037"}},
+    {"EBCDIC",
+     items(FULL),
+     {"--encoding", "cp037"},
+     0,
+     "\xC1\xC2\x50\x40\xF0\xF1\xD2" + std::string("\x00\x7C", 2) + "\xA3\xF1\xA3\xF2",
+     {}},
+    {"EBCDIC lines", items(""), {"--line", "--encoding", "cp037"}, 2, "", {"of fixed length"}},
+    {"no numbers",
+     items(item("<amount>x1</amount><packed>123456</packed>")),
+     {},
+     0,
+     "    000" + std::string("\x45\x6C", 2) + "    ",
+     {"record 1, field amount", "'x1'", "record 1, field packed", "2 texts"}},
+    {"not well-formed",
+     items(FULL + FULL + "\n<item>&x;</item>"),
+     {},
+     1,
+     "",
+     {":5:7: undefined entity; 2 records came before"}},
+    {"inside a record", "<items>" + FULL + "<item><tag>x", {}, 1, "", {":2:13: no element found"}},
+    {"between records", "<items>" + FULL, {}, 1, "", {"no element found; 1 record came before"}},
+    {"inside a tag", "<items>" + FULL + "</item", {}, 1, "", {"unclosed token"}},
+    {"behind the end", items(FULL) + "<more/>", {}, 1, "", {"junk after document element"}},
+    {"empty", "", {}, 1, "", {":1:1: no element found; 0 records came before"}},
+    {"unknown encoding", items("", "x-none"), {}, 1, "", {"unknown encoding"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, FromXmlTest, testing::ValuesIn(CASES), [](const auto& instance) {
+    std::string name = instance.param.name;
+    for (char& c : name) {
+        if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+    }
+    return name;
+});
+
+using RoundTripTest = CommandTest;
+
+TEST_F(RoundTripTest, SampleFilesComeBackByteForByte) {
+    struct Case {
+        const char* program;
+        std::vector<std::string> options;
+    };
+    const Case cases[] = {
+        {"write_orders", {"--layout", EXAMPLES + "orders.cpy"}},
+        {"write_ledger", {"--layout", EXAMPLES + "write_ledger.cbl", "--fd", "LEDGER"}}};
+    for (const Case& c : cases) {
+        const std::string program = c.program;
+        ASSERT_EQ(
+            run({"cobc", "-x", "-I", EXAMPLES, "-o", program, EXAMPLES + program + ".cbl"}).status,
+            0);
+        ASSERT_EQ(run({"./" + program, "records"}).status, 0);
+        std::vector<std::string> words = {"to-xml", "records", "records.xml"};
+        words.insert(words.end(), c.options.begin(), c.options.end());
+        EXPECT_EQ(sxml(words).err, "");
+        words[0] = "from-xml";
+        words[1] = "records.xml";
+        words[2] = "back";
+        EXPECT_EQ(sxml(words).err, "");
+        EXPECT_TRUE(read_file("back") == read_file("records")) << program;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,198 @@
+// sxml from-xml: turns an XML document into a record file.
+
+#include <CLI/CLI.hpp>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "tools/sxml/commands.h"
+#include "tools/sxml/document_check.h"
+#include "tools/sxml/errors.h"
+#include "tools/sxml/field_text.h"
+#include "tools/sxml/input_records.h"
+#include "tools/sxml/layout_source.h"
+#include "tools/sxml/options.h"
+#include "tools/sxml/progress.h"
+#include "tools/sxml/record_file.h"
+#include "tools/sxml/record_store.h"
+#include "tools/sxml/record_translation.h"
+#include "tools/sxml/settings.h"
+#include "tools/sxml/temporary_file.h"
+
+namespace command {
+
+namespace {
+
+struct FromXmlOptions {
+    std::string xml;
+    std::string records;
+    LayoutOptions layout;
+    std::string encoding;
+    bool lines = false;
+    BufferFill fill = BufferFill::by_type;
+};
+
+const std::map<std::string, BufferFill> BUFFER_FILLS = {
+    {"spaces", BufferFill::spaces}, {"zeros", BufferFill::zeros}, {"keep", BufferFill::keep}};
+
+constexpr std::uint64_t RECORDS_BETWEEN_LOOKS = 1024;
+
+// The document as a file. Standard input is kept in a temporary file, since the document is looked
+// at more than once: for its encoding, for its records, and as a whole.
+class DocumentFile {
+  public:
+    explicit DocumentFile(const std::string& name) : name_(name), shown_name_(name) {
+        if (name == "-") {
+            shown_name_ = "standard input";
+            spool_.emplace(temporary_folder(), "document");
+            name_ = spool_->name();
+            copy_standard_input();
+        } else if (!std::filesystem::exists(name) && std::filesystem::exists(name + ".xml")) {
+            name_ += ".xml";
+            shown_name_ = name_;
+        }
+    }
+    const std::string& name() const { return name_; }
+    const std::string& shown_name() const { return shown_name_; }
+
+  private:
+    void copy_standard_input() const {
+        ByteSource input("-");
+        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name_.c_str(), "wb"),
+                                                                   std::fclose);
+        std::vector<std::uint8_t> piece(std::size_t{1} << 20);
+        for (std::size_t count = piece.size(); file && count == piece.size();) {
+            count = input.read(piece.data(), piece.size());
+            if (std::fwrite(piece.data(), 1, count, file.get()) != count) fail_file(name_, errno);
+        }
+        if (!file || std::fflush(file.get()) != 0) fail_file(name_, errno);
+    }
+
+    std::string name_;
+    std::string shown_name_;
+    std::optional<TemporaryFile> spool_;
+};
+
+DocumentText document_text(const std::string& encoding) {
+    std::string lower = encoding;
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return lower == "iso-8859-1" ? DocumentText::latin1 : DocumentText::utf8;
+}
+
+CharacterSet character_set(const FromXmlOptions& options, DocumentText text) {
+    if (!options.encoding.empty()) return CharacterSet(options.encoding);
+    return CharacterSet(text == DocumentText::latin1 ? "iso-8859-1" : "utf-8");
+}
+
+TextTranslation text_translation(FieldText& text, const CharacterSet& characters) {
+    TextTranslation translation{[&text](std::span<const std::uint8_t> field) {
+                                    return text.converts() ? text.convert(field) : field;
+                                },
+                                {}};
+    for (std::size_t byte = 0; byte < translation.filler.size(); ++byte) {
+        translation.filler[byte] = static_cast<std::uint8_t>(byte);
+    }
+    if (!characters.is_ebcdic()) return translation;
+    for (std::size_t byte = 0; byte < translation.filler.size(); ++byte) {
+        if (characters.classify(static_cast<std::uint8_t>(byte)) == ByteClass::undefined) continue;
+        translation.filler[characters.translation()[byte]] = static_cast<std::uint8_t>(byte);
+    }
+    return translation;
+}
+
+void convert_from_xml(const FromXmlOptions& options) {
+    const host::Module module = load_module_for_input();
+    apply_settings(options.layout.settings);
+    const DocumentFile document(options.xml);
+    const DocumentText text = document_text(declared_encoding(document.name()));
+    const CharacterSet characters = character_set(options, text);
+    if (options.lines && characters.is_ebcdic()) {
+        fail_usage("--line: records in " + characters.name() + " are of fixed length");
+    }
+    // What the module fills, and what goes into the file.
+    records::Description description = load_layout(options.layout, records::RecordEncoding::ascii);
+    std::optional<records::Description> translated;
+    if (characters.is_ebcdic()) {
+        translated = load_layout(options.layout, records::RecordEncoding::ebcdic, Reports::hidden);
+    }
+    records::bind_description(&description);
+
+    if (ByteSource(document.name()).is_same_file(options.records)) {
+        fail_usage(options.records + ": the document and the records are one file");
+    }
+    RecordFields fields(description.xfd());
+    RecordBuffer buffer(description.xfd(), description.record_length(), options.fill);
+    FieldText field_text(text, characters);
+    RecordTranslation translation(
+        description.xfd(), translated ? translated->xfd() : description.xfd(),
+        text_translation(field_text, characters), fields, description.record_length());
+    const bool translates = translated || field_text.converts();
+
+    AtomicOutput output(options.records);
+    RecordStore store(output, options.lines ? RecordFormat::lines : RecordFormat::fixed,
+                      static_cast<std::size_t>(description.record_length()));
+    InputRecords records(module, document.name(), document.shown_name(), fields, buffer);
+    Progress progress(std::nullopt);
+    while (records.next()) {
+        const std::uint8_t* record = buffer.data();
+        try {
+            if (translates) {
+                record = translation.translate(record, fields.choose(record),
+                                               description.record_length());
+            }
+            store.add(record);
+        } catch (const Failure& failure) {
+            fail(document.shown_name() + ": record " + std::to_string(records.count()) + ": " +
+                 failure.what());
+        }
+        if (records.count() % RECORDS_BETWEEN_LOOKS == 0) {
+            const auto length = static_cast<std::uint64_t>(description.record_length());
+            progress.update(records.count(), records.count() * length);
+        }
+    }
+    records.finish();
+    store.close();
+    output.commit();
+}
+
+}  // namespace
+
+void add_from_xml_command(CLI::App& application) {
+    CLI::App* command =
+        application.add_subcommand("from-xml", "turn an XML document into a record file");
+    auto options = std::make_shared<FromXmlOptions>();
+    command->add_option("XML", options->xml, "the document, - for standard input")
+        ->required()
+        ->option_text(" ");
+    command
+        ->add_option("RECORDS", options->records, "the record file to write, - for standard output")
+        ->required()
+        ->option_text(" ");
+    add_layout_options(*command, options->layout, LayoutArgument::option);
+    command->add_flag("--line", options->lines,
+                      "write a line for each record, ended by LF (default: fixed length)");
+    command
+        ->add_option("--encoding", options->encoding,
+                     "character set of the records' text: utf-8, iso-8859-1, an EBCDIC code page "
+                     "such as cp037 ... (default: as the document)")
+        ->option_text("NAME");
+    command
+        ->add_option_function<std::string>(
+            "--buffer",
+            [options](const std::string& fill) { options->fill = BUFFER_FILLS.at(fill); },
+            "what fields hold that the document has no data for: spaces, zeros (bytes of value 0), "
+            "or keep what the record before held (default: spaces in characters, zero in numbers)")
+        ->check(CLI::IsMember({"spaces", "zeros", "keep"}))
+        ->option_text("spaces|zeros|keep");
+    command->footer(
+        "Example:\n"
+        "  sxml from-xml orders.xml orders.dat --layout orders.cpy\n"
+        "  sxml from-xml - - --layout orders.cpy --encoding cp037 < orders.xml > orders.ebc");
+    command->callback([options] { convert_from_xml(*options); });
+}
+
+}  // namespace command
