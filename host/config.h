@@ -37,12 +37,14 @@ struct HostSetting {
 static_assert(sizeof(HostSetting) == 56);
 
 // Declares `count` settings. The table and its texts must live as long as the process; the host
-// keeps the pointer. `reserved` is 0. Result: the number of settings registered.
+// keeps the pointer. `reserved` is 0. A user's value that a setting cannot take is reported now.
+// Result: the number of settings registered.
 // Declaring the same table again is harmless.
 HOST_API int host_register_settings(const HostSetting* table, int count, int reserved);
 
 // Lookups, made whenever a value is needed; each is one hash probe. The user's value decides, then
-// the declared default, then `fallback` (for a name that nobody declared and nobody set).
+// the declared default, then `fallback` (for a name that nobody declared and nobody set). The host
+// notices a changed environment when a file is opened or its description's name is asked for.
 // Names are compared exactly.
 HOST_API std::int32_t host_config_flag(const char* name, std::int32_t fallback);
 HOST_API std::int16_t host_config_choice(const char* name, std::int16_t fallback);

@@ -11,6 +11,8 @@ extern "C" {
 using HostEntry = void();  // an entry whose signature its slot tells
 using HostFunction = void();
 
+// Takes two arguments, no more; both go to host_plugin_query as they are. The module's answer, 3,
+// is stored in `version`. Result: 1.
 using XmlInitEntry = int(void* first, std::int32_t* version);
 using XmlTermEntry = void();
 // `tag` receives 4 bytes, `expat_version` Expat's version text, `label` 21 bytes.

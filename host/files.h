@@ -47,8 +47,8 @@ HOST_API int host_remove_file(const char* name);
 
 // Fetches an "http:" URL whole into a private temporary file.
 // Result: the file's name in a tracked block, released with host_free after the file was deleted;
-// null when the document cannot be had complete (refused, not found, cut short, no memory), and
-// then no file is left behind.
+// null when the document cannot be had complete (refused, not found, cut short, larger or slower
+// than the host allows, no memory), and then no file is left behind.
 HOST_API char* host_fetch_url(const char* url);
 
 // The name under which a data file's record description is looked up.

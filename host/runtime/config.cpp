@@ -1,5 +1,6 @@
 // Configuration: the embedding program's values come before the environment, the environment before
-// the settings file, any of them before the declared default.
+// the settings file, any of them before the declared default. What came out is kept until one of
+// them changes; the environment is compared whenever a file is opened.
 #include "host/config.h"
 
 #include <algorithm>
@@ -29,7 +30,8 @@ constexpr std::string_view OWN_PREFIX = "SXML_";
 // shell, which a name with a leading digit cannot.
 constexpr const char* COLUMN_CASE = "4GL_COLUMN_CASE";
 constexpr const char* COLUMN_CASE_ALIAS = "SXML_COLUMN_CASE";
-constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS, "SXML_PATH", "SXML_FD"};
+constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS, "SXML_PATH", "SXML_FD",
+                                          "SXML_FETCH_LIMIT"};
 // Read from the environment when the process starts: in a settings file they come too late.
 constexpr const char* ENVIRONMENT_ONLY[] = {"SXML_CONFIG", "SXML_TRACE", "SXML_TRACE_FILE",
                                             "SXML_HOST_LEAKS", "SXML_MODULE"};
@@ -52,6 +54,7 @@ struct Entry {
     std::int32_t number = 0;
     std::string text;
     std::string origin;
+    std::optional<std::string> environment;  // its variable, when the entry was resolved
 };
 
 struct Config {
@@ -123,18 +126,18 @@ void check_file_names() {
 }
 
 const char* environment_value(const std::string& name) {
-    const char* value = std::getenv(name.c_str());
-    return value == nullptr && name == COLUMN_CASE ? std::getenv(COLUMN_CASE_ALIAS) : value;
+    if (canonical(name) != COLUMN_CASE) return std::getenv(name.c_str());
+    const char* value = std::getenv(COLUMN_CASE);
+    return value != nullptr ? value : std::getenv(COLUMN_CASE_ALIAS);
 }
 
-std::optional<UserValue> user_value(const std::string& name) {
+std::optional<UserValue> user_value(const Entry& entry) {
+    const std::string_view name = canonical(entry.name);
     if (const auto found = config->program_values.find(name);
         found != config->program_values.end()) {
         return UserValue{found->second, "set by the program"};
     }
-    if (const char* value = environment_value(name); value != nullptr) {
-        return UserValue{value, "environment"};
-    }
+    if (entry.environment.has_value()) return UserValue{*entry.environment, "environment"};
     const auto found = config->file_values.find(name);
     return found != config->file_values.end() ? std::optional(found->second) : std::nullopt;
 }
@@ -165,7 +168,9 @@ void resolve(Entry& entry) {
     check_file_names();
     const auto declared = config->declared.find(entry.name);
     entry.setting = declared != config->declared.end() ? declared->second : nullptr;
-    const std::optional<UserValue> value = user_value(std::string(canonical(entry.name)));
+    const char* variable = environment_value(entry.name);
+    entry.environment = variable != nullptr ? std::optional<std::string>(variable) : std::nullopt;
+    const std::optional<UserValue> value = user_value(entry);
     entry.is_resolved = true;
     if (!value.has_value()) return apply_default(entry);
     entry.text = value->text;
@@ -252,6 +257,17 @@ void reload_config() {
     for (const auto& entry : config->entries) entry->is_reported = false;
 }
 
+void refresh_environment() {
+    for (const auto& entry : config->entries) {
+        const char* now = environment_value(entry->name);
+        const bool is_same =
+            now != nullptr ? entry->environment == now : !entry->environment.has_value();
+        if (!entry->is_resolved || is_same) continue;
+        entry->is_resolved = false;
+        entry->is_reported = false;
+    }
+}
+
 bool is_known_setting(const std::string& name) {
     return config->declared.contains(name) || contains(HOST_VARIABLES, name);
 }
@@ -267,6 +283,8 @@ int host_register_settings(const HostSetting* table, int count, int /*reserved*/
         forget_resolved();
         if (!config->is_file_read) read_file();
         check_file_names();
+        // Values that a setting cannot take are reported now, not when it is first needed.
+        for (int i = 0; i < count; ++i) look_up(table[i].name);
     } catch (const std::bad_alloc&) {
         return 0;
     }

@@ -6,14 +6,19 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "host/config.h"
 #include "host/files.h"
 #include "host/runtime/descriptors.h"
+#include "host/runtime/settings.h"
 #include "host/runtime/tracked_memory.h"
 
 namespace {
 
 constexpr long CONNECT_SECONDS = 30;
-constexpr long STALLED_SECONDS = 60;  // without a byte: the transfer is given up
+constexpr long STALLED_SECONDS = 60;                    // without a byte: the transfer is given up
+constexpr long MOST_SECONDS = 3600;                     // for the whole transfer
+constexpr const char* LIMIT_NAME = "SXML_FETCH_LIMIT";  // in MiB; 0 or less: no limit
+constexpr std::int16_t DEFAULT_LIMIT = 1024;
 constexpr long MOST_REDIRECTIONS = 10;
 constexpr const char* PROTOCOLS = "http,https";
 constexpr const char* FILE_PATTERN = "/sxml-XXXXXX";
@@ -29,12 +34,28 @@ char* temporary_name() {
     return name;
 }
 
-std::size_t store(char* data, std::size_t size, std::size_t count, void* descriptor) {
-    const std::size_t bytes = size * count;
-    return host::write_whole(*static_cast<int*>(descriptor), data, bytes) == 0 ? bytes : 0;
+// The file that a document goes into.
+struct Target {
+    int descriptor;
+    std::uint64_t room;  // bytes that may still come
+};
+
+std::uint64_t largest_document() {
+    constexpr std::uint64_t mebibyte = std::uint64_t{1024} * 1024;
+    const std::int16_t limit = host_config_number(LIMIT_NAME, DEFAULT_LIMIT);
+    return limit > 0 ? static_cast<std::uint64_t>(limit) * mebibyte : UINT64_MAX;
 }
 
-bool transfer(const char* url, int descriptor) {
+// Anything but the number of bytes as result ends the transfer.
+std::size_t store(char* data, std::size_t size, std::size_t count, void* context) {
+    auto* target = static_cast<Target*>(context);
+    const std::size_t bytes = size * count;
+    if (bytes > target->room) return 0;
+    target->room -= bytes;
+    return host::write_whole(target->descriptor, data, bytes) == 0 ? bytes : 0;
+}
+
+bool transfer(const char* url, Target* target) {
     static const bool is_ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
     CURL* handle = is_ready ? curl_easy_init() : nullptr;
     if (handle == nullptr) return false;
@@ -47,10 +68,11 @@ bool transfer(const char* url, int descriptor) {
         curl_easy_setopt(handle, CURLOPT_FAILONERROR, 1L) == CURLE_OK &&
         curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L) == CURLE_OK &&
         curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS) == CURLE_OK &&
+        curl_easy_setopt(handle, CURLOPT_TIMEOUT, MOST_SECONDS) == CURLE_OK &&
         curl_easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L) == CURLE_OK &&
         curl_easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS) == CURLE_OK &&
         curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, store) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_WRITEDATA, &descriptor) == CURLE_OK;
+        curl_easy_setopt(handle, CURLOPT_WRITEDATA, target) == CURLE_OK;
     const bool is_done = is_set && curl_easy_perform(handle) == CURLE_OK;
     curl_easy_cleanup(handle);
     return is_done;
@@ -60,6 +82,7 @@ bool transfer(const char* url, int descriptor) {
 
 char* host_fetch_url(const char* url) {
     if (url == nullptr) return nullptr;
+    host::refresh_environment();
     char* name = temporary_name();
     if (name == nullptr) return nullptr;
     const int descriptor = mkstemp(name);  // readable and writable for the owner alone
@@ -67,7 +90,8 @@ char* host_fetch_url(const char* url) {
         host::memory::release(name);
         return nullptr;
     }
-    const bool is_complete = transfer(url, descriptor);
+    Target target = {descriptor, largest_document()};
+    const bool is_complete = transfer(url, &target);
     if (close(descriptor) == 0 && is_complete) return name;
     unlink(name);
     host::memory::release(name);

@@ -18,6 +18,7 @@
 #include <string_view>
 
 #include "host/runtime/descriptors.h"
+#include "host/runtime/settings.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/write_failures.h"
 
@@ -210,6 +211,7 @@ bool total_size(std::size_t size, std::size_t count, std::size_t* total) {
 }  // namespace
 
 HostStream* host_fopen(const char* name, const char* mode, int /*flag*/) {
+    host::refresh_environment();
     const std::string_view wanted = mode != nullptr ? mode : "";
     const bool is_output = wanted == "w" || wanted == "wb";
     if (name == nullptr || (!is_output && wanted != "r")) {
@@ -312,6 +314,7 @@ int host_remove_file(const char* name) {
 }
 
 const char* host_xfd_name(const char* data_file_name) {
+    host::refresh_environment();
     std::string& name = description_name;
     try {
         name = data_file_name != nullptr ? data_file_name : "";

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <unordered_set>
+#include <utility>
 
 #include "host/runtime/block_store.h"
 #include "host/runtime/immortal.h"
@@ -35,6 +37,25 @@ constinit Immortal<std::unordered_set<const void*>*> live_addresses;
 std::unordered_set<const void*>& addresses() {
     if (*live_addresses == nullptr) *live_addresses = new std::unordered_set<const void*>;
     return **live_addresses;
+}
+
+// Notes a live block's address. False when there is no memory for the note.
+bool note_address(const void* block) {
+    if constexpr (!HAS_GUARDS) return true;
+    try {
+        addresses().insert(block);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
+}
+
+// The note of a block that has moved is kept, so that this takes no memory.
+void change_address(const void* from, const void* to) {
+    if constexpr (!HAS_GUARDS) return;
+    auto note = addresses().extract(from);
+    note.value() = to;
+    addresses().insert(std::move(note));
 }
 
 // Counts one allocation. False when it is the one that shall fail.
@@ -104,14 +125,15 @@ void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
     if (!may_allocate() || !find_site(origin, number)) return nullptr;
     BlockHeader* header = take_block(size, zeroed);
     if (header == nullptr) return nullptr;
+    void* block = payload_of(header);
+    if (!note_address(block)) {
+        give_back(header);
+        return nullptr;
+    }
     header->sequence = counters.allocations & ((std::uint64_t{1} << 56) - 1);
     header->site = number;
     count_in(header);
-    void* block = payload_of(header);
-    if constexpr (HAS_GUARDS) {
-        if (!zeroed) std::memset(block, FRESH_BYTE, size);
-        addresses().insert(block);
-    }
+    if (HAS_GUARDS && !zeroed) std::memset(block, FRESH_BYTE, size);
     set_guards(header);
     return block;
 }
@@ -143,10 +165,7 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
     moved->site = number;
     count_in(moved);
     set_guards(moved);
-    if constexpr (HAS_GUARDS) {
-        addresses().erase(block);
-        addresses().insert(payload_of(moved));
-    }
+    change_address(block, payload_of(moved));
     return payload_of(moved);
 }
 

@@ -12,12 +12,18 @@ namespace host {
 // Sets a setting or variable for this process; without a value (std::nullopt) the environment, the
 // settings file or the default decide again. False, with nothing changed, when the setting is known
 // and the value is not one of its kind; `problem` then says what would be. A value set before its
-// setting is declared is checked at its first lookup.
+// setting is declared is checked when it is declared.
 RUNTIME_API bool set_config(const std::string& name, const std::optional<std::string>& value,
                             std::string* problem = nullptr);
 
 // Forgets all values and reads the settings file and the environment again at the next lookup.
 RUNTIME_API void reload_config();
+
+// Compares the environment with what it was when settings were looked up; those whose variable has
+// changed are looked up anew. The host does this itself whenever a file is opened, a document is
+// fetched or a record description is looked for, so that a program can change its environment
+// before it opens a file; changes made while a file is open wait for the next open.
+RUNTIME_API void refresh_environment();
 
 // True when a declared setting or a variable of the host has this name.
 RUNTIME_API bool is_known_setting(const std::string& name);

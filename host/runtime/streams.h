@@ -14,7 +14,7 @@ struct WriteFailure {
 };
 
 // The oldest write failure (found while writing, cutting or closing) not yet taken, on any stream;
-// taking it forgets it.
+// taking it forgets it. The file's name is empty when there was no memory to remember it.
 RUNTIME_API std::optional<WriteFailure> take_write_failure();
 
 // Makes host_fread hand out at most this many bytes a call (0 = as many as asked for), so that

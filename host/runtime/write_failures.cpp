@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <new>
+#include <utility>
 
 #include "host/runtime/immortal.h"
 #include "host/runtime/streams.h"
@@ -13,6 +14,8 @@ namespace {
 constexpr std::size_t MOST_REMEMBERED = 256;  // later ones are dropped, the oldest say enough
 
 Immortal<std::deque<WriteFailure>> failures;
+// A failure that there was no memory to remember whole; its error number, 0 for none.
+constinit int nameless_failure = 0;
 
 }  // namespace
 
@@ -21,13 +24,15 @@ void remember_write_failure(const std::string& file, int error) noexcept {
     try {
         failures->push_back({file, error});
     } catch (const std::bad_alloc&) {
-        // The failure counts even when there is no room for the name.
-        failures->push_back({std::string(), error});
+        nameless_failure = error;
     }
 }
 
 std::optional<WriteFailure> take_write_failure() {
-    if (failures->empty()) return std::nullopt;
+    if (failures->empty()) {
+        const int error = std::exchange(nameless_failure, 0);
+        return error != 0 ? std::optional(WriteFailure{"", error}) : std::nullopt;
+    }
     WriteFailure oldest = std::move(failures->front());
     failures->pop_front();
     return oldest;

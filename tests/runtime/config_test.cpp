@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "host/files.h"
 #include "host/runtime/memory_report.h"
 #include "host/runtime/settings.h"
 #include "tests/runtime/scratch.h"
@@ -131,12 +132,43 @@ TEST_F(Config, ValuesMaySetBeforeTheirSettingIsDeclared) {
     EXPECT_EQ(host_config_flag("SXML_TEST_LATE", 7), 7);
     EXPECT_TRUE(host::set_config("SXML_TEST_LATE", "no"));
     EXPECT_TRUE(host::set_config("SXML_TEST_LATE_BAD", "never"));
-    host_register_settings(late, 2, 0);
-    EXPECT_EQ(host_config_flag("SXML_TEST_LATE", 7), 0);
+    // What a setting cannot take is reported at once, and only then.
     testing::internal::CaptureStderr();
-    EXPECT_EQ(host_config_flag("SXML_TEST_LATE_BAD", 7), 1);
+    host_register_settings(late, 2, 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "set by the program: SXML_TEST_LATE_BAD: \"never\" is not yes or no\n");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(host_config_flag("SXML_TEST_LATE", 7), 0);
+    EXPECT_EQ(host_config_flag("SXML_TEST_LATE_BAD", 7), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(Config, AChangedEnvironmentIsSeenAtTheNextOpen) {
+    const std::pair<const char*, void (*)()> opens[] = {
+        {"stream", [] { host_fclose(host_fopen("/dev/null", "w", 1)); }},
+        {"description", [] { host_xfd_name("a.xml"); }},
+        {"address", [] { EXPECT_EQ(host_fetch_url("no url"), nullptr); }},
+    };
+    host::set_config("SXML_TEST_WORD", "program");
+    const std::string before = "none 'program' 1 1 0";
+    EXPECT_EQ(values(), before);
+    for (const auto& [what, open] : opens) {
+        SCOPED_TRACE(what);
+        {
+            const Environment word("SXML_TEST_WORD", "later");
+            const Environment text("SXML_TEST_TEXT", what);
+            const Environment flag("SXML_TEST_FLAG", "maybe");
+            const Environment number("SXML_COLUMN_CASE", "2");
+            EXPECT_EQ(values(), before);
+            open();
+            testing::internal::CaptureStderr();
+            EXPECT_EQ(values(), std::string("'") + what + "' 'program' 1 1 2");
+            EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                      "environment: SXML_TEST_FLAG: \"maybe\" is not yes or no\n");
+        }
+        open();
+        EXPECT_EQ(values(), before);
+    }
 }
 
 TEST_F(Config, NamesThatNobodyDeclaredHaveTheCallersDefault) {

@@ -64,16 +64,20 @@ class FetchUrl : public testing::Test {
     ScratchFolder scratch_;
     Environment folder_{"TMPDIR", scratch_.file("").c_str()};
     Environment no_proxy_{"no_proxy", "*"};
+    // One MiB: as much as is allowed here.
+    Environment limit_{"SXML_FETCH_LIMIT", "1"};
+    const std::string ok_ = "HTTP/1.1 200 OK\r\n";
+    const std::string document_ = std::string(std::size_t{1024} * 1024, 'x');
     std::size_t blocks_before_ = host::live_blocks().size();
 
     void TearDown() override { EXPECT_EQ(host::live_blocks().size(), blocks_before_); }
 };
 
 TEST_F(FetchUrl, StoresAWholeDocumentInAPrivateFile) {
-    const OneAnswer server("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n<a/>");
+    const OneAnswer server(ok_ + "Content-Length: 1048576\r\n\r\n" + document_);
     char* name = host_fetch_url(server.url().c_str());
     ASSERT_NE(name, nullptr);
-    EXPECT_EQ(read_file(name), "<a/>");
+    EXPECT_TRUE(read_file(name) == document_);
     struct stat status {};
     ASSERT_EQ(stat(name, &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600U);
@@ -82,16 +86,18 @@ TEST_F(FetchUrl, StoresAWholeDocumentInAPrivateFile) {
 }
 
 TEST_F(FetchUrl, LeavesNothingBehindWhenTheDocumentIsNotComplete) {
-    const char* answers[] = {
+    const std::string answers[] = {
         "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nnone",
         "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n<a>",
         "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n10\r\n<a>",
         "HTTP/1.1 302 Found\r\nLocation: file:///etc/hostname\r\nContent-Length: 0\r\n\r\n",
         "",
+        ok_ + "Content-Length: 1048577\r\n\r\n" + document_ + ">",
+        ok_ + "\r\n" + document_ + ">",  // no length announced
     };
-    for (const char* answer : answers) {
+    for (const std::string& answer : answers) {
         const OneAnswer server(answer);
-        EXPECT_EQ(host_fetch_url(server.url().c_str()), nullptr) << answer;
+        EXPECT_EQ(host_fetch_url(server.url().c_str()), nullptr) << answer.substr(0, 100);
         EXPECT_EQ(scratch_.size(), 0U);
     }
     std::string refused;
