@@ -109,7 +109,18 @@ TEST_F(HostileDescriptionsTest, ConditionsOutOfRangeDoNotHold) {
     builder.item(0).condition = -1;
     builder.item(0).dimensions_word = 15;
     EXPECT_EQ(elements(builder.xfd(), {"x"}), " <v></v>\r\n");
-    builder.xfd()->conventions = nullptr;
+}
+
+// Without conventions the decimal point stands and encoded text is taken byte by byte.
+TEST_F(HostileDescriptionsTest, ConventionsMayBeMissing) {
+    XfdBuilder builder("f");
+    builder.group(1, "row");
+    builder.number(2, "n", 0, 3, 3, -1);
+    builder.number(2, "t", 3, 3, 0, 0, records::ENCODED_TEXT);
+    Xfd* const xfd = builder.xfd();
+    xfd->conventions = nullptr;
+    EXPECT_EQ(elements(xfd, {"123\xC3<x"}),
+              lines(" <row>\n  <n>12.3</n>\n  <t>\xC3&lt;x</t>\n </row>\n"));
 }
 
 TEST_F(HostileDescriptionsTest, AFullDiskIsRemembered) {

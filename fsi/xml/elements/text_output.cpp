@@ -56,9 +56,8 @@ std::uint64_t write_byte_entity(HostStream* output, unsigned char byte) {
     return host_fwrite(reference, 1, sizeof reference, output);
 }
 
-// A lead byte of a multi-byte character is 0x80 or above, and UTF-8 is the only byte encoding that
-// has such characters; every other byte is a character of its own. So the host is asked about those
-// bytes alone, with the result that asking about each byte would give.
+// A byte below 0x80 is always a character of its own (host/encoding.h), so the host is asked about
+// the others alone, with the result that asking about each byte would give.
 std::uint64_t write_escaped_bytes(HostStream* output, Range text, std::int32_t encoding) {
     std::uint64_t written = 0;
     const char* run = text.begin;
@@ -67,8 +66,7 @@ std::uint64_t write_escaped_bytes(HostStream* output, Range text, std::int32_t e
         const auto byte = static_cast<unsigned char>(*at);
         if (byte >= RUN_ENDS.size()) {
             const auto left = static_cast<std::size_t>(text.end - at);
-            at +=
-                encoding == HOST_ENCODING_UTF8 ? std::min(host_char_length(encoding, at), left) : 1;
+            at += std::min(host_char_length(encoding, at), left);
         } else if (!RUN_ENDS[byte]) {
             ++at;
         } else if (byte == 0) {

@@ -1,6 +1,9 @@
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
+#include "fsi/xml/elements/text_output.h"
 #include "fsi/xml/sxml/dtd.h"
 #include "fsi/xml/sxml/entries.h"
 #include "fsi/xml/sxml/host_functions.h"
@@ -53,13 +56,26 @@ Xfd* parse_description_without_suffix(const char* name) {
     return xfd;
 }
 
-// Stores the description of the file `name`. False when there is none, or none with items.
+bool ends_within(const char* name, std::size_t size) {
+    return std::memchr(name, '\0', size) != nullptr;
+}
+
+// Everything that follows takes the names for NUL-terminated texts.
+bool has_whole_names(const Xfd& xfd) {
+    return ends_within(xfd.name, XFD_NAME_SIZE) &&
+           std::all_of(xfd.items, xfd.items + xfd.item_count, [](const XfdItem& item) {
+               return ends_within(item.name, XFD_ITEM_NAME_SIZE);
+           });
+}
+
+// Stores the description of the file `name`. False when there is none, or none that can be used:
+// one without items, or with a name that does not end within its place.
 bool read_description(XmlFile& file, const char* name) {
     file.xfd = parse_description(name);
     if (file.xfd == nullptr && ends_with_xml_suffix(name)) {
         file.xfd = parse_description_without_suffix(name);
     }
-    return file.xfd != nullptr && file.xfd->item_count > 0;
+    return file.xfd != nullptr && file.xfd->item_count > 0 && has_whole_names(*file.xfd);
 }
 
 // Chooses the output's encoding code. Result: the name for the XML declaration.
@@ -89,9 +105,15 @@ void write_prologue(const XmlOutput& output, const char* encoding_name) {
     }
 }
 
+// A file name may hold any character; as attribute text it needs escaping.
+void write_escaped(const XmlOutput& output, std::string_view text) {
+    const XmlTextSpan span = {text.data(), text.size(), HOST_ENCODING_NONE};
+    xml_write_text(output.stream, output.encoding, &span, XML_TEXT_ESCAPE);
+}
+
 // Writes what the format gives with the schema's name for its first "%s" and "%" for each "%%". The
-// format is the user's: anything else in it stands as it is. It goes out piece by piece, so that no
-// length of format or name is too long.
+// format is the user's: anything else in it is markup and stands as it is. It goes out piece by
+// piece, so that no length of format or name is too long.
 void write_schema_reference(const XmlOutput& output, const char* format, const char* schema_name) {
     char run[4096];
     std::size_t length = 0;
@@ -105,7 +127,7 @@ void write_schema_reference(const XmlOutput& output, const char* format, const c
         if (length == sizeof run - 1) flush();
         if (at[0] == '%' && at[1] == 's' && !name_written) {
             flush();
-            write_pieces(output, {schema_name});
+            write_escaped(output, schema_name);
             name_written = true;
             ++at;
         } else {
@@ -151,6 +173,7 @@ bool start_output(XmlFile& file) {
     const XmlOutput output = {file.out, file.out_encoding};
     write_prologue(output, encoding_name);
     if (write_document_start(file, output)) return true;
+    trace_leaving("Leaving, no memory for the declared names");
     *host_file_error() = HOST_FILE_NO_MEMORY;
     return false;
 }

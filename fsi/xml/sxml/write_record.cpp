@@ -86,9 +86,9 @@ std::string_view convert_number(RecordWriter& writer, XfdItem& field, std::strin
     return {field_text, end};
 }
 
+// A host may give other texts than numbers ("NaN", say): they are no zero.
 bool is_zero(std::string_view text) {
-    return std::none_of(text.begin(), text.end(),
-                        [](char character) { return character >= '1' && character <= '9'; });
+    return text.find_first_not_of("0+-. ") == text.npos;
 }
 
 // A number that does not lie in the record whole has no text.
