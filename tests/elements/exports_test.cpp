@@ -1,6 +1,9 @@
 // What the module exports, a C program that uses it, and the cost of building trees, all seen from
 // outside.
+#include <dlfcn.h>
+
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <set>
 #include <sstream>
@@ -67,10 +70,36 @@ TEST(Exports, AreTheOrdinalsAndOneName) {
 }
 
 TEST(Exports, AModuleThatCannotBeUsedIsRefused) {
-    XmlApi table;
-    EXPECT_NE(xml_api_load("./no_such_module.so", &table), nullptr);
-    EXPECT_NE(xml_api_load("libc.so.6", &table), nullptr) << "a library without ordinals";
-    EXPECT_EQ(table.xml_new_element, nullptr);
+    const struct {
+        const char* module;
+        const char* problem;
+    } cases[] = {
+        {nullptr, "no module is named"},
+        {"", "no module is named"},
+        {"./no_such_module.so", "./no_such_module.so: cannot open shared object file"},
+        {"libc.so.6", "libc.so.6 has no ordinal_1"},
+        {PARTIAL_MODULE, PARTIAL_MODULE " has no ordinal_2"},
+    };
+    const XmlApi empty{};
+    for (const auto& [module, expected] : cases) {
+        XmlApi table = api();
+        const char* const problem = xml_api_load(module, &table);
+        EXPECT_EQ(std::memcmp(&table, &empty, sizeof table), 0) << expected;
+        EXPECT_EQ(dlopen(PARTIAL_MODULE, RTLD_NOW | RTLD_NOLOAD), nullptr) << "still loaded";
+        ASSERT_NE(problem, nullptr);
+        EXPECT_EQ(std::string(problem).rfind(expected, 0), 0U) << problem;
+    }
+}
+
+TEST(Exports, TheMessagesMakeATableInC) {
+    void* const module = dlopen(PARTIAL_MODULE, RTLD_NOW);
+    ASSERT_NE(module, nullptr);
+    const auto* const messages = static_cast<const char* const*>(dlsym(module, "messages"));
+    ASSERT_NE(messages, nullptr);
+    EXPECT_STREQ(messages[XMLERR_NO_MEMORY], "Unable to create parser due to low memory");
+    EXPECT_STREQ(messages[XMLERR_NO_PI], "No processing instructions are available");
+    EXPECT_EQ(messages[XMLERR_COUNT], nullptr);
+    dlclose(module);
 }
 
 TEST(Example, BuildsATreeInC) {

@@ -30,10 +30,12 @@
 enum XmlErrorCode { XML_ERROR_LIST(XML_ERROR_NAME) XMLERR_COUNT };
 #undef XML_ERROR_NAME
 
-/* The initialiser of a message table: an entry per code, then a null entry.
- *     const char* const messages[XMLERR_COUNT + 1] = XML_ERROR_MESSAGES;          */
+/* The initialiser of a message table: an entry per code. A table with room for one more ends with
+ * null:
+ *     const char* const messages[XMLERR_COUNT + 1] = XML_ERROR_MESSAGES;
+ * It is expanded where a table is defined, so XML_ERROR_MESSAGE has to stay defined. */
 #define XML_ERROR_MESSAGE(name, message) message,
 #define XML_ERROR_MESSAGES \
-    { XML_ERROR_LIST(XML_ERROR_MESSAGE) nullptr }
+    { XML_ERROR_LIST(XML_ERROR_MESSAGE) }
 
 #endif
