@@ -87,7 +87,8 @@ uint32_t xml_add_child(uint32_t parent, const char* name);
  * Behind a last child XMLERR_NO_SIBLINGS is recorded although the call succeeds. */
 uint32_t xml_add_sibling(uint32_t element, const char* name);
 
-/* Releases an element with everything below it and takes it out of its parent's children. */
+/* Releases an element with everything below it and takes it out of its parent's children. Result:
+ * 1; 0 for a bad handle. */
 int32_t xml_free_element(uint32_t element);
 
 /* 1 when the number is the handle of an element, else 0. Records nothing. */
@@ -120,7 +121,7 @@ int32_t xml_value_encoding(uint32_t element);
 
 /* Replaces the character data by `length` bytes of `text` (negative: up to its NUL). A pointer just
  * obtained from xml_element_value shortens the data in place; a length beyond the data then gives 0
- * without an error. Otherwise 0 comes with XMLERR_NO_MEMORY. */
+ * without an error and changes the encoding code alone. Otherwise 0 comes with XMLERR_NO_MEMORY. */
 int32_t xml_set_element_value(uint32_t element, const char* text, int64_t length, int32_t encoding);
 
 /* Appends `length` bytes of `text` (negative: up to its NUL) to the character data. The encoding
@@ -136,7 +137,7 @@ int32_t xml_last_index(uint32_t element);
 uint32_t xml_element_index(uint32_t element, int32_t position);
 
 /* Attaches a pointer of the caller's, which the element does not own. 0 without an error when one
- * is attached already: it is never replaced. */
+ * is attached already: it is never replaced. Null succeeds and leaves the place free. */
 int32_t xml_set_user_data(uint32_t element, void* data);
 
 /* The attached pointer; null when there is none. */
@@ -148,6 +149,7 @@ void* xml_get_user_data(uint32_t element);
 uint32_t xml_attribute_count(uint32_t element);
 
 /* Name or value of an attribute; null with XMLERR_BAD_ATTRIBUTE for a number not below the count.
+ * (For an element that never had attributes XMLERR_NO_ATTRIBUTES is recorded first and replaced.)
  */
 const char* xml_attribute_name(uint32_t element, uint32_t attribute);
 const char* xml_attribute_value(uint32_t element, uint32_t attribute);
@@ -168,7 +170,7 @@ int32_t xml_delete_attribute(uint32_t element, uint32_t attribute);
 /* Appends to the element's comment text, with no separator. 0 with XMLERR_NO_MEMORY. */
 int32_t xml_add_comment(uint32_t element, const char* text);
 
-/* Drops the comment text. */
+/* Drops the comment text, if there is any. A bad handle records XMLERR_BAD_ELEMENT. */
 void xml_clear_comments(uint32_t element);
 
 /* The comment text, null when there is none (no error). Stores the text's length through `length`
@@ -205,12 +207,13 @@ uint64_t xml_write_text(struct HostStream* output, int32_t output_encoding, cons
 /* Writes a carriage return and a line feed. Result: bytes written. */
 uint64_t xml_write_newline(struct HostStream* output, int32_t output_encoding);
 
-/* Writes a NUL-terminated text, each line feed in it as a line end. Result: bytes written. */
+/* Writes a NUL-terminated text, each line feed in it as a line end. The flags work on each line by
+ * itself: XML_TEXT_TRIM drops white space at both ends of every line. Result: bytes written. */
 uint64_t xml_write_string(struct HostStream* output, int32_t output_encoding, const char* text,
                           uint8_t flags);
 
-/* Copies a text with its NUL into `destination`, where the caller provides room for both. The
- * second argument is not used. Result: the text's length. */
+/* Copies a text with its NUL into `destination`, where the caller provides room for both; a null
+ * destination receives nothing. The second argument is not used. Result: the text's length. */
 uint64_t xml_copy_string(char* destination, uint64_t unused, const char* source);
 
 #if defined(__GNUC__)
@@ -229,7 +232,8 @@ typedef struct XmlApi {
 
 /* Loads the module from the file `module` and fills the table. The module stays loaded until the
  * process ends. Result: null, or a text that says what went wrong, valid until the next call; the
- * table is then all null. Defined in fsi/xml/xml_api_loader.c, which callers compile in. */
+ * table is then all null and the module no longer loaded. Defined in fsi/xml/xml_api_loader.c,
+ * which callers compile in. */
 const char* xml_api_load(const char* module, XmlApi* api);
 
 #ifdef __cplusplus

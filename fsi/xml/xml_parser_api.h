@@ -4,9 +4,10 @@
  * A document is opened from a file, an "http:" URL, standard input or a text in memory, and is then
  * known by a 32-bit parser handle:
  *
- *     uint32_t parser = api.xml_open_file("orders.xml", XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA,
- * 0); while (api.SxmlParser_parse_record(parser)) { uint32_t order =
- * api.xml_first_child(api.xml_parser_current(parser));
+ *     uint32_t options = XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA;
+ *     uint32_t parser = api.xml_open_file("orders.xml", options, 0);
+ *     while (api.SxmlParser_parse_record(parser)) {
+ *         uint32_t order = api.xml_first_child(api.xml_parser_current(parser));
  *         ...
  *         api.xml_free_element(order);
  *     }
