@@ -1,6 +1,6 @@
 // Building, walking, reading and editing elements, and what bad arguments do.
-#include <cstring>
 #include <functional>
+#include <limits>
 
 #include "host/handles.h"
 #include "tests/elements/element_test.h"
@@ -11,6 +11,39 @@ TEST_F(ElementTest, ReportsNoErrorBeforeTheFirstFailure) {
     EXPECT_EQ(api().first_code, XMLERR_NONE);
     EXPECT_EQ(api().first_message, "No error");
     EXPECT_EQ(api().first_is_element, 0);
+}
+
+TEST_F(ElementTest, RecordsCodeAndTextOfEachFailure) {
+    const std::uint32_t top = xml.xml_add_child(0, "top");
+    const std::uint32_t child = xml.xml_add_child(top, "child");
+    struct Failure {
+        std::int32_t code;
+        const char* text;
+        std::function<void()> call;
+    };
+    const Failure failing_calls[] = {
+        {1, "Unable to create parser due to low memory",
+         [&] {
+             host::fail_allocation(1);
+             EXPECT_EQ(xml.xml_add_child(top, "x"), 0U);
+             host::fail_allocation(0);
+         }},
+        {6, "The passed handle is not a valid element handle", [&] { xml.xml_first_child(0); }},
+        {7, "Invalid attribute number", [&] { xml.xml_attribute_name(top, 0); }},
+        {10, "The specified element has no children", [&] { xml.xml_first_child(child); }},
+        {11, "The specified element has no siblings", [&] { xml.xml_next_sibling(child); }},
+        {12, "The specified element is a top-level element", [&] { xml.xml_parent(top); }},
+        {13, "The specified element has no value", [&] { xml.xml_element_value(top, nullptr); }},
+        {14, "The specified element has no attributes", [&] { xml.xml_attribute_count(top); }},
+        {16, "The specified parser already has a top-level element",
+         [&] { xml.xml_add_sibling(top, "x"); }},
+    };
+    for (const Failure& failure : failing_calls) {
+        failure.call();
+        EXPECT_EQ(last_error(), failure.code);
+        EXPECT_STREQ(xml.xml_element_error(nullptr), failure.text);
+    }
+    xml.xml_free_element(top);
 }
 
 TEST_F(ElementTest, WalksAndInsertsInListOrder) {
@@ -62,28 +95,43 @@ TEST_F(ElementTest, KeepsCharacterData) {
     EXPECT_EQ(length, 77U);
     EXPECT_EQ(xml.xml_value_encoding(top), -1);
 
+    using std::string_literals::operator""s;
+    constexpr std::int64_t HUGE_LENGTH = std::numeric_limits<std::int64_t>::max();
     const auto own = [&] { return xml.xml_element_value(top, nullptr); };
     struct Step {
         std::function<std::int32_t()> change;
         std::int32_t result;
         std::string after;
+        std::int32_t error = XMLERR_TOP_LEVEL;  // of the call before: none of its own
     };
     const Step steps[] = {
         {[&] { return xml.xml_append_element_value(top, "abcXY", 3, 7); }, 1, "v[]=abc@7"},
         {[&] { return xml.xml_append_element_value(top, "def", -1, 2); }, 1, "v[]=abcdef@7"},
-        {[&] { return xml.xml_set_element_value(top, own(), 7, 7); }, 0, "v[]=abcdef@7"},
+        {[&] { return xml.xml_set_element_value(top, own(), 7, 3); }, 0, "v[]=abcdef@3"},
+        {[&] { return xml.xml_set_element_value(top, own(), HUGE_LENGTH, 5); }, 0, "v[]=abcdef@5"},
+        {[&] { return xml.xml_set_element_value(top, "x", HUGE_LENGTH, 7); }, 0, "v[]=abcdef@5",
+         XMLERR_NO_MEMORY},
+        {[&] { return xml.xml_append_element_value(top, "x", HUGE_LENGTH, 7); }, 0, "v[]=abcdef@5",
+         XMLERR_NO_MEMORY},
         {[&] { return xml.xml_set_element_value(top, own(), 6, 7); }, 1, "v[]=abcdef@7"},
+        {[&] { return xml.xml_set_element_value(top, own(), -HUGE_LENGTH, 0); }, 1, "v[]=abcdef@0"},
         {[&] { return xml.xml_set_element_value(top, own(), 4, 2); }, 1, "v[]=abcd@2"},
         {[&] { return xml.xml_set_element_value(top, own() + 1, 2, 2); }, 1, "v[]=bc@2"},
         {[&] { return xml.xml_append_element_value(top, own(), -1, 2); }, 1, "v[]=bcbc@2"},
         {[&] { return xml.xml_set_element_value(top, "a longer text than before", -1, 0); }, 1,
          "v[]=a longer text than before@0"},
         {[&] { return xml.xml_set_element_value(top, "new", 3, 3); }, 1, "v[]=new@3"},
+        {[&] { return xml.xml_append_element_value(top, "\0r", 2, 3); }, 1, "v[]=new\0r@3"s},
+        {[&] { return xml.xml_set_element_value(top, own(), -1, 3); }, 1, "v[]=new@3"},
+        {[&] { return xml.xml_set_element_value(top, own(), 0, 3); }, 1, "v[]=@3"},
+        {[&] { return xml.xml_set_element_value(top, "a\0b", 3, 3); }, 1, "v[]=a\0b@3"s},
         {[&] { return xml.xml_set_element_value(top, nullptr, 5, 1); }, 1, "v[]=@1"},
         {[&] { return xml.xml_append_element_value(top, nullptr, -1, 2); }, 1, "v[]=@1"},
     };
     for (const Step& step : steps) {
+        xml.xml_parent(top);
         EXPECT_EQ(step.change(), step.result) << step.after;
+        EXPECT_EQ(last_error(), step.error) << step.after;
         EXPECT_EQ(describe(top), step.after);
     }
     EXPECT_NE(xml.xml_element_value(top, &length), nullptr);
@@ -102,19 +150,30 @@ TEST_F(ElementTest, KeepsAttributesCommentsAndUserData) {
     EXPECT_EQ(xml.xml_add_attribute(top, "a", "1"), 1U);
     EXPECT_EQ(xml.xml_add_attribute(top, "a", "2"), 2U);
     EXPECT_EQ(xml.xml_add_attribute(top, "b", nullptr), 3U);
-    EXPECT_EQ(xml.xml_set_attribute_value(top, 3, "x"), 0);
-    EXPECT_EQ(last_error(), XMLERR_NO_ATTRIBUTES) << "no error of its own";
-    EXPECT_EQ(xml.xml_attribute_value(top, 3), nullptr);
-    EXPECT_EQ(last_error(), XMLERR_BAD_ATTRIBUTE);
+    const auto refuses = [&](std::uint32_t number) {
+        SCOPED_TRACE(number);
+        const std::function<bool()> calls[] = {
+            [&] { return xml.xml_attribute_name(top, number) != nullptr; },
+            [&] { return xml.xml_attribute_value(top, number) != nullptr; },
+            [&] { return xml.xml_delete_attribute(top, number) != 0; }};
+        for (const auto& call : calls) {
+            xml.xml_parent(top);
+            EXPECT_FALSE(call());
+            EXPECT_EQ(last_error(), XMLERR_BAD_ATTRIBUTE);
+        }
+        xml.xml_parent(top);
+        EXPECT_EQ(xml.xml_set_attribute_value(top, number, "x"), 0);
+        EXPECT_EQ(last_error(), XMLERR_TOP_LEVEL) << "no error of its own";
+    };
+    for (const std::uint32_t number : {3U, 0x80000000U, 0xFFFFFFFFU}) refuses(number);
     EXPECT_EQ(xml.xml_set_attribute_value(top, 1, "a value of more than a few bytes"), 1);
     EXPECT_EQ(describe(top), "e[] a:1 a:a value of more than a few bytes b:");
     EXPECT_EQ(xml.xml_set_attribute_value(top, 1, xml.xml_attribute_value(top, 1) + 27), 1);
     EXPECT_EQ(xml.xml_delete_attribute(top, 0), 1);
     EXPECT_EQ(describe(top), "e[] a:bytes b:");
-    EXPECT_EQ(xml.xml_delete_attribute(top, 2), 0);
-    EXPECT_EQ(last_error(), XMLERR_BAD_ATTRIBUTE);
+    refuses(2);
     EXPECT_TRUE(xml.xml_delete_attribute(top, 0) && xml.xml_delete_attribute(top, 0));
-    xml.xml_parent(top);
+    for (const std::uint32_t number : {0U, 0xFFFFFFFFU}) refuses(number);
     EXPECT_EQ(xml.xml_attribute_count(top), 0U);
     EXPECT_EQ(last_error(), XMLERR_TOP_LEVEL) << "an emptied array is no error";
 
@@ -127,6 +186,7 @@ TEST_F(ElementTest, KeepsAttributesCommentsAndUserData) {
     xml.xml_clear_comments(top);
     EXPECT_EQ(xml.xml_element_comments(top, nullptr), nullptr);
 
+    EXPECT_EQ(xml.xml_set_user_data(top, nullptr), 1);
     EXPECT_EQ(xml.xml_get_user_data(top), nullptr);
     EXPECT_EQ(xml.xml_set_user_data(top, &length), 1);
     EXPECT_EQ(xml.xml_set_user_data(top, this), 0);
@@ -137,6 +197,7 @@ TEST_F(ElementTest, KeepsAttributesCommentsAndUserData) {
     char copy[4] = {};
     EXPECT_EQ(xml.xml_copy_string(copy, 0, "abc"), 3U);
     EXPECT_STREQ(copy, "abc");
+    EXPECT_EQ(xml.xml_copy_string(nullptr, 0, "abc"), 3U);
 }
 
 // The failure value of every function that takes an element, for a handle that is none.
@@ -149,7 +210,10 @@ const std::function<bool(const XmlApi&, std::uint32_t)> failures[] = {
     [](const XmlApi& x, std::uint32_t h) { return x.xml_previous_sibling(h) == 0; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_parent(h) == 0; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_element_name(h) == nullptr; },
-    [](const XmlApi& x, std::uint32_t h) { return x.xml_element_value(h, nullptr) == nullptr; },
+    [](const XmlApi& x, std::uint32_t h) {
+        std::uint64_t length = 77;
+        return x.xml_element_value(h, &length) == nullptr && length == 77;
+    },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_last_index(h) == -1; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_element_index(h, 0) == XML_NO_INDEX; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_attribute_count(h) == 0; },
@@ -162,7 +226,10 @@ const std::function<bool(const XmlApi&, std::uint32_t)> failures[] = {
     [](const XmlApi& x, std::uint32_t h) { return x.xml_delete_attribute(h, 0) == 0; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_add_comment(h, "") == 0; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_clear_comments(h), true; },
-    [](const XmlApi& x, std::uint32_t h) { return x.xml_element_comments(h, nullptr) == nullptr; },
+    [](const XmlApi& x, std::uint32_t h) {
+        std::uint64_t length = 77;
+        return x.xml_element_comments(h, &length) == nullptr && length == 0;
+    },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_write_element(nullptr, 0, h, 0), true; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_dump_children(h, 0), true; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_value_encoding(h) == -1; },
@@ -191,11 +258,18 @@ TEST_F(ElementTest, RefusesHandlesThatAreNoElements) {
     }
     EXPECT_EQ(describe(top), "top[](reused[])");
     EXPECT_EQ(xml.xml_is_element(reused), 1);
+    // As a parent such a handle makes a top-level element, as a place to insert it is passed over.
+    std::vector<std::uint32_t> children = {reused};
+    for (const std::uint32_t bad : {stale, other, top}) {
+        children.push_back(xml.xml_new_element(top, "last", bad));
+        if (bad == top) continue;
+        const std::uint32_t alone = xml.xml_new_element(bad, "alone", reused);
+        EXPECT_EQ(xml.xml_parent(alone), 0U);
+        EXPECT_EQ(xml.xml_free_element(alone), 1);
+    }
+    EXPECT_EQ(children_of(top), children);
     EXPECT_NE(host_handle_ptr(other), nullptr);
     host_handle_free(other, "test", __LINE__, 0);
-    const std::uint32_t alone = xml.xml_add_child(stale, "alone");
-    EXPECT_EQ(xml.xml_parent(alone), 0U);
-    xml.xml_free_element(alone);
     xml.xml_free_element(top);
 }
 

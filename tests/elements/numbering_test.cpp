@@ -18,13 +18,17 @@ struct Model {
     int last = -1;
     std::array<std::uint32_t, XML_INDEX_LIMIT> indices{};
     std::vector<std::unique_ptr<Model>> children;
+    inline static int full_passed = 0;  // full elements that another number in front left alone
 
     bool full() const { return last == XML_INDEX_LIMIT - 1; }
     std::uint32_t& number(int position) { return indices.at(static_cast<std::size_t>(position)); }
 
     void add_level(int level) {
         for (const auto& child : children) {
-            if (child->full()) continue;  // and so is all below it
+            if (child->full()) {  // and so is all below it
+                ++full_passed;
+                continue;
+            }
             for (int i = XML_INDEX_LIMIT - 1; i > level + 1; --i) {
                 child->number(i) = child->number(i - 1);
             }
@@ -81,6 +85,7 @@ struct Shape {
     int parents;          // the others go below one of so many oldest elements
     int releases;         // of 100 steps, so many release an element
     std::size_t largest;  // then a big part is released
+    int doubled;          // levels to start with, each the second child of one name
 };
 
 void PrintTo(const Shape& shape, std::ostream* out) {
@@ -118,22 +123,39 @@ class Numbering : public ElementTest, public ::testing::WithParamInterface<Shape
         } else {
             handle = xml.xml_new_element(parent.handle, name.c_str(), before ? before->handle : 0);
         }
+        add_to_model(parent, name, before, handle);
+    }
+
+    void add_to_model(Model& parent, const std::string& name, const Model* before,
+                      std::uint32_t handle) {
         Model* const added = parent.add(name, before);
         added->handle = handle;
         all.push_back(added);
+    }
+
+    // A new top element with levels below each other that each bring a number of their own.
+    void start(int doubled_levels) {
+        top = std::make_unique<Model>();
+        top->name = "top";
+        top->handle = xml.xml_add_child(0, "top");
+        all = {top.get()};
+        for (int level = 0; level < doubled_levels; ++level) {
+            Model& parent = *all.back();
+            for (int i = 0; i < 2; ++i) {
+                add_to_model(parent, "0", nullptr, xml.xml_add_child(parent.handle, "0"));
+            }
+        }
     }
 };
 
 TEST_P(Numbering, AgreesWithThePlainModel) {
     const Shape& shape = GetParam();
+    Model::full_passed = 0;
     for (int run = 0; run < 8; ++run) {
         const auto seed = std::random_device{}();
         SCOPED_TRACE("seed " + std::to_string(seed));
         random.seed(seed);
-        top = std::make_unique<Model>();
-        top->name = "top";
-        top->handle = xml.xml_add_child(0, "top");
-        all = {top.get()};
+        start(shape.doubled);
         for (int step = 0; step < 3000; ++step) {
             if (all.size() > 1 && (roll(100) < shape.releases || all.size() > shape.largest)) {
                 release(*all[1 + random() % (all.size() - 1)]);
@@ -145,13 +167,16 @@ TEST_P(Numbering, AgreesWithThePlainModel) {
         }
         xml.xml_free_element(top->handle);
     }
+    RecordProperty("full_elements_passed", Model::full_passed);
+    EXPECT_TRUE(shape.doubled == 0 || Model::full_passed > 0) << "no element became full";
 }
 
 INSTANTIATE_TEST_SUITE_P(Shapes, Numbering,
-                         ::testing::Values(Shape{"flat", 3, 0, 1, 30, 400},
-                                           Shape{"many_names", 60, 0, 2, 45, 400},
-                                           Shape{"bushy", 3, 20, 6, 15, 600},
-                                           Shape{"deep", 2, 60, 400, 5, 600}),
+                         ::testing::Values(Shape{"flat", 3, 0, 1, 30, 400, 0},
+                                           Shape{"many_names", 60, 0, 2, 45, 400, 0},
+                                           Shape{"bushy", 3, 20, 6, 15, 600, 0},
+                                           Shape{"deep", 2, 60, 400, 5, 600, 0},
+                                           Shape{"full", 1, 70, 100, 1, 5000, 17}),
                          [](const auto& shape) { return shape.param.name; });
 
 TEST_F(ElementTest, NumbersWhatIsBelowTheFirstOfAName) {
