@@ -77,6 +77,8 @@ void ClauseParser::parse() {
         const Clause clause = clause_of(cursor_.peek());
         if (clause != Clause::none) {
             parse_clause(clause);
+        } else if (is_unsupported_usage(cursor_.peek())) {
+            parse_unsupported_usage();
         } else {
             skip_unknown();
         }
@@ -183,17 +185,23 @@ void ClauseParser::parse_usage() {
     cursor_.advance();
     cursor_.take_word("IS");
     if (!usage_of(cursor_.peek())) {
-        if (cursor_.at_word("DISPLAY-1") || cursor_.at_word("OBJECT") ||
-            cursor_.at_word("HANDLE") || cursor_.at_word("FLOAT-EXTENDED") ||
-            cursor_.at_word("FLOAT-DECIMAL-16") || cursor_.at_word("FLOAT-DECIMAL-34") ||
-            cursor_.at_word("FLOAT-BINARY-128")) {
-            context_.error(cursor_.peek(), "usage " + cursor_.peek().text + " is not supported");
-            failed_ = true;
-            return;
-        }
+        if (is_unsupported_usage(cursor_.peek())) return parse_unsupported_usage();
         return fail("a usage (DISPLAY, COMP, COMP-3, BINARY ...)");
     }
     parse_usage_word();
+}
+
+// The item's size is not known, so nothing behind it would be read from the right place.
+void ClauseParser::parse_unsupported_usage() {
+    context_.error(cursor_.peek(),
+                   "usage " + cursor_.peek().text +
+                       " is not supported; describe the bytes of the item with PIC X(n), and with "
+                       "the directive \"hex\" before it when they are no text");
+    while (!cursor_.at_end() && !looks_like_entry(cursor_) && !cursor_.at(WordKind::period)) {
+        cursor_.advance();
+    }
+    // What was left out counts as a picture, so that no second message asks for one.
+    if (!item_.picture) item_.picture = analyse_picture("X", {}).picture;
 }
 
 void ClauseParser::parse_usage_word() {
@@ -244,6 +252,13 @@ bool ClauseParser::parse_count(int& count) {
     std::string digits = token.text;
     if (token.kind == WordKind::word && !is_integer(digits)) {
         if (const auto constant = constant_count(context_, digits)) digits = *constant;
+    }
+    if (cursor_.at_word("UNBOUNDED")) {
+        context_.error(token,
+                       "a table without a largest size is not supported: give the number of "
+                       "occurrences that a record has at most");
+        failed_ = true;
+        return false;
     }
     if (token.kind != WordKind::word || !is_integer(digits)) {
         fail("the number of occurrences, or a constant that has been defined");

@@ -35,6 +35,9 @@ Clause clause_of(const Token& token);
 // The usage that a word names; nothing when it names none.
 std::optional<Usage> usage_of(const Token& token);
 
+// Is the word a usage that some compilers know, or looks like one, but has no layout here?
+bool is_unsupported_usage(const Token& token);
+
 // Reads clauses into an item until something that is no clause.
 class ClauseParser {
   public:
@@ -51,6 +54,7 @@ class ClauseParser {
     void parse_redefines();
     void parse_usage();
     void parse_usage_word();
+    void parse_unsupported_usage();
     void parse_binary_sign();
     void parse_sign();
     void parse_occurs();

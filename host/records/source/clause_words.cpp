@@ -93,6 +93,16 @@ std::optional<Usage> usage_of(const Token& token) {
     return found->second;
 }
 
+bool is_unsupported_usage(const Token& token) {
+    if (token.kind != WordKind::word || usage_of(token)) return false;
+    const std::string_view word = token.text;
+    const auto numbered = [&](std::string_view family) {
+        return word.size() > family.size() && word.starts_with(family);
+    };
+    return word == "DISPLAY-1" || word == "OBJECT" || word == "HANDLE" || numbered("COMP-") ||
+           numbered("COMPUTATIONAL-") || numbered("FLOAT-") || numbered("BINARY-");
+}
+
 Clause clause_of(const Token& token) {
     if (token.kind != WordKind::word) return Clause::none;
     const auto* found = std::find_if(CLAUSE_WORDS.begin(), CLAUSE_WORDS.end(),

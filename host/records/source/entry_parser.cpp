@@ -142,7 +142,10 @@ class EntryParser {
 
     void finish_condition(bool was_right) {
         if (cursor_.take(WordKind::period)) return;
-        if (was_right) {
+        if (was_right && looks_like_entry(cursor_)) {
+            context_.error(cursor_.peek(),
+                           "expected a period at the end of the entry before this one");
+        } else if (was_right) {
             context_.error(cursor_.peek(),
                            "expected a literal or a period, found " + quoted(cursor_.peek()));
         }

@@ -125,6 +125,11 @@ bool PictureAnalyser::take_symbol(Run& run) {
         return true;
     }
     if (std::string_view("9XANSVPZ*+-,./0BE").find(c) != std::string_view::npos) return true;
+    if (c == 'G') {
+        return fail(run.offset,
+                    "pictures of G (double-byte characters) are not supported; "
+                    "describe the bytes with X, two for each character");
+    }
     return fail(run.offset,
                 std::string("'") + c +
                     "' is no picture symbol; expected 9 X A N S V P or an editing symbol");

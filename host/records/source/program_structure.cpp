@@ -39,7 +39,7 @@ class StructureFinder {
         const std::size_t start = cursor_.index();
         if (cursor_.at_word("DIVISION", 1) && is_division(cursor_.peek().text)) {
             enter_division(begin);
-        } else if (cursor_.at_word("SECTION", 1)) {
+        } else if (at_header() && cursor_.at_word("SECTION", 1)) {
             enter_section(begin);
         } else if (mode_ == Mode::data) {
             read_data_sentence(begin);
@@ -48,6 +48,12 @@ class StructureFinder {
         }
         if (cursor_.index() == start) cursor_.advance();
         skip_sentence();
+    }
+
+    // At the header of a section or division? "05 SECTION PIC X." is an entry.
+    bool at_header() const {
+        if (level_number(cursor_.peek()) != 0) return false;
+        return cursor_.at_word("SECTION", 1) || cursor_.at_word("DIVISION", 1);
     }
 
     void enter_division(std::size_t begin) {
@@ -116,7 +122,7 @@ class StructureFinder {
                 if (cursor_.at_word("COMMA")) context_.decimal_point_is_comma = true;
             } else if (cursor_.take_word("CURRENCY")) {
                 read_currency();
-            } else if (cursor_.at_word("DIVISION", 1) || cursor_.at_word("SECTION", 1)) {
+            } else if (at_header()) {
                 went_on_ = true;
                 return;
             } else {
@@ -152,7 +158,7 @@ class StructureFinder {
             const bool is_new_line = cursor_.peek().first_on_line;
             if (is_new_line && (cursor_.at_word("FD") || cursor_.at_word("SD"))) return;
             if (is_new_line && mode_ == Mode::data && looks_like_entry(cursor_)) return;
-            if (cursor_.at_word("SECTION", 1) || cursor_.at_word("DIVISION", 1)) return;
+            if (at_header()) return;
             cursor_.advance();
         }
     }
