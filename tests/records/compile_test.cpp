@@ -48,11 +48,11 @@ const Case CASES[] = {
     {"scaled numbers have digits for their text",
      "01 REC.\n 05 A PIC 99PPP.\n 05 B PIC SVPP99.\n 05 C PIC S9(3)V99 COMP-3.\n 05 D PIC SV99.",
      "rec 0+9\n a 0+2 t1 5.0\n b 2+2 t2 4.-4\n c 4+3 t6 5.-2\n d 7+2 t2 2.-2\n", ""},
-    {"binary fields without truncation have digits for all values",
+    {"binary fields have digits for all values, also where storing truncates",
      "01 REC.\n 05 A PIC S9(4) COMP.\n 05 B PIC S9(4) COMP-5.\n 05 C PIC 9 COMP-5.\n"
      " 05 D BINARY-DOUBLE UNSIGNED.\n 05 E BINARY-LONG.\n 05 F INDEX.\n 05 G PIC X(3) COMP-X.\n"
      " 05 H PIC S99V9 COMP-5.\n",
-     "rec 0+26\n a 0+2 t9 4.0\n b 2+2 t11 5.0\n c 4+1 t12 3.0\n d 5+8 t12 20.0\n"
+     "rec 0+26\n a 0+2 t9 5.0\n b 2+2 t11 5.0\n c 4+1 t12 3.0\n d 5+8 t12 20.0\n"
      " e 13+4 t11 10.0\n f 17+4 t11 10.0\n g 21+3 t10 8.0\n h 24+2 t11 5.-1\n",
      ""},
     {"kinds of characters",

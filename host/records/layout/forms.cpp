@@ -94,8 +94,11 @@ FieldForm binary_form(const Node& node, const Picture& picture, const LayoutOpti
     const bool truncate = node.usage == Usage::binary && options.binary_truncate;
     const bool from_picture = picture.category == Category::numeric;
     if (truncate) form.flags |= FIELD_TRUNCATE;
-    form.stored_digits = truncate ? picture.digits : full_range_digits(node.size, is_signed);
-    describe_text(form, form.stored_digits, from_picture ? picture.scale : 0);
+    // The text has room for all that the bytes can hold: records from elsewhere may hold more than
+    // the picture says, and nothing of it is to be lost.
+    const int range = full_range_digits(node.size, is_signed);
+    form.stored_digits = truncate ? picture.digits : range;
+    describe_text(form, range, from_picture ? picture.scale : 0);
     return form;
 }
 
