@@ -321,10 +321,6 @@ const char* host_xfd_name(const char* data_file_name) {
     } catch (const std::bad_alloc&) {
         return data_file_name;
     }
-    const std::size_t folder_end = name.rfind('/');
-    const std::size_t start = folder_end == std::string::npos ? 0 : folder_end + 1;
-    const std::size_t dot = name.rfind('.');
-    if (dot != std::string::npos && dot > start) name.resize(dot);
     return name.c_str();
 }
 
