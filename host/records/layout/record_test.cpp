@@ -43,8 +43,27 @@ const CodePage& code_page() {
     return page;
 }
 
+// Texts of a source in UTF-8 as ISO-8859-1, which the code page is told from; a text that is no
+// UTF-8 or has other characters is taken as ISO-8859-1 already.
+std::string latin_1(const std::string& text) {
+    std::string latin;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<std::uint8_t>(text[i]);
+        if (byte < 0x80) {
+            latin += text[i];
+            continue;
+        }
+        const int next = i + 1 < text.size() ? static_cast<std::uint8_t>(text[i + 1]) : 0;
+        if ((byte != 0xC2 && byte != 0xC3) || (next & 0xC0) != 0x80) return text;
+        latin += static_cast<char>((byte << 6 | (next & 0x3F)) & 0xFF);
+        ++i;
+    }
+    return latin;
+}
+
 std::string in_encoding(std::string text, bool ebcdic) {
     if (!ebcdic) return text;
+    text = latin_1(text);
     for (char& c : text) {
         c = static_cast<char>(code_page().to_ebcdic[static_cast<std::uint8_t>(c)]);
     }
