@@ -11,3 +11,7 @@ if(SXML_SANITIZE)
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(sxml_flags INTERFACE -fsanitize=address,undefined)
 endif()
+if(SXML_FUZZ)
+    target_compile_options(sxml_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+        -fno-sanitize=vptr)
+endif()

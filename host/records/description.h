@@ -44,7 +44,8 @@ class Description {
     std::int32_t record_length() const;      // of the longest layout, bytes
     std::int32_t min_record_length() const;  // shortest that OCCURS DEPENDING ON allows
     // Length of this record as its OCCURS DEPENDING ON counter gives it, when the table ends the
-    // record; otherwise, or when the counter is out of range, `length` itself. Never above `length`.
+    // record; otherwise, or when the counter is out of range, `length` itself. Never above
+    // `length`.
     std::int32_t used_length(const void* record, std::int32_t length) const;
 
     // One line of `sxml layout`: an item at its first occurrence, groups and hidden items included.
