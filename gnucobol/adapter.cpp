@@ -1,0 +1,273 @@
+#include "gnucobol/adapter.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+#include "gnucobol/file_name.h"
+#include "gnucobol/report.h"
+#include "host/runtime/streams.h"
+
+namespace gnucobol {
+
+namespace {
+
+void close_files_at_exit() {
+    Adapter::instance().close_all();
+}
+
+bool is_url(const std::string& path) {
+    return path.starts_with("http:") || path.starts_with("HTTP:");
+}
+
+bool exists(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0;
+}
+
+std::string program_source() {
+    const cob_global* const runtime = cob_get_global_ptr();
+    if (runtime == nullptr || runtime->cob_current_module == nullptr) return {};
+    const char* const source = runtime->cob_current_module->module_source;
+    return source != nullptr ? source : "";
+}
+
+// The description of the file. Throws std::runtime_error when there is none.
+FileLayout layout_for(const std::string& path, const FCD3& fcd) {
+    return find_layout({assigned_name(fcd), path, program_source(), longest_record(fcd)});
+}
+
+// Says what is wrong when the program's records are not as long as those of the description.
+std::optional<Result> length_difference(const FCD3& fcd, const FileLayout& layout) {
+    const auto described = static_cast<std::uint32_t>(layout.description.record_length());
+    if (described == longest_record(fcd)) return std::nullopt;
+    return Result{Status::attributes_differ,
+                  "the program's records have " + std::to_string(longest_record(fcd)) +
+                      " bytes, those of " + layout.source + " have " + std::to_string(described)};
+}
+
+Result refusal(int error) {
+    return {Status::not_permitted, std::strerror(error)};
+}
+
+// Why an existing file cannot be read.
+std::optional<Result> obstacle_to_reading(const std::string& path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0) return std::nullopt;
+    if (S_ISDIR(info.st_mode)) return refusal(EISDIR);
+    if (access(path.c_str(), R_OK) != 0) return refusal(errno);
+    return std::nullopt;
+}
+
+// Why a file cannot be written. A file that is not there is made; one that is there stays as it is.
+std::optional<Result> obstacle_to_writing(const std::string& path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+        if (S_ISDIR(info.st_mode)) return refusal(EISDIR);
+        if (access(path.c_str(), W_OK) != 0) return refusal(errno);
+        return std::nullopt;
+    }
+    constexpr mode_t anyone = 0666;
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, anyone);
+    if (descriptor >= 0) {
+        ::close(descriptor);
+        return std::nullopt;
+    }
+    const int error = errno;
+    if (error == ENOSPC || error == EDQUOT) return Result{Status::no_space, std::strerror(error)};
+    if (error == EACCES || error == EPERM || error == EROFS) return refusal(error);
+    return Result{Status::permanent_error, std::strerror(error)};
+}
+
+bool is_open_operation(Operation operation) {
+    return operation == Operation::open_input || operation == Operation::open_output ||
+           operation == Operation::open_other;
+}
+
+Result delete_file(const std::string& path) {
+    if (unlink(path.c_str()) == 0) return {};
+    if (errno == ENOENT) return {Status::not_found, {}};
+    return refusal(errno);
+}
+
+}  // namespace
+
+Adapter& Adapter::instance() {
+    static Adapter* const adapter = new Adapter;
+    return *adapter;
+}
+
+// A file that we have open carries its object in the handle; the runtime makes a new description,
+// with an empty handle, for each OPEN of a closed file.
+OpenFile* Adapter::find(const FCD3& fcd) const {
+    for (const auto& file : files_) {
+        if (file.get() == fcd.fileHandle) return file.get();
+    }
+    return nullptr;
+}
+
+// After each operation the runtime notes its own record of the file, so that the next operation
+// finds there the file of the one before.
+void Adapter::learn_program_file() {
+    OpenFile* const last = last_served_;
+    last_served_ = nullptr;
+    if (last == nullptr || last->program_file != nullptr) return;
+    cob_file* const noted = cob_get_global_ptr()->cob_error_file;
+    if (noted != nullptr && noted->record != nullptr &&
+        noted->record->data == last->record_area()) {
+        last->program_file = noted;
+    }
+}
+
+bool Adapter::serve(Operation operation, FCD3& fcd) {
+    learn_program_file();
+    OpenFile* const file = find(fcd);
+    Result result;
+    std::string path;
+    if (file != nullptr) {
+        path = file->path();
+        result = serve_open_file(*file, operation, fcd);
+    } else {
+        if (!is_sequential(fcd)) return false;
+        if (!is_open_operation(operation) && fcd.openMode != OPEN_NOT_OPEN) return false;
+        path = mapped_name(assigned_name(fcd));
+        if (operation == Operation::other || !is_xml_file(path)) return false;
+        result = serve_closed_file(path, operation, fcd);
+    }
+    set_status(fcd, result.status);
+    report(path, operation, result.status, result.reason);
+    return true;
+}
+
+Result Adapter::serve_open_file(OpenFile& file, Operation operation, FCD3& fcd) {
+    last_served_ = &file;
+    switch (operation) {
+        case Operation::read_next:
+            return file.read(fcd);
+        case Operation::write:
+            return write(file, fcd);
+        case Operation::close:
+            return close(file, fcd);
+        case Operation::update:
+            return {Status::not_open_for_update, {}};
+        case Operation::position:
+            return {Status::not_open_for_input, "an XML file is only read forward"};
+        case Operation::other:
+            return {};
+        default:
+            return {Status::already_open, {}};
+    }
+}
+
+Result Adapter::serve_closed_file(const std::string& path, Operation operation, FCD3& fcd) {
+    if (is_open_operation(operation) && is_locked(fcd)) return {Status::locked, {}};
+    switch (operation) {
+        case Operation::open_input:
+            return open_input(path, fcd);
+        case Operation::open_output:
+            return open_output(path, fcd);
+        case Operation::open_other:
+            return {Status::not_permitted, {}};
+        case Operation::close:
+            return {Status::not_open, {}};
+        case Operation::write:
+            return {Status::not_open_for_output, {}};
+        case Operation::update:
+            return {Status::not_open_for_update, {}};
+        case Operation::delete_file:
+            return delete_file(path);
+        default:
+            return {Status::not_open_for_input, {}};
+    }
+}
+
+Result Adapter::open_input(const std::string& path, FCD3& fcd) {
+    if (!is_url(path) && !exists(path) && !exists(path + ".xml")) {
+        if (!is_optional(fcd)) return {Status::not_found, {}};
+        return keep(std::make_unique<OpenFile>(path, fcd), fcd, OPEN_INPUT);
+    }
+    if (auto obstacle = obstacle_to_reading(path)) return *obstacle;
+    FileLayout layout = layout_for(path, fcd);
+    if (auto difference = length_difference(fcd, layout)) return *difference;
+    return keep(std::make_unique<OpenFile>(path, fcd, std::move(layout), XML_OPEN_INPUT), fcd,
+                OPEN_INPUT);
+}
+
+Result Adapter::open_output(const std::string& path, FCD3& fcd) {
+    FileLayout layout = layout_for(path, fcd);
+    if (auto difference = length_difference(fcd, layout)) return *difference;
+    const bool is_new = !exists(path);
+    if (auto obstacle = obstacle_to_writing(path)) return *obstacle;
+    Result result = keep(std::make_unique<OpenFile>(path, fcd, std::move(layout), XML_OPEN_OUTPUT),
+                         fcd, OPEN_OUTPUT);
+    if (result.status == Status::done && is_new && is_optional(fcd)) {
+        result.status = Status::optional_missing;
+    }
+    return result;
+}
+
+Result Adapter::keep(std::unique_ptr<OpenFile> file, FCD3& fcd, unsigned char mode) {
+    static const int registered = std::atexit(close_files_at_exit);
+    if (registered != 0) throw std::runtime_error("the end of the program cannot be watched");
+    const Result result = file->opening();
+    if (result.status != Status::done && result.status != Status::optional_missing) return result;
+    fcd.openMode = mode;
+    fcd.fileHandle = file.get();
+    last_served_ = file.get();
+    files_.push_back(std::move(file));
+    return result;
+}
+
+Result Adapter::write(OpenFile& file, FCD3& fcd) {
+    const bool has_failed = file.failure().has_value();
+    Result result = file.write(fcd);
+    collect_write_failures();
+    if (!file.failure()) return result;
+    if (has_failed) return {file.failure()->status, "nothing is written any more"};
+    return *file.failure();
+}
+
+Result Adapter::close(OpenFile& file, FCD3& fcd) {
+    file.close();
+    collect_write_failures();
+    const Result result = file.failure().value_or(Result{});
+    if (closes_with_lock(fcd)) locked_.emplace_back(file.record_area(), file.assigned());
+    if (file.program_file != nullptr) file.program_file->open_mode = COB_OPEN_CLOSED;
+    fcd.openMode = OPEN_NOT_OPEN;
+    fcd.fileHandle = nullptr;
+    last_served_ = nullptr;
+    std::erase_if(files_, [&file](const auto& kept) { return kept.get() == &file; });
+    return result;
+}
+
+void Adapter::collect_write_failures() {
+    while (const auto failure = host::take_write_failure()) {
+        for (const auto& file : files_) {
+            if (file->path() == failure->file) file->fail_writing(failure->error);
+        }
+    }
+}
+
+bool Adapter::is_locked(const FCD3& fcd) const {
+    return std::any_of(locked_.begin(), locked_.end(), [&fcd](const auto& file) {
+        return file.first == fcd.recPtr && file.second == assigned_name(fcd);
+    });
+}
+
+void Adapter::close_all() {
+    for (const auto& file : files_) file->close();
+    collect_write_failures();
+    for (const auto& file : files_) {
+        if (!file->failure()) continue;
+        report(file->path(), Operation::close, file->failure()->status, file->failure()->reason);
+    }
+    files_.clear();
+}
+
+}  // namespace gnucobol

@@ -1,0 +1,137 @@
+#include "gnucobol/fcd.h"
+
+#include <algorithm>
+
+namespace gnucobol {
+
+namespace {
+
+// Numbers of the description are big-endian.
+std::uint32_t number_of(const unsigned char* bytes, std::size_t size) {
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < size; ++i) number = number << 8 | bytes[i];
+    return number;
+}
+
+void store_number(unsigned char (&bytes)[4], std::uint32_t number) {
+    for (int i = 3; i >= 0; --i, number >>= 8) bytes[i] = static_cast<unsigned char>(number);
+}
+
+}  // namespace
+
+Operation operation_of(const unsigned char* opcode) {
+    switch (number_of(opcode, 2)) {
+        case OP_OPEN_INPUT:
+        case OP_OPEN_INPUT_NOREWIND:
+            return Operation::open_input;
+        case OP_OPEN_OUTPUT:
+        case OP_OPEN_OUTPUT_NOREWIND:
+            return Operation::open_output;
+        case OP_OPEN_IO:
+        case OP_OPEN_EXTEND:
+        case OP_OPEN_INPUT_REVERSED:
+            return Operation::open_other;
+        case OP_CLOSE:
+        case OP_CLOSE_LOCK:
+        case OP_CLOSE_NO_REWIND:
+        case OP_CLOSE_REEL:
+        case OP_CLOSE_REMOVE:
+        case OP_CLOSE_NOREWIND:
+            return Operation::close;
+        case OP_READ_SEQ:
+        case OP_READ_SEQ_NO_LOCK:
+        case OP_READ_SEQ_LOCK:
+        case OP_READ_SEQ_KEPT_LOCK:
+            return Operation::read_next;
+        case OP_WRITE:
+        case OP_WRITE_BEFORE:
+        case OP_WRITE_BEFORE_TAB:
+        case OP_WRITE_BEFORE_PAGE:
+        case OP_WRITE_AFTER:
+        case OP_WRITE_AFTER_TAB:
+        case OP_WRITE_AFTER_PAGE:
+            return Operation::write;
+        case OP_REWRITE:
+        case OP_DELETE:
+            return Operation::update;
+        case OP_DELETE_FILE:
+            return Operation::delete_file;
+        case OP_FLUSH:
+        case OP_GETINFO:
+        case OP_UNLOCK:
+        case OP_UNLOCK_REC:
+        case OP_COMMIT:
+        case OP_ROLLBACK:
+            return Operation::other;
+        default:
+            return Operation::position;
+    }
+}
+
+const char* verb_of(Operation operation) {
+    switch (operation) {
+        case Operation::open_input:
+            return "OPEN INPUT";
+        case Operation::open_output:
+            return "OPEN OUTPUT";
+        case Operation::open_other:
+            return "OPEN I-O or EXTEND";
+        case Operation::close:
+            return "CLOSE";
+        case Operation::read_next:
+            return "READ";
+        case Operation::write:
+            return "WRITE";
+        case Operation::update:
+            return "REWRITE or DELETE";
+        case Operation::position:
+            return "START or READ of another kind";
+        case Operation::delete_file:
+            return "DELETE FILE";
+        case Operation::other:
+            break;
+    }
+    return "file operation";
+}
+
+void set_status(FCD3& fcd, Status status) {
+    const auto number = static_cast<unsigned>(status);
+    fcd.fileStatus[0] = static_cast<unsigned char>('0' + number / 10);
+    fcd.fileStatus[1] = static_cast<unsigned char>('0' + number % 10);
+}
+
+std::string assigned_name(const FCD3& fcd) {
+    if (fcd.fnamePtr == nullptr) return {};
+    std::string name(fcd.fnamePtr, number_of(fcd.fnameLen, sizeof fcd.fnameLen));
+    name.resize(std::min(name.find('\0'), name.size()));
+    name.resize(name.find_last_not_of(' ') + 1);
+    return name;
+}
+
+bool is_sequential(const FCD3& fcd) {
+    return fcd.fileOrg == ORG_SEQ || fcd.fileOrg == ORG_LINE_SEQ;
+}
+
+bool is_optional(const FCD3& fcd) {
+    return (fcd.otherFlags & OTH_OPTIONAL) != 0;
+}
+
+// The runtime passes CLOSE WITH LOCK as an option of the plain operation.
+bool closes_with_lock(const FCD3& fcd) {
+    return fcd.opt[3] == COB_CLOSE_LOCK;
+}
+
+std::uint32_t shortest_record(const FCD3& fcd) {
+    return number_of(fcd.minRecLen, sizeof fcd.minRecLen);
+}
+std::uint32_t longest_record(const FCD3& fcd) {
+    return number_of(fcd.maxRecLen, sizeof fcd.maxRecLen);
+}
+std::uint32_t current_record(const FCD3& fcd) {
+    return number_of(fcd.curRecLen, sizeof fcd.curRecLen);
+}
+void set_current_record(FCD3& fcd, std::uint32_t length) {
+    store_number(fcd.curRecLen, length);
+}
+
+}  // namespace gnucobol

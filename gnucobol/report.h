@@ -1,0 +1,14 @@
+// Messages to the person who runs a program: one line each, on standard error.
+#pragma once
+
+#include <string>
+
+#include "gnucobol/fcd.h"
+
+namespace gnucobol {
+
+// Reports an operation that ends with a status of 30 or above; with SXML_VERBOSE every status.
+// `reason` may be empty.
+void report(const std::string& file, Operation operation, Status status, const std::string& reason);
+
+}  // namespace gnucobol

@@ -1,0 +1,38 @@
+#include "gnucobol/xml_module.h"
+
+#include "host/records/description.h"
+#include "host/records/numbers.h"
+
+namespace gnucobol {
+
+namespace {
+
+thread_local ConditionWatch* watch = nullptr;
+
+template <class Function>
+host::NamedFunction named(const char* name, Function* function) {
+    return {name, reinterpret_cast<HostFunction*>(function)};
+}
+
+}  // namespace
+
+void watch_conditions(ConditionWatch* new_watch) {
+    watch = new_watch;
+}
+
+extern "C" {
+static int test_watched_condition(Xfd* xfd, int number, const void* record) {
+    const int holds = Q4TestCOBOLCond(xfd, number, record);
+    if (holds != 0 && watch != nullptr) watch->condition_holds(number);
+    return holds;
+}
+}
+
+const host::Module& xml_module() {
+    static const host::Module module = host::Module::load(
+        "", {named("Q4ParseXFD", &Q4ParseXFD), named("Q4XFDFree", &Q4XFDFree),
+             named("Q4TestCOBOLCond", &test_watched_condition), named("Qconvert", &Qconvert)});
+    return module;
+}
+
+}  // namespace gnucobol
