@@ -100,33 +100,33 @@ TEST_F(ElementTest, KeepsCharacterData) {
     const auto own = [&] { return xml.xml_element_value(top, nullptr); };
     struct Step {
         std::function<std::int32_t()> change;
-        std::int32_t result;
         std::string after;
+        std::int32_t result;
         std::int32_t error = XMLERR_TOP_LEVEL;  // of the call before: none of its own
     };
     const Step steps[] = {
-        {[&] { return xml.xml_append_element_value(top, "abcXY", 3, 7); }, 1, "v[]=abc@7"},
-        {[&] { return xml.xml_append_element_value(top, "def", -1, 2); }, 1, "v[]=abcdef@7"},
-        {[&] { return xml.xml_set_element_value(top, own(), 7, 3); }, 0, "v[]=abcdef@3"},
-        {[&] { return xml.xml_set_element_value(top, own(), HUGE_LENGTH, 5); }, 0, "v[]=abcdef@5"},
-        {[&] { return xml.xml_set_element_value(top, "x", HUGE_LENGTH, 7); }, 0, "v[]=abcdef@5",
+        {[&] { return xml.xml_append_element_value(top, "abcXY", 3, 7); }, "v[]=abc@7", 1},
+        {[&] { return xml.xml_append_element_value(top, "def", -1, 2); }, "v[]=abcdef@7", 1},
+        {[&] { return xml.xml_set_element_value(top, own(), 7, 3); }, "v[]=abcdef@3", 0},
+        {[&] { return xml.xml_set_element_value(top, own(), HUGE_LENGTH, 5); }, "v[]=abcdef@5", 0},
+        {[&] { return xml.xml_set_element_value(top, "x", HUGE_LENGTH, 7); }, "v[]=abcdef@5", 0,
          XMLERR_NO_MEMORY},
-        {[&] { return xml.xml_append_element_value(top, "x", HUGE_LENGTH, 7); }, 0, "v[]=abcdef@5",
+        {[&] { return xml.xml_append_element_value(top, "x", HUGE_LENGTH, 7); }, "v[]=abcdef@5", 0,
          XMLERR_NO_MEMORY},
-        {[&] { return xml.xml_set_element_value(top, own(), 6, 7); }, 1, "v[]=abcdef@7"},
-        {[&] { return xml.xml_set_element_value(top, own(), -HUGE_LENGTH, 0); }, 1, "v[]=abcdef@0"},
-        {[&] { return xml.xml_set_element_value(top, own(), 4, 2); }, 1, "v[]=abcd@2"},
-        {[&] { return xml.xml_set_element_value(top, own() + 1, 2, 2); }, 1, "v[]=bc@2"},
-        {[&] { return xml.xml_append_element_value(top, own(), -1, 2); }, 1, "v[]=bcbc@2"},
-        {[&] { return xml.xml_set_element_value(top, "a longer text than before", -1, 0); }, 1,
-         "v[]=a longer text than before@0"},
-        {[&] { return xml.xml_set_element_value(top, "new", 3, 3); }, 1, "v[]=new@3"},
-        {[&] { return xml.xml_append_element_value(top, "\0r", 2, 3); }, 1, "v[]=new\0r@3"s},
-        {[&] { return xml.xml_set_element_value(top, own(), -1, 3); }, 1, "v[]=new@3"},
-        {[&] { return xml.xml_set_element_value(top, own(), 0, 3); }, 1, "v[]=@3"},
-        {[&] { return xml.xml_set_element_value(top, "a\0b", 3, 3); }, 1, "v[]=a\0b@3"s},
-        {[&] { return xml.xml_set_element_value(top, nullptr, 5, 1); }, 1, "v[]=@1"},
-        {[&] { return xml.xml_append_element_value(top, nullptr, -1, 2); }, 1, "v[]=@1"},
+        {[&] { return xml.xml_set_element_value(top, own(), 6, 7); }, "v[]=abcdef@7", 1},
+        {[&] { return xml.xml_set_element_value(top, own(), -HUGE_LENGTH, 0); }, "v[]=abcdef@0", 1},
+        {[&] { return xml.xml_set_element_value(top, own(), 4, 2); }, "v[]=abcd@2", 1},
+        {[&] { return xml.xml_set_element_value(top, own() + 1, 2, 2); }, "v[]=bc@2", 1},
+        {[&] { return xml.xml_append_element_value(top, own(), -1, 2); }, "v[]=bcbc@2", 1},
+        {[&] { return xml.xml_set_element_value(top, "a longer text than before", -1, 0); },
+         "v[]=a longer text than before@0", 1},
+        {[&] { return xml.xml_set_element_value(top, "new", 3, 3); }, "v[]=new@3", 1},
+        {[&] { return xml.xml_append_element_value(top, "\0r", 2, 3); }, "v[]=new\0r@3"s, 1},
+        {[&] { return xml.xml_set_element_value(top, own(), -1, 3); }, "v[]=new@3", 1},
+        {[&] { return xml.xml_set_element_value(top, own(), 0, 3); }, "v[]=@3", 1},
+        {[&] { return xml.xml_set_element_value(top, "a\0b", 3, 3); }, "v[]=a\0b@3"s, 1},
+        {[&] { return xml.xml_set_element_value(top, nullptr, 5, 1); }, "v[]=@1", 1},
+        {[&] { return xml.xml_append_element_value(top, nullptr, -1, 2); }, "v[]=@1", 1},
     };
     for (const Step& step : steps) {
         xml.xml_parent(top);
