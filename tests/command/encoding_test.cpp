@@ -33,6 +33,10 @@ struct EncodingCase {
     std::string said;
 };
 
+void PrintTo(const EncodingCase& one, std::ostream* out) {
+    *out << one.name;
+}
+
 class EncodingTest : public CommandTest, public testing::WithParamInterface<EncodingCase> {};
 
 TEST_P(EncodingTest, TextAndNumbersComeOutRight) {

@@ -22,6 +22,10 @@ struct FromXmlCase {
     std::vector<std::string> said;  // in standard error; empty: nothing is said
 };
 
+void PrintTo(const FromXmlCase& one, std::ostream* out) {
+    *out << one.name;
+}
+
 std::string items(const std::string& contents, const std::string& encoding = "UTF-8") {
     return "<?xml version=\"1.0\" encoding=\"" + encoding + "\"?>\n<items>" + contents + "</items>";
 }

@@ -32,6 +32,10 @@ struct RecordCase {
     std::vector<std::string> said;  // in standard error; empty: nothing is said
 };
 
+void PrintTo(const RecordCase& one, std::ostream* out) {
+    *out << one.name;
+}
+
 class RecordsTest : public CommandTest, public testing::WithParamInterface<RecordCase> {};
 
 TEST_P(RecordsTest, ConvertsOrRefuses) {

@@ -13,6 +13,10 @@ struct UsageCase {
     std::vector<std::string> said;  // all in standard error, or, with status 0, in standard output
 };
 
+void PrintTo(const UsageCase& one, std::ostream* out) {
+    *out << one.name;
+}
+
 class UsageTest : public CommandTest, public testing::WithParamInterface<UsageCase> {};
 
 TEST_P(UsageTest, EndsWithStatusAndMessage) {
