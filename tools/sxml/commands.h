@@ -14,5 +14,6 @@ void add_to_xml_command(CLI::App& application);
 void add_from_xml_command(CLI::App& application);
 void add_dtd_command(CLI::App& application);
 void add_schema_command(CLI::App& application);
+void add_cob_command(CLI::App& application);
 
 }  // namespace command

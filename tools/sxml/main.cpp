@@ -24,6 +24,7 @@ int run(int argc, char** argv) {
     command::add_compile_command(application);
     command::add_dtd_command(application);
     command::add_schema_command(application);
+    command::add_cob_command(application);
     try {
         application.parse(argc, argv);
     } catch (const CLI::RequiredError& error) {

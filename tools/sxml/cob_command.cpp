@@ -1,0 +1,78 @@
+// sxml cob: compiles a COBOL program whose files may be XML.
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+#include "host/runtime/module.h"
+#include "tools/sxml/commands.h"
+#include "tools/sxml/errors.h"
+
+namespace command {
+
+namespace {
+
+constexpr const char* HANDLER_LIBRARY = "libsxml_cob.so";
+
+// The folder of the libraries: that of the host's, which this program runs with.
+std::string library_folder() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&f_remove), &info) == 0 || info.dli_fname == nullptr) {
+        fail("the folder of the libraries is not known");
+    }
+    std::error_code error;
+    const auto library = std::filesystem::canonical(info.dli_fname, error);
+    const std::filesystem::path folder = library.parent_path();
+    if (error || !std::filesystem::exists(folder / HANDLER_LIBRARY)) {
+        fail((folder / HANDLER_LIBRARY).string() + " is not there");
+    }
+    return folder.string();
+}
+
+// True for the words by which cobc is told what to make.
+bool says_what_to_make(const std::string& word) {
+    constexpr std::array<std::string_view, 9> known = {"-x", "-m", "-b", "-c", "-C",
+                                                       "-S", "-E", "-j", "-xj"};
+    return std::find(known.begin(), known.end(), word) != known.end();
+}
+
+void compile(const std::vector<std::string>& given) {
+    if (given.empty()) fail_usage("cob: name the program, as in `sxml cob orders.cbl`");
+    const std::string folder = library_folder();
+    std::vector<std::string> words = {"cobc", "-fcallfh=sxml_extfh"};
+    if (std::none_of(given.begin(), given.end(), says_what_to_make)) words.emplace_back("-x");
+    words.insert(words.end(), given.begin(), given.end());
+    for (const std::string& word :
+         {"-L" + folder, std::string("-lsxml_cob"), std::string("-Q"), "-Wl,-rpath," + folder}) {
+        words.push_back(word);
+    }
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    fail(std::string("cobc cannot be run: ") + std::strerror(errno) +
+         "; it comes with GnuCOBOL (package gnucobol3)");
+}
+
+}  // namespace
+
+void add_cob_command(CLI::App& application) {
+    CLI::App* command = application.add_subcommand(
+        "cob", "compile a COBOL program whose files may be XML documents");
+    command->prefix_command();
+    command->footer(
+        "Calls GnuCOBOL's cobc with what is given, and with the file handler for XML.\n"
+        "Makes a program that can be run (-x) unless told otherwise.\n\n"
+        "Example:\n"
+        "  sxml cob report.cbl\n"
+        "  sxml cob report.cbl -I copybooks -o bin/report");
+    command->callback([command] { compile(command->remaining()); });
+}
+
+}  // namespace command
