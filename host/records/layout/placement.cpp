@@ -173,6 +173,7 @@ class Placer {
                 const std::int64_t alignment = own_alignment(*child);
                 place(*child, (end + alignment - 1) / alignment * alignment);
                 entry_alignment_ = std::max(entry_alignment_, alignment);
+                if (child->is_group() && child->source->synchronized) align_group(*child);
             }
             end = std::max(end, child->offset + child->extent());
         }
@@ -202,6 +203,19 @@ class Placer {
                 return size == 2 || size == 4 || size == 8 ? size : 1;
             }
         }
+    }
+
+    // A synchronized group of binary usage that is as long as a binary item is aligned like one, as
+    // cobc does it: what follows moves, and the group's own place; its items stay where they are.
+    void align_group(Node& group) {
+        if (group.usage == Usage::display || group.usage == Usage::comp_3 ||
+            group.usage == Usage::comp_6 || group.usage == Usage::national) {
+            return;
+        }
+        const std::int64_t size = has_picture(group.usage) ? group.size : fixed_size(group.usage);
+        if (size != 2 && size != 4 && size != 8) return;
+        group.offset = (group.offset + size - 1) / size * size;
+        entry_alignment_ = std::max(entry_alignment_, size);
     }
 
     // Fills an entry of a table up, so that the next one is aligned alike. As cobc does it: to the
