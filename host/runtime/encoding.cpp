@@ -136,8 +136,24 @@ std::size_t host_char_length(std::int32_t code, const void* text) {
     }
 }
 
+namespace {
+
+// Where code units are bytes, bytes of ASCII need no look at what length they announce.
+const char* find_byte(const HostTextSpan& span, std::uint8_t wanted) {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(span.text);
+    std::uint64_t at = 0;
+    while (at < span.length) {
+        if (bytes[at] == wanted) return span.text + at;
+        at += bytes[at] < 0x80 ? 1 : host_char_length(span.encoding, bytes + at);
+    }
+    return nullptr;
+}
+
+}  // namespace
+
 const char* host_span_find_char(const HostTextSpan* span, int character) {
     const auto width = static_cast<std::uint64_t>(host_unit_width(span->encoding));
+    if (width == 1) return find_byte(*span, static_cast<std::uint8_t>(character));
     const auto wanted = static_cast<std::uint32_t>(character);
     std::uint64_t at = 0;
     while (at < span->length && span->length - at >= width) {
