@@ -32,6 +32,10 @@ show orders.xml 1 8
 echo ...
 show orders.xml 30 72
 
+heading "And back: the same bytes"
+run sxml from-xml orders.xml back.dat --layout "$examples/orders.cpy"
+run cmp orders.dat back.dat
+
 heading "The orders as XML, with a schema"
 run sxml to-xml orders.dat orders-schema.xml --layout "$examples/orders.cpy" \
     --set SXML_CREATE_STYLE=SCHEMA --set SXML_SCHEMA_NAME=orders.xsd
