@@ -57,6 +57,24 @@ TEST(Conditions, CompareAsCobolDoes) {
         {"COMP-1", "F = 1.5", bytes({0, 0, 0xC0, 0x3F}), bytes({0, 0, 0x80, 0x3F})},
         {"PIC 99PPP", "F = 12000", "12", "13"},
         {"PIC 9(2)", "F = G", "12" + bytes({0x01, 0x2C}), "12" + bytes({0x12, 0x0C})},
+        {"PIC S9(2) SIGN LEADING SEPARATE", "F = -12", "-12", "+12"},
+        {"PIC S9(2) SIGN TRAILING SEPARATE", "F > -1", "12+", "12-"},
+        {"PIC S9(2) SIGN LEADING", "F < 0", "q2", "12"},
+        {"PIC VPP99", "F = 0.0012", "12", "13"},
+        {"PIC S9(4) COMP", "F = -32768", bytes({0x80, 0}), bytes({0x7F, 0xFF})},
+        {"PIC X(2) COMP-X", "F = 258", bytes({1, 2}), bytes({2, 1})},
+        {"PIC 9(5) COMP-X", "F = 65536", bytes({1, 0, 0}), bytes({0, 0, 1})},
+        {"PIC 9(3) COMP-3", "F = ZERO", bytes({0, 0x0F}), bytes({0, 0x1F})},
+        {"COMP-2", "F < -1", bytes({0, 0, 0, 0, 0, 0, 0, 0xC0}),
+         bytes({0, 0, 0, 0, 0, 0, 0, 0x40})},
+        {"BINARY-CHAR UNSIGNED", "F = 255", bytes({255}), bytes({1})},
+        {"BINARY-CHAR", "F = -1", bytes({255}), bytes({1})},
+        {"BINARY-DOUBLE", "F >= 72057594037927936", bytes({0, 0, 0, 0, 0, 0, 0, 1}),
+         bytes({255, 0, 0, 0, 0, 0, 0, 0})},
+        {"INDEX", "F = 3", bytes({3, 0, 0, 0}), bytes({0, 0, 0, 3})},
+        {"PIC ZZ9.99", "F = '  1.50'", "  1.50", "001.50"},
+        {"PIC A(3)", "F >= 'B'", "B", "AZZ"},
+        {"PIC X(3) JUST", "F = ' AB'", " AB", "AB "},
         {"PIC X(2)", "F NUMERIC", "12", "1 "},
         {"PIC S9(2)", "F NUMERIC", "1r", "r1"},
         {"PIC S9(2) SIGN LEADING SEPARATE", "F NUMERIC", "-12", "12-"},
@@ -105,6 +123,19 @@ TEST(Conditions, TextsAndSpacesAreEbcdicWhenTheRecordIs) {
     EXPECT_FALSE(holds(description, 1, bytes({0xC2, 0xC2, 0xF1, 0xD2})));
     EXPECT_TRUE(holds(description, 2, bytes({0xC2, 0x40, 0xF1, 0xD2})));
     EXPECT_FALSE(holds(description, 2, bytes({0xF2, 0x40, 0xF1, 0xD2})));
+}
+
+// Of literals in UTF-8; e acute is 51 in code page 037, the pound sign B1.
+TEST(Conditions, LettersBeyondAsciiAreTranslatedToo) {
+    const std::string copybook =
+        "01 R.\n 05 T PIC X(4).\n*> sxml: when T = '\xC3\xA9\xC2\xA3'\n 05 V PIC X.";
+    LayoutOptions options;
+    Description as_it_is = described(copybook, options);
+    EXPECT_TRUE(holds(as_it_is, 1, "\xC3\xA9\xC2\xA3"));
+    options.encoding = RecordEncoding::ebcdic;
+    Description ebcdic = described(copybook, options);
+    EXPECT_TRUE(holds(ebcdic, 1, bytes({0x51, 0xB1, 0x40, 0x40})));
+    EXPECT_FALSE(holds(ebcdic, 1, bytes({0x51, 0x40, 0x40, 0x40})));
 }
 
 // Exactly one variant of a place, and one record layout, is there in any record.

@@ -29,9 +29,20 @@ bool qualifies(const Node* around, const std::vector<std::string>& name) {
     return matched == name.size();
 }
 
-bool is_ascii(const std::string& text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+// Description files hold UTF-8 only.
+bool is_utf8(const std::string& text) {
+    std::size_t following = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (following > 0) {
+            if ((byte & 0xC0) != 0x80) return false;
+            --following;
+        } else if (byte >= 0x80) {
+            if (byte < 0xC2 || byte > 0xF4) return false;
+            following = byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
+        }
+    }
+    return following == 0;
 }
 
 std::string hex_of(const std::string& bytes) {
@@ -53,7 +64,7 @@ Operand operand_of(const Literal& literal) {
             break;
         case Literal::Kind::text:
             operand.kind = Operand::Kind::text;
-            if (!is_ascii(literal.value)) {  // description files hold UTF-8 only
+            if (!is_utf8(literal.value)) {
                 operand.kind = Operand::Kind::hex;
                 operand.value = hex_of(literal.value);
             }
