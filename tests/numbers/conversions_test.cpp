@@ -235,6 +235,16 @@ TEST(Qconvert, WritesTexts) {
     }
 }
 
+// A COMP-2 as a copybook describes it.
+constexpr FieldSpec DESCRIBED_DOUBLE{FLOAT_NATIVE, 127, -126, 8};
+
+// Gives a COMP-2 an exponent of which all digits fit the longest text: 1e-107 to 1e+118.
+void limit_exponent(std::string& bytes, std::mt19937& random) {
+    const unsigned exponent = 1023U - 355U + static_cast<unsigned>(random() % 750U);
+    bytes[7] = static_cast<char>((bytes[7] & 0x80) | static_cast<int>(exponent >> 4));
+    bytes[6] = static_cast<char>((bytes[6] & 0x0F) | static_cast<int>(exponent << 4 & 0xF0));
+}
+
 // Fields of every usage with as many digits as the usage takes, for random values.
 std::vector<FieldSpec> random_fields(std::mt19937& random) {
     auto below = [&](int limit) {
@@ -259,13 +269,17 @@ std::vector<FieldSpec> random_fields(std::mt19937& random) {
         fields.push_back({static_cast<FieldType>(type), binary_digits[bytes - 1], 0, bytes});
     }
     fields.push_back(FLOAT);
+    fields.push_back(DESCRIBED_DOUBLE);
     return fields;
 }
 
 std::string random_bytes(const FieldSpec& spec, std::mt19937& random) {
     std::string bytes(static_cast<std::size_t>(spec.length), '\0');
     for (char& byte : bytes) byte = static_cast<char>(random());
-    if (spec.type == FLOAT_NATIVE && (bytes[3] & 0x7F) == 0x7F) bytes[3] = 0;  // no infinities
+    if (spec.type == FLOAT_NATIVE && spec.length == 8) limit_exponent(bytes, random);
+    if (spec.type == FLOAT_NATIVE && spec.length == 4 && (bytes[3] & 0x7F) == 0x7F) {
+        bytes[3] = 0;  // no infinities
+    }
     if (spec.type >= BINARY_SIGNED) return bytes;
 
     // Digits come from a text of their own, written by hand, with the preferred sign.

@@ -166,6 +166,83 @@ TEST(Condition, MistakesSayWhatWasExpected) {
     EXPECT_EQ(compile_condition(deep.substr(1, 65)), "A");
 }
 
+// What is said about an entry of level 05 with these clauses; "" when nothing is.
+std::string compile_clauses(const std::string& clauses) {
+    const std::string text =
+        compile_text("78 five value 5.\n78 two value is five - 3.\n01 rec.\n 05 n pic 99.\n 05 a " +
+                     clauses + ".\n");
+    const std::size_t error = text.find(" error: ");
+    if (error != std::string::npos)
+        return text.substr(error + 8, text.find('\n', error) - error - 8);
+    const std::size_t warning = text.find(" warning: ");
+    if (warning != std::string::npos) {
+        return text.substr(warning + 1, text.find('\n', warning) - warning - 1);
+    }
+    return "";
+}
+
+TEST(Entry, ClausesAreTakenInAnyForm) {
+    for (const char* clauses : {"value 'a' pic x",
+                                "value is -1.5 pic s9v9",
+                                "values are zeros pic 9",
+                                "value all 'ab' pic x(4)",
+                                "pic x(3) value x\"414243\"",
+                                "pic x value quote",
+                                "pic x(5) value 'a' & x'42' & \"c\"",
+                                "pic x value length of rec",
+                                "pic x(five)",
+                                "pic x occurs two",
+                                "pic x occurs 1 to five times depending n of rec",
+                                "pic 9(2)v99 usage is computational-3",
+                                "comp-3 pic s9(3)",
+                                "pic s99 trailing separate",
+                                "pic s99 sign is leading separate character",
+                                "usage index",
+                                "binary-long unsigned",
+                                "pic x just right synchronized left",
+                                "pic 9 blank zeroes",
+                                "pic x external global"}) {
+        EXPECT_EQ(compile_clauses(clauses), "") << clauses;
+    }
+}
+
+TEST(Entry, MistakesInClausesNameTheRemedy) {
+    const std::string usage =
+        " is not supported; describe the bytes of the item with PIC X(n), and "
+        "with the directive \"hex\" before it when they are no text";
+    const std::pair<const char*, std::string> cases[] = {
+        {"pic 9 usage display-1", "usage DISPLAY-1" + usage},
+        {"pic 9(4) comp-9", "usage COMP-9" + usage},
+        {"float-decimal-34", "usage FLOAT-DECIMAL-34" + usage},
+        {"usage float-extended", "usage FLOAT-EXTENDED" + usage},
+        {"object reference", "usage OBJECT" + usage},
+        {"usage is handle of thread", "usage HANDLE" + usage},
+        {"pic g(5)",
+         "in the picture 'G(5)': pictures of G (double-byte characters) are not supported; "
+         "describe the bytes with X, two for each character"},
+        {"pic x occurs unbounded depending on n",
+         "a table without a largest size is not supported: give the number of occurrences that a "
+         "record has at most"},
+        {"pic x occurs 1 to unbounded depending on n",
+         "a table without a largest size is not supported: give the number of occurrences that a "
+         "record has at most"},
+        {"pic x occurs 3 to 2 depending on n", "expected a number greater than 3"},
+        {"pic x occurs 0", "a table has at least one occurrence"},
+        {"pic x occurs 1 to 2", "expected DEPENDING ON, found a period"},
+        {"pic x occurs six",
+         "expected the number of occurrences, or a constant that has been "
+         "defined, found 'SIX'"},
+        {"pic s9 sign separate", "expected LEADING or TRAILING, found 'SEPARATE'"},
+        {"pic x pic x", "the entry has a PICTURE clause already"},
+        {"pic 9 blank when space", "expected ZERO, found 'SPACE'"},
+        {"pic x value", "expected a literal, found a period"},
+        {"pic x level-guard on", "warning: unknown clause 'LEVEL-GUARD ON' is ignored"},
+    };
+    for (const auto& [clauses, message] : cases) {
+        EXPECT_EQ(compile_clauses(clauses), message) << clauses;
+    }
+}
+
 // Words that are reserved somewhere serve as names wherever they cannot be meant otherwise.
 TEST(Entry, ReservedWordsAreNames) {
     for (const char* word :

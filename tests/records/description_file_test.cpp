@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "host/files.h"
 #include "host/runtime/settings.h"
 #include "tests/records/layout_fixture.h"
 
@@ -190,6 +191,28 @@ TEST_F(Lookup, SuffixesFoldersAndLetterCase) {
     const std::string folders = folder_.string() + "/nowhere:" + folder_.string() + "/layouts";
     ASSERT_TRUE(host::set_config("SXML_PATH", folders));
     EXPECT_EQ(found("data/orders.xml"), "layouts/orders.cpy");
+}
+
+// As the module asks: under the host's name for the data file, then without ".xml".
+TEST_F(Lookup, NamesWithTwoSuffixesKeepTheirOwnDescription) {
+    const std::string item = ".\n           05 A PIC X.\n";
+    const auto document = [&](const char* data_file) {
+        const std::string name = (folder_ / data_file).string();
+        Xfd* xfd = Q4ParseXFD(host_xfd_name(name.c_str()), 14, 30);
+        const std::string record = xfd != nullptr ? xfd->items[0].name : "none";
+        if (xfd != nullptr) Q4XFDFree(xfd);
+        return record;
+    };
+    write("data/orders.cpy", "       01 PLAIN" + item);
+    EXPECT_EQ(document("data/orders.v2.xml"), "none");
+    EXPECT_EQ(document("data/orders.v2"), "plain");
+    write("data/ORDERS.V2.CBL", "       01 SECOND" + item);
+    EXPECT_EQ(document("data/orders.v2.xml"), "second");
+    EXPECT_EQ(document("data/orders.xml"), "plain");
+    write("layouts/orders.xfd", "damaged");
+    ASSERT_TRUE(host::set_config("SXML_PATH", (folder_ / "layouts").string()));
+    EXPECT_EQ(document("data/orders.xml"), "none");
+    EXPECT_NE(last_description_error().find("layouts/orders.xfd"), std::string::npos);
 }
 
 TEST_F(Lookup, TheModuleGetsItsOwnCopy) {
