@@ -97,12 +97,15 @@ TEST_F(OpenTest, FindsDescriptionsWithAndWithoutSuffix) {
                           {"one.txt", 1, false, 1}, {"xml", 1, false, 1}};
     for (const Case& c : cases) {
         const std::string name = path(c.name);
+        const std::string shorter = name.substr(0, name.rfind('.'));
         describe(name, xfd);
+        describe(shorter, xfd);
         refuse_lookups(c.refused);
         const std::size_t before = lookups().size();
         XmlFile* const file = module().open(name.c_str(), 0x7FFFFFF1);
         EXPECT_EQ(file != nullptr, c.found) << c.name;
         EXPECT_EQ(lookups().size() - before, c.lookups) << c.name;
+        EXPECT_EQ(lookups().back(), c.lookups == 2 ? shorter : name);
         EXPECT_EQ(*host_file_error(), HOST_FILE_OK);
         EXPECT_TRUE(std::filesystem::exists(name));
         if (file != nullptr) module().close(file);
