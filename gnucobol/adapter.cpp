@@ -39,8 +39,9 @@ std::string program_source() {
 }
 
 // The description of the file. Throws std::runtime_error when there is none.
-FileLayout layout_for(const std::string& path, const FCD3& fcd) {
-    return find_layout({assigned_name(fcd), path, program_source(), longest_record(fcd)});
+FileLayout layout_for(const ClosedFile& file) {
+    const char* const fd = file.program_file != nullptr ? file.program_file->select_name : nullptr;
+    return find_layout({file.path, fd != nullptr ? fd : "", program_source()});
 }
 
 // Says what is wrong when the program's records are not as long as those of the description.
@@ -112,41 +113,34 @@ OpenFile* Adapter::find(const FCD3& fcd) const {
     return nullptr;
 }
 
-// After each operation the runtime notes its own record of the file, so that the next operation
-// finds there the file of the one before.
-void Adapter::learn_program_file() {
-    OpenFile* const last = last_served_;
-    last_served_ = nullptr;
-    if (last == nullptr || last->program_file != nullptr) return;
-    cob_file* const noted = cob_get_global_ptr()->cob_error_file;
-    if (noted != nullptr && noted->record != nullptr &&
-        noted->record->data == last->record_area()) {
-        last->program_file = noted;
-    }
-}
-
 bool Adapter::serve(Operation operation, FCD3& fcd) {
-    learn_program_file();
-    OpenFile* const file = find(fcd);
+    if (OpenFile* const file = find(fcd)) {
+        const std::string path = file->path();
+        const Result result = serve_open_file(*file, operation, fcd);
+        set_status(fcd, result.status);
+        report(path, operation, result.status, result.reason);
+        return true;
+    }
+    if (!is_sequential(fcd) || fcd.openMode != OPEN_NOT_OPEN || operation == Operation::other) {
+        return false;
+    }
+    cob_file* const program_file = is_open_operation(operation) ? find_program_file(fcd) : nullptr;
+    const std::string assigned =
+        program_file != nullptr ? assigned_name(*program_file) : assigned_name(fcd);
+    const ClosedFile file{mapped_name(assigned), program_file};
+    if (!is_xml_file(file.path)) return false;
     Result result;
-    std::string path;
-    if (file != nullptr) {
-        path = file->path();
-        result = serve_open_file(*file, operation, fcd);
-    } else {
-        if (!is_sequential(fcd)) return false;
-        if (!is_open_operation(operation) && fcd.openMode != OPEN_NOT_OPEN) return false;
-        path = mapped_name(assigned_name(fcd));
-        if (operation == Operation::other || !is_xml_file(path)) return false;
-        result = serve_closed_file(path, operation, fcd);
+    try {
+        result = serve_closed_file(file, operation, fcd);
+    } catch (const std::exception& failure) {
+        result = {Status::permanent_error, failure.what()};
     }
     set_status(fcd, result.status);
-    report(path, operation, result.status, result.reason);
+    report(file.path, operation, result.status, result.reason);
     return true;
 }
 
 Result Adapter::serve_open_file(OpenFile& file, Operation operation, FCD3& fcd) {
-    last_served_ = &file;
     switch (operation) {
         case Operation::read_next:
             return file.read(fcd);
@@ -165,13 +159,16 @@ Result Adapter::serve_open_file(OpenFile& file, Operation operation, FCD3& fcd) 
     }
 }
 
-Result Adapter::serve_closed_file(const std::string& path, Operation operation, FCD3& fcd) {
-    if (is_open_operation(operation) && is_locked(fcd)) return {Status::locked, {}};
+Result Adapter::serve_closed_file(const ClosedFile& file, Operation operation, FCD3& fcd) {
+    const bool is_locked =
+        file.program_file != nullptr &&
+        std::find(locked_.begin(), locked_.end(), file.program_file) != locked_.end();
+    if (is_locked) return {Status::locked, {}};
     switch (operation) {
         case Operation::open_input:
-            return open_input(path, fcd);
+            return open_input(file, fcd);
         case Operation::open_output:
-            return open_output(path, fcd);
+            return open_output(file, fcd);
         case Operation::open_other:
             return {Status::not_permitted, {}};
         case Operation::close:
@@ -181,30 +178,34 @@ Result Adapter::serve_closed_file(const std::string& path, Operation operation, 
         case Operation::update:
             return {Status::not_open_for_update, {}};
         case Operation::delete_file:
-            return delete_file(path);
+            return delete_file(file.path);
         default:
             return {Status::not_open_for_input, {}};
     }
 }
 
-Result Adapter::open_input(const std::string& path, FCD3& fcd) {
+Result Adapter::open_input(const ClosedFile& file, FCD3& fcd) {
+    const std::string& path = file.path;
     if (!is_url(path) && !exists(path) && !exists(path + ".xml")) {
         if (!is_optional(fcd)) return {Status::not_found, {}};
-        return keep(std::make_unique<OpenFile>(path, fcd), fcd, OPEN_INPUT);
+        return keep(std::make_unique<OpenFile>(path, fcd, file.program_file), fcd, OPEN_INPUT);
     }
     if (auto obstacle = obstacle_to_reading(path)) return *obstacle;
-    FileLayout layout = layout_for(path, fcd);
+    FileLayout layout = layout_for(file);
     if (auto difference = length_difference(fcd, layout)) return *difference;
-    return keep(std::make_unique<OpenFile>(path, fcd, std::move(layout), XML_OPEN_INPUT), fcd,
-                OPEN_INPUT);
+    return keep(
+        std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout), XML_OPEN_INPUT),
+        fcd, OPEN_INPUT);
 }
 
-Result Adapter::open_output(const std::string& path, FCD3& fcd) {
-    FileLayout layout = layout_for(path, fcd);
+Result Adapter::open_output(const ClosedFile& file, FCD3& fcd) {
+    const std::string& path = file.path;
+    FileLayout layout = layout_for(file);
     if (auto difference = length_difference(fcd, layout)) return *difference;
     const bool is_new = !exists(path);
     if (auto obstacle = obstacle_to_writing(path)) return *obstacle;
-    Result result = keep(std::make_unique<OpenFile>(path, fcd, std::move(layout), XML_OPEN_OUTPUT),
+    Result result = keep(std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
+                                                    XML_OPEN_OUTPUT),
                          fcd, OPEN_OUTPUT);
     if (result.status == Status::done && is_new && is_optional(fcd)) {
         result.status = Status::optional_missing;
@@ -219,7 +220,6 @@ Result Adapter::keep(std::unique_ptr<OpenFile> file, FCD3& fcd, unsigned char mo
     if (result.status != Status::done && result.status != Status::optional_missing) return result;
     fcd.openMode = mode;
     fcd.fileHandle = file.get();
-    last_served_ = file.get();
     files_.push_back(std::move(file));
     return result;
 }
@@ -237,11 +237,13 @@ Result Adapter::close(OpenFile& file, FCD3& fcd) {
     file.close();
     collect_write_failures();
     const Result result = file.failure().value_or(Result{});
-    if (closes_with_lock(fcd)) locked_.emplace_back(file.record_area(), file.assigned());
-    if (file.program_file != nullptr) file.program_file->open_mode = COB_OPEN_CLOSED;
+    cob_file* const program_file = file.program_file();
+    if (program_file != nullptr) {
+        program_file->open_mode = COB_OPEN_CLOSED;
+        if (closes_with_lock(fcd)) locked_.push_back(program_file);
+    }
     fcd.openMode = OPEN_NOT_OPEN;
     fcd.fileHandle = nullptr;
-    last_served_ = nullptr;
     std::erase_if(files_, [&file](const auto& kept) { return kept.get() == &file; });
     return result;
 }
@@ -252,12 +254,6 @@ void Adapter::collect_write_failures() {
             if (file->path() == failure->file) file->fail_writing(failure->error);
         }
     }
-}
-
-bool Adapter::is_locked(const FCD3& fcd) const {
-    return std::any_of(locked_.begin(), locked_.end(), [&fcd](const auto& file) {
-        return file.first == fcd.recPtr && file.second == assigned_name(fcd);
-    });
 }
 
 void Adapter::close_all() {

@@ -4,13 +4,18 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "gnucobol/fcd.h"
 #include "gnucobol/open_file.h"
 
 namespace gnucobol {
+
+// A file that a program refers to and has not open.
+struct ClosedFile {
+    std::string path;        // the name on the disk
+    cob_file* program_file;  // null when unknown
+};
 
 class Adapter {
   public:
@@ -27,21 +32,17 @@ class Adapter {
 
   private:
     OpenFile* find(const FCD3& fcd) const;
-    void learn_program_file();
     Result serve_open_file(OpenFile& file, Operation operation, FCD3& fcd);
-    Result serve_closed_file(const std::string& path, Operation operation, FCD3& fcd);
-    Result open_input(const std::string& path, FCD3& fcd);
-    Result open_output(const std::string& path, FCD3& fcd);
+    Result serve_closed_file(const ClosedFile& file, Operation operation, FCD3& fcd);
+    Result open_input(const ClosedFile& file, FCD3& fcd);
+    Result open_output(const ClosedFile& file, FCD3& fcd);
     Result keep(std::unique_ptr<OpenFile> file, FCD3& fcd, unsigned char mode);
     Result write(OpenFile& file, FCD3& fcd);
     Result close(OpenFile& file, FCD3& fcd);
     void collect_write_failures();
-    bool is_locked(const FCD3& fcd) const;
 
     std::vector<std::unique_ptr<OpenFile>> files_;
-    OpenFile* last_served_ = nullptr;
-    // Files closed with lock: record area and assigned name.
-    std::vector<std::pair<const unsigned char*, std::string>> locked_;
+    std::vector<const cob_file*> locked_;  // closed with lock
 };
 
 }  // namespace gnucobol

@@ -1,6 +1,7 @@
 // The handler that the COBOL runtime calls for every file operation of a program compiled with
 // cobc -fcallfh=sxml_extfh.
 
+#include <cerrno>
 #include <exception>
 
 #include "gnucobol/adapter.h"
@@ -20,15 +21,31 @@ void fail(gnucobol::Operation operation, FCD3& fcd, const char* reason) {
     }
 }
 
+// Leaves the system's error number as it was.
+class ErrnoKeeper {
+  public:
+    ErrnoKeeper() = default;
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    ~ErrnoKeeper() { errno = saved_; }
+
+  private:
+    int saved_ = errno;
+};
+
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) int sxml_extfh(unsigned char* opcode, FCD3* fcd) {
     const gnucobol::Operation operation = gnucobol::operation_of(opcode);
-    try {
-        if (gnucobol::Adapter::instance().serve(operation, *fcd)) return 0;
-    } catch (const std::exception& failure) {
-        fail(operation, *fcd, failure.what());
-        return 0;
+    {
+        // The runtime takes an error number that it finds later for that of its own last call.
+        const ErrnoKeeper keeper;
+        try {
+            if (gnucobol::Adapter::instance().serve(operation, *fcd)) return 0;
+        } catch (const std::exception& failure) {
+            fail(operation, *fcd, failure.what());
+            return 0;
+        }
     }
     return EXTFH(opcode, fcd);
 }

@@ -17,6 +17,12 @@ void store_number(unsigned char (&bytes)[4], std::uint32_t number) {
     for (int i = 3; i >= 0; --i, number >>= 8) bytes[i] = static_cast<unsigned char>(number);
 }
 
+std::string without_filling(std::string name) {
+    name.resize(std::min(name.find('\0'), name.size()));
+    name.resize(name.find_last_not_of(' ') + 1);
+    return name;
+}
+
 }  // namespace
 
 Operation operation_of(const unsigned char* opcode) {
@@ -100,12 +106,29 @@ void set_status(FCD3& fcd, Status status) {
     fcd.fileStatus[1] = static_cast<unsigned char>('0' + number % 10);
 }
 
+// A READ of a file that is not open makes the runtime look its record up and do nothing else.
+cob_file* find_program_file(FCD3& fcd) {
+    cob_global* const runtime = cob_get_global_ptr();
+    const int exception = runtime->cob_exception_code;
+    runtime->cob_error_file = nullptr;
+    unsigned char read_next[2] = {OP_READ_SEQ >> 8, OP_READ_SEQ & 0xFF};
+    EXTFH(read_next, &fcd);
+    runtime->cob_exception_code = exception;
+    cob_file* const file = runtime->cob_error_file;
+    const bool is_it =
+        file != nullptr && file->record != nullptr && file->record->data == fcd.recPtr;
+    return is_it ? file : nullptr;
+}
+
 std::string assigned_name(const FCD3& fcd) {
     if (fcd.fnamePtr == nullptr) return {};
-    std::string name(fcd.fnamePtr, number_of(fcd.fnameLen, sizeof fcd.fnameLen));
-    name.resize(std::min(name.find('\0'), name.size()));
-    name.resize(name.find_last_not_of(' ') + 1);
-    return name;
+    return without_filling({fcd.fnamePtr, number_of(fcd.fnameLen, sizeof fcd.fnameLen)});
+}
+
+std::string assigned_name(const cob_file& file) {
+    if (file.assign == nullptr || file.assign->data == nullptr) return {};
+    const auto* const text = reinterpret_cast<const char*>(file.assign->data);
+    return without_filling({text, file.assign->size});
 }
 
 bool is_sequential(const FCD3& fcd) {

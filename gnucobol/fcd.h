@@ -52,8 +52,14 @@ enum class Status : std::uint8_t {
 };
 void set_status(FCD3& fcd, Status status);
 
-// The name that the file is assigned to, before the runtime's mapping.
+// The runtime's own record of a file that is not open; null when the runtime does not show it. It
+// is marked as closed.
+cob_file* find_program_file(FCD3& fcd);
+
+// The name that the file is assigned to, before the runtime's mapping. That of the description is
+// out of date when an OPEN has failed and the program has then changed the name.
 std::string assigned_name(const FCD3& fcd);
+std::string assigned_name(const cob_file& file);
 bool is_sequential(const FCD3& fcd);
 bool is_optional(const FCD3& fcd);
 bool closes_with_lock(const FCD3& fcd);

@@ -1,19 +1,14 @@
 #include "gnucobol/layout.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
 
 #include "gnucobol/file_name.h"
-#include "gnucobol/select_clause.h"
 #include "host/config.h"
 
 namespace gnucobol {
@@ -92,15 +87,15 @@ records::NameCase configured_name_case() {
     }
 }
 
-std::string first_error(const records::Diagnostics& diagnostics) {
+std::string first_error(const std::string& file, const records::Diagnostics& diagnostics) {
     for (const records::Diagnostic& diagnostic : diagnostics.all()) {
         if (diagnostic.severity != records::Severity::error) continue;
         const records::Place& place = diagnostic.place;
-        if (!place.file) return diagnostic.message;
+        if (!place.file || place.line == 0) return file + ": " + diagnostic.message;
         return *place.file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
                ": " + diagnostic.message;
     }
-    return "it describes no record";
+    return file + ": it describes no record";
 }
 
 std::optional<records::Description> load(const LayoutSource& source,
@@ -115,59 +110,37 @@ std::optional<records::Description> load(const LayoutSource& source,
     return description;
 }
 
-std::string contents(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return std::move(text).str();
-}
-
 // A file's name as a COBOL name: orders_2026 can only be ORDERS-2026.
-bool is_called_like(const std::string& cobol_name, std::string file_stem) {
-    std::replace(file_stem.begin(), file_stem.end(), '_', '-');
-    return strcasecmp(cobol_name.c_str(), file_stem.c_str()) == 0;
+std::string cobol_name(std::string stem) {
+    std::replace(stem.begin(), stem.end(), '_', '-');
+    return stem;
 }
 
-// The only file of the program whose records are as long as those that it reads and writes.
-std::string file_of_length(const LayoutSource& program, const std::vector<SelectClause>& files,
-                           std::uint32_t length) {
-    std::string found;
-    for (const SelectClause& clause : files) {
-        records::Diagnostics ignored;
-        const auto description = load({program.file, clause.file}, ignored);
-        if (!description || description->record_length() != static_cast<std::int64_t>(length))
-            continue;
-        if (!found.empty()) return {};
-        found = clause.file;
-    }
-    return found;
-}
-
-std::string choose_file(const LayoutSource& source, const LayoutRequest& request) {
-    const std::vector<SelectClause> files = select_clauses(contents(source.file));
-    if (files.size() < 2) return {};
-    for (const SelectClause& clause : files) {
-        if (strcasecmp(clause.target.c_str(), request.assigned.c_str()) == 0) return clause.file;
-    }
-    for (const SelectClause& clause : files) {
-        if (is_called_like(clause.file, stem_of(request.path))) return clause.file;
-    }
-    return file_of_length(source, files, request.record_length);
+// The names under which a description may be found in a source, best first; empty for the only one.
+std::vector<std::string> possible_names(const LayoutSource& source, const LayoutRequest& request) {
+    if (!source.fd.empty()) return {source.fd};
+    std::vector<std::string> names;
+    if (!request.fd.empty()) names.push_back(request.fd);
+    names.push_back(cobol_name(stem_of(request.path)));
+    names.emplace_back();
+    return names;
 }
 
 }  // namespace
 
 FileLayout find_layout(const LayoutRequest& request) {
     LayoutSource source = find_source(request);
-    if (source.fd.empty() && !source.file.ends_with(".xfd")) {
-        source.fd = choose_file(source, request);
+    std::string error;
+    for (const std::string& name : possible_names(source, request)) {
+        source.fd = name;
+        records::Diagnostics diagnostics;
+        auto description = load(source, diagnostics);
+        if (description && description->record_length() > 0) {
+            return {std::move(*description), source.file};
+        }
+        error = first_error(source.file, diagnostics);
     }
-    records::Diagnostics diagnostics;
-    auto description = load(source, diagnostics);
-    if (!description || description->record_length() <= 0) {
-        throw std::runtime_error(source.file + ": " + first_error(diagnostics));
-    }
-    return {std::move(*description), source.file};
+    throw std::runtime_error(error);
 }
 
 }  // namespace gnucobol

@@ -52,45 +52,42 @@ Status status_of_write_error(int error) {
     return is_space ? Status::no_space : Status::permanent_error;
 }
 
-// The lengths of the record layouts that conditions are tied to, by condition; entry 0 is that of
-// the layout without one.
-std::vector<std::uint32_t> layout_lengths(const Xfd& xfd) {
-    std::vector<std::uint32_t> lengths(static_cast<std::size_t>(xfd.condition_count) + 1, 0);
-    if ((xfd.flags & XFD_SEVERAL_LAYOUTS) == 0) return lengths;
-    const auto length = [&xfd](std::int32_t item) {
-        return static_cast<std::uint32_t>(std::max(xfd.items[item].data.length, 0));
-    };
-    std::vector<std::int32_t> tied;
-    for (std::int16_t i = 0; i < xfd.condition_count; ++i) {
-        const std::int32_t item = xfd.conditions[i].item;
-        if (item < 0 || item >= xfd.item_count || xfd.items[item].level != 1) continue;
-        lengths[static_cast<std::size_t>(i) + 1] = length(item);
-        tied.push_back(item);
-    }
+// The record layouts of a description in order, each with the conditions of its fields.
+std::vector<RecordLayout> layouts_of(const Xfd& xfd) {
+    std::vector<RecordLayout> layouts;
     for (std::int32_t i = 0; i < xfd.item_count; ++i) {
-        const bool is_tied = std::find(tied.begin(), tied.end(), i) != tied.end();
-        if (xfd.items[i].level == 1 && !is_tied) lengths[0] = length(i);
+        const XfdItem& item = xfd.items[i];
+        if (item.level == 1) {
+            layouts.push_back({static_cast<std::uint32_t>(std::max(item.data.length, 0)), {}});
+        } else if (item.condition > 0 && item.condition <= xfd.condition_count &&
+                   !layouts.empty()) {
+            std::vector<std::int16_t>& conditions = layouts.back().conditions;
+            if (conditions.empty() || conditions.back() != item.condition) {
+                conditions.push_back(item.condition);
+            }
+        }
     }
-    return lengths;
+    return layouts;
 }
 
 }  // namespace
 
-OpenFile::OpenFile(std::string path, const FCD3& fcd)
-    : path_(std::move(path)), assigned_(assigned_name(fcd)), record_area_(fcd.recPtr) {
+OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file)
+    : path_(std::move(path)), program_file_(program_file), record_(longest_record(fcd)) {
     opening_.status = Status::optional_missing;
 }
 
-OpenFile::OpenFile(std::string path, const FCD3& fcd, FileLayout layout, std::int32_t direction)
+OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, FileLayout layout,
+                   std::int32_t direction)
     : path_(std::move(path)),
-      assigned_(assigned_name(fcd)),
-      record_area_(fcd.recPtr),
+      program_file_(program_file),
       layout_(std::move(layout)),
       record_(longest_record(fcd)),
       direction_(direction) {
     const Xfd& xfd = layout_->description.xfd();
     blank_.emplace(xfd, longest_record(fcd));
-    lengths_ = layout_lengths(xfd);
+    layouts_ = layouts_of(xfd);
+    held_.resize(static_cast<std::size_t>(xfd.condition_count) + 1);
     const host::Module& module = xml_module();
     const BoundDescription bound(layout_->description);
     xml_ = module.open(path_.c_str(), direction);
@@ -112,8 +109,7 @@ void OpenFile::fail_writing(int error) {
 
 void OpenFile::condition_holds(int number) {
     blank_->blank_layout(number, record_.data());
-    const std::uint32_t length = lengths_[static_cast<std::size_t>(number)];
-    if (length > 0) layout_length_ = length;
+    held_[static_cast<std::size_t>(number)] = true;
 }
 
 Result OpenFile::read(FCD3& fcd) {
@@ -124,7 +120,7 @@ Result OpenFile::read(FCD3& fcd) {
         return {Status::at_end, {}};
     }
     blank_->blank(record_.data());
-    layout_length_ = lengths_[0];
+    std::fill(held_.begin(), held_.end(), false);
     const std::uint64_t exceptions = records::data_exceptions();
     watch_conditions(this);
     const int result = xml_module().read(xml_, record_.data());
@@ -136,19 +132,41 @@ Result OpenFile::read(FCD3& fcd) {
         return result_of_file_error();
     }
     std::memcpy(fcd.recPtr, record_.data(), record_.size());
-    set_current_record(fcd, length_of_record_read(fcd));
+    const std::uint32_t length = length_of_record_read(fcd);
+    set_current_record(fcd, length);
+    tell_program(length);
     const bool is_doubtful = records::data_exceptions() != exceptions;
     return {is_doubtful ? Status::doubtful_data : Status::done, {}};
+}
+
+// The runtime does not take the length over from the description.
+void OpenFile::tell_program(std::uint32_t length) {
+    if (program_file_ == nullptr) return;
+    program_file_->record->size = length;
+    cob_field* const depending = program_file_->variable_record;
+    if (depending != nullptr) cob_set_int(depending, static_cast<int>(length));
 }
 
 std::uint32_t OpenFile::length_of_record_read(const FCD3& fcd) const {
     const std::uint32_t longest = longest_record(fcd);
     const std::uint32_t shortest = shortest_record(fcd);
     if (shortest >= longest) return longest;
-    const std::uint32_t layout = layout_length_ > 0 ? std::min(layout_length_, longest) : longest;
     const std::int32_t used =
-        layout_->description.used_length(record_.data(), static_cast<std::int32_t>(layout));
-    return std::max(static_cast<std::uint32_t>(used), shortest);
+        layout_->description.used_length(record_.data(), static_cast<std::int32_t>(longest));
+    const std::uint32_t length = std::min(static_cast<std::uint32_t>(used), layout_length(longest));
+    return std::max(length, shortest);
+}
+
+// The length of the layout that was read: the first whose conditions all held.
+std::uint32_t OpenFile::layout_length(std::uint32_t longest) const {
+    if (layouts_.size() < 2) return longest;
+    for (const RecordLayout& layout : layouts_) {
+        const bool is_read = std::all_of(
+            layout.conditions.begin(), layout.conditions.end(),
+            [this](std::int16_t number) { return held_[static_cast<std::size_t>(number)]; });
+        if (is_read) return layout.length;
+    }
+    return longest;
 }
 
 Result OpenFile::write(const FCD3& fcd) {

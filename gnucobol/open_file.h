@@ -18,19 +18,26 @@ struct Result {
     std::string reason;  // of a failure, for the message; may be empty
 };
 
+struct RecordLayout {
+    std::uint32_t length;
+    std::vector<std::int16_t> conditions;
+};
+
 class OpenFile final : private ConditionWatch {
   public:
     // An optional file that is not there: reading it ends at once.
-    OpenFile(std::string path, const FCD3& fcd);
+    OpenFile(std::string path, const FCD3& fcd, cob_file* program_file);
     // Opens the document. Throws std::runtime_error when the module cannot be loaded; otherwise
     // result() tells what came of it.
-    OpenFile(std::string path, const FCD3& fcd, FileLayout layout, std::int32_t direction);
+    OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, FileLayout layout,
+             std::int32_t direction);
     ~OpenFile() override;
 
     const Result& opening() const { return opening_; }
     const std::string& path() const { return path_; }
-    const std::string& assigned() const { return assigned_; }
-    const unsigned char* record_area() const { return record_area_; }
+    // The runtime's own record of the file; may be null. It must be told of a close, since its
+    // DELETE FILE looks at it, and of the length of a record.
+    cob_file* program_file() const { return program_file_; }
 
     Result read(FCD3& fcd);
     Result write(const FCD3& fcd);
@@ -42,22 +49,19 @@ class OpenFile final : private ConditionWatch {
     void fail_writing(int error);
     const std::optional<Result>& failure() const { return failure_; }
 
-    // The runtime's own record of the file, once it is known. It must learn of a close, since its
-    // DELETE FILE looks at it.
-    cob_file* program_file = nullptr;
-
   private:
     void condition_holds(int number) override;
+    std::uint32_t layout_length(std::uint32_t longest) const;
+    void tell_program(std::uint32_t length);
     std::uint32_t length_of_record_read(const FCD3& fcd) const;
 
     std::string path_;
-    std::string assigned_;
-    const unsigned char* record_area_;
+    cob_file* program_file_;
     std::optional<FileLayout> layout_;
     std::optional<BlankRecord> blank_;
-    std::vector<std::uint8_t> record_;    // the record being read
-    std::vector<std::uint32_t> lengths_;  // of the layouts, by condition; 0 for no layout
-    std::uint32_t layout_length_ = 0;     // of the layout just read, 0 for the longest
+    std::vector<std::uint8_t> record_;  // the record being read
+    std::vector<RecordLayout> layouts_;
+    std::vector<bool> held_;  // conditions that held for that record, by number
     XmlFile* xml_ = nullptr;
     std::int32_t direction_ = 0;
     bool ended_ = false;
