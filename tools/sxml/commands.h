@@ -15,5 +15,7 @@ void add_from_xml_command(CLI::App& application);
 void add_dtd_command(CLI::App& application);
 void add_schema_command(CLI::App& application);
 void add_cob_command(CLI::App& application);
+void add_rewrite_command(CLI::App& application);
+void add_tree_command(CLI::App& application);
 
 }  // namespace command

@@ -25,6 +25,8 @@ int run(int argc, char** argv) {
     command::add_dtd_command(application);
     command::add_schema_command(application);
     command::add_cob_command(application);
+    command::add_rewrite_command(application);
+    command::add_tree_command(application);
     try {
         application.parse(argc, argv);
     } catch (const CLI::RequiredError& error) {

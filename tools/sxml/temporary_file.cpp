@@ -26,11 +26,15 @@ struct Slot {
     volatile std::sig_atomic_t used = 0;
     std::array<char, PATH_MAX> name{};
 };
-std::array<Slot, 4> slots;
+std::array<Slot, 8> slots;
 
 void remove_files_and_die(int signal_number) {
     for (const Slot& slot : slots) {
         if (slot.used != 0) unlink(slot.name.data());
+    }
+    // Folders, empty by now.
+    for (const Slot& slot : slots) {
+        if (slot.used != 0) rmdir(slot.name.data());
     }
     // SA_RESETHAND has restored the default action, so this ends the process with the signal.
     raise(signal_number);
@@ -93,6 +97,32 @@ void TemporaryFile::rename_to(const std::string& target) {
     free_slot(slot_);
     slot_ = -1;
     name_.clear();
+}
+
+TemporaryLink::TemporaryLink(const std::string& name, const std::string& target)
+    : folder_(temporary_folder() + "/sxml.XXXXXX") {
+    if (mkdtemp(folder_.data()) == nullptr) {
+        fail(temporary_folder() + ": no folder can be created here: " + system_error_text(errno));
+    }
+    link_ = folder_ + "/" + name;
+    folder_slot_ = occupy_slot(folder_);
+    link_slot_ = occupy_slot(link_);
+    if (symlink(target.c_str(), link_.c_str()) != 0) {
+        const int error = errno;
+        remove();
+        fail_file(link_, error);
+    }
+}
+
+TemporaryLink::~TemporaryLink() {
+    remove();
+}
+
+void TemporaryLink::remove() const {
+    unlink(link_.c_str());
+    rmdir(folder_.c_str());
+    free_slot(link_slot_);
+    free_slot(folder_slot_);
 }
 
 std::string temporary_folder() {

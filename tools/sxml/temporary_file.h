@@ -25,6 +25,27 @@ class TemporaryFile {
     int slot_ = -1;  // in the list of files that a signal removes; -1 when not in it
 };
 
+// A symbolic link `name` to `target`, in a folder of its own that nobody else uses. Both go as a
+// TemporaryFile does.
+class TemporaryLink {
+  public:
+    // Throws Failure.
+    TemporaryLink(const std::string& name, const std::string& target);
+    ~TemporaryLink();
+    TemporaryLink(const TemporaryLink&) = delete;
+    TemporaryLink& operator=(const TemporaryLink&) = delete;
+
+    const std::string& folder() const { return folder_; }
+
+  private:
+    void remove() const;
+
+    std::string folder_;
+    std::string link_;
+    int link_slot_ = -1;
+    int folder_slot_ = -1;
+};
+
 // The folder for temporary files: TMPDIR, or /tmp.
 std::string temporary_folder();
 

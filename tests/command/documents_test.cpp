@@ -1,0 +1,170 @@
+// Documents as documents: sxml rewrite and sxml tree.
+
+#include <filesystem>
+
+#include "tests/command/command_run.h"
+
+namespace {
+
+const std::string EXPECTED = SXML_SOURCE_DIR "/tests/command/expected/";
+
+const std::string ORDERS =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<?app x=\"1\"?>\n<!-- a note -->\n"
+    "<!DOCTYPE orders [<!ENTITY company \"Smith &amp; Sons\">]>\n"
+    "<orders date=\"2026-11-22\" by='\"x\" &lt; y'>\n  <!-- the first -->\n"
+    "  <order id=\"7\"><item>bolt</item><item>nut <![CDATA[<5>]]></item>"
+    "<maker>&company;</maker></order>\n"
+    "  <order id=\"8\"><item>caf&#233; line\ntwo \\ &quot;x&quot; &#155;</item>"
+    "<note>1234567890123456789012345678901234567890123456789012345678\xC3\xA9\xC3\xA9"
+    "6789012345678901234567890</note><empty/></order>\n</orders>\n";
+
+std::string utf16(const std::string& ascii) {
+    std::string units = "\xFF\xFE";
+    for (const char c : ascii) units += {c, '\0'};
+    return units;
+}
+
+// The canonical form without the comment in front, which names the file.
+std::string canonical(const std::string& file) {
+    const std::string form = run({"xmllint", "--noblanks", "--c14n", file}).out;
+    return form.starts_with("<!--") ? form.substr(form.find('\n') + 1) : form;
+}
+
+class DocumentsTest : public CommandTest {};
+
+TEST_F(DocumentsTest, AreRewrittenInOneForm) {
+    write_file("in.xml", ORDERS);
+    EXPECT_EQ(sxml({"rewrite", "in.xml", "out.xml"}).err, "");
+    EXPECT_EQ(read_file("out.xml"), read_file(EXPECTED + "rewritten.xml"));
+    EXPECT_EQ(files(), (std::vector<std::string>{"in.xml", "out.xml"}));
+    EXPECT_EQ(run({"xmllint", "--noout", "out.xml"}).err, "");
+}
+
+TEST_F(DocumentsTest, ShowAsTrees) {
+    write_file("in.xml", ORDERS);
+    const Outcome tree = sxml({"tree", "in.xml"});
+    EXPECT_EQ(tree.err, "");
+    EXPECT_EQ(tree.out, read_file(EXPECTED + "tree.txt"));
+    EXPECT_NE(sxml({"tree", "--full", "in.xml"})
+                  .out.find("\xC3\xA9"
+                            "6789012345678901234567890\"\n"),
+              std::string::npos);
+}
+
+// What does not matter to the writer, a canonical form of the input must not have either: comments
+// and line ends within elements, white space around texts, DTDs.
+TEST_F(DocumentsTest, KeepTheirContentsAndAreStable) {
+    const struct {
+        const char* name;
+        std::string bytes;
+        const char* shown;  // in the tree
+    } cases[] = {
+        {"plain", "<a><b x='1' y='p&#10;q'>t</b><b/>\n<c>&lt;&amp;&gt;\"'</c></a>", "b(2)\n"},
+        {"utf8", "<a \xC3\xA9='\xC3\xBC'><b>\xE2\x82\xAC</b></a>", "a \xC3\xA9=\"\xC3\xBC\"\n"},
+        {"latin1", "<?xml version='1.0' encoding='iso-8859-1'?><a><\xE9 x='\xFC'>\xC4</\xE9></a>",
+         "\xC3\xA9 x=\"\xC3\xBC\": \"\xC3\x84\"\n"},
+        {"utf16", utf16("<?xml version='1.0' encoding='UTF-16'?><a><b>text</b></a>"),
+         "b: \"text\"\n"},
+        {"ascii", "<?xml version='1.0' encoding='US-ASCII'?><a><b>&#8364;</b></a>",
+         "b: \"\xE2\x82\xAC\"\n"},
+    };
+    for (const auto& c : cases) {
+        write_file("in.xml", c.bytes);
+        EXPECT_EQ(sxml({"rewrite", "in.xml", "out.xml"}).err, "") << c.name;
+        EXPECT_EQ(canonical("in.xml"), canonical("out.xml")) << c.name;
+        const std::string first = read_file("out.xml");
+        EXPECT_EQ(sxml({"rewrite", "out.xml", "./out.xml"}).err, "") << c.name;
+        EXPECT_EQ(read_file("out.xml"), first) << c.name;
+        const std::string tree = sxml({"tree", "-"}, c.bytes).out;
+        EXPECT_NE(tree.find(c.shown), std::string::npos) << c.name << "\n" << tree;
+        EXPECT_EQ(sxml({"tree", "out.xml"}).out, tree) << c.name;
+    }
+}
+
+TEST_F(DocumentsTest, ComeFromAnywhereAndGoAnywhere) {
+    write_file("in.xml", ORDERS);
+    write_file("<?xml odd", ORDERS);
+    const std::string tree = sxml({"tree", "in.xml"}).out;
+    EXPECT_EQ(sxml({"tree", "<?xml odd"}).out, tree);
+    EXPECT_EQ(run({"bash", "-c", "cat in.xml | " SXML_BUILD_DIR "/bin/sxml tree /dev/stdin"}).out,
+              tree);
+    EXPECT_EQ(
+        run({"bash", "-c",
+             SXML_BUILD_DIR "/bin/sxml rewrite - - <in.xml | " SXML_BUILD_DIR "/bin/sxml tree -"})
+            .out,
+        tree);
+    // A comment cannot hold this name.
+    EXPECT_EQ(sxml({"rewrite", "in.xml", "a--b-\xC3\xA9.xml"}).err, "");
+    EXPECT_EQ(sxml({"tree", "a--b-\xC3\xA9.xml"}).out, tree);
+    EXPECT_NE(read_file("a--b-\xC3\xA9.xml").find("<!-- a-_b-__.xml - generated"),
+              std::string::npos);
+}
+
+TEST_F(DocumentsTest, MayBeDeep) {
+    constexpr int LEVELS = 100'000;
+    std::string deep;
+    for (int i = 0; i < LEVELS; ++i) deep += "<a>";
+    for (int i = 0; i < LEVELS; ++i) deep += "</a>";
+    const std::string tree = sxml({"tree", "-"}, deep).out;
+    EXPECT_NE(tree.find("\n" + std::string(80, ' ') + "[level 99999] a\n"), std::string::npos);
+}
+
+TEST_F(DocumentsTest, AreRefusedWithThePlace) {
+    const struct {
+        const char* bytes;
+        const char* said;
+    } cases[] = {
+        {"<a>\n <b></a>", "sxml: bad.xml:2:7: mismatched tag\n"},
+        {"<a>\n <b>", "sxml: bad.xml:2:5: the document is not complete: no element found\n"},
+        {"<a/>\n<!-- ", "sxml: bad.xml:2:1: the document is not complete: unclosed token\n"},
+        {"", "sxml: bad.xml:1:1: the document is not complete: no element found\n"},
+        {"<a>&none;</a>", "sxml: bad.xml:1:4: undefined entity\n"},
+        {"<?xml version='1.0' encoding='klingon'?><a/>", "sxml: bad.xml:1:31: unknown encoding\n"},
+    };
+    for (const auto& c : cases) {
+        write_file("bad.xml", c.bytes);
+        write_file("out.xml", "old");
+        const Outcome rewritten = sxml({"rewrite", "bad.xml", "out.xml"});
+        EXPECT_EQ(rewritten.status, 1);
+        EXPECT_EQ(rewritten.err, c.said);
+        EXPECT_EQ(read_file("out.xml"), "old");
+        EXPECT_EQ(files(), (std::vector<std::string>{"bad.xml", "out.xml"}));
+        std::string from_input = c.said;
+        from_input.replace(from_input.find("bad.xml"), 7, "standard input");
+        const Outcome tree = sxml({"tree", "-"}, c.bytes);
+        EXPECT_EQ(tree.err, from_input);
+        EXPECT_EQ(tree.out, "");
+    }
+}
+
+TEST_F(DocumentsTest, FailuresOfFilesAreTold) {
+    write_file("in.xml", ORDERS);
+    const struct {
+        std::vector<std::string> words;
+        const char* output;
+        const char* said;
+    } cases[] = {
+        {{"tree", "none.xml"}, "", "sxml: none.xml: No such file or directory\n"},
+        {{"tree", "/tmp"}, "", "sxml: /tmp: Is a directory\n"},
+        {{"rewrite", "http://127.0.0.1:1/x", "out.xml"},
+         "",
+         "sxml: http://127.0.0.1:1/x: the document cannot be fetched, or not in full\n"},
+        {{"rewrite", "in.xml", "/dev/full"}, "", "sxml: /dev/full: No space left on device\n"},
+        {{"rewrite", "in.xml", "-"},
+         "/dev/full",
+         "sxml: standard output: No space left on device\n"},
+        {{"tree", "in.xml"}, "/dev/full", "sxml: standard output: No space left on device\n"},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = sxml(c.words, "", c.output);
+        EXPECT_EQ(outcome.status, 1) << c.said;
+        EXPECT_EQ(outcome.err, c.said);
+        EXPECT_EQ(files(), std::vector<std::string>{"in.xml"}) << c.said;
+    }
+    EXPECT_NE(sxml({"rewrite", "--help"}).out.find("Example:\n  sxml rewrite orders.xml tidy.xml"),
+              std::string::npos);
+    EXPECT_NE(sxml({"tree", "--help"}).out.find("Example:\n  sxml tree orders.xml"),
+              std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,75 @@
+// sxml rewrite: reads a document and writes it in the module's own form.
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <memory>
+
+#include "host/runtime/streams.h"
+#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/commands.h"
+#include "tools/sxml/document.h"
+#include "tools/sxml/errors.h"
+#include "tools/sxml/output_alias.h"
+#include "tools/sxml/parsed_document.h"
+
+namespace command {
+
+namespace {
+
+// Everything that the document writer can write.
+constexpr std::uint32_t WRITABLE = XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA |
+                                   XMLOPT_PROCESSING_INSTRUCTIONS | XMLOPT_COMMENTS |
+                                   XMLOPT_DOCTYPE | XMLOPT_XML_DECL;
+
+struct RewriteOptions {
+    std::string in;
+    std::string out;
+};
+
+void write_document(const ParsedDocument& document, const std::string& name,
+                    const std::string& shown_name) {
+    if (document.api().xml_write_document(document.parser(), name.c_str()) == 0) {
+        const int error = errno;
+        std::int32_t code = 0;
+        document.api().xml_last_error(&code);
+        if (code == XMLERR_NO_MEMORY) throw std::bad_alloc();
+        fail_file(shown_name, error);
+    }
+    if (const auto failure = host::take_write_failure()) fail_file(shown_name, failure->error);
+}
+
+void rewrite(const RewriteOptions& options) {
+    const host::Module module = load_module();
+    const XmlApi api = xml_api(module);
+    const DocumentInput input(options.in);
+    AtomicOutput output(options.out);
+    const ParsedDocument document(api, input, WRITABLE);
+    if (options.out == "-") return write_document(document, "-", "standard output");
+    {
+        const OutputAlias alias(output);
+        write_document(document, alias.name(), options.out);
+    }
+    output.commit();
+}
+
+}  // namespace
+
+void add_rewrite_command(CLI::App& application) {
+    CLI::App* command =
+        application.add_subcommand("rewrite", "read a document and write it in sxml's own form");
+    auto options = std::make_shared<RewriteOptions>();
+    command
+        ->add_option("IN", options->in,
+                     "the document: a file, - for standard input, or an http: URL")
+        ->required()
+        ->option_text(" ");
+    command->add_option("OUT", options->out, "the document to write, - for standard output")
+        ->required()
+        ->option_text(" ");
+    command->footer(
+        "Example:\n  sxml rewrite orders.xml tidy.xml\n"
+        "  sxml rewrite http://localhost/orders.xml - | less");
+    command->callback([options] { rewrite(*options); });
+}
+
+}  // namespace command

@@ -1,0 +1,46 @@
+// sxml tree: shows what a document holds.
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "tools/sxml/commands.h"
+#include "tools/sxml/document.h"
+#include "tools/sxml/parsed_document.h"
+#include "tools/sxml/tree_printer.h"
+
+namespace command {
+
+namespace {
+
+struct TreeOptions {
+    std::string in;
+    bool full = false;
+};
+
+void print_tree(const TreeOptions& options) {
+    const host::Module module = load_module();
+    const XmlApi api = xml_api(module);
+    const DocumentInput input(options.in);
+    const ParsedDocument document(api, input,
+                                  XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA | XMLOPT_XML_DECL);
+    using Texts = TreePrinter::Texts;
+    TreePrinter(document, options.full ? Texts::full : Texts::shortened).print();
+}
+
+}  // namespace
+
+void add_tree_command(CLI::App& application) {
+    CLI::App* command = application.add_subcommand(
+        "tree", "show a document's elements, a line for each, with their occurrence numbers");
+    auto options = std::make_shared<TreeOptions>();
+    command
+        ->add_option("IN", options->in,
+                     "the document: a file, - for standard input, or an http: URL")
+        ->required()
+        ->option_text(" ");
+    command->add_flag("--full", options->full, "do not shorten long values and attributes");
+    command->footer("Example:\n  sxml tree orders.xml | less");
+    command->callback([options] { print_tree(*options); });
+}
+
+}  // namespace command
