@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "gnucobol/document_end.h"
 #include "host/errors.h"
 #include "host/records/numbers.h"
 
@@ -128,8 +129,8 @@ Result OpenFile::read(FCD3& fcd) {
     const std::int16_t error = *host_file_error();
     if (result == 0 || error != HOST_FILE_OK) {
         ended_ = true;
-        if (result == 0 && error == HOST_FILE_END) return {Status::at_end, {}};
-        return result_of_file_error();
+        const bool is_end = result == 0 && error == HOST_FILE_END && has_document_end(path_);
+        return is_end ? Result{Status::at_end, {}} : result_of_file_error();
     }
     std::memcpy(fcd.recPtr, record_.data(), record_.size());
     const std::uint32_t length = length_of_record_read(fcd);

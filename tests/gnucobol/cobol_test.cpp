@@ -125,6 +125,9 @@ TEST_F(CobolTest, EveryStateOfAFileHasItsStatus) {
                                    "</data>");
     write_file("damaged.xml", head + "<data_record></wrong></data>");
     write_file("cut.xml", head + "<data_record><number_of>8");
+    write_file("unended.xml", head + "\r\n");
+    write_file("ended.xml",
+               "<!DOCTYPE data [<!ELEMENT x (y)>]><!-- <a> --><data>\n</data >\n<!-- -->");
     write_file("text.xml", "no document");
     write_file("empty.xml", "");
     write_file("short.xml", good);
@@ -136,10 +139,10 @@ TEST_F(CobolTest, EveryStateOfAFileHasItsStatus) {
     set("HERE", "folder.xml/..");
     set("dd_mapped", "good.xml");
     compile_for_xml(PROGRAMS + "statuses.cbl", "statuses");
-    const Outcome outcome =
-        run_program({"./statuses", "good.xml", "doubtful.xml", "damaged.xml", "cut.xml", "text.xml",
-                     "empty.xml", "missing.xml", "folder.xml", "short.xml", "HERE/good.xml",
-                     "$HERE/text.xml", "$NOWHERE/text.xml", "mapped"});
+    const Outcome outcome = run_program(
+        {"./statuses", "good.xml", "doubtful.xml", "damaged.xml", "cut.xml", "unended.xml",
+         "ended.xml", "text.xml", "empty.xml", "missing.xml", "folder.xml", "short.xml",
+         "HERE/good.xml", "$HERE/text.xml", "$NOWHERE/text.xml", "mapped"});
     EXPECT_EQ(outcome.out, read_file(PROGRAMS + "statuses.txt"));
     EXPECT_EQ(outcome.err, read_file(PROGRAMS + "statuses.err"));
     EXPECT_EQ(read_file("good.xml"), good);
