@@ -216,7 +216,7 @@ Result Adapter::open_output(const ClosedFile& file, FCD3& fcd) {
 Result Adapter::keep(std::unique_ptr<OpenFile> file, FCD3& fcd, unsigned char mode) {
     static const int registered = std::atexit(close_files_at_exit);
     if (registered != 0) throw std::runtime_error("the end of the program cannot be watched");
-    const Result result = file->opening();
+    Result result = file->opening();
     if (result.status != Status::done && result.status != Status::optional_missing) return result;
     fcd.openMode = mode;
     fcd.fileHandle = file.get();
@@ -236,7 +236,7 @@ Result Adapter::write(OpenFile& file, FCD3& fcd) {
 Result Adapter::close(OpenFile& file, FCD3& fcd) {
     file.close();
     collect_write_failures();
-    const Result result = file.failure().value_or(Result{});
+    Result result = file.failure().value_or(Result{});
     cob_file* const program_file = file.program_file();
     if (program_file != nullptr) {
         program_file->open_mode = COB_OPEN_CLOSED;

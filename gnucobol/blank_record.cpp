@@ -1,6 +1,6 @@
 #include "gnucobol/blank_record.h"
 
-#include <cstring>
+#include <algorithm>
 
 #include "host/records/numbers.h"
 
@@ -48,12 +48,12 @@ void BlankRecord::add(const XfdItem& field, std::vector<Run>& runs) {
 
 void BlankRecord::store(std::span<const Run> runs, std::uint8_t* record) {
     for (const Run& run : runs) {
-        std::memcpy(record + run.offset, run.bytes.data(), run.bytes.size());
+        std::copy(run.bytes.begin(), run.bytes.end(), record + run.offset);
     }
 }
 
 void BlankRecord::blank(std::uint8_t* record) const {
-    std::memcpy(record, blank_.data(), blank_.size());
+    std::copy(blank_.begin(), blank_.end(), record);
 }
 
 void BlankRecord::blank_layout(int number, std::uint8_t* record) const {

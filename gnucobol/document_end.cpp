@@ -30,7 +30,7 @@ std::size_t behind_prologue_part(std::string_view head, std::size_t at) {
     if (text.starts_with("<?")) end = "?>";
     if (text.starts_with("<!--")) end = "-->";
     if (text.starts_with("<!D") && text.find('[') < text.find('>')) {
-        at = std::min(head.find("]", at), head.size());
+        at = std::min(head.find(']', at), head.size());
     }
     const std::size_t found = head.find(end, at);
     return found == std::string_view::npos ? head.size() : found + end.size();

@@ -42,12 +42,13 @@ class CobolTest : public CommandTest {
         ASSERT_EQ(outcome.status, 0) << outcome.err;
     }
 
-    static Outcome run_program(std::vector<std::string> words) {
+    static Outcome run_program(const std::vector<std::string>& words) {
+        std::vector<std::string> all;
 #ifdef SXML_PRELOAD
-        words.insert(words.begin(),
-                     {"env", "LD_PRELOAD=" SXML_PRELOAD, "ASAN_OPTIONS=detect_leaks=0"});
+        all = {"env", "LD_PRELOAD=" SXML_PRELOAD, "ASAN_OPTIONS=detect_leaks=0"};
 #endif
-        return run(words);
+        all.insert(all.end(), words.begin(), words.end());
+        return run(all);
     }
 
     // The files of these names are NAME.suffix from now on.

@@ -53,6 +53,7 @@ void compile(const std::vector<std::string>& given) {
         words.push_back(word);
     }
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     execvp(arguments[0], arguments.data());
