@@ -10,7 +10,7 @@ namespace records {
 namespace {
 
 // Larger files are no description files; reading stops there.
-constexpr std::uintmax_t MAX_FILE_SIZE = 256 * 1024 * 1024;
+constexpr std::uintmax_t MAX_FILE_SIZE = std::uintmax_t{256} * 1024 * 1024;
 
 std::optional<std::string> contents(const std::string& file, Diagnostics& diagnostics) {
     std::error_code error;
