@@ -168,4 +168,95 @@ TEST_F(CobolTest, LengthsLayoutsAndSubprograms) {
     EXPECT_NE(read_file("LAST.xml").find("<last_text>last</last_text>"), std::string::npos);
 }
 
+// What a program says of one file, under settings of its user.
+struct Place {
+    const char* what;
+    std::vector<std::pair<std::string, std::string>> settings;
+    std::string name;      // given to the program
+    std::string expected;  // status of the OPEN, and the first field when it succeeds
+    std::string message;   // part of what is reported; empty: nothing is
+};
+
+TEST_F(CobolTest, FilesAndLayoutsAreFoundAsTheUserSays) {
+    compile_for_xml(PROGRAMS + "statuses.cbl", "statuses");
+    fs::create_directory("sub");
+    const std::string document = "<x><data_record><number_of>5</number_of></data_record></x>";
+    for (const char* name : {"sub/a.xml", "a.doc", "a.xml", "other.xml", "b-1.xml", "broken.xml"}) {
+        write_file(name, document);
+    }
+    const std::string program = read_file(PROGRAMS + "statuses.cbl");
+    fs::create_directory("layouts");
+    write_file("layouts/statuses.cbl", program);
+    write_file("layouts/other.cpy", "       01 DATA-RECORD.\n           05 OTHER PIC X(17).\n");
+    write_file("layouts/broken.cpy", "       01 DATA-RECORD.\n           05 A PIC Q.\n");
+    write_file("layouts/two.cbl", program);
+    const std::vector<Place> places = {
+        {"a pattern", {{"SXML_FILES", "*.txt:*.doc"}}, "a.doc", "00 0005", ""},
+        {"a folder", {{"COB_FILE_PATH", "sub"}}, "a.xml", "00 0005", ""},
+        {"no such folder", {{"COB_FILE_PATH", "none"}}, "a.xml", "35", "none/a.xml: OPEN INPUT"},
+        {"any letter case", {{"dd_small", "A.XML"}}, "small", "35", "A.XML: OPEN INPUT"},
+        {"a file and an FD", {{"SXML_LAYOUT_b_1", "two.cbl:DATA-FILE"}}, "b-1.xml", "00 0005", ""},
+        {"another FD",
+         {{"SXML_LAYOUT_b_1", "two.cbl:MAYBE"}},
+         "b-1.xml",
+         "39",
+         "the program's records have 17 bytes, those of layouts/two.cbl have 9"},
+        {"no such FD", {{"SXML_LAYOUT_a", "two.cbl:NONE"}}, "a.xml", "30", "NONE"},
+        {"no such layout", {{"SXML_LAYOUT_a", "none.cpy"}}, "a.xml", "30", "none.cpy"},
+        {"a copybook of its name", {}, "other.xml", "00      ", ""},
+        {"a mistake in it", {}, "broken.xml", "30", "broken.cpy:2:"},
+        {"a module that is none", {{"SXML_MODULE", "a.xml"}}, "a.xml", "30", "a.xml: "},
+    };
+    for (const Place& place : places) {
+        setenv("SXML_PATH", "layouts", 1);
+        for (const auto& [name, value] : place.settings) setenv(name.c_str(), value.c_str(), 1);
+        const Outcome outcome = run_program({"./statuses", place.name});
+        for (const auto& [name, value] : place.settings) unsetenv(name.c_str());
+        const std::string start =
+            place.name + ": open " + place.expected.substr(0, 2) + "\n" +
+            (place.expected.size() > 2 ? "  read " + place.expected : std::string("i-o"));
+        EXPECT_TRUE(outcome.out.starts_with(start)) << place.what << "\n" << outcome.out;
+        const std::string first = outcome.err.substr(0, outcome.err.find('\n'));
+        if (place.message.empty()) {
+            EXPECT_NE(first.find("READ: file status 46"), std::string::npos) << place.what << first;
+        } else {
+            EXPECT_NE(first.find(place.message), std::string::npos) << place.what << "\n" << first;
+        }
+    }
+    unsetenv("SXML_PATH");
+}
+
+TEST_F(CobolTest, WhatTheDocumentDoesNotHaveIsBlank) {
+    write_file("LEDGER.xml",
+               "<ledger>"
+               "<account><record_kind>A</record_kind><account_no>12</account_no>"
+               "<account_title>Kept &#228; &amp; b</account_title></account>"
+               "<booking><booking_side>C</booking_side><amount>-1.5</amount>"
+               "<record_kind>B</record_kind><purpose>first one</purpose></booking>"
+               "<booking><record_kind>B</record_kind></booking>"
+               "<account><record_kind>A</record_kind></account>"
+               "<booking><record_kind>B</record_kind><purpose>a purpose that is too long for it"
+               "</purpose><amount>+7</amount><booking_side>D</booking_side></booking>"
+               "</ledger>");
+    set("SXML_PATH", SAMPLES);
+    assign({"LEDGER", "JOURNAL"}, ".xml");
+    compile_for_xml(SAMPLES + "convert_ledger.cbl", "convert");
+    const Outcome outcome = run_program({"./convert"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out,
+              "account 0012 Kept \xC3\xA4 & b \n"
+              "account 0000             \n"
+              "[Kept \xC3\xA4 & b credit-0000150first one           ]\n"
+              "[Kept \xC3\xA4 & b credit+0000000                    ]\n"
+              "[            debit +0000700a purpose that is to]\n"
+              "status 10\n");
+
+    // The compiler's refusal is the command's.
+    write_file("wrong.cbl", "       IDENTIFICATION DIVISION.\n       NONSENSE.\n");
+    const Outcome refused = sxml({"cob", "wrong.cbl"});
+    EXPECT_NE(refused.status, 0);
+    EXPECT_NE(refused.err.find("wrong.cbl:2: error"), std::string::npos) << refused.err;
+    EXPECT_EQ(sxml({"cob"}).status, 2);
+}
+
 }  // namespace
