@@ -2,8 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <cctype>
-#include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -11,6 +9,7 @@
 
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document_check.h"
+#include "tools/sxml/document_input.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/field_text.h"
 #include "tools/sxml/input_records.h"
@@ -21,7 +20,6 @@
 #include "tools/sxml/record_store.h"
 #include "tools/sxml/record_translation.h"
 #include "tools/sxml/settings.h"
-#include "tools/sxml/temporary_file.h"
 
 namespace command {
 
@@ -41,41 +39,12 @@ const std::map<std::string, BufferFill> BUFFER_FILLS = {
 
 constexpr std::uint64_t RECORDS_BETWEEN_LOOKS = 1024;
 
-// The document as a file. Standard input is kept in a temporary file, since the document is looked
-// at more than once: for its encoding, for its records, and as a whole.
-class DocumentFile {
-  public:
-    explicit DocumentFile(const std::string& name) : name_(name), shown_name_(name) {
-        if (name == "-") {
-            shown_name_ = "standard input";
-            spool_.emplace(temporary_folder(), "document");
-            name_ = spool_->name();
-            copy_standard_input();
-        } else if (!std::filesystem::exists(name) && std::filesystem::exists(name + ".xml")) {
-            name_ += ".xml";
-            shown_name_ = name_;
-        }
-    }
-    const std::string& name() const { return name_; }
-    const std::string& shown_name() const { return shown_name_; }
-
-  private:
-    void copy_standard_input() const {
-        ByteSource input("-");
-        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name_.c_str(), "wb"),
-                                                                   std::fclose);
-        std::vector<std::uint8_t> piece(std::size_t{1} << 20);
-        for (std::size_t count = piece.size(); file && count == piece.size();) {
-            count = input.read(piece.data(), piece.size());
-            if (std::fwrite(piece.data(), 1, count, file.get()) != count) fail_file(name_, errno);
-        }
-        if (!file || std::fflush(file.get()) != 0) fail_file(name_, errno);
-    }
-
-    std::string name_;
-    std::string shown_name_;
-    std::optional<TemporaryFile> spool_;
-};
+// The module tries the name with ".xml" added, too.
+std::string existing_name(const std::string& name) {
+    const bool is_short =
+        name != "-" && !std::filesystem::exists(name) && std::filesystem::exists(name + ".xml");
+    return is_short ? name + ".xml" : name;
+}
 
 DocumentText document_text(const std::string& encoding) {
     std::string lower = encoding;
@@ -107,8 +76,8 @@ TextTranslation text_translation(FieldText& text, const CharacterSet& characters
 void convert_from_xml(const FromXmlOptions& options) {
     const host::Module module = load_module_for_input();
     apply_settings(options.layout.settings);
-    const DocumentFile document(options.xml);
-    const DocumentText text = document_text(declared_encoding(document.name()));
+    const DocumentInput document(existing_name(options.xml));
+    const DocumentText text = document_text(declared_encoding(document.file()));
     const CharacterSet characters = character_set(options, text);
     if (options.lines && characters.is_ebcdic()) {
         fail_usage("--line: records in " + characters.name() + " are of fixed length");
@@ -121,7 +90,7 @@ void convert_from_xml(const FromXmlOptions& options) {
     }
     records::bind_description(&description);
 
-    if (ByteSource(document.name()).is_same_file(options.records)) {
+    if (ByteSource(document.file()).is_same_file(options.records)) {
         fail_usage(options.records + ": the document and the records are one file");
     }
     RecordFields fields(description.xfd());
@@ -135,7 +104,7 @@ void convert_from_xml(const FromXmlOptions& options) {
     AtomicOutput output(options.records);
     RecordStore store(output, options.lines ? RecordFormat::lines : RecordFormat::fixed,
                       static_cast<std::size_t>(description.record_length()));
-    InputRecords records(module, document.name(), document.shown_name(), fields, buffer);
+    InputRecords records(module, document.file(), document.name(), fields, buffer);
     Progress progress(std::nullopt);
     while (records.next()) {
         const std::uint8_t* record = buffer.data();
@@ -146,7 +115,7 @@ void convert_from_xml(const FromXmlOptions& options) {
             }
             store.add(record);
         } catch (const Failure& failure) {
-            fail(document.shown_name() + ": record " + std::to_string(records.count()) + ": " +
+            fail(document.name() + ": record " + std::to_string(records.count()) + ": " +
                  failure.what());
         }
         if (records.count() % RECORDS_BETWEEN_LOOKS == 0) {
@@ -165,7 +134,9 @@ void add_from_xml_command(CLI::App& application) {
     CLI::App* command =
         application.add_subcommand("from-xml", "turn an XML document into a record file");
     auto options = std::make_shared<FromXmlOptions>();
-    command->add_option("XML", options->xml, "the document, - for standard input")
+    command
+        ->add_option("XML", options->xml,
+                     "the document: a file, an http: URL, - for standard input")
         ->required()
         ->option_text(" ");
     command

@@ -151,8 +151,12 @@ bool is_moved(const XmlHashEntry* entry) {
 
 bool make_record_index(RecordIndex& index, std::uint32_t record) {
     if (index.is_made) return true;
+    if (index.is_given_up) return false;
     const std::uint32_t count = count_elements(record);
-    if (!make_room(index, count)) return false;
+    if (!make_room(index, count)) {
+        index.is_given_up = true;
+        return false;
+    }
     std::uint32_t handle = record;
     for (std::uint32_t number = 0; number < count; ++number) {
         add_element(index, number, handle);

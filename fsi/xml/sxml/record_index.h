@@ -21,11 +21,13 @@ struct RecordIndex {
     std::uint32_t* heads;      // two hash tables of element numbers, counted from 1, 0 for none
     std::uint32_t capacity;    // of `elements`; each hash table has as many slots, a power of two
     bool is_made;
+    bool is_given_up;  // there was no room for it: this record is walked
 };
 
 // The record is about to change. The room is kept for the next one.
 inline void forget_record(RecordIndex& index) {
     index.is_made = false;
+    index.is_given_up = false;
 }
 
 // Makes the index of everything below and including `record`, unless it is made already. False when
