@@ -35,7 +35,7 @@ static int sum_records(const XmlApi* api, uint32_t parser, const char* name) {
     }
     printf("%ld records, sum of %s: %.2f\n", records, name, sum);
     fflush(stdout);
-    if (api->xml_parser_current(parser)) {
+    if (!api->xml_parser_root(parser) || api->xml_parser_current(parser)) {
         fprintf(stderr, "sum_field: after record %ld: %s\n", records,
                 *host_file_error() == 19 ? *host_error_text() : "the document is not complete");
         return 1;

@@ -59,9 +59,12 @@ bool add_attributes(const XmlParser& parser, std::uint32_t element, const char* 
     return true;
 }
 
-// Hands the comments kept so far to an element.
+// Hands the comments kept so far to an element, on lines of their own behind those it has.
 void give_comments(XmlParser& parser, std::uint32_t element) {
     if (!parser.pending_comments || !host_string_length(parser.pending_comments)) return;
+    std::uint64_t present = 0;
+    xml_element_comments(element, &present);
+    if (present > 0) xml_add_comment(element, "\n");
     xml_add_comment(element, host_string_text(parser.pending_comments));
     host_string_clear(parser.pending_comments);
 }
