@@ -164,8 +164,8 @@ int32_t xml_delete_pi(uint32_t parser, uint32_t index);
  * that is null, 0 when there is no text. */
 const char* xml_top_comments(uint32_t parser, uint64_t* length);
 
-/* Adds a text: in a document whose comments were read it is a comment of its own, else what is added
- * makes up one comment. 0 with XMLERR_NO_MEMORY. */
+/* Adds a text: in a document whose comments were read it is a comment of its own, else what is
+ * added makes up one comment. 0 with XMLERR_NO_MEMORY. */
 int32_t xml_add_top_comment(uint32_t parser, const char* text);
 void xml_clear_top_comments(uint32_t parser);
 

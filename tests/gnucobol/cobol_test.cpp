@@ -42,14 +42,7 @@ class CobolTest : public CommandTest {
         ASSERT_EQ(outcome.status, 0) << outcome.err;
     }
 
-    static Outcome run_program(const std::vector<std::string>& words) {
-        std::vector<std::string> all;
-#ifdef SXML_PRELOAD
-        all = {"env", "LD_PRELOAD=" SXML_PRELOAD, "ASAN_OPTIONS=detect_leaks=0"};
-#endif
-        all.insert(all.end(), words.begin(), words.end());
-        return run(all);
-    }
+    static Outcome run_program(const std::vector<std::string>& words) { return run(words); }
 
     // The files of these names are NAME.suffix from now on.
     void assign(const std::vector<std::string>& names, const std::string& suffix) {

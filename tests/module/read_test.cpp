@@ -219,9 +219,9 @@ TEST_F(ReadTest, NamesAreComparedAsConfigured) {
         EXPECT_EQ(records(builder.xfd(), "<f><r><g>" + tag + "</g></r></f>", 1)[0].record,
                   c.found ? "x" : ".")
             << c.element;
-        EXPECT_EQ(records(builder.xfd(), "<f><r><h>" + tag + "</h><g>" + tag + "</g></r></f>", 1)[0]
-                      .record,
-                  c.found_below ? "x" : ".")
+        std::string twice = "<f><r><h>";
+        twice.append(tag).append("</h><g>").append(tag).append("</g></r></f>");
+        EXPECT_EQ(records(builder.xfd(), twice, 1)[0].record, c.found_below ? "x" : ".")
             << c.element;
     }
     // Below a group's element, case makes no difference.

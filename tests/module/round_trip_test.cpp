@@ -72,8 +72,8 @@ TEST_F(RoundTripTest, RandomLayoutsComeBackByteForByte) {
         ASSERT_TRUE(source.has_value()) << copybook;
         auto description = records::compile_description(*source, {}, diagnostics);
         ASSERT_TRUE(description.has_value()) << copybook << diagnostics.text();
-        std::vector<std::string> originals;
-        for (int i = 0; i < 3; ++i) originals.push_back(random.record(*description));
+        std::vector<std::string> originals(3);
+        for (std::string& original : originals) original = random.record(*description);
         const std::vector<std::string> results = there_and_back(&description->xfd(), originals);
         ASSERT_EQ(results.size(), originals.size()) << "seed " << seed << "\n" << copybook;
         for (std::size_t i = 0; i < results.size(); ++i) {

@@ -105,8 +105,9 @@ std::string program_of(const std::string& records, const std::vector<Description
             }
             for (const bool last : {false, true}) {
                 const std::string item = probe.subscripted(last);
-                code += "    SET PROBE-A TO ADDRESS OF " + item + "\n    MOVE LENGTH OF " + item +
-                        " TO PROBE-L\n    PERFORM PROBE-SHOW\n";
+                code.append("    SET PROBE-A TO ADDRESS OF ").append(item);
+                code.append("\n    MOVE LENGTH OF ").append(item);
+                code.append(" TO PROBE-L\n    PERFORM PROBE-SHOW\n");
             }
         }
         code += "    CONTINUE.\n";
