@@ -199,7 +199,7 @@ TEST_F(Lookup, NamesWithTwoSuffixesKeepTheirOwnDescription) {
     const auto document = [&](const char* data_file) {
         const std::string name = (folder_ / data_file).string();
         Xfd* xfd = Q4ParseXFD(host_xfd_name(name.c_str()), 14, 30);
-        const std::string record = xfd != nullptr ? xfd->items[0].name : "none";
+        std::string record = xfd != nullptr ? xfd->items[0].name : "none";
         if (xfd != nullptr) Q4XFDFree(xfd);
         return record;
     };

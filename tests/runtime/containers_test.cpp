@@ -153,6 +153,8 @@ TEST_F(NameIndex, AClearedIndexIsFilledAgainWithoutAllocation) {
     HostNameIndex* index = make_index();
     std::vector<std::string> names;
     std::vector<Record> records;
+    names.reserve(1000);
+    records.reserve(1000);
     for (int i = 0; i < 1000; ++i) names.push_back("name" + std::to_string(i));
     for (int i = 0; i < 1000; ++i)
         records.push_back({i, names[static_cast<std::size_t>(i)].c_str()});

@@ -9,7 +9,7 @@
 
 namespace {
 
-using std::operator""sv;
+using namespace std::string_view_literals;
 
 HostTextSpan span_of(std::string_view text, std::int32_t encoding) {
     return {text.data(), text.size(), encoding};

@@ -228,7 +228,7 @@ TEST_F(Files, ItemsAreReadWholeHoweverTheInputIsCut) {
     std::string text;
     for (int i = 0; i < 40'000; ++i) text += std::to_string(i);
     write_file(name_, text);
-    for (const std::size_t limit : {0, 1, 7, 1000}) {
+    for (const std::size_t limit : {0U, 1U, 7U, 1000U}) {
         for (const std::size_t size : {std::size_t{1}, std::size_t{12}, std::size_t{100'000}}) {
             host::limit_read_size(limit);
             HostStream* stream = host_fopen(name_.c_str(), "r", 0);
