@@ -1,10 +1,10 @@
 // The XML declaration, the DOCTYPE declaration and the declarations in it. A text that cannot be
 // stored because memory is exhausted is left out; nothing is reported.
-#include <strings.h>
 
 #include <array>
 #include <cstring>
 
+#include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/handlers/content_model.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/trace_message.h"
@@ -30,9 +30,9 @@ constexpr std::array<NamedEncoding, 5> NAMED_ENCODINGS = {{{"utf-8", HOST_ENCODI
 // wider units a declaration without an order, or without a name, changes nothing.
 std::int32_t declared_encoding(std::int32_t detected, const char* name) {
     const bool wide = host_unit_width(detected) > 1;
-    if (name && !(wide && strcasecmp(name, "utf-16") == 0)) {
+    if (name && !(wide && equal_ignoring_case(name, "utf-16"))) {
         for (const NamedEncoding& entry : NAMED_ENCODINGS)
-            if (strcasecmp(name, entry.name) == 0) return entry.code;
+            if (equal_ignoring_case(name, entry.name)) return entry.code;
     }
     return wide ? detected : std::int32_t{HOST_ENCODING_NONE};
 }

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "fsi/xml/xml_api.h"
 #include "host/memory.h"
@@ -28,8 +29,8 @@ bool replace_text(char*& stored, const char* text) {
 
 // The code of an encoding that is set by its name.
 std::int32_t named_encoding(const char* name) {
-    if (strcasecmp(name, "utf-8") == 0) return HOST_ENCODING_UTF8;
-    if (strcasecmp(name, "utf-16be") == 0) return HOST_ENCODING_UTF16BE;
+    if (equal_ignoring_case(name, "utf-8")) return HOST_ENCODING_UTF8;
+    if (equal_ignoring_case(name, "utf-16be")) return HOST_ENCODING_UTF16BE;
     if (strncasecmp(name, "utf-16", std::strlen("utf-16")) == 0) return HOST_ENCODING_UTF16LE;
     return HOST_ENCODING_NONE;
 }

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/elements/element.h"
 #include "host/arrays.h"
 #include "host/strings.h"
@@ -83,6 +84,6 @@ const char* written_encoding(const XmlParser& parser) {
     // Only its maker knows what a document is in that was not read.
     if (!was_read) return usable ? name : "UTF-8";
     const char* actual = stores_latin1(parser) ? "ISO-8859-1" : "UTF-8";
-    if (strcasecmp(name ? name : "UTF-8", actual) == 0) return name;
+    if (equal_ignoring_case(name ? name : "UTF-8", actual)) return name;
     return usable && document_is_ascii(parser) ? name : actual;
 }

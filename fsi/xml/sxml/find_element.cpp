@@ -1,7 +1,6 @@
 #include "fsi/xml/sxml/find_element.h"
 
-#include <strings.h>
-
+#include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/handlers/element_hash.h"
 #include "fsi/xml/sxml/array_signature.h"
 #include "fsi/xml/sxml/record_index.h"
@@ -124,7 +123,7 @@ std::uint32_t ElementSearch::find_child(std::uint32_t parent, const XfdItem& ite
         if (++walked > WALK_LIMIT && use_index()) {
             return find_fitting_child(file_.input_items->record_index, parent, item);
         }
-        if (strcasecmp(xml_element_name(child), item.name) != 0) continue;
+        if (!equal_ignoring_case(xml_element_name(child), item.name)) continue;
         if (same_array_signature(child, item)) return child;
     }
     return 0;

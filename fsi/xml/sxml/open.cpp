@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/elements/text_output.h"
 #include "fsi/xml/sxml/dtd.h"
 #include "fsi/xml/sxml/entries.h"
@@ -31,9 +32,7 @@ bool ends_with_xml_suffix(std::string_view name) {
     if (name.size() < XML_SUFFIX.size()) return false;
     name.remove_prefix(name.size() - XML_SUFFIX.size());
     for (std::size_t i = 0; i < name.size(); ++i) {
-        const char lower =
-            name[i] >= 'A' && name[i] <= 'Z' ? static_cast<char>(name[i] + ' ') : name[i];
-        if (lower != XML_SUFFIX[i]) return false;
+        if (ascii_lower(name[i]) != XML_SUFFIX[i]) return false;
     }
     return true;
 }

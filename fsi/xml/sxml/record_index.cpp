@@ -1,11 +1,10 @@
 #include "fsi/xml/sxml/record_index.h"
 
-#include <strings.h>
-
 #include <bit>
 #include <cstring>
 #include <initializer_list>
 
+#include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/elements/element.h"
 #include "fsi/xml/elements/name_hash.h"
 #include "fsi/xml/sxml/array_signature.h"
@@ -30,8 +29,7 @@ class HashText {
   public:
     void add_name(const char* name, bool fold_case) {
         for (; *name != '\0' && used_ < XFD_ITEM_NAME_SIZE; ++name) {
-            const bool is_upper = fold_case && *name >= 'A' && *name <= 'Z';
-            bytes_[used_++] = is_upper ? static_cast<char>(*name + ('a' - 'A')) : *name;
+            bytes_[used_++] = fold_case ? ascii_lower(*name) : *name;
         }
     }
     void add_number(std::uint32_t number) {
@@ -197,7 +195,7 @@ std::uint32_t find_fitting_child(const RecordIndex& index, std::uint32_t parent,
         number = indexed.next[BY_PARENT];
         if (indexed.hashes[BY_PARENT] != hash) continue;
         if (element_of(indexed.element)->parent != parent) continue;
-        if (strcasecmp(xml_element_name(indexed.element), item.name) != 0) continue;
+        if (!equal_ignoring_case(xml_element_name(indexed.element), item.name)) continue;
         if (same_array_signature(indexed.element, item)) return indexed.element;
     }
     return 0;
