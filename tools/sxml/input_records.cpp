@@ -67,7 +67,7 @@ bool InputRecords::next() {
 }
 
 void InputRecords::finish() {
-    if (check_document(file_name_)) fail_document();
+    read_to_end();
     if (lost_numbers_ == 0) return;
     std::string text = std::to_string(lost_numbers_) + (lost_numbers_ == 1 ? " text" : " texts") +
                        " of numeric fields were no numbers or did not fit";
@@ -75,6 +75,18 @@ void InputRecords::finish() {
         text += "; the first " + std::to_string(NAMED_AT_MOST) + " are named above";
     }
     warn(shown_name_ + ": " + text);
+}
+
+// A read behind the last record reads on; at the end of the input it tells what is missing.
+void InputRecords::read_to_end() {
+    constexpr std::int32_t NOT_TOLD = -1;
+    const std::int16_t& code = *host_file_error();
+    std::int32_t& missing = *host_error_subcode();
+    do {
+        missing = NOT_TOLD;
+        module_.read(file_, buffer_.data());
+    } while (code == HOST_FILE_END && missing == NOT_TOLD);
+    if (code != HOST_FILE_END || missing != 0) fail_document();
 }
 
 void InputRecords::fail_document() const {

@@ -31,14 +31,15 @@ class InputRecords {
     bool next();
     // Records read so far.
     std::uint64_t count() const { return count_; }
-    // Looks at the document as a whole once more: what lies behind the last record, too, must be
-    // well-formed. Says how many numbers were lost. Throws Failure.
+    // Reads what lies behind the last record, which must be well-formed and complete, too. Says how
+    // many numbers were lost. Throws Failure.
     void finish();
 
   private:
     friend int test_input_condition(Xfd* xfd, int number, const void* record);
     friend int convert_input(XfdDataDesc* field, const XfdDataDesc* text, int mode);
 
+    void read_to_end();
     [[noreturn]] void fail_document() const;
     void report_number(const XfdDataDesc& field, const XfdDataDesc& text);
 

@@ -12,6 +12,10 @@ struct HashKey {
     std::uint64_t high;
 };
 
+// The hash key of this process: where the system put things is not known to those who write
+// documents.
+HashKey process_hash_key();
+
 class NameHash {
   public:
     explicit NameHash(HashKey key)

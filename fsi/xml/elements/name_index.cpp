@@ -34,22 +34,9 @@ NameSlot* slots_of(NameIndex& index) {
     return reinterpret_cast<NameSlot*>(&index + 1);
 }
 
-// The hash key of this process: where the system put things is not known to those who write
-// documents.
-HashKey process_key() {
-    static const char anchor = 0;
-    static HashKey key;
-    if (key.low == 0) {
-        const char on_stack = 0;
-        key.low = reinterpret_cast<std::uintptr_t>(&anchor) * 0x9E3779B97F4A7C15U | 1U;
-        key.high = reinterpret_cast<std::uintptr_t>(&on_stack) * 0xC2B2AE3D27D4EB4FU;
-    }
-    return key;
-}
-
 std::uint32_t hash_of(const XmlElement& element) {
-    return NameHash(process_key())(host_string_text(element.name),
-                                   host_string_length(element.name));
+    return NameHash(process_hash_key())(host_string_text(element.name),
+                                        host_string_length(element.name));
 }
 
 bool same_name(const XmlElement& element, std::uint32_t other) {

@@ -3,12 +3,8 @@
 #include <cstring>
 
 #include "fsi/xml/handlers/handlers.h"
+#include "fsi/xml/handlers/record_handlers.h"
 #include "host/memory.h"
-
-bool is_early(const XmlParser& parser) {
-    constexpr std::uint32_t both = XMLPS_STEPWISE | XMLPS_RECORD_ENDED;
-    return (parser.state & both) == both && parser.depth == 1;
-}
 
 // One block: the pointers to name, attribute names and values, a null pointer, then the texts.
 void keep_start(XmlParser& parser, const char* name, const char* const* attributes) {
@@ -40,8 +36,8 @@ bool replay_early_events(XmlParser& parser) {
     const bool ends = (parser.state & XMLPS_EARLY_END) != 0;
     parser.early_start = nullptr;
     parser.state &= ~std::uint32_t{XMLPS_EARLY_END | XMLPS_RECORD_ENDED};
-    if (start) start_element(parser.expat, start[0], start + 1);
-    if (ends) end_element(parser.expat, start ? start[0] : "");
+    if (start) (parser.record ? start_in_record : start_element)(parser.expat, start[0], start + 1);
+    if (ends) (parser.record ? end_in_record : end_element)(parser.expat, start ? start[0] : "");
     host_free(start, HANDLERS_SOURCE, __LINE__, 0);
     return start || ends;
 }

@@ -6,7 +6,10 @@
 #include "fsi/xml/handlers/xml_parser.h"
 
 // True for tags that arrive although the record that was asked for has ended.
-bool is_early(const XmlParser& parser);
+inline bool is_early(const XmlParser& parser) {
+    constexpr std::uint32_t both = XMLPS_STEPWISE | XMLPS_RECORD_ENDED;
+    return (parser.state & both) == both && parser.depth == 1;
+}
 
 // Keeps a start tag. Without memory for it the parse is stopped.
 void keep_start(XmlParser& parser, const char* name, const char* const* attributes);

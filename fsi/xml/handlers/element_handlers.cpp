@@ -21,18 +21,6 @@ void trace_start(const char* name, const char* const* attributes) {
         trace_message(0, 8, " '%s': '%s'", attributes[0], attributes[1]);
 }
 
-// The name under which an element is stored, in a tracked block; null when memory is exhausted.
-char* stored_name(const XmlParser& parser, const char* name) {
-    char* copy = host_strdup(name, HANDLERS_SOURCE, __LINE__);
-    if (!copy) return nullptr;
-    const std::uint32_t mode = parser.flags & XMLOPT_NAME_MODE;
-    if (mode == XML_NAME_LOWER_UNDERSCORE) host_convert_case(copy, -3, HOST_NAME_LOWER_CASE);
-    if (mode == XML_NAME_LOWER_UNDERSCORE || mode == XML_NAME_UNDERSCORE)
-        host_convert_case(copy, -3, HOST_NAME_UNDERSCORES);
-    if (stores_latin1(parser)) utf8_to_latin1(copy);
-    return copy;
-}
-
 // Creates the element that starts, below the innermost open one. 0 when memory is exhausted, and
 // also when somebody released the tree under the parser: a second tree would belong to nobody.
 std::uint32_t new_element(const XmlParser& parser, const char* name) {
@@ -67,12 +55,6 @@ void give_comments(XmlParser& parser, std::uint32_t element) {
     if (present > 0) xml_add_comment(element, "\n");
     xml_add_comment(element, host_string_text(parser.pending_comments));
     host_string_clear(parser.pending_comments);
-}
-
-// Lets the caller of the driver go on before Expat delivers more.
-void suspend(const XmlParser& parser) {
-    const std::uint32_t bits = parser.state & (XMLPS_STEPWISE | XMLPS_SUSPENDED);
-    if (bits == XMLPS_STEPWISE) XML_StopParser(parser.expat, XML_TRUE);
 }
 
 // Drops the white space around the data of the element that ends.
@@ -113,6 +95,22 @@ void start_failed(XmlParser& parser, char* name, const char* why) {
 }
 
 }  // namespace
+
+char* stored_name(const XmlParser& parser, const char* name) {
+    char* copy = host_strdup(name, HANDLERS_SOURCE, __LINE__);
+    if (!copy) return nullptr;
+    const std::uint32_t mode = parser.flags & XMLOPT_NAME_MODE;
+    if (mode == XML_NAME_LOWER_UNDERSCORE) host_convert_case(copy, -3, HOST_NAME_LOWER_CASE);
+    if (mode == XML_NAME_LOWER_UNDERSCORE || mode == XML_NAME_UNDERSCORE)
+        host_convert_case(copy, -3, HOST_NAME_UNDERSCORES);
+    if (stores_latin1(parser)) utf8_to_latin1(copy);
+    return copy;
+}
+
+void suspend(const XmlParser& parser) {
+    const std::uint32_t bits = parser.state & (XMLPS_STEPWISE | XMLPS_SUSPENDED);
+    if (bits == XMLPS_STEPWISE) XML_StopParser(parser.expat, XML_TRUE);
+}
 
 void stop_out_of_memory(XmlParser& parser) {
     *host_file_error() = HOST_FILE_NO_MEMORY;
@@ -164,6 +162,9 @@ void end_element(void* expat, const char* name) {
     --parser.depth;
     if (parser.depth == 1) {
         parser.state |= XMLPS_RECORD_ENDED;
+        suspend(parser);
+    } else if (parser.depth == 0 && !host_trace_on) {
+        // What follows the document element may be fed already.
         suspend(parser);
     }
     if (host_trace_on) host_trace(-1, 8, "Leaving");

@@ -16,6 +16,12 @@ inline XmlParser& parser_of(void* expat) {
 // delivers nothing more of the document.
 void stop_out_of_memory(XmlParser& parser);
 
+// Lets the caller of the driver go on before Expat delivers more.
+void suspend(const XmlParser& parser);
+
+// The name under which an element is stored, in a tracked block; null when memory is exhausted.
+char* stored_name(const XmlParser& parser, const char* name);
+
 // True once the parse was stopped: Expat may still deliver an event or two, which are ignored.
 inline bool stopped(const XmlParser& parser) {
     return (parser.state & XMLPS_OUT_OF_MEMORY) != 0;

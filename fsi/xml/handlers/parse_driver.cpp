@@ -41,15 +41,16 @@ void leave_out_of_memory() {
     leave("Leaving, out of memory");
 }
 
-void leave_at_end() {
+void leave_at_end(const XmlParser& parser) {
     *host_file_error() = HOST_FILE_END;
+    *host_error_subcode() = parser.missing;
     leave("Leaving, EOF");
 }
 
 // True when the parse is over for good; the outcome is then reported once more.
 bool is_over(XmlParser& parser) {
     if (!parser.expat)
-        leave_at_end();
+        leave_at_end(parser);
     else if (stopped(parser))
         leave_out_of_memory();
     else if (parser.state & XMLPS_FAILED)
@@ -81,9 +82,20 @@ bool feed(XmlParser& parser, std::size_t length) {
     return true;
 }
 
+// Keeps what Expat misses at the end of the input. False when it is memory or nothing.
+bool is_incomplete(XmlParser& parser, XML_Status status) {
+    const XML_Error code =
+        status == XML_STATUS_ERROR ? XML_GetErrorCode(parser.expat) : XML_ERROR_NONE;
+    if (code == XML_ERROR_NONE || code == XML_ERROR_NO_MEMORY) return false;
+    parser.missing = static_cast<std::int32_t>(code);
+    return true;
+}
+
 bool resume(XmlParser& parser) {
     parser.state &= ~std::uint32_t{XMLPS_SUSPENDED};
-    return accept(parser, XML_ResumeParser(parser.expat));
+    const XML_Status status = XML_ResumeParser(parser.expat);
+    const bool has_ended = (parser.state & XMLPS_INPUT_ENDED) && !stopped(parser);
+    return (has_ended && is_incomplete(parser, status)) || accept(parser, status);
 }
 
 // Bytes given to Expat that it has not used yet: the beginning of an unfinished token.
@@ -138,7 +150,7 @@ void finish(XmlParser& parser) {
     if (!(parser.state & XMLPS_INPUT_ENDED)) {
         const XML_Status status = XML_Parse(parser.expat, parser.buffer, 0, XML_TRUE);
         if (stopped(parser)) return leave_out_of_memory();
-        if (status == XML_STATUS_ERROR && XML_GetErrorCode(parser.expat) == XML_ERROR_NO_MEMORY)
+        if (!is_incomplete(parser, status) && status == XML_STATUS_ERROR)
             return report_parse_error(parser);
         parser.state |= XMLPS_INPUT_ENDED;
         if (status == XML_STATUS_SUSPENDED) {
@@ -146,7 +158,7 @@ void finish(XmlParser& parser) {
             return leave("Leaving");
         }
     }
-    leave_at_end();
+    leave_at_end(parser);
 }
 
 // The encoding of a document by its first bytes. What Expat takes for 16-bit units must be searched
@@ -171,6 +183,12 @@ HostTextSpan unread_span(XmlParser& parser) {
     return span;
 }
 
+// Expat suspends itself where a stepwise parser has to stop, so that all that is there can be fed;
+// the trace shows every tag by itself.
+bool feeds_freely(const XmlParser& parser) {
+    return (parser.state & XMLPS_STEPWISE) && !host_trace_on;
+}
+
 // Feeds the next piece of the buffer. `*at_gt` tells whether it ended in a `>`.
 bool feed_to_next_gt(XmlParser& parser, HostStream* stream, bool* at_gt) {
     const HostTextSpan span = unread_span(parser);
@@ -179,7 +197,7 @@ bool feed_to_next_gt(XmlParser& parser, HostStream* stream, bool* at_gt) {
     if (unused >= LONG_TOKEN)
         return feed_long_piece(parser, stream, std::min<std::size_t>(unused, MAX_PIECE));
 
-    const char* gt = host_span_find_char(&span, '>');
+    const char* gt = feeds_freely(parser) ? nullptr : host_span_find_char(&span, '>');
     std::size_t length = span.length;
     if (gt) {
         const auto width = static_cast<std::size_t>(host_unit_width(parser.input_encoding));
@@ -199,10 +217,7 @@ void parse_to_next_gt(XmlParser* parser, HostStream* stream) {
         if (accept(*parser, XML_STATUS_OK)) leave("Leaving");
         return;
     }
-    if (parser->state & XMLPS_SUSPENDED) {
-        if (resume(*parser)) leave("Leaving");
-        return;
-    }
+    if ((parser->state & XMLPS_SUSPENDED) && !resume(*parser)) return;
     bool at_gt = false;
     while (!at_gt && !(parser->state & XMLPS_SUSPENDED)) {
         if (parser->position == parser->end && !read_more(*parser, stream)) return finish(*parser);

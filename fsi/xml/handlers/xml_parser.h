@@ -50,6 +50,8 @@ struct XmlPi {
 };
 static_assert(sizeof(XmlPi) == 8);
 
+struct RecordTree;
+
 // A zero-filled record without an Expat parser stands for a document that is built in memory.
 // The parser owns everything it refers to except the bytes between `position` and `end`.
 struct XmlParser {
@@ -78,6 +80,9 @@ struct XmlParser {
     std::int32_t input_encoding;  // of the input being read: `encoding` as the document gave it
     std::uint64_t bytes_fed;      // input bytes given to Expat so far
     const char** early_start;     // a start tag was kept, see early_events.h; or null
+    std::int32_t missing;         // once the input has ended: Expat's code for what the document
+                                  // lacks, 0 when it is complete
+    RecordTree* record;           // see record_handlers.h; not owned, null most of the time
 };
 
 constexpr std::size_t XML_READ_SIZE = 32000;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "fsi/xml/elements/element.h"
 #include "fsi/xml/sxml/settings.h"
+#include "fsi/xml/xml_api.h"
 #include "host/trace.h"
 
 namespace {
@@ -31,11 +31,19 @@ class NumberList {
 };
 static_assert(XML_INDEX_LIMIT >= XFD_MAX_DIMENSIONS);
 
-void trace_comparison(std::uint32_t handle, const XmlElement& element, const XfdItem& item) {
-    const NumberList numbers(element.indices, element.last_index + 1);
+// The numbers of an element. None has more than elements can have.
+struct Numbers {
+    std::uint32_t values[XML_INDEX_LIMIT];
+    int count;
+};
+
+void trace_comparison(const RecordTree& tree, std::uint32_t element, const Numbers& found,
+                      const XfdItem& item) {
+    const NumberList numbers(found.values, found.count);
     const NumberList subscripts(item.subscripts, item.dimensions());
-    host_trace(1, 4, "same_array_signature for items %s%s and %s%s", xml_element_name(handle),
-               numbers.text(), item.name, subscripts.text());
+    host_trace(1, 4, "same_array_signature for items %s%s and %s%s",
+               name_text(tree.names, tree.elements[element].name), numbers.text(), item.name,
+               subscripts.text());
 }
 
 bool leave(bool result, const char* why) {
@@ -57,34 +65,38 @@ bool fits_without_numbers(const XfdItem& item) {
 }
 
 // Fewer numbers than subscripts: a table level with a single element gave no number.
-bool fits_with_gaps(const XmlElement& element, const XfdItem& item) {
-    const int count = element.last_index + 1;
+bool fits_with_gaps(const Numbers& numbers, const XfdItem& item) {
     int matched = 0;
     for (int i = 0; i < item.dimensions(); ++i) {
-        if (matched < count && equals(item.subscripts[i], element.indices[matched])) {
+        if (matched < numbers.count && equals(item.subscripts[i], numbers.values[matched])) {
             ++matched;
         } else if (item.subscripts[i] != 1) {
             return leave(false, "Leaving, FALSE 2");
         }
     }
     // The trace knows no line for numbers that are left over.
-    return matched == count && leave(true, "Leaving, TRUE");
+    return matched == numbers.count && leave(true, "Leaving, TRUE");
 }
 
 }  // namespace
 
-bool same_array_signature(std::uint32_t handle, const XfdItem& item) {
-    const XmlElement& element = *element_of(handle);
-    if (host_trace_on != 0) trace_comparison(handle, element, item);
-    const int count = element.last_index + 1;
+bool same_array_signature(const RecordTree& tree, std::uint32_t element, const XfdItem& item) {
     const int dimensions = item.dimensions();
-    if (count == 0) return fits_without_numbers(item);
-    if (dimensions == count) {
+    const RecordElement& found = tree.elements[element];
+    if (host_trace_on == 0 && dimensions == 1 && found.number_count == 1) {
+        // A simple table: there is nothing to gather.
+        return equals(item.subscripts[0], tree.elements[found.numbered].number);
+    }
+    Numbers numbers;
+    numbers.count = occurrence_numbers(tree, element, numbers.values);
+    if (host_trace_on != 0) trace_comparison(tree, element, numbers, item);
+    if (numbers.count == 0) return fits_without_numbers(item);
+    if (dimensions == numbers.count) {
         const bool same =
-            std::equal(item.subscripts, item.subscripts + dimensions, element.indices, equals);
+            std::equal(item.subscripts, item.subscripts + dimensions, numbers.values, equals);
         return leave(same, same ? "Leaving, TRUE" : "Leaving, FALSE 1");
     }
     if (settings::exact_table_match()) return leave(false, "Leaving, exact match required");
-    if (dimensions < count) return leave(false, "Leaving, FALSE - too many XML indices");
-    return fits_with_gaps(element, item);
+    if (dimensions < numbers.count) return leave(false, "Leaving, FALSE - too many XML indices");
+    return fits_with_gaps(numbers, item);
 }

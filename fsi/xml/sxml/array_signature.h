@@ -4,10 +4,11 @@
 
 #include <cstdint>
 
+#include "fsi/xml/handlers/record_tree.h"
 #include "host/record_description.h"
 
-// True when the occurrence numbers of `element` (a live handle) fit the subscripts of `item`. They
-// fit when both are the same; an element without numbers fits subscripts that are all 1. Without
-// exact table match, an element also fits that lacks the number of a dimension whose subscript is
-// 1.
-bool same_array_signature(std::uint32_t element, const XfdItem& item);
+// True when the occurrence numbers of an element (which have been made) fit the subscripts of
+// `item`. They fit when both are the same; an element without numbers fits subscripts that are
+// all 1. Without exact table match, an element also fits that lacks the number of a dimension whose
+// subscript is 1.
+bool same_array_signature(const RecordTree& tree, std::uint32_t element, const XfdItem& item);

@@ -1,11 +1,8 @@
 #include "fsi/xml/sxml/find_element.h"
 
 #include "fsi/xml/elements/ascii_case.h"
-#include "fsi/xml/handlers/element_hash.h"
 #include "fsi/xml/sxml/array_signature.h"
 #include "fsi/xml/sxml/record_index.h"
-#include "fsi/xml/xml_api.h"
-#include "host/name_index.h"
 #include "host/trace.h"
 
 namespace {
@@ -34,7 +31,8 @@ constexpr int MOST_REPEATS = 10'000;
 
 class ElementSearch {
   public:
-    ElementSearch(const XmlFile& file, std::int32_t index) : file_(file), items_(file.xfd->items) {
+    ElementSearch(const XmlFile& file, std::int32_t index)
+        : input_(*file.input_items), tree_(input_.tree), items_(file.xfd->items) {
         add_step(index);
     }
     std::uint32_t run();
@@ -42,29 +40,28 @@ class ElementSearch {
   private:
     // Each of these tells whether the outcome of step `at` is known by now.
     bool start(std::int32_t at);
-    bool choose(std::int32_t at, const XmlHashEntry* first);
+    bool choose(std::int32_t at, std::uint32_t first);
     bool look_further(std::int32_t& at);
     bool take_enclosing(std::int32_t at, std::uint32_t element);
     bool finish(std::int32_t at, std::uint32_t element, const char* why);
 
-    FittingElements count_fitting(const XmlHashEntry* first, const XfdItem& item);
-    std::uint32_t find_child(std::uint32_t parent, const XfdItem& item);
+    FittingElements count_fitting(std::uint32_t first, std::int32_t index);
+    std::uint32_t find_child(std::uint32_t parent, std::int32_t index);
 
     const XfdItem& item_of(std::int32_t at) const { return items_[steps[at].item]; }
     void add_step(std::int32_t item) { steps[step_count_++] = {item, -1, 0, 0, false}; }
     bool reach(std::int32_t at);
     bool use_index();
 
-    const XmlFile& file_;
+    InputItems& input_;
+    RecordTree& tree_;
     const XfdItem* items_;
     std::int32_t step_count_ = 0;
     int repeats_left_ = MOST_REPEATS;
 };
 
 bool ElementSearch::use_index() {
-    if (host_trace_on != 0) return false;
-    const std::uint32_t record = xml_first_child(xml_parser_root(file_.parser));
-    return make_record_index(file_.input_items->record_index, record);
+    return host_trace_on == 0 && make_record_index(input_.record_index, tree_);
 }
 
 bool ElementSearch::finish(std::int32_t at, std::uint32_t element, const char* why) {
@@ -74,57 +71,57 @@ bool ElementSearch::finish(std::int32_t at, std::uint32_t element, const char* w
     return true;
 }
 
-bool is_moved(const XmlHashEntry& entry) {
-    return (entry.used & 1) != 0;
-}
-
 bool ElementSearch::start(std::int32_t at) {
     const XfdItem& item = item_of(at);
     steps[at].next = at + 1;
     if (host_trace_on != 0) host_trace(1, 3, "find_element %d (%s)", steps[at].item, item.name);
-    const auto* const entry = static_cast<const XmlHashEntry*>(
-        host_hash_find(xml_parser_element_hash(file_.parser), item.name));
-    if (entry == nullptr) return finish(at, 0, "Leaving, no such element");
-    if (entry->next != nullptr) return choose(at, entry);
-    const bool moved = is_moved(*entry);
+    const std::uint32_t number = first_element_of(tree_, input_.names[steps[at].item]);
+    if (number == 0) return finish(at, 0, "Leaving, no such element");
+    const RecordElement& element = tree_.elements[number];
+    if (element.next_of_name != 0) return choose(at, number);
+    const bool moved = element.is_moved;
     if (item.dimensions() != 0) {
         return moved ? finish(at, 0, "Leaving, only one element, but already moved")
-                     : finish(at, entry->element, "Leaving, found an element");
+                     : finish(at, number, "Leaving, found an element");
     }
     return moved ? finish(at, 0, "Leaving, only one element, not a table, but already moved")
-                 : finish(at, entry->element, "Leaving, only one element, not a table");
+                 : finish(at, number, "Leaving, only one element, not a table");
 }
 
-bool ElementSearch::choose(std::int32_t at, const XmlHashEntry* first) {
-    const FittingElements fitting = count_fitting(first, item_of(at));
+bool ElementSearch::choose(std::int32_t at, std::uint32_t first) {
+    number_elements(tree_);
+    const FittingElements fitting = count_fitting(first, steps[at].item);
     if (fitting.count != 1) return false;
-    return finish(at, fitting.any->element, "Leaving, returning pTarget because count == 1");
+    return finish(at, fitting.any, "Leaving, returning pTarget because count == 1");
 }
 
 // Whether there are two or more makes no difference; the trace shows every comparison.
-FittingElements ElementSearch::count_fitting(const XmlHashEntry* first, const XfdItem& item) {
-    FittingElements found = {0, nullptr};
+FittingElements ElementSearch::count_fitting(std::uint32_t first, std::int32_t index) {
+    const XfdItem& item = items_[index];
+    FittingElements found = {0, 0};
     int walked = 0;
-    for (const XmlHashEntry* entry = first; entry != nullptr; entry = entry->next) {
+    for (std::uint32_t at = first; at != 0; at = tree_.elements[at].next_of_name) {
         if (++walked > WALK_LIMIT && use_index()) {
-            return find_fitting(file_.input_items->record_index, item);
+            return find_fitting(input_.record_index, tree_, input_.names[index], item);
         }
-        if (is_moved(*entry) || !same_array_signature(entry->element, item)) continue;
-        found = {found.count + 1, entry};
+        if (tree_.elements[at].is_moved || !same_array_signature(tree_, at, item)) continue;
+        found = {found.count + 1, at};
         if (found.count > 1 && host_trace_on == 0) break;
     }
     return found;
 }
 
-std::uint32_t ElementSearch::find_child(std::uint32_t parent, const XfdItem& item) {
+std::uint32_t ElementSearch::find_child(std::uint32_t parent, std::int32_t index) {
+    const XfdItem& item = items_[index];
     int walked = 0;
-    for (std::uint32_t child = xml_first_child(parent); child != 0;
-         child = xml_next_sibling(child)) {
+    for (std::uint32_t child = tree_.elements[parent].first_child; child != 0;
+         child = tree_.elements[child].next_sibling) {
         if (++walked > WALK_LIMIT && use_index()) {
-            return find_fitting_child(file_.input_items->record_index, parent, item);
+            return find_fitting_child(input_.record_index, tree_, parent, item);
         }
-        if (!equal_ignoring_case(xml_element_name(child), item.name)) continue;
-        if (same_array_signature(child, item)) return child;
+        const char* const name = name_text(tree_.names, tree_.elements[child].name);
+        if (!equal_ignoring_case(name, item.name)) continue;
+        if (same_array_signature(tree_, child, item)) return child;
     }
     return 0;
 }
@@ -132,14 +129,14 @@ std::uint32_t ElementSearch::find_child(std::uint32_t parent, const XfdItem& ite
 // `element`: of a group around the item; 0 when that group has none.
 bool ElementSearch::take_enclosing(std::int32_t at, std::uint32_t element) {
     if (element == 0) return false;
-    const std::uint32_t child = find_child(element, item_of(at));
+    const std::uint32_t child = find_child(element, steps[at].item);
     return finish(at, child,
                   child != 0 ? "Leaving, found an element" : "Leaving, returning H_NULL");
 }
 
 bool ElementSearch::reach(std::int32_t at) {
     if (at < step_count_) return true;
-    const std::int32_t group = file_.input_items->enclosing[steps[at - 1].item];
+    const std::int32_t group = input_.enclosing[steps[at - 1].item];
     if (group < 0) return false;
     add_step(group);
     return true;
@@ -177,5 +174,13 @@ std::uint32_t ElementSearch::run() {
 }  // namespace
 
 std::uint32_t find_element(const XmlFile& file, std::int32_t index) {
+    const InputItems& input = *file.input_items;
+    const std::uint32_t first = first_element_of(input.tree, input.names[index]);
+    if (host_trace_on == 0) {
+        // Most often there is one element of the name, and nothing to search.
+        if (first == 0) return 0;
+        const RecordElement& element = input.tree.elements[first];
+        if (element.next_of_name == 0) return element.is_moved ? 0 : first;
+    }
     return ElementSearch(file, index).run();
 }

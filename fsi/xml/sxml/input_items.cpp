@@ -1,6 +1,7 @@
 #include "fsi/xml/sxml/input_items.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "fsi/xml/sxml/items.h"
 #include "fsi/xml/sxml/source.h"
@@ -36,16 +37,34 @@ std::int32_t order_fields(const Xfd& xfd, std::int32_t* fields) {
     return count;
 }
 
+bool number_names(const Xfd& xfd, RecordNames& names, std::uint32_t* numbers) {
+    for (const bool groups : {false, true}) {
+        for (std::int32_t i = 0; i < xfd.item_count; ++i) {
+            const XfdItem& item = xfd.items[i];
+            if (is_group(item) != groups) continue;
+            numbers[i] = add_item_name(names, item.name, !groups);
+            if (numbers[i] == 0) return false;
+        }
+    }
+    keep_item_names(names);
+    return true;
+}
+
 }  // namespace
 
 InputItems* new_input_items(const Xfd& xfd) {
     const auto count = static_cast<std::size_t>(xfd.item_count);
-    void* const block = host_alloc(sizeof(InputItems) + 2 * count * sizeof(std::int32_t),
+    void* const block = host_alloc(sizeof(InputItems) + 3 * count * sizeof(std::int32_t),
                                    HOST_BLOCK_ZEROED, SXML_SOURCE, __LINE__, "XML input items", 0);
     auto* const items = static_cast<InputItems*>(block);
     if (items == nullptr) return nullptr;
     items->enclosing = reinterpret_cast<std::int32_t*>(items + 1);
     items->fields = items->enclosing + count;
+    items->names = reinterpret_cast<std::uint32_t*>(items->fields + count);
+    if (!number_names(xfd, items->tree.names, items->names)) {
+        free_input_items(items);
+        return nullptr;
+    }
     find_enclosing(xfd, items->enclosing);
     items->field_count = order_fields(xfd, items->fields);
     return items;
@@ -53,5 +72,6 @@ InputItems* new_input_items(const Xfd& xfd) {
 
 void free_input_items(InputItems* items) {
     free_record_index(items->record_index);
+    free_record_tree(items->tree);
     host_free(items, SXML_SOURCE, __LINE__, 0);
 }

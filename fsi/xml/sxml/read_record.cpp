@@ -1,8 +1,12 @@
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <limits>
 
+#include "fsi/xml/handlers/record_handlers.h"
+#include "fsi/xml/parsexml/parser_handle.h"
 #include "fsi/xml/sxml/array_signature.h"
+#include "fsi/xml/sxml/copy_record.h"
 #include "fsi/xml/sxml/entries.h"
 #include "fsi/xml/sxml/find_element.h"
 #include "fsi/xml/sxml/host_functions.h"
@@ -31,9 +35,23 @@ bool lies_in_record(const XfdItem& field) {
            field.offset < std::numeric_limits<std::int32_t>::max() - field.data.length;
 }
 
-void mark_moved(std::uint32_t element) {
-    auto* const entry = static_cast<XmlHashEntry*>(xml_get_user_data(element));
-    if (entry != nullptr) entry->used |= 1;
+// False when the element has no text. Without memory for it the file error code is set.
+bool find_text(const XmlFile& file, std::uint32_t element, const char** text, std::size_t* length) {
+    InputItems& items = *file.input_items;
+    const RecordText result =
+        get_record_text(items.tree, element, items.text_encoding, text, length);
+    if (result == RecordText::NO_MEMORY) *host_file_error() = HOST_FILE_NO_MEMORY;
+    return result == RecordText::FOUND;
+}
+
+// While nothing is traced, the setting is asked for where it makes a difference only.
+bool fits(RecordTree& tree, std::uint32_t element, const XfdItem& field) {
+    if (host_trace_on != 0 && !settings::exact_table_match()) return true;
+    number_elements(tree);
+    const bool no_tables = field.dimensions() == 0 && tree.elements[element].number_count == 0;
+    if (no_tables && host_trace_on == 0) return true;
+    if (same_array_signature(tree, element, field)) return true;
+    return host_trace_on == 0 && !settings::exact_table_match();
 }
 
 void move_number(XfdItem& field, char* target, const char* text, std::uint64_t length) {
@@ -58,15 +76,20 @@ void move_characters(const XfdItem& field, char* target, const char* text, std::
 std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record) {
     XfdItem& field = file.xfd->items[index];
     if (host_trace_on != 0) host_trace(1, 2, "read_xml_data %d (%s)", index, field.name);
+    RecordTree& tree = file.input_items->tree;
     const std::uint32_t element = find_element(file, index);
-    std::uint64_t length = 0;
-    const char* const text = element != 0 ? xml_element_value(element, &length) : nullptr;
-    if (text == nullptr || !lies_in_record(field)) return leave_without_data("Leaving, no data");
-    if (settings::exact_table_match() && !same_array_signature(element, field)) {
+    const char* text = nullptr;
+    std::size_t length = 0;
+    if (element == 0 || !find_text(file, element, &text, &length) || !lies_in_record(field)) {
+        return leave_without_data("Leaving, no data");
+    }
+    if (!fits(tree, element, field)) {
         return leave_without_data("Leaving, no data (bad array)");
     }
-    mark_moved(element);
-    if (host_trace_on != 0) host_trace(0, 10, "%s", text);
+    tree.elements[element].is_moved = true;
+    if (host_trace_on != 0) {
+        host_trace(0, 10, "%.*s", static_cast<int>(std::min<std::size_t>(length, INT_MAX)), text);
+    }
     char* const target = record + field.offset;
     if (is_numeric_type(field.data.type)) {
         move_number(field, target, text, length);
@@ -101,6 +124,28 @@ void dump_record(const XmlFile& file) {
                       0);
 }
 
+// Parses the next record into the tree. While anything is traced, the record is made of elements as
+// the parser API makes them, and copied. False when there is no next record.
+bool parse_record(const XmlFile& file) {
+    RecordTree& tree = file.input_items->tree;
+    clear_record(tree);
+    forget_record(file.input_items->record_index);
+    const bool traced = host_trace_on != 0;
+    XmlParser& parser = *lookup_parser(file.parser);
+    deliver_records(parser, traced ? nullptr : &tree);
+    if (SxmlParser_parse_record(file.parser) == 0) return false;
+    file.input_items->text_encoding = text_encoding(parser);
+    if (host_trace_on > DUMP_ABOVE) dump_record(file);
+    if (!traced) return true;
+    // Where the document ends inside a record, the innermost open element is not the document
+    // element but one of those that go.
+    const std::uint32_t record = xml_first_child(xml_parser_root(file.parser));
+    const bool copied = record == 0 || copy_record(tree, record);
+    xml_free_element(record);
+    if (!copied) *host_file_error() = HOST_FILE_NO_MEMORY;
+    return copied;
+}
+
 }  // namespace
 
 int xml_sread(XmlFile* file, void* record) {
@@ -110,16 +155,11 @@ int xml_sread(XmlFile* file, void* record) {
         return 0;
     }
     if (host_trace_on != 0) host_trace(1, 1, "xml_sread");
-    if (SxmlParser_parse_record(file->parser) == 0) {
+    if (!parse_record(*file)) {
         if (host_trace_on != 0) host_trace(-1, 1, "Leaving, SxmlParser_parse_record");
         return 0;
     }
-    if (host_trace_on > DUMP_ABOVE) dump_record(*file);
-    forget_record(file->input_items->record_index);
     const std::int32_t best = fill_record(*file, static_cast<char*>(record));
-    // Where the document ends inside a record, the innermost open element is not the document
-    // element but one of those that go.
-    xml_free_element(xml_first_child(xml_parser_root(file->parser)));
     if (host_trace_on != 0) host_trace(-1, 1, "Leaving, %d", best + 1);
     return best + 1;
 }

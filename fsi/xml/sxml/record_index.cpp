@@ -5,16 +5,15 @@
 #include <initializer_list>
 
 #include "fsi/xml/elements/ascii_case.h"
-#include "fsi/xml/elements/element.h"
 #include "fsi/xml/elements/name_hash.h"
 #include "fsi/xml/sxml/array_signature.h"
 #include "fsi/xml/sxml/source.h"
+#include "fsi/xml/xml_api.h"
 #include "host/memory.h"
 
 struct IndexedElement {
-    std::uint32_t element;
     std::uint32_t hashes[2];  // in the two tables
-    std::uint32_t next[2];    // the next one in the same slot of a table, counted from 1
+    std::uint32_t next[2];    // the next one in the same slot of a table
 };
 
 namespace {
@@ -27,9 +26,9 @@ constexpr std::uint32_t MOST_ELEMENTS = std::uint32_t{1} << 26U;
 // The bytes that a hash is made of. Longer names than an item can have are never looked for.
 class HashText {
   public:
-    void add_name(const char* name, bool fold_case) {
+    void add_folded(const char* name) {
         for (; *name != '\0' && used_ < XFD_ITEM_NAME_SIZE; ++name) {
-            bytes_[used_++] = fold_case ? ascii_lower(*name) : *name;
+            bytes_[used_++] = ascii_lower(*name);
         }
     }
     void add_number(std::uint32_t number) {
@@ -42,13 +41,7 @@ class HashText {
             if (numbers[i] > 1) add_number(static_cast<std::uint32_t>(numbers[i]));
         }
     }
-    std::uint32_t hash() const {
-        // Where the system put things is not known to those who write documents.
-        static const char anchor = 0;
-        const auto place = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&anchor));
-        const HashKey key = {place * 0x9E3779B97F4A7C15U, place * 0xC2B2AE3D27D4EB4FU + 1};
-        return NameHash(key)(bytes_, used_);
-    }
+    std::uint32_t hash() const { return NameHash(process_hash_key())(bytes_, used_); }
 
   private:
     std::size_t used_ = 0;
@@ -56,9 +49,9 @@ class HashText {
 };
 
 template <typename Number>
-std::uint32_t hash_by_name(const char* name, const Number* numbers, int count) {
+std::uint32_t hash_by_name(std::uint32_t name, const Number* numbers, int count) {
     HashText text;
-    text.add_name(name, false);
+    text.add_number(name);
     text.add_occurrence(numbers, count);
     return text.hash();
 }
@@ -67,31 +60,10 @@ template <typename Number>
 std::uint32_t hash_by_parent(std::uint32_t parent, const char* name, const Number* numbers,
                              int count) {
     HashText text;
-    text.add_name(name, true);
+    text.add_folded(name);
     text.add_number(parent);
     text.add_occurrence(numbers, count);
     return text.hash();
-}
-
-// The entry after `element` in document order, below and including `record`.
-std::uint32_t next_in_record(std::uint32_t record, std::uint32_t handle) {
-    const XmlElement* element = element_of(handle);
-    if (const HostListNode* const child = first_child_node(*element)) return child->value;
-    while (handle != record) {
-        if (element->sibling_node->next != nullptr) return element->sibling_node->next->value;
-        handle = element->parent;
-        element = element_of(handle);
-    }
-    return 0;
-}
-
-std::uint32_t count_elements(std::uint32_t record) {
-    std::uint32_t count = 0;
-    for (std::uint32_t at = record; at != 0 && count < MOST_ELEMENTS;) {
-        ++count;
-        at = next_in_record(record, at);
-    }
-    return count;
 }
 
 std::uint32_t& head_of(const RecordIndex& index, Table table, std::uint32_t hash) {
@@ -114,13 +86,13 @@ bool make_room(RecordIndex& index, std::uint32_t count) {
     return true;
 }
 
-void add_element(RecordIndex& index, std::uint32_t number, std::uint32_t handle) {
-    const XmlElement& element = *element_of(handle);
-    const char* const name = xml_element_name(handle);
-    const int count = element.last_index + 1;
-    index.elements[number] = {handle,
-                              {hash_by_name(name, element.indices, count),
-                               hash_by_parent(element.parent, name, element.indices, count)},
+void add_element(RecordIndex& index, const RecordTree& tree, std::uint32_t number) {
+    const RecordElement& element = tree.elements[number];
+    std::uint32_t numbers[XML_INDEX_LIMIT];
+    const int count = occurrence_numbers(tree, number, numbers);
+    const char* const name = name_text(tree.names, element.name);
+    index.elements[number] = {{hash_by_name(element.name, numbers, count),
+                               hash_by_parent(element.parent, name, numbers, count)},
                               {}};
 }
 
@@ -128,7 +100,7 @@ void add_element(RecordIndex& index, std::uint32_t number, std::uint32_t handle)
 void fill_slots(RecordIndex& index, std::uint32_t count) {
     std::memset(index.heads, 0, TABLE_COUNT * std::size_t{index.capacity} * sizeof *index.heads);
     for (std::uint32_t number = count; number > 0; --number) {
-        IndexedElement& indexed = index.elements[number - 1];
+        IndexedElement& indexed = index.elements[number];
         for (const Table table : {BY_NAME, BY_PARENT}) {
             std::uint32_t& head = head_of(index, table, indexed.hashes[table]);
             indexed.next[table] = head;
@@ -137,66 +109,56 @@ void fill_slots(RecordIndex& index, std::uint32_t count) {
     }
 }
 
-const XmlHashEntry* entry_of(std::uint32_t element) {
-    return static_cast<const XmlHashEntry*>(xml_get_user_data(element));
-}
-
-bool is_moved(const XmlHashEntry* entry) {
-    return entry == nullptr || (entry->used & 1) != 0;
-}
-
 }  // namespace
 
-bool make_record_index(RecordIndex& index, std::uint32_t record) {
+bool make_record_index(RecordIndex& index, const RecordTree& tree) {
     if (index.is_made) return true;
     if (index.is_given_up) return false;
-    const std::uint32_t count = count_elements(record);
-    if (!make_room(index, count)) {
+    if (!make_room(index, tree.last_element + 1)) {
         index.is_given_up = true;
         return false;
     }
-    std::uint32_t handle = record;
-    for (std::uint32_t number = 0; number < count; ++number) {
-        add_element(index, number, handle);
-        handle = next_in_record(record, handle);
+    for (std::uint32_t number = 1; number <= tree.last_element; ++number) {
+        add_element(index, tree, number);
     }
-    fill_slots(index, count);
+    fill_slots(index, tree.last_element);
     index.is_made = true;
     return true;
 }
 
 // Moved elements are taken out on the way: they stay moved as long as the index lives. So elements
 // that all fit one item are not passed over again and again.
-FittingElements find_fitting(RecordIndex& index, const XfdItem& item) {
-    FittingElements found = {0, nullptr};
-    const std::uint32_t hash = hash_by_name(item.name, item.subscripts, item.dimensions());
+FittingElements find_fitting(RecordIndex& index, const RecordTree& tree, std::uint32_t name,
+                             const XfdItem& item) {
+    FittingElements found = {0, 0};
+    const std::uint32_t hash = hash_by_name(name, item.subscripts, item.dimensions());
     std::uint32_t* link = &head_of(index, BY_NAME, hash);
     while (*link != 0 && found.count < 2) {
-        IndexedElement& indexed = index.elements[*link - 1];
-        const XmlHashEntry* const entry = entry_of(indexed.element);
-        if (is_moved(entry)) {
+        const std::uint32_t number = *link;
+        IndexedElement& indexed = index.elements[number];
+        const RecordElement& element = tree.elements[number];
+        if (element.is_moved) {
             *link = indexed.next[BY_NAME];
             continue;
         }
         link = &indexed.next[BY_NAME];
-        if (indexed.hashes[BY_NAME] != hash || std::strcmp(entry->name, item.name) != 0) continue;
-        if (!same_array_signature(indexed.element, item)) continue;
-        found = {found.count + 1, entry};
+        if (indexed.hashes[BY_NAME] != hash || element.name != name) continue;
+        if (!same_array_signature(tree, number, item)) continue;
+        found = {found.count + 1, number};
     }
     return found;
 }
 
-std::uint32_t find_fitting_child(const RecordIndex& index, std::uint32_t parent,
-                                 const XfdItem& item) {
+std::uint32_t find_fitting_child(const RecordIndex& index, const RecordTree& tree,
+                                 std::uint32_t parent, const XfdItem& item) {
     const std::uint32_t hash =
         hash_by_parent(parent, item.name, item.subscripts, item.dimensions());
-    for (std::uint32_t number = head_of(index, BY_PARENT, hash); number != 0;) {
-        const IndexedElement& indexed = index.elements[number - 1];
-        number = indexed.next[BY_PARENT];
-        if (indexed.hashes[BY_PARENT] != hash) continue;
-        if (element_of(indexed.element)->parent != parent) continue;
-        if (!equal_ignoring_case(xml_element_name(indexed.element), item.name)) continue;
-        if (same_array_signature(indexed.element, item)) return indexed.element;
+    for (std::uint32_t number = head_of(index, BY_PARENT, hash); number != 0;
+         number = index.elements[number].next[BY_PARENT]) {
+        const RecordElement& element = tree.elements[number];
+        if (index.elements[number].hashes[BY_PARENT] != hash || element.parent != parent) continue;
+        if (!equal_ignoring_case(name_text(tree.names, element.name), item.name)) continue;
+        if (same_array_signature(tree, number, item)) return number;
     }
     return 0;
 }

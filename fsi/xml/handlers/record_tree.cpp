@@ -1,0 +1,202 @@
+#include "fsi/xml/handlers/record_tree.h"
+
+#include <cstring>
+
+#include "fsi/xml/handlers/make_room.h"
+#include "host/encoding.h"
+
+namespace {
+
+// The name's entry, ready for this record.
+RecordName& name_in_record(RecordTree& tree, std::uint32_t number) {
+    RecordName& name = tree.names.names[number];
+    if (name.record != tree.record) {
+        name.record = tree.record;
+        name.first = name.last = name.sibling = 0;
+    }
+    return name;
+}
+
+// Numbers a new child, whose parent is the innermost open element. RecordName::sibling tells the
+// sibling before it, unless that is an element elsewhere: then the child is the first of its kind,
+// and what it hides shows again when the parent ends.
+void number_among_siblings(RecordTree& tree, RecordName& name, std::uint32_t number) {
+    RecordElement& element = tree.elements[number];
+    RecordElement* const sibling = name.sibling ? &tree.elements[name.sibling] : nullptr;
+    if (sibling && sibling->parent == element.parent) {
+        if (sibling->number == 0) sibling->number = 1;
+        element.number = sibling->number + 1;
+        tree.has_numbers = true;
+    } else {
+        RecordElement& parent = tree.elements[element.parent];
+        element.outer_sibling = name.sibling;
+        element.next_of_kind = parent.first_of_kind;
+        parent.first_of_kind = number;
+    }
+    name.sibling = number;
+}
+
+void link_child(RecordTree& tree, std::uint32_t number) {
+    RecordElement& parent = tree.elements[tree.current];
+    if (parent.last_child)
+        tree.elements[parent.last_child].next_sibling = number;
+    else
+        parent.first_child = number;
+    parent.last_child = number;
+}
+
+bool is_white_space(char byte) {
+    return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
+}
+
+void trim(std::int32_t encoding, const char** text, std::size_t* length) {
+    const bool is_trim =
+        *length == 0 || (!is_white_space(**text) && !is_white_space((*text)[*length - 1]));
+    if (is_trim) return;
+    const HostTextSpan span{*text, *length, encoding};
+    std::uint64_t start = 0;
+    std::uint64_t end = *length;
+    host_trim_span(&span, &start, &end);
+    *text += start;
+    *length = end - start;
+}
+
+// Puts the pieces of a text together behind the texts.
+const char* joined_text(RecordTree& tree, std::uint32_t first, std::size_t* length) {
+    *length = 0;
+    for (std::uint32_t at = first; at; at = tree.pieces[at].next) *length += tree.pieces[at].length;
+    char* const joined = record_text_room(tree, *length);
+    if (!joined) return nullptr;
+    char* end = joined;
+    for (std::uint32_t at = first; at; at = tree.pieces[at].next) {
+        std::memcpy(end, tree.text + tree.pieces[at].start, tree.pieces[at].length);
+        end += tree.pieces[at].length;
+    }
+    return joined;
+}
+
+}  // namespace
+
+void clear_record(RecordTree& tree) {
+    tree.last_element = tree.last_piece = tree.current = 0;
+    tree.text_size = 0;
+    tree.has_numbers = tree.is_numbered = tree.keeps_text = false;
+    ++tree.record;
+    limit_names(tree.names);
+}
+
+bool start_record_element(RecordTree& tree, std::uint32_t name_number) {
+    const std::size_t needed = std::size_t{tree.last_element} + 2;
+    if (!make_room(tree.elements, tree.element_room, needed, "XML record elements")) return false;
+    const std::uint32_t number = ++tree.last_element;
+    if (number == 1) tree.elements[0] = {};  // stands in for the parent of the record's element
+    RecordElement& element = tree.elements[number];
+    element = {};
+    element.name = name_number;
+    element.parent = tree.current;
+    RecordName& name = name_in_record(tree, name_number);
+    if (name.last)
+        tree.elements[name.last].next_of_name = number;
+    else
+        name.first = number;
+    name.last = number;
+    number_among_siblings(tree, name, number);
+    link_child(tree, number);
+    tree.current = number;
+    tree.keeps_text = name.is_field;
+    return true;
+}
+
+void end_record_element(RecordTree& tree) {
+    const RecordElement& element = tree.elements[tree.current];
+    for (std::uint32_t child = element.first_of_kind; child;) {
+        const RecordElement& first = tree.elements[child];
+        tree.names.names[first.name].sibling = first.outer_sibling;
+        child = first.next_of_kind;
+    }
+    tree.current = element.parent;
+    tree.keeps_text = tree.current && tree.names.names[tree.elements[tree.current].name].is_field;
+}
+
+char* record_text_room(RecordTree& tree, std::size_t length) {
+    if (length > SIZE_MAX / 4) return nullptr;
+    const std::size_t needed = tree.text_size + length + 1;
+    if (!make_room(tree.text, tree.text_room, needed, "XML record text")) return nullptr;
+    return tree.text + tree.text_size;
+}
+
+bool keep_record_text(RecordTree& tree, std::size_t length) {
+    RecordElement& element = tree.elements[tree.current];
+    if (element.last_piece) {
+        TextPiece& last = tree.pieces[element.last_piece];
+        if (last.start + last.length == tree.text_size) {
+            last.length += length;
+            tree.text_size += length;
+            return true;
+        }
+    }
+    const std::size_t needed = std::size_t{tree.last_piece} + 2;
+    if (!make_room(tree.pieces, tree.piece_room, needed, "XML record text")) return false;
+    const std::uint32_t number = ++tree.last_piece;
+    tree.pieces[number] = {tree.text_size, length, 0};
+    if (element.last_piece)
+        tree.pieces[element.last_piece].next = number;
+    else
+        element.first_piece = number;
+    element.last_piece = number;
+    tree.text_size += length;
+    return true;
+}
+
+bool append_record_text(RecordTree& tree, const char* text, std::size_t length) {
+    char* const room = record_text_room(tree, length);
+    if (!room) return false;
+    std::memcpy(room, text, length);
+    return keep_record_text(tree, length);
+}
+
+RecordText get_record_text(RecordTree& tree, std::uint32_t number, std::int32_t encoding,
+                           const char** text, std::size_t* length) {
+    const RecordElement& element = tree.elements[number];
+    if (!element.first_piece) return RecordText::NONE;
+    const TextPiece& piece = tree.pieces[element.first_piece];
+    *text = tree.text + piece.start;
+    *length = piece.length;
+    if (piece.next) *text = joined_text(tree, element.first_piece, length);
+    if (!*text) return RecordText::NO_MEMORY;
+    if (element.is_trimmed) trim(encoding, text, length);
+    return RecordText::FOUND;
+}
+
+void number_elements(RecordTree& tree) {
+    if (tree.is_numbered) return;
+    tree.is_numbered = true;
+    if (!tree.has_numbers) return;
+    for (std::uint32_t number = 1; number <= tree.last_element; ++number) {
+        RecordElement& element = tree.elements[number];
+        const RecordElement& parent = tree.elements[element.parent];
+        const bool gains = element.number && parent.number_count < XML_INDEX_LIMIT;
+        element.numbered = gains ? number : parent.numbered;
+        element.number_count = parent.number_count + (gains ? 1 : 0);
+    }
+}
+
+int occurrence_numbers(const RecordTree& tree, std::uint32_t number,
+                       std::uint32_t (&numbers)[XML_INDEX_LIMIT]) {
+    const std::uint32_t count = tree.elements[number].number_count;
+    std::uint32_t at = tree.elements[number].numbered;
+    for (std::uint32_t left = count; left > 0; --left) {
+        const RecordElement& numbered = tree.elements[at];
+        numbers[left - 1] = numbered.number;
+        at = tree.elements[numbered.parent].numbered;
+    }
+    return static_cast<int>(count);
+}
+
+void free_record_tree(RecordTree& tree) {
+    free_names(tree.names);
+    host_free(tree.elements, HANDLERS_SOURCE, __LINE__, 0);
+    host_free(tree.pieces, HANDLERS_SOURCE, __LINE__, 0);
+    host_free(tree.text, HANDLERS_SOURCE, __LINE__, 0);
+    tree = {};
+}
