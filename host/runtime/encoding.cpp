@@ -164,8 +164,23 @@ const char* host_span_find_char(const HostTextSpan* span, int character) {
     return nullptr;
 }
 
+namespace {
+
+void trim_bytes(const HostTextSpan& span, std::uint64_t* start, std::uint64_t* end) {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(span.text);
+    std::uint64_t first = 0;
+    std::uint64_t last = span.length;
+    while (first < last && is_white_space(bytes[first])) ++first;
+    while (first < last && is_white_space(bytes[last - 1])) --last;
+    *start = first;
+    *end = last;
+}
+
+}  // namespace
+
 void host_trim_span(const HostTextSpan* span, std::uint64_t* start, std::uint64_t* end) {
     const auto width = static_cast<std::uint64_t>(host_unit_width(span->encoding));
+    if (width == 1) return trim_bytes(*span, start, end);
     std::uint64_t first = 0;
     std::uint64_t last = span->length;
     const auto is_blank = [span](std::uint64_t at) {

@@ -175,3 +175,16 @@ std::uint64_t xml_write_string(HostStream* output, std::int32_t output_encoding,
     }
     return written;
 }
+
+std::string_view plain_text(const XmlTextSpan& span) {
+    if (span.text == nullptr || span.length == 0 || span.encoding < HOST_ENCODING_UNKNOWN ||
+        span.encoding > HOST_ENCODING_LATIN1 || host_unit_width(span.encoding) != 1) {
+        return {};
+    }
+    const Range text = trimmed(span, 1);
+    for (const char* at = text.begin; at != text.end; ++at) {
+        const auto byte = static_cast<unsigned char>(*at);
+        if (byte >= RUN_ENDS.size() || RUN_ENDS[byte]) return {};
+    }
+    return {text.begin, static_cast<std::size_t>(text.end - text.begin)};
+}

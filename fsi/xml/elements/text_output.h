@@ -4,6 +4,13 @@
 // program.
 #pragma once
 
+#include <string_view>
+
 #include "fsi/xml/xml_api.h"
 #include "host/encoding.h"
 #include "host/files.h"
+
+// What xml_write_text would write of a span, trimmed and escaped, when that is a part of the text
+// as it stands: plain ASCII in an encoding of bytes, with nothing to escape. Else, or when there is
+// nothing to write, it is empty.
+std::string_view plain_text(const XmlTextSpan& span);

@@ -163,6 +163,12 @@ bool write_document_start(const XmlFile& file, const XmlOutput& output) {
     return true;
 }
 
+bool fail_without_memory(const char* why) {
+    trace_leaving(why);
+    *host_file_error() = HOST_FILE_NO_MEMORY;
+    return false;
+}
+
 bool start_output(XmlFile& file) {
     if (file.out == nullptr) {
         trace_leaving("Leaving, failed to open xml file");
@@ -171,10 +177,11 @@ bool start_output(XmlFile& file) {
     const char* const encoding_name = choose_encoding(file);
     const XmlOutput output = {file.out, file.out_encoding};
     write_prologue(output, encoding_name);
-    if (write_document_start(file, output)) return true;
-    trace_leaving("Leaving, no memory for the declared names");
-    *host_file_error() = HOST_FILE_NO_MEMORY;
-    return false;
+    if (!write_document_start(file, output)) {
+        return fail_without_memory("Leaving, no memory for the declared names");
+    }
+    file.item_tags = new_item_tags(*file.xfd);
+    return file.item_tags != nullptr || fail_without_memory("Leaving, no memory for the tags");
 }
 
 bool complete_open(XmlFile& file, const char* name, std::int32_t mode) {

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cstring>
 
+#include "fsi/xml/sxml/item_tags.h"
 #include "fsi/xml/sxml/xml_output.h"
 
 namespace {
 
 constexpr std::size_t GROWTH = 2;  // a line feed becomes two bytes
 constexpr std::size_t LONGEST_RUN = 512;
+constexpr char BLANKS[] = "                                ";
+constexpr std::size_t BLANKS_SIZE = sizeof BLANKS - 1;
 
 // Copies a text, each line feed in it as a line end. Result: behind its last byte.
 char* put(char* at, std::string_view text) {
@@ -66,26 +69,30 @@ void RecordOutput::write_line_end() {
 
 void RecordOutput::write_indent(int width) {
     for (auto left = static_cast<std::size_t>(indent_blanks(width)); left > 0;) {
-        const std::size_t run = std::min(left, CAPACITY);
-        char* const at = room_for(run);
-        std::memset(at, ' ', run);
-        keep_to(at + run);
+        const std::size_t run = std::min(left, BLANKS_SIZE);
+        std::memcpy(room_for(BLANKS_SIZE), BLANKS, BLANKS_SIZE);
+        used_ += run;
         left -= run;
     }
 }
 
-void RecordOutput::write_start_tag(std::string_view name) {
-    char* const at = room_for(GROWTH * name.size() + 2);
-    keep_to(put(put(put(at, "<"), name), ">"));
-}
-
-void RecordOutput::write_end_tag(std::string_view name) {
-    char* const at = room_for(GROWTH * name.size() + 5);
-    keep_to(put(put(put(at, "</"), name), ">\n"));
+void RecordOutput::write_tag(std::string_view tag) {
+    if (tag.size() <= TAG_READ_SIZE) {
+        std::memcpy(room_for(TAG_READ_SIZE), tag.data(), TAG_READ_SIZE);
+    } else {
+        std::memcpy(room_for(tag.size()), tag.data(), tag.size());
+    }
+    used_ += tag.size();
 }
 
 // The stream is asked where it stands, since the text writers count code units, not bytes.
 bool RecordOutput::write_text(const XmlTextSpan& span) {
+    const std::string_view plain = plain_text(span);
+    if (!plain.empty() && plain.size() <= CAPACITY) {
+        std::memcpy(room_for(plain.size()), plain.data(), plain.size());
+        used_ += plain.size();
+        return true;
+    }
     flush();
     const bool written =
         xml_write_text(stream_, encoding_, &span, XML_TEXT_ESCAPE | XML_TEXT_TRIM) != 0;

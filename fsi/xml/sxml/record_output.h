@@ -1,6 +1,7 @@
-// What one record writes on its way to the output file. Pieces of markup are short, so they are
-// gathered in a buffer on the stack and handed to the stream in runs; field texts go out through
-// the text writers directly. Dropping an empty element often only takes back what is still here.
+// What one record writes on its way to the output file. Pieces of markup and field texts without
+// anything to escape are short, so they are gathered in a buffer on the stack and handed to the
+// stream in runs; other field texts go out through the text writers. Dropping an empty element
+// often only takes back what is still here.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +22,7 @@ class RecordOutput {
     void write(std::string_view text);
     void write_line_end();
     void write_indent(int width);
-    void write_start_tag(std::string_view name);
-    void write_end_tag(std::string_view name);  // with the line end behind it
+    void write_tag(std::string_view tag);  // of ItemTags
     // A field's text, trimmed and escaped. Result: whether anything was left to write.
     bool write_text(const XmlTextSpan& span);
     // Hands everything gathered to the stream.

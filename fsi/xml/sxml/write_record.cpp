@@ -22,14 +22,11 @@ char field_text[512];
 // The record being written.
 struct RecordWriter {
     Xfd& xfd;
+    const ItemTags& tags;
     const char* record;
     std::uint32_t record_length;
     RecordOutput output;
 };
-
-std::string_view item_name(const XfdItem& item) {
-    return {item.name, strnlen(item.name, XFD_ITEM_NAME_SIZE)};
-}
 
 // The part of a field that lies inside the record, whatever the description says.
 std::string_view field_bytes(const RecordWriter& writer, const XfdItem& field) {
@@ -167,9 +164,9 @@ std::int32_t next_child_in_record(const RecordWriter& writer, std::int32_t child
 }
 
 // Writes an item's end tag, and drops the element when it is empty and empty ones are not wanted.
-void finish_piece(RecordOutput& output, const XfdItem& item, std::uint32_t start, bool has_data) {
-    output.write_end_tag(item_name(item));
-    if (!has_data && settings::ignore_empty_data()) output.go_back(start);
+void finish_piece(RecordWriter& writer, std::int32_t item, std::uint32_t start, bool has_data) {
+    writer.output.write_tag(writer.tags.end_tag(item));
+    if (!has_data && settings::ignore_empty_data()) writer.output.go_back(start);
     if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
 }
 
@@ -184,23 +181,22 @@ bool start_piece(RecordWriter& writer, GroupPath& path, std::int32_t index) {
     const std::int32_t written = written_item(writer.xfd, index, path);
     const XfdItem& item = writer.xfd.items[written];
     output.write_indent(item.level);
-    output.write_start_tag(item_name(item));
+    output.write_tag(writer.tags.start_tag(written));
     if (is_group(item) && !path.full()) {
         output.write_line_end();
         path.open({written, first_child_item(writer.xfd, written), start, false});
         return false;
     }
     const bool has_data = !is_group(item) && write_xml_data(writer, written);
-    finish_piece(output, item, start, has_data);
+    finish_piece(writer, written, start, has_data);
     return has_data;
 }
 
 // Closes the innermost group. Result: whether its element holds data.
 bool close_group(RecordWriter& writer, GroupPath& path) {
     const OpenGroup group = path.close();
-    const XfdItem& item = writer.xfd.items[group.item];
-    writer.output.write_indent(item.level);
-    finish_piece(writer.output, item, group.start, group.has_data);
+    writer.output.write_indent(writer.xfd.items[group.item].level);
+    finish_piece(writer, group.item, group.start, group.has_data);
     return group.has_data;
 }
 
@@ -231,7 +227,7 @@ int xml_swrite(XmlFile* file, const void* record, std::uint32_t length) {
         *host_file_error() = HOST_FILE_UNSUPPORTED;
         return 0;
     }
-    RecordWriter writer = {*file->xfd, static_cast<const char*>(record), length,
+    RecordWriter writer = {*file->xfd, *file->item_tags, static_cast<const char*>(record), length,
                            RecordOutput(file->out, file->out_encoding)};
     const std::uint32_t start = writer.output.position();
     *host_file_error() = HOST_FILE_OK;

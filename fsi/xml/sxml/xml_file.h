@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "fsi/xml/sxml/input_items.h"
+#include "fsi/xml/sxml/item_tags.h"
 #include "host/files.h"
 #include "host/record_description.h"
 
@@ -14,6 +15,7 @@ struct XmlFile {
     HostStream* out;            // output: the document being written; owned. Null for input
     std::int32_t mode;          // as the host gave it
     std::int32_t out_encoding;  // output: host encoding code that every write passes on
+    ItemTags* item_tags;        // output: the markup of the items; owned
     InputItems* input_items;    // input: the description prepared for reading; owned
 };
 
