@@ -141,20 +141,24 @@ void find_start(HostStream* stream) {
 }
 
 int open_descriptor(const char* name, Direction direction) {
-    const int flags = direction == Direction::output ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY;
+    const int flags = direction == Direction::output ? O_WRONLY | O_CREAT : O_RDONLY;
     constexpr mode_t everybody = 0666;  // less what the process's mask takes away
     int descriptor = -1;
     do {
         descriptor = open(name, flags | O_CLOEXEC, everybody);
     } while (descriptor < 0 && errno == EINTR);
     struct stat status {};
-    if (descriptor >= 0 && direction == Direction::input && fstat(descriptor, &status) == 0 &&
-        S_ISDIR(status.st_mode)) {
-        close(descriptor);
-        errno = EISDIR;
-        return -1;
-    }
-    return descriptor;
+    if (descriptor < 0 || fstat(descriptor, &status) != 0) return descriptor;
+    int error = 0;
+    if (direction == Direction::input && S_ISDIR(status.st_mode)) error = EISDIR;
+    // A new file is not cut: some file systems take that for a rewrite of important data, and
+    // closing it waits for the disk.
+    const bool is_old = S_ISREG(status.st_mode) && status.st_size > 0;
+    if (direction == Direction::output && is_old && ftruncate(descriptor, 0) != 0) error = errno;
+    if (error == 0) return descriptor;
+    close(descriptor);
+    errno = error;
+    return -1;
 }
 
 bool is_process_stream(std::string_view name) {

@@ -44,6 +44,12 @@ AtomicOutput::AtomicOutput(const std::string& target) : target_(target) {
     if (exists) chmod(temporary_->name().c_str(), present.st_mode & PERMISSIONS);
 }
 
+// A new file is not cut to length 0: some file systems take that for a rewrite of important data,
+// and closing it waits for the disk.
+std::FILE* AtomicOutput::open() const {
+    return std::fopen(write_name().c_str(), temporary_ ? "r+b" : "wb");
+}
+
 void AtomicOutput::commit() {
     if (temporary_) temporary_->rename_to(target_);
 }
@@ -51,7 +57,7 @@ void AtomicOutput::commit() {
 void write_output(const std::string& target, std::string_view text) {
     AtomicOutput output(target);
     const bool standard = target == "-";
-    std::FILE* file = standard ? stdout : std::fopen(output.write_name().c_str(), "wb");
+    std::FILE* file = standard ? stdout : output.open();
     if (file == nullptr) fail_file(target, errno);
     bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
     written = (standard ? std::fflush(file) : std::fclose(file)) == 0 && written;

@@ -1,6 +1,7 @@
 // Output that appears under its name only when it is complete.
 #pragma once
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,6 +19,8 @@ class AtomicOutput {
     explicit AtomicOutput(const std::string& target);
 
     const std::string& target() const { return target_; }
+    // Opens the output, which is empty. Null with the system's error number when that fails.
+    std::FILE* open() const;
     // The name to open for writing.
     const std::string& write_name() const { return temporary_ ? temporary_->name() : target_; }
     bool is_direct() const { return temporary_ == nullptr; }

@@ -9,7 +9,7 @@ namespace command {
 
 namespace {
 
-constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
+constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 17;
 
 }  // namespace
 
@@ -17,9 +17,10 @@ RecordStore::RecordStore(const AtomicOutput& output, RecordFormat format, std::s
     : output_(output),
       format_(format),
       record_length_(record_length),
-      file_(output.target() == "-" ? stdout : std::fopen(output.write_name().c_str(), "wb")) {
+      buffer_(BUFFER_SIZE),
+      file_(output.target() == "-" ? stdout : output.open()) {
     if (file_ == nullptr) fail_to_write();
-    std::setvbuf(file_, nullptr, _IOFBF, BUFFER_SIZE);
+    std::setvbuf(file_, buffer_.data(), _IOFBF, buffer_.size());
 }
 
 RecordStore::~RecordStore() {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <vector>
 
 #include "tools/sxml/atomic_output.h"
 
@@ -30,6 +31,7 @@ class RecordStore {
     const AtomicOutput& output_;
     RecordFormat format_;
     std::size_t record_length_;
+    std::vector<char> buffer_;
     std::FILE* file_;
 };
 
