@@ -1,5 +1,6 @@
 #include "tests/module/module_fixture.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +19,7 @@ std::map<std::string, Xfd*> descriptions;
 std::vector<std::string> names_looked_up;
 int descriptions_out = 0;
 int lookups_refused = 0;
+std::uint64_t live_bytes_at_conditions = 0;
 bool conditions_are_compiled = false;
 
 Xfd* parse_xfd(const char* name, int first, int second) {
@@ -37,6 +39,7 @@ void free_xfd(Xfd*) {
 int test_condition(Xfd* xfd, int number, const void* record) {
     EXPECT_GE(number, 1);
     EXPECT_LE(number, xfd->condition_count);
+    live_bytes_at_conditions = std::max(live_bytes_at_conditions, host::live_bytes());
     if (conditions_are_compiled) return Q4TestCOBOLCond(xfd, number, record);
     XfdBuilder::test_condition(xfd, number, record);
     return 0;
@@ -54,6 +57,11 @@ void replace_all(std::string& text, std::string_view what, std::string_view with
 }
 
 }  // namespace
+
+void PrintTo(const ReadResult& result, std::ostream* out) {
+    *out << "{" << result.result << ", code " << result.code << ", "
+         << ::testing::PrintToString(result.record) << "}";
+}
 
 bool ModuleTest::encodings_granted = true;
 
@@ -74,6 +82,7 @@ void ModuleTest::SetUp() {
     ASSERT_NE(mkdtemp(folder_.data()), nullptr);
     names_looked_up.clear();
     refuse_lookups(0);
+    forget_live_bytes();
     module();
 }
 
@@ -108,6 +117,14 @@ const std::vector<std::string>& ModuleTest::lookups() {
 
 void ModuleTest::use_compiled_conditions() {
     conditions_are_compiled = true;
+}
+
+std::uint64_t ModuleTest::most_live_bytes() {
+    return live_bytes_at_conditions;
+}
+
+void ModuleTest::forget_live_bytes() {
+    live_bytes_at_conditions = 0;
 }
 
 void ModuleTest::refuse_lookups(int count) {
@@ -172,6 +189,8 @@ std::string ModuleTest::read(const std::string& file) {
 }
 
 void ModuleTest::store(const std::string& file, std::string_view text) {
+    // File systems may wait for the disk when a file is emptied and written anew.
+    std::filesystem::remove(file);
     std::ofstream(file, std::ios::binary) << text;
 }
 

@@ -21,6 +21,8 @@ struct ReadResult {
     bool operator==(const ReadResult&) const = default;
 };
 
+void PrintTo(const ReadResult& result, std::ostream* out);
+
 class ModuleTest : public ::testing::Test {
   protected:
     // Encoding support is granted or refused once, when the process loads the module.
@@ -39,6 +41,10 @@ class ModuleTest : public ::testing::Test {
     static const std::vector<std::string>& lookups();
     // Evaluates the conditions of compiled descriptions, until the test is over.
     static void use_compiled_conditions();
+    // The most bytes that were live since the test's start when a condition was tested: on reading,
+    // the whole record is in memory then.
+    static std::uint64_t most_live_bytes();
+    static void forget_live_bytes();
     // Makes the next lookups find nothing.
     static void refuse_lookups(int count);
 

@@ -254,12 +254,12 @@ void RandomLayout::fill_text(const XfdItem& field, std::string& record) {
 // Bytes of any value, often those of the smallest and the largest numbers.
 void RandomLayout::fill_bytes(const XfdItem& field, std::string& record) {
     const int edge = below(8);
-    for (int i = 0; i < field.data.length; ++i) {
-        const int byte = edge == 0 ? 0x00 : edge == 1 ? 0xFF : below(256);
-        record[static_cast<std::size_t>(field.offset + i)] = static_cast<char>(byte);
+    std::string bytes(static_cast<std::size_t>(field.data.length), '\0');
+    for (char& byte : bytes) {
+        if (edge > 0) byte = static_cast<char>(edge == 1 ? 0xFF : below(256));
     }
-    const int last = one_in(2) ? 0 : field.data.length - 1;
-    if (edge < 2 && one_in(2)) record[static_cast<std::size_t>(field.offset + last)] ^= '\x80';
+    if (edge < 2 && one_in(2)) (one_in(2) ? bytes.front() : bytes.back()) ^= '\x80';
+    record.replace(static_cast<std::size_t>(field.offset), bytes.size(), bytes);
 }
 
 template <typename Float>
