@@ -257,6 +257,37 @@ TEST_F(ReadTest, TracesEveryStep) {
     expect_file(read(path("trace")), "read_trace.txt");
 }
 
+// Above level 10 each record is shown on standard error as the element that is open then: the
+// document element with the record, or what a document ended in.
+TEST_F(ReadTest, DumpsEachRecordAboveTraceLevelTen) {
+    XfdBuilder builder("f");
+    builder.group(1, "r");
+    builder.text(2, "a", 0, 2);
+    const std::string first = "<f\n     k=\"v\">x &lt; y\n  <r>\n    <a>1&amp;</a>\n    <b\n";
+    const std::string document =
+        "<f k='v'>x &lt; y\n<r><a>1&amp;</a><b c=''/></r> <r>\n </r><r><a>3</a>\n<c>\n<d/>z";
+    const std::string expected =
+        lines(first + "         c=\"\"/>\n  </r>\n</f>\n") +
+        lines("<f\n     k=\"v\">x &lt; y\n  <r/>\n</f>\n<c>z\n  <d/>\n</c>\n");
+    const Results results = {{3, 0, "1&"}, {1, 0, ".."}, {3, 8, "3 "}, {0, 8, ".."}};
+    for (const int level : {10, 11, 12}) {
+        host::set_trace(level, path("trace"));
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(records(builder.xfd(), document, 2), results);
+        const std::string shown = ::testing::internal::GetCapturedStderr();
+        host::set_trace(0, "");
+        EXPECT_EQ(shown, level > 10 ? expected : "") << level;
+        // Its line in the trace stands before the record's first field, not indented.
+        const std::string trace = read(path("trace"));
+        int heads = 0;
+        const std::string_view head = "\n dump_sxml_element\n  read_xml_data 1 (a)\n";
+        for (auto at = trace.find(head); at != std::string::npos; at = trace.find(head, at + 1)) {
+            ++heads;
+        }
+        EXPECT_EQ(heads, level > 10 ? 3 : 0) << trace;
+    }
+}
+
 TEST_F(ReadTest, EveryAllocationMayFail) {
     XfdBuilder builder = order_lines();
     const std::string name = path("sweep");
