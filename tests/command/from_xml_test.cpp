@@ -107,21 +107,55 @@ const FromXmlCase CASES[] = {
     {"latin too long in UTF-8",
      items(item("<code_id>abc\xE9</code_id>"), "ISO-8859-1"),
      {"--encoding", "utf-8"},
-     1,
-     "",
-     {"record 1: field code_id: its text in utf-8 takes 5 bytes"}},
+     0,
+     "abc" + EMPTY_FIELDS.substr(3),
+     {"record 1, field code_id: a text of 5 bytes was cut to fit into 4: 'abc"}},
     {"UTF-8 to Windows",
      items(item("<code_id>\xE2\x82\xAC</code_id>")),
      {"--encoding", "windows-1252"},
      0,
      "\x80" + EMPTY_FIELDS.substr(1),
      {}},
-    {"UTF-8 perhaps cut",
-     items(item("<code_id>ab\xC3\xA9</code_id>")),
+    {"UTF-8 that fits in ISO-8859-1",
+     items(item("<code_id>\xC3\xA9\xC3\xA9 \xC3\xA9</code_id>")),
      {"--encoding", "iso-8859-1"},
-     1,
-     "",
-     {"may have been cut off"}},
+     0,
+     "\xE9\xE9 \xE9" + EMPTY_FIELDS.substr(4),
+     {}},
+    {"UTF-8 too long in EBCDIC",
+     items(item("<code_id>ab\xC3\xA9g\xC3\xA9</code_id><amount>1</amount>")),
+     {"--encoding", "cp037"},
+     0,
+     "\x81\x82\x51\x87\xF0\xF0\xC1" + std::string("\x00\x0C", 2) + "\x40\x40\x40\x40",
+     {"field code_id: a text of 5 bytes was cut to fit into 4: 'ab\xC3\xA9g\xC3\xA9'"}},
+    {"longer than the field",
+     items(item("<code_id>long one</code_id><tag>ab\xC3\xA9</tag><tag>a\xC3\xA9x</tag>") + FULL),
+     {},
+     0,
+     "long000" + std::string("\x00\x0C", 2) + "aba " + FULL_RECORD,
+     {"record 1, field code_id: a text of 8 bytes was cut to fit into 4: 'long one'",
+      "field tag(1): a text of 4 bytes", "field tag(2): a text of 4 bytes",
+      "items.xml: 3 texts did not fit into the fields and were cut\n"}},
+    {"longer than the field in ISO-8859-1",
+     items(item("<tag>\xE9\xE9\xE9</tag>"), "ISO-8859-1"),
+     {},
+     0,
+     EMPTY_FIELDS.substr(0, 9) + "\xE9\xE9  ",
+     {"field tag(1): a text of 3 bytes was cut to fit into 2"}},
+    {"many longer than their fields",
+     items([] {
+         std::string all;
+         for (int i = 0; i < 12; ++i) all += item("<code_id>12345</code_id>");
+         return all;
+     }()),
+     {"--buffer", "keep", "--encoding", "iso-8859-1"},
+     0,
+     [] {
+         std::string all;
+         for (int i = 0; i < 12; ++i) all += "1234" + EMPTY_FIELDS.substr(4);
+         return all;
+     }(),
+     {"record 10, field", "12 texts did not fit into the fields and were cut; the first 10 are"}},
     {"not in the set",
      items(item("<code_id>\xE2\x82\xAC</code_id>")),
      {"--encoding", "cp037"},
@@ -164,6 +198,35 @@ INSTANTIATE_TEST_SUITE_P(All, FromXmlTest, testing::ValuesIn(CASES), [](const au
 });
 
 using RoundTripTest = CommandTest;
+
+// Right-justified texts come back at the right end, whatever the character set.
+TEST_F(RoundTripTest, RightJustifiedTextsComeBack) {
+    write_file("texts.cpy",
+               "       01  ROW.\n"
+               "           05  NAME PIC X(6) JUSTIFIED RIGHT.\n"
+               "           05  CITY PIC X(4) JUST OCCURS 2.\n");
+    struct Case {
+        const char* encoding;
+        std::string records;
+    };
+    const Case cases[] = {
+        {"utf-8", "   abc  \xC3\xA9" + std::string("    abcdef1234   x")},
+        {"iso-8859-1", "   abc   \xE9" + std::string("    abcdef1234   x")},
+        {"cp037", "\x40\x40\x40\x81\x82\x83\x40\x40\x40\x51\x40\x40\x40\x40"},
+    };
+    for (const Case& c : cases) {
+        write_file("records", c.records);
+        const std::vector<std::string> options = {"--layout", "texts.cpy", "--encoding",
+                                                  c.encoding};
+        for (std::vector<std::string> words :
+             {std::vector<std::string>{"to-xml", "records", "records.xml"},
+              std::vector<std::string>{"from-xml", "records.xml", "back"}}) {
+            words.insert(words.end(), options.begin(), options.end());
+            EXPECT_EQ(sxml(words).err, "") << c.encoding;
+        }
+        EXPECT_TRUE(read_file("back") == c.records) << c.encoding << read_file("back");
+    }
+}
 
 TEST_F(RoundTripTest, SampleFilesComeBackByteForByte) {
     struct Case {

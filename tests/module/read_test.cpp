@@ -176,7 +176,13 @@ TEST_F(ReadTest, EveryDocumentEndsWithItsCode) {
         {"<f><r/><r><a>1</a></r><r/></f>",
          {{1, 0, none}, {3, 0, "1 "}, {1, 0, none}, {0, 8, none}}},
         {"<f><a>7</a><r><a>8</a></r></f>", {{3, 0, "7 "}, {3, 0, "8 "}, {0, 8, none}}},
+        // An end between records has the code of a complete document.
+        {"<f>", {{0, 8, none}}},
         {"<f><r><a>1</a></r>", {{3, 0, "1 "}, {0, 8, none}}},
+        {"<f><r><a>1</a></r></f", {{3, 0, "1 "}, {0, 8, none}}},
+        {"<f><r><a>1</a></r><r", {{3, 0, "1 "}, {0, 8, none}}},
+        {"<f><r><a>1</a></r", {{3, 8, "1 "}, {0, 8, none}}},
+        {"<f><r>", {{1, 8, none}, {0, 8, none}}},
         {"<f><r><a>1</a><b", {{3, 8, "1 "}, {0, 8, none}}},
         {"<f><r><b><a>1</a><a>2", {{1, 8, none}, {0, 8, none}}},
         {"<f><r><b><a>1", {{3, 8, "1 "}, {0, 8, none}}},

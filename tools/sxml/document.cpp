@@ -29,13 +29,14 @@ std::string shown_name(const std::string& name) {
 }  // namespace
 
 host::Module load_module() {
-    return load_module(&give_condition_result, &Qconvert);
+    return load_module(&Q4ParseXFD, &give_condition_result, &Qconvert);
 }
 
-host::Module load_module(Q4TestCOBOLCondFunction* test_condition, QconvertFunction* convert) {
+host::Module load_module(Q4ParseXFDFunction* parse, Q4TestCOBOLCondFunction* test_condition,
+                         QconvertFunction* convert) {
     const auto function = [](auto* pointer) { return reinterpret_cast<HostFunction*>(pointer); };
     return host::Module::load("", {
-                                      {"Q4ParseXFD", function(&Q4ParseXFD)},
+                                      {"Q4ParseXFD", function(parse)},
                                       {"Q4XFDFree", function(&Q4XFDFree)},
                                       {"Q4TestCOBOLCond", function(test_condition)},
                                       {"Qconvert", function(convert)},

@@ -14,8 +14,9 @@ namespace command {
 // Loads the module and hands it the functions of the record descriptions. Throws
 // std::runtime_error.
 host::Module load_module();
-// The same with other functions for conditions and conversion.
-host::Module load_module(Q4TestCOBOLCondFunction* test_condition, QconvertFunction* convert);
+// The same with other functions for descriptions, conditions and conversion.
+host::Module load_module(Q4ParseXFDFunction* parse, Q4TestCOBOLCondFunction* test_condition,
+                         QconvertFunction* convert);
 
 // Throws Failure when something that the module has written so far could not be stored (a full
 // disk, say). `outputs` are those that were being written, so that the message gives the name that

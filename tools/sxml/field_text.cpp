@@ -10,8 +10,14 @@ namespace command {
 
 namespace {
 
-bool has_wide_characters(std::span<const std::uint8_t> text) {
-    return std::any_of(text.begin(), text.end(), [](std::uint8_t byte) { return byte >= 0x80; });
+bool is_inside_character(std::uint8_t byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+std::span<const std::uint8_t> without_spaces(std::span<const std::uint8_t> text) {
+    while (!text.empty() && text.front() == ' ') text = text.subspan(1);
+    while (!text.empty() && text.back() == ' ') text = text.first(text.size() - 1);
+    return text;
 }
 
 std::string character_name(std::int32_t character) {
@@ -34,7 +40,7 @@ FieldText::FieldText(DocumentText from, const CharacterSet& to)
     }
 }
 
-// The module hands over valid UTF-8, whose last character may be cut off.
+// Texts are valid UTF-8, unless fields share bytes.
 std::int32_t FieldText::next_character(std::span<const std::uint8_t>& text) const {
     const std::uint8_t first = text.front();
     std::size_t length = 1;
@@ -67,23 +73,33 @@ void FieldText::append(std::int32_t character) {
     converted_.push_back(found->second);
 }
 
-std::span<const std::uint8_t> FieldText::convert(std::span<const std::uint8_t> field) {
-    std::span<const std::uint8_t> text = field;
-    while (!text.empty() && text.back() == ' ') text = text.first(text.size() - 1);
-    if (from_ == DocumentText::utf8 && text.size() == field.size() && has_wide_characters(text)) {
-        fail(
-            "its text in UTF-8 fills the field, and some of it may have been cut off; convert the "
-            "document to ISO-8859-1 first");
+std::uint8_t FieldText::space() const {
+    return to_.is_ebcdic() ? std::uint8_t{0x40} : static_cast<std::uint8_t>(' ');
+}
+
+std::size_t FieldText::fitting(std::string_view text, std::size_t size) const {
+    if (text.size() <= size) return text.size();
+    const auto byte_at = [text](std::size_t at) { return static_cast<std::uint8_t>(text[at]); };
+    if (from_ == DocumentText::utf8) {
+        while (size > 0 && is_inside_character(byte_at(size))) --size;
     }
+    return size;
+}
+
+FieldText::Converted FieldText::convert(std::span<const std::uint8_t> text, std::size_t size,
+                                        TextSide side) {
+    text = without_spaces(text);
     converted_.clear();
-    while (!text.empty()) append(next_character(text));
-    if (converted_.size() > field.size()) {
-        fail("its text in " + to_.name() + " takes " + std::to_string(converted_.size()) +
-             " bytes, the field has " + std::to_string(field.size()));
+    std::size_t fitting = 0;
+    while (!text.empty()) {
+        append(next_character(text));
+        if (converted_.size() <= size) fitting = converted_.size();
     }
-    converted_.resize(field.size(),
-                      to_.is_ebcdic() ? std::uint8_t{0x40} : static_cast<std::uint8_t>(' '));
-    return converted_;
+    const std::size_t whole = converted_.size();
+    converted_.resize(fitting);
+    const auto gap = side == TextSide::right ? converted_.begin() : converted_.end();
+    converted_.insert(gap, size - fitting, space());
+    return {converted_, whole};
 }
 
 }  // namespace command

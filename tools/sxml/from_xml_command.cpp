@@ -13,6 +13,7 @@
 #include "tools/sxml/errors.h"
 #include "tools/sxml/field_text.h"
 #include "tools/sxml/input_records.h"
+#include "tools/sxml/input_texts.h"
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
 #include "tools/sxml/progress.h"
@@ -57,9 +58,9 @@ CharacterSet character_set(const FromXmlOptions& options, DocumentText text) {
     return CharacterSet(text == DocumentText::latin1 ? "iso-8859-1" : "utf-8");
 }
 
-TextTranslation text_translation(FieldText& text, const CharacterSet& characters) {
-    TextTranslation translation{[&text](std::span<const std::uint8_t> field) {
-                                    return text.converts() ? text.convert(field) : field;
+TextTranslation text_translation(InputTexts& texts, const CharacterSet& characters) {
+    TextTranslation translation{[&texts](const Field& field, std::span<const std::uint8_t> bytes) {
+                                    return texts.convert(field, bytes);
                                 },
                                 {}};
     for (std::size_t byte = 0; byte < translation.filler.size(); ++byte) {
@@ -96,15 +97,16 @@ void convert_from_xml(const FromXmlOptions& options) {
     RecordFields fields(description.xfd());
     RecordBuffer buffer(description.xfd(), description.record_length(), options.fill);
     FieldText field_text(text, characters);
+    InputTexts texts(description.xfd(), fields, field_text, document.name());
     RecordTranslation translation(
         description.xfd(), translated ? translated->xfd() : description.xfd(),
-        text_translation(field_text, characters), fields, description.record_length());
+        text_translation(texts, characters), fields, description.record_length());
     const bool translates = translated || field_text.converts();
 
     AtomicOutput output(options.records);
     RecordStore store(output, options.lines ? RecordFormat::lines : RecordFormat::fixed,
                       static_cast<std::size_t>(description.record_length()));
-    InputRecords records(module, document.file(), document.name(), fields, buffer);
+    InputRecords records(module, document.file(), document.name(), fields, buffer, texts);
     Progress progress(std::nullopt);
     while (records.next()) {
         const std::uint8_t* record = buffer.data();

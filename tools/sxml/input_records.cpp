@@ -1,5 +1,7 @@
 #include "tools/sxml/input_records.h"
 
+#include <cstddef>
+#include <limits>
 #include <utility>
 
 #include "host/errors.h"
@@ -12,8 +14,6 @@
 namespace command {
 
 namespace {
-
-constexpr std::uint64_t NAMED_AT_MOST = 10;
 
 InputRecords* current = nullptr;
 
@@ -29,23 +29,36 @@ int test_input_condition(Xfd* xfd, int number, const void* record) {
     return holds;
 }
 
+Xfd* parse_input_description(const char* name, int first, int second) {
+    Xfd* const xfd = Q4ParseXFD(name, first, second);
+    if (xfd != nullptr) divert_texts(*xfd);
+    current->xfd_ = xfd;
+    return xfd;
+}
+
+// Nothing may be thrown through the module.
 int convert_input(XfdDataDesc* field, const XfdDataDesc* text, int mode) {
-    const int result = Qconvert(field, text, mode);
-    if (result == 0 && text->length > 0) current->report_number(*field, *text);
-    return result;
+    try {
+        return current->convert(*field, *text, mode);
+    } catch (...) {
+        current->failure_ = std::current_exception();
+        return 0;
+    }
 }
 
 host::Module load_module_for_input() {
-    return load_module(&test_input_condition, &convert_input);
+    return load_module(&parse_input_description, &test_input_condition, &convert_input);
 }
 
 InputRecords::InputRecords(const host::Module& module, const std::string& file,
-                           std::string shown_name, const RecordFields& fields, RecordBuffer& buffer)
+                           std::string shown_name, const RecordFields& fields, RecordBuffer& buffer,
+                           InputTexts& texts)
     : module_(module),
       file_name_(file),
       shown_name_(std::move(shown_name)),
       fields_(fields),
-      buffer_(buffer) {
+      buffer_(buffer),
+      texts_(texts) {
     current = this;
     file_ = module.open(file.c_str(), XML_OPEN_INPUT);
     if (file_ == nullptr) fail_document();
@@ -58,8 +71,10 @@ InputRecords::~InputRecords() {
 
 bool InputRecords::next() {
     buffer_.begin_record();
+    texts_.begin_record(count_ + 1, buffer_.keeps());
     const int result = module_.read(file_, buffer_.data());
     const int code = *host_file_error();
+    if (failure_) std::rethrow_exception(failure_);
     if (result == 0 && code == HOST_FILE_END) return false;
     if (result == 0 || code != HOST_FILE_OK) fail_document();
     ++count_;
@@ -68,13 +83,8 @@ bool InputRecords::next() {
 
 void InputRecords::finish() {
     read_to_end();
-    if (lost_numbers_ == 0) return;
-    std::string text = std::to_string(lost_numbers_) + (lost_numbers_ == 1 ? " text" : " texts") +
-                       " of numeric fields were no numbers or did not fit";
-    if (lost_numbers_ > NAMED_AT_MOST) {
-        text += "; the first " + std::to_string(NAMED_AT_MOST) + " are named above";
-    }
-    warn(shown_name_ + ": " + text);
+    lost_numbers_.sum_up(shown_name_, "text", " of numeric fields were no numbers or did not fit");
+    texts_.finish();
 }
 
 // A read behind the last record reads on; at the end of the input it tells what is missing.
@@ -101,22 +111,28 @@ void InputRecords::fail_document() const {
          ": " + problem->text + after);
 }
 
-void InputRecords::report_number(const XfdDataDesc& field, const XfdDataDesc& text) {
-    if (++lost_numbers_ > NAMED_AT_MOST) return;
-    const auto offset = static_cast<const std::uint8_t*>(field.address) - buffer_.data();
-    std::string name = "at byte offset " + std::to_string(offset);
-    for (const Field& candidate : fields_.all()) {
-        if (candidate.offset == offset && candidate.length == field.length) {
-            name = fields_.name(candidate);
-            break;
-        }
-    }
+int InputRecords::convert(XfdDataDesc& field, const XfdDataDesc& text, int mode) {
+    const auto* const item = reinterpret_cast<const XfdItem*>(
+        reinterpret_cast<const char*>(&field) - offsetof(XfdItem, data));
+    const auto index = static_cast<std::int32_t>(item - xfd_->items);
+    // The length of a text of 2 GiB and more reads as a negative number.
+    const std::int32_t size =
+        text.length >= 0 ? text.length : std::numeric_limits<std::int32_t>::max();
     const std::string_view value(static_cast<const char*>(text.address),
-                                 static_cast<std::size_t>(text.length));
-    constexpr std::size_t SHOWN = 40;
-    warn(shown_name_ + ": record " + std::to_string(count_ + 1) + ", field " + name +
-         ": no number that fits the field: '" + std::string(value.substr(0, SHOWN)) +
-         (value.size() > SHOWN ? "...'" : "'"));
+                                 static_cast<std::size_t>(size));
+    if (field.type == TEXT_TO_MOVE) {
+        texts_.move(index, value, static_cast<std::uint8_t*>(field.address));
+        return 1;
+    }
+    const int result = Qconvert(&field, &text, mode);
+    if (result == 0 && !value.empty()) report_number(index, value);
+    return result;
+}
+
+void InputRecords::report_number(std::int32_t item, std::string_view text) {
+    if (!lost_numbers_.wants_next()) return;
+    warn(shown_name_ + ": record " + std::to_string(count_ + 1) + ", field " + fields_.name(item) +
+         ": no number that fits the field: " + quoted(text));
 }
 
 }  // namespace command

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <set>
+#include <exception>
 #include <string>
 
 #include "host/runtime/module.h"
+#include "tools/sxml/field_warnings.h"
+#include "tools/sxml/input_texts.h"
 #include "tools/sxml/record_buffer.h"
 #include "tools/sxml/record_fields.h"
 
@@ -18,10 +20,10 @@ host::Module load_module_for_input();
 class InputRecords {
   public:
     // `file` is the document's name, `shown_name` its name in messages. A description must have
-    // been bound; `fields` and `buffer` are made for the same one. Throws Failure when the document
-    // cannot be read up to its first record.
+    // been bound; `fields`, `buffer` and `texts` are made for the same one. Throws Failure when the
+    // document cannot be read up to its first record.
     InputRecords(const host::Module& module, const std::string& file, std::string shown_name,
-                 const RecordFields& fields, RecordBuffer& buffer);
+                 const RecordFields& fields, RecordBuffer& buffer, InputTexts& texts);
     ~InputRecords();
     InputRecords(const InputRecords&) = delete;
     InputRecords& operator=(const InputRecords&) = delete;
@@ -32,25 +34,31 @@ class InputRecords {
     // Records read so far.
     std::uint64_t count() const { return count_; }
     // Reads what lies behind the last record, which must be well-formed and complete, too. Says how
-    // many numbers were lost. Throws Failure.
+    // many numbers and texts were lost. Throws Failure.
     void finish();
 
   private:
+    friend Xfd* parse_input_description(const char* name, int first, int second);
     friend int test_input_condition(Xfd* xfd, int number, const void* record);
     friend int convert_input(XfdDataDesc* field, const XfdDataDesc* text, int mode);
 
     void read_to_end();
     [[noreturn]] void fail_document() const;
-    void report_number(const XfdDataDesc& field, const XfdDataDesc& text);
+    void begin_record();
+    int convert(XfdDataDesc& field, const XfdDataDesc& text, int mode);
+    void report_number(std::int32_t item, std::string_view text);
 
     const host::Module& module_;
     std::string file_name_;
     std::string shown_name_;
     const RecordFields& fields_;
     RecordBuffer& buffer_;
+    InputTexts& texts_;
     XmlFile* file_ = nullptr;
+    const Xfd* xfd_ = nullptr;  // the module's
     std::uint64_t count_ = 0;
-    std::uint64_t lost_numbers_ = 0;
+    FieldWarnings lost_numbers_;
+    std::exception_ptr failure_;  // of a function that the module called
 };
 
 }  // namespace command

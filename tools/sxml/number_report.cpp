@@ -10,8 +10,6 @@ namespace command {
 
 namespace {
 
-constexpr std::uint64_t NAMED_AT_MOST = 10;
-
 bool is_number_kind(FieldKind kind) {
     return kind == FieldKind::display_number || kind == FieldKind::other_number;
 }
@@ -48,7 +46,7 @@ void NumberReport::end_record(const Record& record, std::span<const Field> chose
 }
 
 void NumberReport::report(const Record& record, const Field& field) {
-    if (++count_ > NAMED_AT_MOST) return;
+    if (!warnings_.wants_next()) return;
     warn(file_name_ + ": record " + std::to_string(record.number) + ", field " +
          fields_.name(field) + " (byte offset " +
          std::to_string(record.file_offset + static_cast<std::uint64_t>(field.offset)) +
@@ -57,14 +55,7 @@ void NumberReport::report(const Record& record, const Field& field) {
 }
 
 void NumberReport::finish() const {
-    if (count_ == 0) return;
-    std::string text = std::to_string(count_) +
-                       (count_ == 1 ? " numeric field" : " numeric fields") +
-                       " held no valid number and came out repaired";
-    if (count_ > NAMED_AT_MOST) {
-        text += "; the first " + std::to_string(NAMED_AT_MOST) + " are named above";
-    }
-    warn(file_name_ + ": " + text);
+    warnings_.sum_up(file_name_, "numeric field", " held no valid number and came out repaired");
 }
 
 }  // namespace command

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "tools/sxml/field_warnings.h"
 #include "tools/sxml/record_fields.h"
 #include "tools/sxml/record_file.h"
 
@@ -31,7 +32,7 @@ class NumberReport {
     const RecordFields& fields_;
     std::string file_name_;
     std::uint64_t exceptions_before_ = 0;
-    std::uint64_t count_ = 0;
+    FieldWarnings warnings_;
 };
 
 }  // namespace command

@@ -27,6 +27,8 @@ class RecordBuffer {
     void begin_record();
     // Condition `number` holds in this record.
     void add_condition(int number);
+    // True when fields without data keep what the record before held.
+    bool keeps() const { return fill_ == BufferFill::keep; }
     std::uint8_t* data() { return bytes_.data(); }
 
   private:

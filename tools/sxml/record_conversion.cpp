@@ -24,9 +24,10 @@ RecordConversion::RecordConversion(ByteSource& source, records::Description& des
       text_check_(characters),
       numbers_(description.xfd(), fields, source.name()) {
     if (translated == nullptr) return;
-    const auto translate_field = [this, &characters](std::span<const std::uint8_t> field) {
-        translated_text_.resize(field.size());
-        std::transform(field.begin(), field.end(), translated_text_.begin(),
+    const auto translate_field = [this, &characters](const Field&,
+                                                     std::span<const std::uint8_t> bytes) {
+        translated_text_.resize(bytes.size());
+        std::transform(bytes.begin(), bytes.end(), translated_text_.begin(),
                        [&](std::uint8_t byte) { return characters.translation()[byte]; });
         return std::span<const std::uint8_t>(translated_text_);
     };

@@ -102,8 +102,8 @@ std::span<const Field> RecordFields::choose(const void* record) {
     return layouts_.front().fields;
 }
 
-std::string RecordFields::name(const Field& field) const {
-    const XfdItem& item = xfd_.items[field.item];
+std::string RecordFields::name(std::int32_t index) const {
+    const XfdItem& item = xfd_.items[index];
     std::string text = item.name;
     for (int i = 0; i < item.dimensions(); ++i) {
         text += (i == 0 ? "(" : ",") + std::to_string(item.subscripts[i]);

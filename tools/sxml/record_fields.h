@@ -42,7 +42,9 @@ class RecordFields {
         return field.offset + field.length <= length && condition_holds(xfd_, field.condition);
     }
     // The field's name with its subscripts, such as "phone(2)".
-    std::string name(const Field& field) const;
+    std::string name(const Field& field) const { return name(field.item); }
+    // The same of an item of the description.
+    std::string name(std::int32_t item) const;
     // All fields of all layouts.
     std::vector<Field> all() const;
 

@@ -38,7 +38,7 @@ void RecordTranslation::translate_field(const std::uint8_t* record, const Field&
     switch (field.kind) {
         case FieldKind::text:
             try {
-                translated = text_.field({bytes, static_cast<std::size_t>(field.length)});
+                translated = text_.field(field, {bytes, static_cast<std::size_t>(field.length)});
             } catch (const Failure& failure) {
                 fail("field " + fields_.name(field) + ": " + failure.what());
             }

@@ -14,9 +14,9 @@ namespace command {
 
 // How characters are translated.
 struct TextTranslation {
-    // A character field; the result has its length and is valid until the next call. May throw
-    // Failure.
-    std::function<std::span<const std::uint8_t>(std::span<const std::uint8_t>)> field;
+    // The bytes of a character field; the result has their length and is valid until the next call.
+    // May throw Failure.
+    std::function<std::span<const std::uint8_t>(const Field&, std::span<const std::uint8_t>)> field;
     // A byte between the fields.
     std::array<std::uint8_t, 256> filler;
 };
