@@ -197,6 +197,51 @@ INSTANTIATE_TEST_SUITE_P(All, FromXmlTest, testing::ValuesIn(CASES), [](const au
     return name;
 });
 
+using OtherDocumentsTest = CommandTest;
+
+// The buffer is cleared, so that a record without its kind is not taken for one of the kind before;
+// and documents of one-row tables need exact match off.
+TEST_F(OtherDocumentsTest, MissingKindsAndSingleRows) {
+    write_file("kinds.cpy",
+               "      *> sxml: when KIND OF HDR = \"H\"\n"
+               "       01  HDR.\n"
+               "           05  KIND PIC X.\n"
+               "           05  OWNER PIC X(4).\n"
+               "      *> sxml: when KIND OF DTL = \"D\"\n"
+               "       01  DTL.\n"
+               "           05  KIND PIC X.\n"
+               "           05  AMOUNT PIC 9(4).\n"
+               "           05  ROWS OCCURS 2.\n"
+               "               10  QTY PIC 9 OCCURS 2.\n");
+    write_file("kinds.xml",
+               "<k><hdr><kind>H</kind><owner>me</owner></hdr>"
+               "<dtl><kind>D</kind><rows><qty>1</qty><qty>2</qty></rows><amount>12</amount></dtl>"
+               "<hdr><owner>you</owner><amount>7</amount></hdr>"
+               "<dtl><amount>7</amount><kind>D</kind></dtl></k>");
+    struct Case {
+        std::vector<std::string> options;
+        const char* lines;
+    };
+    const Case cases[] = {
+        {{}, "Hme\nD00120000\n\nD00070000\n"},
+        {{"--buffer", "spaces"}, "Hme\nD0012\n\nD0007\n"},
+        {{"--buffer", "keep"}, "Hme\nD0012\nD0007\nD0007\n"},
+        {{"--set", "SXML_EXACT_TABLE_MATCH=no"}, "Hme\nD00121220\n\nD00070000\n"},
+    };
+    for (const Case& c : cases) {
+        std::vector<std::string> words = {"from-xml", "kinds",     "out",
+                                          "--layout", "kinds.cpy", "--line"};
+        words.insert(words.end(), c.options.begin(), c.options.end());
+        const Outcome outcome = sxml(words);
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(read_file("out"), c.lines);
+    }
+    // What was there stays when a document turns out to be incomplete.
+    write_file("kinds.xml", "<k><hdr><kind>H</kind></hdr>");
+    EXPECT_EQ(sxml({"from-xml", "kinds.xml", "out", "--layout", "kinds.cpy"}).status, 1);
+    EXPECT_EQ(read_file("out"), cases[3].lines);
+}
+
 using RoundTripTest = CommandTest;
 
 // Right-justified texts come back at the right end, whatever the character set.
