@@ -117,6 +117,28 @@ TEST_F(Hostile, EntityBombsEndAsExpatsError) {
     });
 }
 
+// Expat follows an entity inside an entity by recursion.
+TEST_F(Hostile, EntityChainsEndBeforeTheStackDoes) {
+    const auto chain = [](int length) {
+        std::string document = "<!DOCTYPE a [<!ENTITY e0 'x'>";
+        for (int i = 1; i <= length; ++i)
+            document += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
+        const std::string last = "&e" + std::to_string(length) + ";";
+        return document + "]><a k='" + last + "'>" + last + "</a>";
+    };
+    constexpr std::uint32_t ELEMENTS = XMLOPT_ELEMENTS | XMLOPT_PARSE_WHOLE;
+    for (const std::uint32_t options :
+         {WHOLE, WHOLE | XMLOPT_ENTITY_DECLS, ELEMENTS, ELEMENTS | XMLOPT_ENTITY_DECLS,
+          ELEMENTS | XMLOPT_DOCTYPE, ELEMENTS | XMLOPT_DEFAULT}) {
+        const std::uint32_t parser = open(chain(2'000), options);
+        EXPECT_STREQ(xml.xml_attribute_value(xml.xml_parser_root(parser), 0), "x") << options;
+        xml.xml_free_parser(parser);
+        EXPECT_EQ(open(chain(100'000), options), 0U) << options;
+        EXPECT_EQ(file_error(), HOST_FILE_XML);
+        EXPECT_EQ(*host_error_subcode(), XML_ERROR_ABORTED);
+    }
+}
+
 TEST_F(Hostile, ContentModelsOfAnyDepthAreTraced) {
     const std::size_t depth = 3000;
     const std::string document =

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "fsi/xml/handlers/comment_filter.h"
+#include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/instructions.h"
 #include "fsi/xml/handlers/latin1.h"
@@ -99,8 +100,11 @@ void default_handler(void* expat, const char* text, int length) {
         if (host_trace_on >= 9) host_trace_dump(0, 0, text, size);
     }
     const std::uint32_t bits = parser.state & (XMLPS_IN_DOCTYPE | XMLPS_DOCTYPE_DONE);
-    if (bits == XMLPS_IN_DOCTYPE &&
-        ensure_string(parser.doctype_internal, "XML DOCTYPE internal string", 20))
-        host_string_append_n(parser.doctype_internal, text, size, HANDLERS_SOURCE, __LINE__, 0);
+    if (bits == XMLPS_IN_DOCTYPE) {
+        // Entity declarations without a handler of their own come here, each literal by itself.
+        limit_references(parser, text, size);
+        if (ensure_string(parser.doctype_internal, "XML DOCTYPE internal string", 20))
+            host_string_append_n(parser.doctype_internal, text, size, HANDLERS_SOURCE, __LINE__, 0);
+    }
     if (host_trace_on) host_trace(-1, 9, "Leaving");
 }

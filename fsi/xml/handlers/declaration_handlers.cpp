@@ -6,6 +6,7 @@
 
 #include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/handlers/content_model.h"
+#include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/trace_message.h"
 #include "host/memory.h"
@@ -132,8 +133,9 @@ void attlist_decl(void*, const char* element, const char* attribute, const char*
     host_trace(-1, 8, "Leaving");
 }
 
-void entity_decl(void*, const char* name, int is_parameter, const char*, int, const char* base,
-                 const char* sysid, const char* pubid, const char* notation) {
+void entity_decl(void* expat, const char* name, int is_parameter, const char* value, int length,
+                 const char* base, const char* sysid, const char* pubid, const char* notation) {
+    limit_entities(expat, name, is_parameter, value, length, base, sysid, pubid, notation);
     if (!host_trace_on) return;
     trace_message(1, 7, "entity declaration: %s (%d)", name, is_parameter);
     trace_given(7, "base: %s", base);

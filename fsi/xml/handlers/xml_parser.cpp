@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 
+#include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/expat_memory.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/xml_api.h"
@@ -52,7 +53,10 @@ void install_declaration_handlers(XML_Parser expat, std::uint32_t options) {
     if (options & XMLOPT_DOCTYPE) XML_SetDoctypeDeclHandler(expat, start_doctype, end_doctype);
     if (options & XMLOPT_ELEMENT_DECLS) XML_SetElementDeclHandler(expat, element_decl);
     if (options & XMLOPT_ATTLIST_DECLS) XML_SetAttlistDeclHandler(expat, attlist_decl);
-    if (options & XMLOPT_ENTITY_DECLS) XML_SetEntityDeclHandler(expat, entity_decl);
+    if (options & XMLOPT_ENTITY_DECLS)
+        XML_SetEntityDeclHandler(expat, entity_decl);
+    else if (!(options & XMLOPT_DOCTYPE))
+        XML_SetEntityDeclHandler(expat, limit_entities);
     if (options & XMLOPT_UNPARSED_ENTITY_DECLS)
         XML_SetUnparsedEntityDeclHandler(expat, unparsed_entity_decl);
     if (options & XMLOPT_NOTATION_DECLS) XML_SetNotationDeclHandler(expat, notation_decl);
