@@ -129,9 +129,10 @@ std::uint32_t number_of_next_name(RecordNames& names, const char* text) {
     return name;
 }
 
-void limit_names(RecordNames& names) {
+bool limit_names(RecordNames& names) {
     const bool few = names.count - names.kept <= std::max(MOST_NAMES, names.kept);
-    if (few && names.text_size - names.kept_text <= std::max(MOST_TEXT, names.kept_text)) return;
+    if (few && names.text_size - names.kept_text <= std::max(MOST_TEXT, names.kept_text))
+        return false;
     names.count = names.kept;
     names.text_size = names.kept_text;
     names.previous = 0;
@@ -140,6 +141,7 @@ void limit_names(RecordNames& names) {
         name.stored_as = name.successors[0] = name.successors[1] = 0;
     }
     fill_slots(names);
+    return true;
 }
 
 void free_names(RecordNames& names) {

@@ -57,7 +57,8 @@ std::uint32_t number_of_name(RecordNames& names, const char* text);
 // the last time.
 std::uint32_t number_of_next_name(RecordNames& names, const char* text);
 
-// Forgets names when there are too many. No number of a name that is not an item's stays valid.
-void limit_names(RecordNames& names);
+// Forgets names when there are too many. Result: whether it did; then no number of a name that is
+// not an item's is valid any longer.
+bool limit_names(RecordNames& names);
 
 void free_names(RecordNames& names);

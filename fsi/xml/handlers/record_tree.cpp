@@ -62,39 +62,39 @@ void trim(std::int32_t encoding, const char** text, std::size_t* length) {
 }
 
 // Puts the pieces of a text together behind the texts.
-const char* joined_text(RecordTree& tree, std::uint32_t first, std::size_t* length) {
-    *length = 0;
-    for (std::uint32_t at = first; at; at = tree.pieces[at].next) *length += tree.pieces[at].length;
+const char* joined_text(RecordTree& tree, const RecordElement& element, std::size_t* length) {
+    *length = element.text_length;
+    for (std::uint32_t at = element.first_piece; at; at = tree.pieces[at].next)
+        *length += tree.pieces[at].length;
     char* const joined = record_text_room(tree, *length);
     if (!joined) return nullptr;
-    char* end = joined;
-    for (std::uint32_t at = first; at; at = tree.pieces[at].next) {
+    std::memcpy(joined, tree.text + element.text_start, element.text_length);
+    char* end = joined + element.text_length;
+    for (std::uint32_t at = element.first_piece; at; at = tree.pieces[at].next) {
         std::memcpy(end, tree.text + tree.pieces[at].start, tree.pieces[at].length);
         end += tree.pieces[at].length;
     }
     return joined;
 }
 
-}  // namespace
-
-void clear_record(RecordTree& tree) {
-    tree.last_element = tree.last_piece = tree.current = 0;
-    tree.text_size = 0;
-    tree.has_numbers = tree.is_numbered = tree.keeps_text = false;
-    ++tree.record;
-    limit_names(tree.names);
+void enter(RecordTree& tree, std::uint32_t number) {
+    tree.current = number;
+    tree.keeps_text = number != 0 && tree.elements[number].keeps_text;
 }
 
-bool start_record_element(RecordTree& tree, std::uint32_t name_number) {
-    const std::size_t needed = std::size_t{tree.last_element} + 2;
-    if (!make_room(tree.elements, tree.element_room, needed, "XML record elements")) return false;
-    const std::uint32_t number = ++tree.last_element;
-    if (number == 1) tree.elements[0] = {};  // stands in for the parent of the record's element
+void forget_text(RecordElement& element) {
+    element.first_piece = element.last_piece = 0;
+    element.has_text = element.is_trimmed = element.is_moved = false;
+}
+
+// Links an element below the innermost open one, and makes it that.
+void link_element(RecordTree& tree, std::uint32_t number) {
     RecordElement& element = tree.elements[number];
-    element = {};
-    element.name = name_number;
     element.parent = tree.current;
-    RecordName& name = name_in_record(tree, name_number);
+    element.first_child = element.last_child = element.next_sibling = element.next_of_name = 0;
+    element.first_of_kind = element.number = element.numbered = element.number_count = 0;
+    RecordName& name = name_in_record(tree, element.name);
+    element.keeps_text = name.is_field;
     if (name.last)
         tree.elements[name.last].next_of_name = number;
     else
@@ -102,20 +102,83 @@ bool start_record_element(RecordTree& tree, std::uint32_t name_number) {
     name.last = number;
     number_among_siblings(tree, name, number);
     link_child(tree, number);
-    tree.current = number;
-    tree.keeps_text = name.is_field;
-    return true;
+    enter(tree, number);
 }
 
-void end_record_element(RecordTree& tree) {
+void leave_element(RecordTree& tree) {
     const RecordElement& element = tree.elements[tree.current];
     for (std::uint32_t child = element.first_of_kind; child;) {
         const RecordElement& first = tree.elements[child];
         tree.names.names[first.name].sibling = first.outer_sibling;
         child = first.next_of_kind;
     }
-    tree.current = element.parent;
-    tree.keeps_text = tree.current && tree.names.names[tree.elements[tree.current].name].is_field;
+    enter(tree, element.parent);
+}
+
+void begin_links(RecordTree& tree) {
+    tree.is_known = tree.has_numbers = tree.is_numbered = false;
+    ++tree.record;
+    tree.current = 0;
+    if (tree.elements) tree.elements[0] = {};  // stands in for the parent of the record's element
+}
+
+// The record is another one than the one before: links its elements anew.
+void relink(RecordTree& tree) {
+    const std::uint32_t open = tree.current;
+    begin_links(tree);
+    for (std::uint32_t number = 1; number <= tree.last_element; ++number) {
+        while (tree.current != tree.elements[number].parent) leave_element(tree);
+        link_element(tree, number);
+    }
+    while (tree.current != open) leave_element(tree);
+}
+
+}  // namespace
+
+void clear_record(RecordTree& tree) {
+    const bool is_complete = tree.current == 0;
+    const bool forgotten = limit_names(tree.names);
+    tree.known_elements = is_complete && !forgotten ? tree.last_element : 0;
+    tree.last_element = tree.last_piece = 0;
+    tree.text_size = 0;
+    tree.keeps_text = false;
+    if (tree.known_elements > 0)
+        tree.is_known = true;
+    else
+        begin_links(tree);
+}
+
+bool start_record_element(RecordTree& tree, std::uint32_t name) {
+    const std::uint32_t number = tree.last_element + 1;
+    if (tree.is_known) {
+        RecordElement& known = tree.elements[number];
+        if (number <= tree.known_elements && known.name == name && known.parent == tree.current) {
+            forget_text(known);
+            tree.last_element = tree.current = number;
+            tree.keeps_text = known.keeps_text;
+            return true;
+        }
+        relink(tree);
+    }
+    const std::size_t needed = std::size_t{number} + 1;
+    const bool is_first = tree.elements == nullptr;
+    if (!make_room(tree.elements, tree.element_room, needed, "XML record elements")) return false;
+    if (is_first) tree.elements[0] = {};
+    tree.last_element = number;
+    RecordElement& element = tree.elements[number];
+    element.name = name;
+    forget_text(element);
+    link_element(tree, number);
+    return true;
+}
+
+void end_record_element(RecordTree& tree) {
+    if (!tree.is_known) return leave_element(tree);
+    enter(tree, tree.elements[tree.current].parent);
+}
+
+void complete_record(RecordTree& tree) {
+    if (tree.is_known && tree.last_element != tree.known_elements) relink(tree);
 }
 
 char* record_text_room(RecordTree& tree, std::size_t length) {
@@ -125,16 +188,10 @@ char* record_text_room(RecordTree& tree, std::size_t length) {
     return tree.text + tree.text_size;
 }
 
-bool keep_record_text(RecordTree& tree, std::size_t length) {
-    RecordElement& element = tree.elements[tree.current];
-    if (element.last_piece) {
-        TextPiece& last = tree.pieces[element.last_piece];
-        if (last.start + last.length == tree.text_size) {
-            last.length += length;
-            tree.text_size += length;
-            return true;
-        }
-    }
+namespace {
+
+// Text behind other text than the element's own.
+bool add_piece(RecordTree& tree, RecordElement& element, std::size_t length) {
     const std::size_t needed = std::size_t{tree.last_piece} + 2;
     if (!make_room(tree.pieces, tree.piece_room, needed, "XML record text")) return false;
     const std::uint32_t number = ++tree.last_piece;
@@ -144,6 +201,22 @@ bool keep_record_text(RecordTree& tree, std::size_t length) {
     else
         element.first_piece = number;
     element.last_piece = number;
+    return true;
+}
+
+}  // namespace
+
+bool keep_record_text(RecordTree& tree, std::size_t length) {
+    RecordElement& element = tree.elements[tree.current];
+    if (!element.has_text) {
+        element.text_start = tree.text_size;
+        element.text_length = length;
+        element.has_text = true;
+    } else if (!element.last_piece && element.text_start + element.text_length == tree.text_size) {
+        element.text_length += length;
+    } else if (!add_piece(tree, element, length)) {
+        return false;
+    }
     tree.text_size += length;
     return true;
 }
@@ -158,11 +231,10 @@ bool append_record_text(RecordTree& tree, const char* text, std::size_t length) 
 RecordText get_record_text(RecordTree& tree, std::uint32_t number, std::int32_t encoding,
                            const char** text, std::size_t* length) {
     const RecordElement& element = tree.elements[number];
-    if (!element.first_piece) return RecordText::NONE;
-    const TextPiece& piece = tree.pieces[element.first_piece];
-    *text = tree.text + piece.start;
-    *length = piece.length;
-    if (piece.next) *text = joined_text(tree, element.first_piece, length);
+    if (!element.has_text) return RecordText::NONE;
+    *text = tree.text + element.text_start;
+    *length = element.text_length;
+    if (element.first_piece) *text = joined_text(tree, element, length);
     if (!*text) return RecordText::NO_MEMORY;
     if (element.is_trimmed) trim(encoding, text, length);
     return RecordText::FOUND;

@@ -1,6 +1,8 @@
 // One record of a document as the sequential-file interface needs it: its elements in document
 // order, their names as numbers, their texts end to end. Everything lies in a few blocks that serve
-// record after record, so reading a record makes and releases nothing.
+// record after record, so reading a record makes and releases nothing. Most records are made of the
+// same elements as the one before: as long as they are, the links between the elements are left as
+// they are.
 #pragma once
 
 #include <cstddef>
@@ -25,13 +27,17 @@ struct RecordElement {
     std::uint32_t numbered;  // after number_elements: the nearest element that gave a number, up
                              // from and including this one; 0 when there is none
     std::uint32_t number_count;  // after number_elements: how many numbers it has
-    std::uint32_t first_piece;   // of the text; 0 when there was none
+    std::uint32_t first_piece;   // of the text, behind its beginning; 0 when there is no more
     std::uint32_t last_piece;
+    std::size_t text_start;  // the beginning of the text
+    std::size_t text_length;
+    bool has_text;
+    bool keeps_text;  // the texts of elements that are no field's are not kept
     bool is_trimmed;  // white space around its text does not count
     bool is_moved;    // its text was moved into the record
 };
 
-// Text that was delivered in one go; numbered from 1.
+// More of a text, that does not lie behind what came before; numbered from 1.
 struct TextPiece {
     std::size_t start;
     std::size_t length;
@@ -50,12 +56,13 @@ struct RecordTree {
     std::uint32_t piece_room;
     std::uint32_t last_element;
     std::uint32_t last_piece;
-    std::uint32_t current;  // the innermost open element
-    bool keeps_text;        // texts of the innermost open element are kept: those of elements that
-                            // are no field's are not
-    std::uint64_t record;   // counts the records
-    bool has_numbers;       // an element has a number
-    bool is_numbered;       // number_elements has done its work
+    std::uint32_t current;         // the innermost open element
+    std::uint32_t known_elements;  // of the record before, which may be met again
+    std::uint64_t record;          // counts the records that were linked anew
+    bool is_known;                 // all elements so far are those of the record before
+    bool keeps_text;               // of the innermost open element
+    bool has_numbers;              // an element has a number
+    bool is_numbered;              // number_elements has done its work
 };
 
 // Forgets the record; the room is kept for the next one.
@@ -76,6 +83,9 @@ bool append_record_text(RecordTree& tree, const char* text, std::size_t length);
 // becomes text of the innermost open element with keep_record_text, which may be less.
 char* record_text_room(RecordTree& tree, std::size_t length);
 bool keep_record_text(RecordTree& tree, std::size_t length);
+
+// The record has no more to come: now its elements may be looked at.
+void complete_record(RecordTree& tree);
 
 // The text of an element, in `encoding`, as long as the tree does not change.
 enum class RecordText { FOUND, NONE, NO_MEMORY };

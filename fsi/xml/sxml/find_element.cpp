@@ -171,16 +171,39 @@ std::uint32_t ElementSearch::run() {
     return steps[at].result;
 }
 
+// Most often there is one element of the name, or it is a simple table with few rows: then there is
+// nothing to search. False when that is not so.
+bool find_quickly(const InputItems& input, std::uint32_t first, const XfdItem& item,
+                  std::uint32_t* result) {
+    const RecordTree& tree = input.tree;
+    *result = 0;
+    if (first == 0) return true;
+    if (tree.elements[first].next_of_name == 0) {
+        if (!tree.elements[first].is_moved) *result = first;
+        return true;
+    }
+    if (item.dimensions() != 1 || !tree.is_numbered) return false;
+    int walked = 0;
+    for (std::uint32_t at = first; at != 0; at = tree.elements[at].next_of_name) {
+        const RecordElement& element = tree.elements[at];
+        if (++walked > WALK_LIMIT || element.number_count != 1) return false;
+        const std::uint32_t number = tree.elements[element.numbered].number;
+        if (element.is_moved || static_cast<int>(number) != item.subscripts[0]) continue;
+        if (*result != 0) return false;
+        *result = at;
+    }
+    return *result != 0;
+}
+
 }  // namespace
 
 std::uint32_t find_element(const XmlFile& file, std::int32_t index) {
-    const InputItems& input = *file.input_items;
-    const std::uint32_t first = first_element_of(input.tree, input.names[index]);
+    InputItems& input = *file.input_items;
     if (host_trace_on == 0) {
-        // Most often there is one element of the name, and nothing to search.
-        if (first == 0) return 0;
-        const RecordElement& element = input.tree.elements[first];
-        if (element.next_of_name == 0) return element.is_moved ? 0 : first;
+        const std::uint32_t first = first_element_of(input.tree, input.names[index]);
+        std::uint32_t element = 0;
+        if (input.tree.elements[first].next_of_name != 0) number_elements(input.tree);
+        if (find_quickly(input, first, file.xfd->items[index], &element)) return element;
     }
     return ElementSearch(file, index).run();
 }

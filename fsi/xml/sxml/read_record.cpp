@@ -136,11 +136,15 @@ bool parse_record(const XmlFile& file) {
     if (SxmlParser_parse_record(file.parser) == 0) return false;
     file.input_items->text_encoding = text_encoding(parser);
     if (host_trace_on > DUMP_ABOVE) dump_record(file);
-    if (!traced) return true;
+    if (!traced) {
+        complete_record(tree);
+        return true;
+    }
     // Where the document ends inside a record, the innermost open element is not the document
     // element but one of those that go.
     const std::uint32_t record = xml_first_child(xml_parser_root(file.parser));
     const bool copied = record == 0 || copy_record(tree, record);
+    complete_record(tree);
     xml_free_element(record);
     if (!copied) *host_file_error() = HOST_FILE_NO_MEMORY;
     return copied;
