@@ -291,6 +291,7 @@ TEST_F(ReadTest, DumpsEachRecordAboveTraceLevelTen) {
             ++heads;
         }
         EXPECT_EQ(heads, level > 10 ? 3 : 0) << trace;
+        EXPECT_NE(trace.find("\n    1&\n"), std::string::npos) << trace;  // a field's text
     }
 }
 

@@ -17,6 +17,19 @@ namespace {
 
 InputRecords* current = nullptr;
 
+// True when there is a record layout without a condition, which takes the records of no other.
+bool takes_any_record(const Xfd& xfd) {
+    if ((xfd.flags & XFD_SEVERAL_LAYOUTS) == 0) return true;
+    bool has_condition = true;
+    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
+        const XfdItem& item = xfd.items[i];
+        if (item.level == 1 && !has_condition) return true;
+        if (item.level == 1) has_condition = false;
+        if (item.condition > 0 && item.condition != XFD_GROUP) has_condition = true;
+    }
+    return !has_condition;
+}
+
 std::string records_text(std::uint64_t count) {
     return std::to_string(count) + (count == 1 ? " record" : " records");
 }
@@ -25,7 +38,10 @@ std::string records_text(std::uint64_t count) {
 
 int test_input_condition(Xfd* xfd, int number, const void* record) {
     const int holds = Q4TestCOBOLCond(xfd, number, record);
-    if ((xfd->conditions[number - 1].is_true & 1) != 0) current->buffer_.add_condition(number);
+    if ((xfd->conditions[number - 1].is_true & 1) != 0) {
+        current->buffer_.add_condition(number);
+        current->is_of_a_layout_ = true;
+    }
     return holds;
 }
 
@@ -62,6 +78,7 @@ InputRecords::InputRecords(const host::Module& module, const std::string& file,
     current = this;
     file_ = module.open(file.c_str(), XML_OPEN_INPUT);
     if (file_ == nullptr) fail_document();
+    takes_any_record_ = takes_any_record(*xfd_);
 }
 
 InputRecords::~InputRecords() {
@@ -72,12 +89,14 @@ InputRecords::~InputRecords() {
 bool InputRecords::next() {
     buffer_.begin_record();
     texts_.begin_record(count_ + 1, buffer_.keeps());
+    is_of_a_layout_ = takes_any_record_;
     const int result = module_.read(file_, buffer_.data());
     const int code = *host_file_error();
     if (failure_) std::rethrow_exception(failure_);
     if (result == 0 && code == HOST_FILE_END) return false;
     if (result == 0 || code != HOST_FILE_OK) fail_document();
     ++count_;
+    if (!is_of_a_layout_) report_layout();
     return true;
 }
 
@@ -85,6 +104,8 @@ void InputRecords::finish() {
     read_to_end();
     lost_numbers_.sum_up(shown_name_, "text", " of numeric fields were no numbers or did not fit");
     texts_.finish();
+    strangers_.sum_up(shown_name_, "record",
+                      " of no layout; only the fields that all layouts have were filled");
 }
 
 // A read behind the last record reads on; at the end of the input it tells what is missing.
@@ -133,6 +154,12 @@ void InputRecords::report_number(std::int32_t item, std::string_view text) {
     if (!lost_numbers_.wants_next()) return;
     warn(shown_name_ + ": record " + std::to_string(count_ + 1) + ", field " + fields_.name(item) +
          ": no number that fits the field: " + quoted(text));
+}
+
+void InputRecords::report_layout() {
+    if (!strangers_.wants_next()) return;
+    warn(shown_name_ + ": record " + std::to_string(count_) +
+         ": none of the record layouts' conditions holds");
 }
 
 }  // namespace command

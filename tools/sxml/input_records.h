@@ -34,7 +34,7 @@ class InputRecords {
     // Records read so far.
     std::uint64_t count() const { return count_; }
     // Reads what lies behind the last record, which must be well-formed and complete, too. Says how
-    // many numbers and texts were lost. Throws Failure.
+    // many numbers and texts were lost, and how many records were of no layout. Throws Failure.
     void finish();
 
   private:
@@ -47,6 +47,7 @@ class InputRecords {
     void begin_record();
     int convert(XfdDataDesc& field, const XfdDataDesc& text, int mode);
     void report_number(std::int32_t item, std::string_view text);
+    void report_layout();
 
     const host::Module& module_;
     std::string file_name_;
@@ -55,9 +56,12 @@ class InputRecords {
     RecordBuffer& buffer_;
     InputTexts& texts_;
     XmlFile* file_ = nullptr;
-    const Xfd* xfd_ = nullptr;  // the module's
+    const Xfd* xfd_ = nullptr;      // the module's
+    bool takes_any_record_ = true;  // the layouts: one of them has no condition
     std::uint64_t count_ = 0;
+    bool is_of_a_layout_ = false;  // the record at hand: a condition holds, or none is needed
     FieldWarnings lost_numbers_;
+    FieldWarnings strangers_;     // records of no layout
     std::exception_ptr failure_;  // of a function that the module called
 };
 
