@@ -81,9 +81,9 @@ struct XmlParser {
     std::uint64_t bytes_fed;      // input bytes given to Expat so far
     const char** early_start;     // a start tag was kept, see early_events.h; or null
     std::uint32_t referring_entities;  // see entity_limit.h
-    std::int32_t missing;         // once the input has ended: Expat's code for what the document
-                                  // lacks, 0 when it is complete
-    RecordTree* record;           // see record_handlers.h; not owned, null most of the time
+    std::int32_t missing;  // once the input has ended: Expat's code for what the document
+                           // lacks, 0 when it is complete
+    RecordTree* record;    // see record_handlers.h; not owned, null most of the time
 };
 
 constexpr std::size_t XML_READ_SIZE = 32000;
