@@ -3,6 +3,7 @@
 #include <expat.h>
 
 #include <chrono>
+#include <random>
 
 #include "host/runtime/streams.h"
 #include "host/runtime/trace_control.h"
@@ -292,6 +293,63 @@ TEST_F(ReadTest, DumpsEachRecordAboveTraceLevelTen) {
         }
         EXPECT_EQ(heads, level > 10 ? 3 : 0) << trace;
         EXPECT_NE(trace.find("\n    1&\n"), std::string::npos) << trace;  // a field's text
+    }
+}
+
+// A record is read the same after whatever other records, and whether tracing is switched on for it
+// or not. Most records are like the one before, as in real documents.
+TEST_F(ReadTest, RecordsDoNotDependOnThoseBefore) {
+    const std::vector<std::string> pieces = {ID,
+                                             FIRST,
+                                             SECOND,
+                                             HEAD,
+                                             FOOT,
+                                             "<qty>7</qty>",
+                                             "<id/>",
+                                             "<x><qty>8</qty></x>",
+                                             "<name> n </name>",
+                                             "<line>a<qty>5</qty>b</line>",
+                                             "<sku>s<!---->t</sku>"};
+    XfdBuilder builder = order_lines();
+    std::mt19937 random(20261123);
+    const auto below = [&random](std::size_t bound) { return random() % bound; };
+    for (int round = 0; round < 60; ++round) {
+        set("SXML_EXACT_TABLE_MATCH", below(2) == 0 ? "no" : nullptr);
+        std::vector<std::string> rows = {"<row></row>"};
+        std::vector<std::string> parts;
+        while (rows.size() < 30) {
+            const std::size_t change = below(6);
+            if (change < 2) parts.insert(parts.end(), pieces[below(pieces.size())]);
+            if (change == 2 && !parts.empty()) parts.erase(parts.begin());
+            if (change == 3 && !parts.empty()) parts.back() = pieces[below(pieces.size())];
+            std::string row = "<row>";
+            for (const std::string& part : parts) row += part;
+            rows.push_back(row + "</row>");
+        }
+        std::string document = "<lines>";
+        for (const std::string& row : rows) document += row + "\n";
+        if (below(2) == 0)
+            document.resize(document.size() - 1 - below(rows.back().size() - 5));  // "<row>" stays
+        const std::string name = path("in.xml");
+        store(name, document);
+        describe(name, builder.xfd());
+        XmlFile* const file = module().open(name.c_str(), XML_OPEN_INPUT);
+        ASSERT_NE(file, nullptr);
+        std::vector<std::string> found;
+        for (int result = 1; result > 0;) {
+            std::string record(14, '.');
+            host::set_trace(below(8) == 0 ? 9 : 0, "/dev/null");
+            result = module().read(file, record.data());
+            if (result > 0) found.push_back(record);
+        }
+        host::set_trace(0, "");
+        EXPECT_EQ(module().close(file), 0);
+        ASSERT_EQ(found.size(), rows.size());
+        document.resize(document.find_last_not_of('\n') + 1);
+        rows.back() = document.substr(document.rfind("<row"));
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            EXPECT_EQ(records(builder.xfd(), "<lines>" + rows[i], 14)[0].record, found[i])
+                << rows[i];
     }
 }
 
