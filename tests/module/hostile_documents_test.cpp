@@ -324,6 +324,9 @@ class Judge {
         is_open_ = depth_ > 0 || is_over_;
         // What lies behind the document element is not looked at, and an early end is no error.
         code_ = read || is_over_ ? HOST_FILE_END : HOST_FILE_XML;
+        final_code_ = read ? HOST_FILE_END : HOST_FILE_XML;
+        if (!read || XML_Parse(expat, "", 0, 1) != XML_STATUS_OK)
+            final_subcode_ = XML_GetErrorCode(expat);
         XML_ParserFree(expat);
     }
     // The codes of all reads; that of the open when it fails.
@@ -335,6 +338,8 @@ class Judge {
         return codes;
     }
     std::size_t complete() const { return complete_; }
+    // What reading on to the end of the input tells: code and subcode.
+    std::pair<int, int> outcome() const { return {final_code_, final_subcode_}; }
 
   private:
     void end_element() {
@@ -347,6 +352,8 @@ class Judge {
     bool is_over_ = false;
     bool is_open_ = false;
     int code_ = 0;
+    int final_code_ = 0;
+    int final_subcode_ = 0;
 };
 
 const std::string SMALL_DOCUMENT =
@@ -354,6 +361,20 @@ const std::string SMALL_DOCUMENT =
     "\"4\">\n<!ATTLIST r k CDATA #IMPLIED>]><!-- c -->\n<f>\n <r k='>'><a>1</a>\n <b>2</b>"
     "<b>3</b>\n </r>\n<?p i?><r/>\n<r><b/><a>&e;&#x41;</a></r> <!-- d --> <r><a><![CDATA[<]]>"
     "\xC3\xA9</a></r>\n</f>\n<!-- e -->";
+
+// Reads a document to the end of its input. The subcode is not told before.
+std::pair<int, int> outcome(const host::Module& module, const std::string& name) {
+    XmlFile* const file = module.open(name.c_str(), XML_OPEN_INPUT);
+    std::vector<char> record(RECORD_SIZE);
+    while (module.read(file, record.data()) > 0) continue;
+    *host_error_subcode() = -1;
+    do {
+        module.read(file, record.data());
+    } while (*host_file_error() == HOST_FILE_END && *host_error_subcode() == -1);
+    const std::pair<int, int> result = {*host_file_error(), *host_error_subcode()};
+    module.close(file);
+    return result;
+}
 
 // A document cut off, or changed, at each of its bytes: Expat alone tells how many records are
 // complete and whether the end is an early or a wrong one.
@@ -368,6 +389,9 @@ TEST_F(DamagedDocumentTest, EveryByteCutOrChanged) {
         std::vector<int> codes;
         for (const ReadResult& result : results) codes.push_back(result.code);
         ASSERT_EQ(codes, judge.codes()) << what << " at " << at << "\n" << document;
+        if (results[0].record != "(not opened)") {
+            ASSERT_EQ(outcome(module(), path("in.xml")), judge.outcome()) << what << " at " << at;
+        }
         const std::size_t untouched = Judge(SMALL_DOCUMENT.substr(0, at)).complete();
         for (std::size_t i = 0; i < untouched; ++i) {
             ASSERT_EQ(results[i], whole[i]) << what << " at " << at;
