@@ -4,7 +4,7 @@
 #     from_xml.sh BUILD_DIR [RECORDS [ROUNDS]]
 set -euo pipefail
 build=${1:?usage: from_xml.sh BUILD_DIR [RECORDS [ROUNDS]]}
-records=${2:-400000}
+records=${2:-1000000}
 rounds=${3:-5}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
