@@ -16,8 +16,10 @@ enum class SourceFormat { detect, fixed, free, variable };
 struct CopybookOptions {
     SourceFormat format = SourceFormat::detect;
     std::vector<std::string>
-        copy_path;   // folders searched for COPY, after the including file's own
-    std::string fd;  // FD (or SELECT) name, or 01 record name, to take from a whole program
+        copy_path;        // folders searched for COPY, after the including file's own
+    std::string fd;       // FD (or SELECT) name, or 01 record name, to take from a whole program
+    std::string program;  // PROGRAM-ID of the program meant when several in a file have such an FD;
+                          // empty: any
     int tab_width = 8;
     bool debugging_lines = false;  // D in column 7 is source, not comment
 };

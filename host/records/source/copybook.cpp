@@ -81,12 +81,23 @@ class Compilation {
         return false;
     }
 
+    // The file of this name: that of the program meant, or else the first.
+    const RecordArea* find_file(const std::string& name) const {
+        const RecordArea* found = nullptr;
+        const std::string program = to_upper(options_.program);
+        for (const RecordArea& area : structure_.areas) {
+            if (area.name.empty() || area.name != name) continue;
+            if (to_upper(area.program) == program) return &area;
+            if (found == nullptr) found = &area;
+        }
+        return found;
+    }
+
     bool take_chosen() {
         const std::string wanted = to_upper(options_.fd);
-        for (const RecordArea& area : structure_.areas) {
-            if (area.name.empty() || area.name != wanted) continue;
-            source_.name = area.name;
-            take(area.tokens);
+        if (const RecordArea* const area = find_file(wanted)) {
+            source_.name = area->name;
+            take(area->tokens);
             return true;
         }
         for (const RecordArea& area : structure_.areas) {

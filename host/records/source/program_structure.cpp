@@ -39,6 +39,8 @@ class StructureFinder {
         const std::size_t start = cursor_.index();
         if (cursor_.at_word("DIVISION", 1) && is_division(cursor_.peek().text)) {
             enter_division(begin);
+        } else if (cursor_.at_word("PROGRAM-ID") && cursor_.at(WordKind::period, 1)) {
+            enter_program(begin);
         } else if (at_header() && cursor_.at_word("SECTION", 1)) {
             enter_section(begin);
         } else if (mode_ == Mode::data) {
@@ -66,6 +68,20 @@ class StructureFinder {
         went_on_ = true;
         // Records before any section are taken as those of a storage section.
         if (mode_ == Mode::data) open_area(RecordArea::Kind::storage, {}, cursor_.index());
+    }
+
+    // PROGRAM-ID. name.
+    void enter_program(std::size_t begin) {
+        structure_.is_program = true;
+        close_area(begin);
+        mode_ = Mode::other;
+        cursor_.advance();
+        cursor_.advance();
+        if (cursor_.at_end()) return;
+        std::string_view name = cursor_.peek().text;
+        if (cursor_.at(WordKind::literal) && name.size() > 2)
+            name = name.substr(1, name.size() - 2);
+        program_ = name;
     }
 
     void enter_section(std::size_t begin) {
@@ -164,7 +180,7 @@ class StructureFinder {
     }
 
     void open_area(RecordArea::Kind kind, std::string name, std::size_t begin) {
-        structure_.areas.push_back({kind, std::move(name), {begin, begin}, {}});
+        structure_.areas.push_back({kind, std::move(name), program_, {begin, begin}, {}});
         area_open_ = true;
     }
 
@@ -184,6 +200,7 @@ class StructureFinder {
     const std::vector<Token>& tokens_;
     ParseContext& context_;
     ProgramStructure structure_;
+    std::string program_;
     Mode mode_ = Mode::data;
     bool area_open_ = false;
     bool went_on_ = false;  // the sentence has been passed already

@@ -23,7 +23,8 @@ struct RecordSpan {
 // The records of one FD or SD, of one section, or of a bare copybook.
 struct RecordArea {
     enum class Kind { copybook, file, sort_file, storage } kind = Kind::copybook;
-    std::string name;  // of the FD or SD
+    std::string name;     // of the FD or SD
+    std::string program;  // PROGRAM-ID of the program it stands in; empty when there was none
     TokenRange tokens;
     std::vector<RecordSpan> records;
 };

@@ -38,6 +38,24 @@ bool is_name(const std::vector<TextWord>& words, std::size_t at) {
     return is_kind(words, at, WordKind::word) || is_kind(words, at, WordKind::literal);
 }
 
+// Passes over procedures, to the program that follows them in the same file. The words at its head
+// that were read to find it go to `words`; false when there is none.
+bool skip_procedures(WordScanner& scanner, std::vector<TextWord>& words) {
+    std::optional<TextWord> before;
+    while (auto word = scanner.next()) {
+        const bool is_division =
+            same_word(word->text, "DIVISION") && before &&
+            (same_word(before->text, "IDENTIFICATION") || same_word(before->text, "ID"));
+        if (is_division) words.push_back(*before);
+        if (is_division || same_word(word->text, "PROGRAM-ID")) {
+            words.push_back(*word);
+            return true;
+        }
+        before = word;
+    }
+    return false;
+}
+
 // A REPLACE statement, not a name that happens to be REPLACE.
 bool is_replace_statement(const std::vector<TextWord>& words, std::size_t at) {
     if (!is_word(words, at, "REPLACE")) return false;
@@ -89,6 +107,7 @@ TextManipulator::Words TextManipulator::scan(std::uint32_t inclusion, SourceForm
         if (same_word(word->text, "DIVISION") && !words.empty() &&
             is_word(words, words.size() - 1, "PROCEDURE")) {
             words.pop_back();
+            if (skip_procedures(scanner, words)) continue;
             stopped_ = true;
             break;
         }
