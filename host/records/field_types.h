@@ -33,14 +33,25 @@ enum FieldType : std::int16_t {
     ENCODED_TEXT = 40  // characters in XfdConventions::field_encoding
 };
 
-// What a numeric item's descriptor carries for Qconvert beside type, length, digits and scale. The
-// digits and scale that the module sees describe the text; these describe the field.
+// Where the characters of a JUSTIFIED or edited field stand that are no blanks; all 0: at its
+// start.
+struct FieldEdges {
+    std::uint8_t is_right;  // they end at the field's end rather than begin at its start
+    std::uint8_t blanks;    // positions at that edge that are always blank (B)
+    std::uint8_t
+        sign_width;         // of a sign at the right edge that is blank when there is none to show
+    std::uint8_t sign_gap;  // blanks (B) before that sign
+};
+
+// What an item's descriptor carries beside type, length, digits and scale. For a number, for use by
+// Qconvert: the digits and scale that the module sees describe the text; these describe the field.
 // digits 0: as the descriptor itself says.
 struct FieldExtra {
-    std::int8_t digits;  // digits stored in the field (may be fewer than the text's: PIC 99PPP)
-    std::int8_t scale;   // power of ten of the last stored digit (3 for PIC 99PPP)
-    std::uint8_t flags;  // FieldFlag bits
-    std::uint8_t reserved[5];
+    std::int8_t digits;     // digits stored in the field (may be fewer than the text's: PIC 99PPP)
+    std::int8_t scale;      // power of ten of the last stored digit (3 for PIC 99PPP)
+    std::uint8_t flags;     // FieldFlag bits
+    FieldEdges edges = {};  // of a field of characters
+    std::uint8_t reserved = 0;
 };
 static_assert(sizeof(FieldExtra) == 8);
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/records/alignment.h"
 #include "host/records/layout/description_data.h"
 
 namespace records {
@@ -155,9 +156,8 @@ class Flattener {
         result.data.scale = static_cast<std::int8_t>(form.scale);
         result.format = form.hex ? XFD_FORMAT_BINARY : std::int16_t{0};
         set_field_extra(result.data, {static_cast<std::int8_t>(form.stored_digits),
-                                      static_cast<std::int8_t>(form.stored_scale),
-                                      form.flags,
-                                      {}});
+                                      static_cast<std::int8_t>(form.stored_scale), form.flags,
+                                      edges_of(form.type, item.picture)});
         return result;
     }
 
