@@ -8,8 +8,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 
+#include "gnucobol/document_encoding.h"
 #include "gnucobol/file_name.h"
 #include "gnucobol/report.h"
 #include "host/runtime/streams.h"
@@ -22,26 +24,18 @@ void close_files_at_exit() {
     Adapter::instance().close_all();
 }
 
-bool is_url(const std::string& path) {
-    return path.starts_with("http:") || path.starts_with("HTTP:");
-}
-
-bool exists(const std::string& path) {
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0;
-}
-
-std::string program_source() {
-    const cob_global* const runtime = cob_get_global_ptr();
-    if (runtime == nullptr || runtime->cob_current_module == nullptr) return {};
-    const char* const source = runtime->cob_current_module->module_source;
-    return source != nullptr ? source : "";
-}
-
 // The description of the file. Throws std::runtime_error when there is none.
 FileLayout layout_for(const ClosedFile& file) {
-    const char* const fd = file.program_file != nullptr ? file.program_file->select_name : nullptr;
-    return find_layout({file.path, fd != nullptr ? fd : "", program_source()});
+    const auto text = [](const char* name) { return std::string(name != nullptr ? name : ""); };
+    LayoutRequest request;
+    request.path = file.path;
+    if (file.program_file != nullptr) request.fd = text(file.program_file->select_name);
+    const cob_global* const runtime = cob_get_global_ptr();
+    if (runtime != nullptr && runtime->cob_current_module != nullptr) {
+        request.program = text(runtime->cob_current_module->module_name);
+        request.source = text(runtime->cob_current_module->module_source);
+    }
+    return find_layout(request);
 }
 
 // Says what is wrong when the program's records are not as long as those of the description.
@@ -68,6 +62,7 @@ std::optional<Result> obstacle_to_reading(const std::string& path) {
 
 // Why a file cannot be written. A file that is not there is made; one that is there stays as it is.
 std::optional<Result> obstacle_to_writing(const std::string& path) {
+    if (is_url(path)) return Result{Status::not_permitted, "a web address is only read"};
     struct stat info {};
     if (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
         if (S_ISDIR(info.st_mode)) return refusal(EISDIR);
@@ -86,9 +81,24 @@ std::optional<Result> obstacle_to_writing(const std::string& path) {
     return Result{Status::permanent_error, std::strerror(error)};
 }
 
+// Why no document can be written in the encoding that is set.
+std::optional<Result> encoding_problem() {
+    const std::string encoding = encoding_to_write();
+    if (is_utf8(encoding) || extends_ascii(encoding)) return std::nullopt;
+    return Result{Status::permanent_error,
+                  "SXML_ENCODING: " + encoding +
+                      " is not known or does not extend ASCII; UTF-8 and ISO-8859-1 do"};
+}
+
 bool is_open_operation(Operation operation) {
     return operation == Operation::open_input || operation == Operation::open_output ||
            operation == Operation::open_other;
+}
+
+// True when a program was cancelled that had the file open: the runtime then has another record of
+// it, in the same place, that it takes for closed.
+bool is_cancelled(const OpenFile& file) {
+    return file.program_file() != nullptr && file.program_file()->open_mode == COB_OPEN_CLOSED;
 }
 
 Result delete_file(const std::string& path) {
@@ -105,16 +115,32 @@ Adapter& Adapter::instance() {
 }
 
 // A file that we have open carries its object in the handle; the runtime makes a new description,
-// with an empty handle, for each OPEN of a closed file.
-OpenFile* Adapter::find(const FCD3& fcd) const {
+// with an empty handle, for each OPEN of a closed file. After CLOSE REEL it does so as well.
+OpenFile* Adapter::find(FCD3& fcd) const {
     for (const auto& file : files_) {
         if (file.get() == fcd.fileHandle) return file.get();
+    }
+    const auto is_waiting = [](const auto& file) { return file->awaits_description(); };
+    if (std::none_of(files_.begin(), files_.end(), is_waiting)) return nullptr;
+    const cob_file* const program_file = find_program_file(fcd);
+    for (const auto& file : files_) {
+        if (!is_waiting(file) || file->program_file() != program_file) continue;
+        file->await_description(false);
+        fcd.fileHandle = file.get();
+        return file.get();
     }
     return nullptr;
 }
 
 bool Adapter::serve(Operation operation, FCD3& fcd) {
-    if (OpenFile* const file = find(fcd)) {
+    OpenFile* const file = find(fcd);
+    if (file != nullptr && is_open_operation(operation) && is_cancelled(*file)) {
+        cob_file* const program_file = file->program_file();
+        renew_description(fcd, *program_file);
+        remove(*file);
+        return serve_closed(operation, fcd, program_file);
+    }
+    if (file != nullptr) {
         const std::string path = file->path();
         const Result result = serve_open_file(*file, operation, fcd);
         set_status(fcd, result.status);
@@ -124,7 +150,11 @@ bool Adapter::serve(Operation operation, FCD3& fcd) {
     if (!is_sequential(fcd) || fcd.openMode != OPEN_NOT_OPEN || operation == Operation::other) {
         return false;
     }
-    cob_file* const program_file = is_open_operation(operation) ? find_program_file(fcd) : nullptr;
+    return serve_closed(operation, fcd,
+                        is_open_operation(operation) ? find_program_file(fcd) : nullptr);
+}
+
+bool Adapter::serve_closed(Operation operation, FCD3& fcd, cob_file* program_file) {
     const std::string assigned =
         program_file != nullptr ? assigned_name(*program_file) : assigned_name(fcd);
     const ClosedFile file{mapped_name(assigned), program_file};
@@ -136,6 +166,7 @@ bool Adapter::serve(Operation operation, FCD3& fcd) {
         result = {Status::permanent_error, failure.what()};
     }
     set_status(fcd, result.status);
+    if (program_file != nullptr) set_status(*program_file, result.status);
     report(file.path, operation, result.status, result.reason);
     return true;
 }
@@ -160,10 +191,9 @@ Result Adapter::serve_open_file(OpenFile& file, Operation operation, FCD3& fcd) 
 }
 
 Result Adapter::serve_closed_file(const ClosedFile& file, Operation operation, FCD3& fcd) {
-    const bool is_locked =
-        file.program_file != nullptr &&
-        std::find(locked_.begin(), locked_.end(), file.program_file) != locked_.end();
-    if (is_locked) return {Status::locked, {}};
+    if (std::find(locked_.begin(), locked_.end(), file) != locked_.end()) {
+        return {Status::locked, {}};
+    }
     switch (operation) {
         case Operation::open_input:
             return open_input(file, fcd);
@@ -186,31 +216,42 @@ Result Adapter::serve_closed_file(const ClosedFile& file, Operation operation, F
 
 Result Adapter::open_input(const ClosedFile& file, FCD3& fcd) {
     const std::string& path = file.path;
-    if (!is_url(path) && !exists(path) && !exists(path + ".xml")) {
+    end_writing(path);
+    std::optional<DocumentSource> source = DocumentSource::find(path);
+    if (!source) {
         if (!is_optional(fcd)) return {Status::not_found, {}};
         return keep(std::make_unique<OpenFile>(path, fcd, file.program_file), fcd, OPEN_INPUT);
     }
-    if (auto obstacle = obstacle_to_reading(path)) return *obstacle;
+    if (auto obstacle = obstacle_to_reading(source->file())) return *obstacle;
     FileLayout layout = layout_for(file);
     if (auto difference = length_difference(fcd, layout)) return *difference;
-    return keep(
-        std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout), XML_OPEN_INPUT),
-        fcd, OPEN_INPUT);
+    return keep(std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
+                                           std::move(*source), XML_OPEN_INPUT),
+                fcd, OPEN_INPUT);
 }
 
 Result Adapter::open_output(const ClosedFile& file, FCD3& fcd) {
     const std::string& path = file.path;
     FileLayout layout = layout_for(file);
     if (auto difference = length_difference(fcd, layout)) return *difference;
-    const bool is_new = !exists(path);
+    if (auto problem = encoding_problem()) return *problem;
+    end_writing(path);
     if (auto obstacle = obstacle_to_writing(path)) return *obstacle;
-    Result result = keep(std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
-                                                    XML_OPEN_OUTPUT),
-                         fcd, OPEN_OUTPUT);
-    if (result.status == Status::done && is_new && is_optional(fcd)) {
-        result.status = Status::optional_missing;
+    return keep(std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
+                                           DocumentSource(path), XML_OPEN_OUTPUT),
+                fcd, OPEN_OUTPUT);
+}
+
+// Ends a document that is being written and now is opened again. Two would write to it otherwise:
+// CANCEL does not close the files of a program as far as we are told.
+void Adapter::end_writing(const std::string& path) {
+    for (const auto& file : files_) {
+        std::error_code error;
+        if (file->is_output() && std::filesystem::equivalent(file->path(), path, error)) {
+            file->close();
+        }
     }
-    return result;
+    collect_write_failures();
 }
 
 Result Adapter::keep(std::unique_ptr<OpenFile> file, FCD3& fcd, unsigned char mode) {
@@ -234,18 +275,28 @@ Result Adapter::write(OpenFile& file, FCD3& fcd) {
 }
 
 Result Adapter::close(OpenFile& file, FCD3& fcd) {
+    const Closing closing = closing_of(fcd);
+    if (closing == Closing::reel) {
+        file.await_description(true);
+        return {Status::no_reel, {}};
+    }
     file.close();
     collect_write_failures();
-    Result result = file.failure().value_or(Result{});
+    const Status status = closing == Closing::no_rewind ? Status::no_reel : Status::done;
+    Result result = file.failure().value_or(Result{status, {}});
     cob_file* const program_file = file.program_file();
     if (program_file != nullptr) {
         program_file->open_mode = COB_OPEN_CLOSED;
-        if (closes_with_lock(fcd)) locked_.push_back(program_file);
+        if (closing == Closing::with_lock) locked_.push_back({file.path(), program_file});
     }
     fcd.openMode = OPEN_NOT_OPEN;
     fcd.fileHandle = nullptr;
-    std::erase_if(files_, [&file](const auto& kept) { return kept.get() == &file; });
+    remove(file);
     return result;
+}
+
+void Adapter::remove(const OpenFile& file) {
+    std::erase_if(files_, [&file](const auto& kept) { return kept.get() == &file; });
 }
 
 void Adapter::collect_write_failures() {

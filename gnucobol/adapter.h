@@ -15,6 +15,8 @@ namespace gnucobol {
 struct ClosedFile {
     std::string path;        // the name on the disk
     cob_file* program_file;  // null when unknown
+
+    bool operator==(const ClosedFile&) const = default;
 };
 
 class Adapter {
@@ -31,7 +33,8 @@ class Adapter {
     void close_all();
 
   private:
-    OpenFile* find(const FCD3& fcd) const;
+    OpenFile* find(FCD3& fcd) const;
+    bool serve_closed(Operation operation, FCD3& fcd, cob_file* program_file);
     Result serve_open_file(OpenFile& file, Operation operation, FCD3& fcd);
     Result serve_closed_file(const ClosedFile& file, Operation operation, FCD3& fcd);
     Result open_input(const ClosedFile& file, FCD3& fcd);
@@ -39,10 +42,12 @@ class Adapter {
     Result keep(std::unique_ptr<OpenFile> file, FCD3& fcd, unsigned char mode);
     Result write(OpenFile& file, FCD3& fcd);
     Result close(OpenFile& file, FCD3& fcd);
+    void remove(const OpenFile& file);
+    void end_writing(const std::string& path);
     void collect_write_failures();
 
     std::vector<std::unique_ptr<OpenFile>> files_;
-    std::vector<const cob_file*> locked_;  // closed with lock
+    std::vector<ClosedFile> locked_;  // closed with lock
 };
 
 }  // namespace gnucobol

@@ -17,6 +17,12 @@ void store_number(unsigned char (&bytes)[4], std::uint32_t number) {
     for (int i = 3; i >= 0; --i, number >>= 8) bytes[i] = static_cast<unsigned char>(number);
 }
 
+void store_status(unsigned char* digits, Status status) {
+    const auto number = static_cast<unsigned>(status);
+    digits[0] = static_cast<unsigned char>('0' + number / 10);
+    digits[1] = static_cast<unsigned char>('0' + number % 10);
+}
+
 std::string without_filling(std::string name) {
     name.resize(std::min(name.find('\0'), name.size()));
     name.resize(name.find_last_not_of(' ') + 1);
@@ -101,23 +107,37 @@ const char* verb_of(Operation operation) {
 }
 
 void set_status(FCD3& fcd, Status status) {
-    const auto number = static_cast<unsigned>(status);
-    fcd.fileStatus[0] = static_cast<unsigned char>('0' + number / 10);
-    fcd.fileStatus[1] = static_cast<unsigned char>('0' + number % 10);
+    store_status(fcd.fileStatus, status);
 }
 
-// A READ of a file that is not open makes the runtime look its record up and do nothing else.
+void set_status(cob_file& file, Status status) {
+    if (file.file_status != nullptr) store_status(file.file_status, status);
+}
+
+// Of the operations that make the runtime look its record up, giving locks back does the least:
+// with a file that is not open, nothing. What it leaves behind of its own success is put back.
 cob_file* find_program_file(FCD3& fcd) {
     cob_global* const runtime = cob_get_global_ptr();
     const int exception = runtime->cob_exception_code;
     runtime->cob_error_file = nullptr;
-    unsigned char read_next[2] = {OP_READ_SEQ >> 8, OP_READ_SEQ & 0xFF};
-    EXTFH(read_next, &fcd);
+    unsigned char unlock[2] = {OP_UNLOCK_REC >> 8, OP_UNLOCK_REC & 0xFF};
+    EXTFH(unlock, &fcd);
     runtime->cob_exception_code = exception;
     cob_file* const file = runtime->cob_error_file;
     const bool is_it =
         file != nullptr && file->record != nullptr && file->record->data == fcd.recPtr;
     return is_it ? file : nullptr;
+}
+
+void renew_description(FCD3& fcd, const cob_file& file) {
+    fcd.openMode = OPEN_NOT_OPEN;
+    fcd.fileHandle = nullptr;
+    fcd.fileOrg = file.organization == COB_ORG_LINE_SEQUENTIAL ? ORG_LINE_SEQ : ORG_SEQ;
+    fcd.otherFlags = file.flag_optional != 0 ? OTH_OPTIONAL : OTH_NOT_OPTIONAL;
+    fcd.recPtr = file.record->data;
+    store_number(fcd.minRecLen, static_cast<std::uint32_t>(file.record_min));
+    store_number(fcd.maxRecLen, static_cast<std::uint32_t>(file.record_max));
+    store_number(fcd.curRecLen, static_cast<std::uint32_t>(file.record_max));
 }
 
 std::string assigned_name(const FCD3& fcd) {
@@ -139,9 +159,19 @@ bool is_optional(const FCD3& fcd) {
     return (fcd.otherFlags & OTH_OPTIONAL) != 0;
 }
 
-// The runtime passes CLOSE WITH LOCK as an option of the plain operation.
-bool closes_with_lock(const FCD3& fcd) {
-    return fcd.opt[3] == COB_CLOSE_LOCK;
+// The runtime passes this as an option of the plain operation.
+Closing closing_of(const FCD3& fcd) {
+    switch (fcd.opt[3]) {
+        case COB_CLOSE_LOCK:
+            return Closing::with_lock;
+        case COB_CLOSE_NO_REWIND:
+            return Closing::no_rewind;
+        case COB_CLOSE_UNIT:
+        case COB_CLOSE_UNIT_REMOVAL:
+            return Closing::reel;
+        default:
+            return Closing::plain;
+    }
 }
 
 std::uint32_t shortest_record(const FCD3& fcd) {

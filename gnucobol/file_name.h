@@ -6,8 +6,8 @@
 namespace gnucobol {
 
 // The name on the disk, found as the COBOL runtime finds it for its own files: environment
-// variables DD_name, dd_name and name, $name in the parts of a path, COB_FILE_PATH. URLs stay as
-// they are.
+// variables DD_name, dd_name and name, $name in the parts of a path, the runtime's folder for
+// files. URLs stay as they are.
 std::string mapped_name(const std::string& assigned);
 
 // True for names that end in ".xml" (any letter case) and for those that one of the patterns in

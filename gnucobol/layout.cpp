@@ -63,9 +63,9 @@ std::optional<LayoutSource> named_by_setting(const LayoutRequest& request) {
 LayoutSource find_source(const LayoutRequest& request) {
     if (auto source = named_by_setting(request)) return *source;
     std::string file = records::find_description_file(request.path);
-    if (file.empty() && !request.program.empty()) {
-        file = find_file(fs::path(request.program).filename().string());
-        if (file.empty()) file = find_file(request.program);
+    if (file.empty() && !request.source.empty()) {
+        file = find_file(fs::path(request.source).filename().string());
+        if (file.empty()) file = find_file(request.source);
     }
     if (file.empty()) {
         const std::string stem = stem_of(request.path);
@@ -98,11 +98,12 @@ std::string first_error(const std::string& file, const records::Diagnostics& dia
     return file + ": it describes no record";
 }
 
-std::optional<records::Description> load(const LayoutSource& source,
+std::optional<records::Description> load(const LayoutSource& source, const std::string& program,
                                          records::Diagnostics& diagnostics) {
     records::CopybookOptions copybook;
     copybook.copy_path = search_path();
     copybook.fd = source.fd;
+    copybook.program = program;
     records::LayoutOptions layout;
     layout.name_case = configured_name_case();
     auto description = records::load_description(source.file, copybook, layout, diagnostics);
@@ -134,7 +135,7 @@ FileLayout find_layout(const LayoutRequest& request) {
     for (const std::string& name : possible_names(source, request)) {
         source.fd = name;
         records::Diagnostics diagnostics;
-        auto description = load(source, diagnostics);
+        auto description = load(source, request.program, diagnostics);
         if (description && description->record_length() > 0) {
             return {std::move(*description), source.file};
         }

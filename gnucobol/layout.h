@@ -10,7 +10,8 @@ namespace gnucobol {
 struct LayoutRequest {
     std::string path;     // the file's name on the disk
     std::string fd;       // what the program calls it; may be empty
-    std::string program;  // name of the program's source file as it was compiled; may be empty
+    std::string program;  // PROGRAM-ID; may be empty
+    std::string source;   // name of the program's source file as it was compiled; may be empty
 };
 
 struct FileLayout {

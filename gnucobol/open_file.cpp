@@ -5,7 +5,9 @@
 #include <cstring>
 #include <utility>
 
-#include "gnucobol/document_end.h"
+#include "gnucobol/document_check.h"
+#include "gnucobol/document_encoding.h"
+#include "gnucobol/document_file.h"
 #include "host/errors.h"
 #include "host/records/numbers.h"
 
@@ -24,17 +26,17 @@ class BoundDescription {
     BoundDescription& operator=(const BoundDescription&) = delete;
 };
 
-std::string damage_text() {
-    const char* const text = *host_error_text();
-    return text != nullptr && *text != '\0' ? std::string("the document is damaged: ") + text
-                                            : "the document is damaged";
+// What is wrong with a document that cannot be read on, and where.
+std::string damage_text(const std::string& summary, const std::string& file) {
+    const std::string damage = find_damage(file);
+    return damage.empty() ? summary : summary + ": " + damage;
 }
 
-// What an open or a read that failed means to the program.
-Result result_of_file_error() {
+// What an open or a read of this file that failed means to the program.
+Result result_of_file_error(const std::string& file) {
     switch (*host_file_error()) {
         case HOST_FILE_END:
-            return {Status::permanent_error, "the document ends too early"};
+            return {Status::permanent_error, damage_text("the document ends too early", file)};
         case HOST_FILE_NO_MEMORY:
             return {Status::permanent_error, "there is not enough memory"};
         case HOST_FILE_CANNOT_OPEN:
@@ -42,7 +44,7 @@ Result result_of_file_error() {
         case HOST_FILE_UNSUPPORTED:
             return {Status::not_permitted, {}};
         case HOST_FILE_XML:
-            return {Status::permanent_error, damage_text()};
+            return {Status::permanent_error, damage_text("the document is damaged", file)};
         default:
             return {Status::permanent_error, {}};
     }
@@ -53,22 +55,10 @@ Status status_of_write_error(int error) {
     return is_space ? Status::no_space : Status::permanent_error;
 }
 
-// The record layouts of a description in order, each with the conditions of its fields.
-std::vector<RecordLayout> layouts_of(const Xfd& xfd) {
-    std::vector<RecordLayout> layouts;
-    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
-        const XfdItem& item = xfd.items[i];
-        if (item.level == 1) {
-            layouts.push_back({static_cast<std::uint32_t>(std::max(item.data.length, 0)), {}});
-        } else if (item.condition > 0 && item.condition <= xfd.condition_count &&
-                   !layouts.empty()) {
-            std::vector<std::int16_t>& conditions = layouts.back().conditions;
-            if (conditions.empty() || conditions.back() != item.condition) {
-                conditions.push_back(item.condition);
-            }
-        }
-    }
-    return layouts;
+// The encoding of the texts of a document that is read or will be written.
+std::string encoding_of_texts(const std::string& path, std::int32_t direction) {
+    if (direction != XML_OPEN_INPUT) return encoding_to_write();
+    return is_latin1_document(path) ? "ISO-8859-1" : "";
 }
 
 }  // namespace
@@ -79,20 +69,22 @@ OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file)
 }
 
 OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, FileLayout layout,
-                   std::int32_t direction)
+                   DocumentSource source, std::int32_t direction)
     : path_(std::move(path)),
       program_file_(program_file),
+      source_(std::move(source)),
       layout_(std::move(layout)),
       record_(longest_record(fcd)),
       direction_(direction) {
-    const Xfd& xfd = layout_->description.xfd();
+    Xfd& xfd = layout_->description.xfd();
     blank_.emplace(xfd, longest_record(fcd));
     layouts_ = layouts_of(xfd);
+    text_.emplace(xfd, layouts_, encoding_of_texts(source_->file(), direction));
     held_.resize(static_cast<std::size_t>(xfd.condition_count) + 1);
     const host::Module& module = xml_module();
     const BoundDescription bound(layout_->description);
-    xml_ = module.open(path_.c_str(), direction);
-    if (xml_ == nullptr) opening_ = result_of_file_error();
+    xml_ = module.open(source_->file().c_str(), direction);
+    if (xml_ == nullptr) opening_ = result_of_file_error(source_->file());
 }
 
 OpenFile::~OpenFile() {
@@ -102,6 +94,7 @@ OpenFile::~OpenFile() {
 void OpenFile::close() {
     if (xml_ != nullptr) xml_module().close(xml_);
     xml_ = nullptr;
+    source_.reset();
 }
 
 void OpenFile::fail_writing(int error) {
@@ -129,11 +122,13 @@ Result OpenFile::read(FCD3& fcd) {
     const std::int16_t error = *host_file_error();
     if (result == 0 || error != HOST_FILE_OK) {
         ended_ = true;
-        const bool is_end = result == 0 && error == HOST_FILE_END && has_document_end(path_);
-        return is_end ? Result{Status::at_end, {}} : result_of_file_error();
+        const bool is_end =
+            result == 0 && error == HOST_FILE_END && has_document_end(source_->file());
+        return is_end ? Result{Status::at_end, {}} : result_of_file_error(source_->file());
     }
+    text_->settle(record_.data(), held_);
     std::memcpy(fcd.recPtr, record_.data(), record_.size());
-    const std::uint32_t length = length_of_record_read(fcd);
+    const std::uint32_t length = length_of_record_read(fcd, static_cast<std::uint32_t>(result) - 1);
     set_current_record(fcd, length);
     tell_program(length);
     const bool is_doubtful = records::data_exceptions() != exceptions;
@@ -148,14 +143,32 @@ void OpenFile::tell_program(std::uint32_t length) {
     if (depending != nullptr) cob_set_int(depending, static_cast<int>(length));
 }
 
-std::uint32_t OpenFile::length_of_record_read(const FCD3& fcd) const {
+// A document keeps no lengths. What tells one is, in this order: the counter of a table that ends
+// the record, the layout, the text of a line or of a record that is but a text, and the last field
+// that there was data for.
+std::uint32_t OpenFile::length_of_record_read(const FCD3& fcd, std::uint32_t filled) const {
     const std::uint32_t longest = longest_record(fcd);
     const std::uint32_t shortest = shortest_record(fcd);
     if (shortest >= longest) return longest;
-    const std::int32_t used =
-        layout_->description.used_length(record_.data(), static_cast<std::int32_t>(longest));
-    const std::uint32_t length = std::min(static_cast<std::uint32_t>(used), layout_length(longest));
+    const records::Description& description = layout_->description;
+    std::uint32_t length = layout_length(longest);
+    if (description.min_record_length() < description.record_length()) {
+        const std::int32_t used =
+            description.used_length(record_.data(), static_cast<std::int32_t>(longest));
+        length = std::min(length, static_cast<std::uint32_t>(used));
+    } else if (fcd.fileOrg == ORG_LINE_SEQ || text_->is_one_text()) {
+        length = length_of_text();
+    } else if (layouts_.size() < 2) {
+        length = std::min(length, filled);
+    }
     return std::max(length, shortest);
+}
+
+// The record without blanks at its end.
+std::uint32_t OpenFile::length_of_text() const {
+    const auto end = std::find_if(record_.rbegin(), record_.rend(),
+                                  [](std::uint8_t byte) { return byte != ' '; });
+    return static_cast<std::uint32_t>(record_.rend() - end);
 }
 
 // The length of the layout that was read: the first whose conditions all held.
@@ -170,14 +183,26 @@ std::uint32_t OpenFile::layout_length(std::uint32_t longest) const {
     return longest;
 }
 
+// The record to write. One that ends within a field is filled up with blanks to that field's end.
+const std::uint8_t* OpenFile::with_whole_fields(const std::uint8_t* record, std::uint32_t& length) {
+    if (length >= record_.size()) return record;
+    const std::uint32_t whole = text_->length_of_whole_fields(record, length);
+    if (whole == length || whole > record_.size()) return record;
+    std::fill(std::copy(record, record + length, record_.begin()), record_.end(), ' ');
+    length = whole;
+    return record_.data();
+}
+
 Result OpenFile::write(const FCD3& fcd) {
     if (xml_ == nullptr || direction_ != XML_OPEN_OUTPUT) return {Status::not_open_for_output, {}};
-    const auto length =
-        static_cast<std::int32_t>(std::min(current_record(fcd), longest_record(fcd)));
-    const std::int32_t used = layout_->description.used_length(fcd.recPtr, length);
-    if (xml_module().write(xml_, fcd.recPtr, static_cast<std::uint32_t>(used)) == 0) {
-        return result_of_file_error();
+    if (current_record(fcd) < shortest_record(fcd)) return {Status::wrong_length, {}};
+    auto length = static_cast<std::uint32_t>(layout_->description.used_length(
+        fcd.recPtr, static_cast<std::int32_t>(std::min(current_record(fcd), longest_record(fcd)))));
+    const std::uint8_t* const record = with_whole_fields(fcd.recPtr, length);
+    if (const auto problem = text_->problem(record, length)) {
+        return {Status::permanent_error, *problem};
     }
+    if (xml_module().write(xml_, record, length) == 0) return result_of_file_error(source_->file());
     return {};
 }
 

@@ -19,6 +19,8 @@ const char* meaning_of(Status status) {
             return "a number in the document has no value that the field can hold";
         case Status::optional_missing:
             return "the optional file was not there";
+        case Status::no_reel:
+            return "a document has no reels";
         case Status::at_end:
             return "at end";
         case Status::permanent_error:
@@ -37,6 +39,8 @@ const char* meaning_of(Status status) {
             return "the file is open already";
         case Status::not_open:
             return "the file is not open";
+        case Status::wrong_length:
+            return "the record is shorter than the file's records may be";
         case Status::read_after_end:
             return "there is no record to read any more";
         case Status::not_open_for_input:

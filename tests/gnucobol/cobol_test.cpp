@@ -4,59 +4,11 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "tests/command/command_run.h"
+#include "tests/gnucobol/cobol_test.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-const std::string PROGRAMS = SXML_SOURCE_DIR "/tests/gnucobol/";
-const std::string SAMPLES = SXML_SOURCE_DIR "/gnucobol/samples/";
-
-class CobolTest : public CommandTest {
-  protected:
-    void TearDown() override {
-        for (const std::string& name : variables_) unsetenv(name.c_str());
-        CommandTest::TearDown();
-    }
-
-    // Sets an environment variable until the test ends.
-    void set(const std::string& name, const std::string& value) {
-        setenv(name.c_str(), value.c_str(), 1);
-        variables_.push_back(name);
-    }
-
-    static void compile_for_xml(const std::string& source, const std::string& program,
-                                std::vector<std::string> more = {}) {
-        std::vector<std::string> words = {"cob", source, "-o", program, "-I", SAMPLES};
-        words.insert(words.end(), more.begin(), more.end());
-        const Outcome outcome = sxml(words);
-        ASSERT_EQ(outcome.status, 0) << outcome.err;
-    }
-
-    static void compile_plain(const std::string& source, const std::string& program,
-                              std::vector<std::string> more = {}) {
-        std::vector<std::string> words = {"cobc", "-x", source, "-o", program, "-I", SAMPLES};
-        words.insert(words.end(), more.begin(), more.end());
-        const Outcome outcome = run(words);
-        ASSERT_EQ(outcome.status, 0) << outcome.err;
-    }
-
-    static Outcome run_program(const std::vector<std::string>& words) { return run(words); }
-
-    // The files of these names are NAME.suffix from now on.
-    void assign(const std::vector<std::string>& names, const std::string& suffix) {
-        for (const std::string& name : names) set("DD_" + name, name + suffix);
-    }
-
-    static std::string well_formed(const std::string& document) {
-        const Outcome outcome = run({"xmllint", "--noout", "--valid", document});
-        return outcome.err;
-    }
-
-  private:
-    std::vector<std::string> variables_;
-};
 
 TEST_F(CobolTest, SamplesDisplayTheSameWithPlainFilesAndWithXml) {
     const std::vector<std::string> files = {"ORDERS", "CUSTOMERS", "CHANGES",
@@ -95,15 +47,10 @@ TEST_F(CobolTest, SamplesDisplayTheSameWithPlainFilesAndWithXml) {
 }
 
 TEST_F(CobolTest, StatementsOutOfOrderGiveTheStatusesOfPlainFiles) {
-    compile_for_xml(PROGRAMS + "order.cbl", "order");
-    set("SXML_PATH", PROGRAMS);
-    set("DD_DATA", "data.dat");
-    const std::string plain = run_program({"./order"}).out;
+    const std::string plain = same_output("order", {"DATA", "MAYBE", "NOTHING"});
     EXPECT_NE(plain.find("read past end 46"), std::string::npos) << plain;
-    set("DD_DATA", "data.xml");
-    const Outcome xml = run_program({"./order"});
-    EXPECT_EQ(xml.out, plain);
-    EXPECT_NE(xml.err.find("sxml: data.xml: WRITE: file status 48: "), std::string::npos);
+    EXPECT_NE(plain.find("declarative "), std::string::npos) << plain;
+    EXPECT_NE(errors.find("sxml: DATA.xml: WRITE: file status 48: "), std::string::npos);
 }
 
 TEST_F(CobolTest, EveryStateOfAFileHasItsStatus) {
@@ -144,21 +91,32 @@ TEST_F(CobolTest, EveryStateOfAFileHasItsStatus) {
 }
 
 TEST_F(CobolTest, LengthsLayoutsAndSubprograms) {
-    const std::vector<std::string> files = {"TABLES", "KINDS", "LAST"};
-    const std::vector<std::string> subprogram = {PROGRAMS + "leave.cbl"};
-    compile_plain(PROGRAMS + "lengths.cbl", "plain", subprogram);
-    compile_for_xml(PROGRAMS + "lengths.cbl", "xml", subprogram);
-    set("SXML_PATH", PROGRAMS);
-    assign(files, ".dat");
-    const std::string plain = run_program({"./plain"}).out;
+    const std::string plain =
+        same_output("lengths", {"TABLES", "KINDS", "VARIED", "PARTS", "LINES", "LAST"},
+                    {PROGRAMS + "leave.cbl"});
     EXPECT_NE(plain.find("16 0003abcabcabcabc|\n03 -003\n13 Ltext     003\n"), std::string::npos);
-    assign(files, ".xml");
-    const Outcome xml = run_program({"./xml"});
-    EXPECT_EQ(xml.out, plain);
-    EXPECT_EQ(xml.err, "");
+    EXPECT_EQ(errors,
+              "sxml: PARTS.xml: WRITE: file status 44: the record is shorter than the file's "
+              "records may be\n");
     // STOP RUN has ended the documents.
     for (const std::string file : {"TABLES.xml", "LAST.xml"}) EXPECT_EQ(well_formed(file), "");
     EXPECT_NE(read_file("LAST.xml").find("<last_text>last</last_text>"), std::string::npos);
+}
+
+TEST_F(CobolTest, JustifiedAndEditedFieldsKeepTheirBlanks) {
+    const std::string plain = same_output("edited", {"LIST"});
+    EXPECT_NE(plain.find("[      ab    12.50 12- 12- 12.5CR $12.50 DB  ab "), std::string::npos)
+        << plain;
+    EXPECT_EQ(errors, "");
+}
+
+TEST_F(CobolTest, SeveralProgramsInOneSource) {
+    const std::string plain = same_output("units", {"FIGURES", "SHARED", "SORTED", "LEFT"});
+    EXPECT_NE(plain.find("shared 00 from sharer"), std::string::npos) << plain;
+    EXPECT_EQ(errors, "");
+    for (const std::string file : {"FIGURES.xml", "SHARED.xml", "SORTED.xml", "LEFT.xml"}) {
+        EXPECT_EQ(well_formed(file), "") << file;
+    }
 }
 
 // What a program says of one file, under settings of its user.

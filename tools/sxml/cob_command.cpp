@@ -19,6 +19,7 @@ namespace command {
 namespace {
 
 constexpr const char* HANDLER_LIBRARY = "libsxml_cob.so";
+constexpr const char* HANDLER_HEADER = "sxml_extfh.h";
 
 // The folder of the libraries: that of the host's, which this program runs with.
 std::string library_folder() {
@@ -49,7 +50,8 @@ void compile(const std::vector<std::string>& given) {
     if (std::none_of(given.begin(), given.end(), says_what_to_make)) words.emplace_back("-x");
     words.insert(words.end(), given.begin(), given.end());
     for (const std::string& word :
-         {"-L" + folder, std::string("-lsxml_cob"), std::string("-Q"), "-Wl,-rpath," + folder}) {
+         {std::string("-A"), "-include '" + folder + "/" + HANDLER_HEADER + "'", "-L" + folder,
+          std::string("-lsxml_cob"), std::string("-Q"), "-Wl,-rpath," + folder}) {
         words.push_back(word);
     }
     std::vector<char*> arguments;

@@ -1,9 +1,11 @@
-#include "gnucobol/document_end.h"
+#include "gnucobol/document_file.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
+
+#include "host/encoding.h"
 
 namespace gnucobol {
 
@@ -81,6 +83,22 @@ bool has_document_end(const std::string& path) {
     if (!is_empty_element && (!tag.starts_with('/') || !tag.ends_with('>'))) return false;
     if (!is_empty_element) tag.remove_prefix(1);
     return tag.starts_with(name) && tag.find_first_of(" \t\r\n/>") == name.size();
+}
+
+bool is_latin1_document(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return true;
+    std::ifstream file(path, std::ios::binary);
+    if (!file) return true;
+    const std::string head = part_of(file, 0);
+    const std::string_view declaration = std::string_view(head).substr(0, head.find("?>"));
+    const std::size_t at = declaration.find("encoding");
+    if (at == std::string_view::npos) return false;
+    const std::size_t start = declaration.find_first_of("\"'", at);
+    if (start == std::string_view::npos) return false;
+    const std::size_t end = declaration.find(declaration[start], start + 1);
+    const std::string name(declaration.substr(start + 1, end - start - 1));
+    return host_encoding_code(name.c_str()) == HOST_ENCODING_LATIN1;
 }
 
 }  // namespace gnucobol

@@ -1,4 +1,4 @@
-// Whether a document is there to its end.
+// What can be told of a document from the beginning and the end of its file.
 #pragma once
 
 #include <string>
@@ -9,5 +9,9 @@ namespace gnucobol {
 // between two records; a reader of records does not see that. True also when this cannot be told:
 // for what is no regular file, or in an encoding that is not based on ASCII.
 bool has_document_end(const std::string& path);
+
+// True when the document says that it is in ISO-8859-1: its texts come in that encoding then, and
+// in UTF-8 otherwise. True also when this cannot be told.
+bool is_latin1_document(const std::string& path);
 
 }  // namespace gnucobol

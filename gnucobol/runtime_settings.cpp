@@ -1,0 +1,118 @@
+#include "gnucobol/runtime_settings.h"
+
+#include <strings.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <sstream>
+
+#include "gnucobol/fcd.h"
+
+namespace gnucobol {
+
+namespace {
+
+// Standard output goes to a file in memory while this lives.
+class CapturedOutput {
+  public:
+    CapturedOutput() : file_(memfd_create("settings", MFD_CLOEXEC)) {
+        std::fflush(stdout);
+        if (file_ >= 0) output_ = dup(STDOUT_FILENO);
+        if (output_ >= 0) dup2(file_, STDOUT_FILENO);
+    }
+    ~CapturedOutput() {
+        restore();
+        if (file_ >= 0) close(file_);
+    }
+    CapturedOutput(const CapturedOutput&) = delete;
+    CapturedOutput& operator=(const CapturedOutput&) = delete;
+
+    bool works() const { return output_ >= 0; }
+
+    // What was written.
+    std::string text() {
+        restore();
+        std::string text;
+        std::array<char, 4096> part{};
+        for (off_t at = 0;;) {
+            const ssize_t size = pread(file_, part.data(), part.size(), at);
+            if (size <= 0) return text;
+            text.append(part.data(), static_cast<std::size_t>(size));
+            at += size;
+        }
+    }
+
+  private:
+    void restore() {
+        if (output_ < 0) return;
+        std::fflush(stdout);
+        dup2(output_, STDOUT_FILENO);
+        close(output_);
+        output_ = -1;
+    }
+
+    int file_;
+    int output_ = -1;
+};
+
+// The runtime shows its configuration and gives no other access to it.
+std::string shown_configuration() {
+    CapturedOutput output;
+    if (!output.works()) return {};
+    print_runtime_conf();
+    return output.text();
+}
+
+std::string without_blanks(const std::string& text) {
+    const std::size_t start = text.find_first_not_of(' ');
+    if (start == std::string::npos) return {};
+    return text.substr(start, text.find_last_not_of(' ') + 1 - start);
+}
+
+// The value of a setting, empty when there is none. A line is "origin: name : value", with the name
+// in lower case when the value comes from a file; lines ": value" behind it go on with the value.
+std::string shown_value(const std::string& configuration, const std::string& name) {
+    std::string value;
+    bool is_found = false;
+    std::istringstream lines(configuration);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t last = line.rfind(" : ");
+        const std::size_t first = line.find(':');
+        if (last == std::string::npos || first == std::string::npos) continue;
+        const bool goes_on = first == last + 1;
+        if (is_found && !goes_on) return value;
+        if (!goes_on) is_found = without_blanks(line.substr(first + 1, last - first)) == name;
+        if (is_found) value += without_blanks(line.substr(last + 3));
+    }
+    return value;
+}
+
+bool is_yes(const std::string& value) {
+    return strncasecmp(value.c_str(), "y", 1) == 0 || strncasecmp(value.c_str(), "t", 1) == 0 ||
+           strcasecmp(value.c_str(), "on") == 0 || value == "1";
+}
+
+// A file's settings cannot change while the program runs.
+const FileSettings& settings_of_file() {
+    static const FileSettings settings = [] {
+        const std::string configuration = shown_configuration();
+        return FileSettings{shown_value(configuration, "file_path"),
+                            is_yes(shown_value(configuration, "env_mangle"))};
+    }();
+    return settings;
+}
+
+}  // namespace
+
+FileSettings file_settings() {
+    const char* const folder = std::getenv("COB_FILE_PATH");
+    const char* const mangle = std::getenv("COB_ENV_MANGLE");
+    FileSettings settings = settings_of_file();
+    if (folder != nullptr && *folder != '\0') settings.folder = folder;
+    if (mangle != nullptr && *mangle != '\0') settings.mangles_names = is_yes(mangle);
+    return settings;
+}
+
+}  // namespace gnucobol
