@@ -7,7 +7,6 @@
 
 #include "gnucobol/document_check.h"
 #include "gnucobol/document_encoding.h"
-#include "gnucobol/document_file.h"
 #include "host/errors.h"
 #include "host/records/numbers.h"
 
@@ -122,8 +121,7 @@ Result OpenFile::read(FCD3& fcd) {
     const std::int16_t error = *host_file_error();
     if (result == 0 || error != HOST_FILE_OK) {
         ended_ = true;
-        const bool is_end =
-            result == 0 && error == HOST_FILE_END && has_document_end(source_->file());
+        const bool is_end = result == 0 && error == HOST_FILE_END && is_complete();
         return is_end ? Result{Status::at_end, {}} : result_of_file_error(source_->file());
     }
     text_->settle(record_.data(), held_);
@@ -133,6 +131,19 @@ Result OpenFile::read(FCD3& fcd) {
     tell_program(length);
     const bool is_doubtful = records::data_exceptions() != exceptions;
     return {is_doubtful ? Status::doubtful_data : Status::done, {}};
+}
+
+// The module tells the end before it has looked at what is behind the last record. Reads behind it
+// go on until they tell whether something is missing.
+bool OpenFile::is_complete() {
+    constexpr std::int32_t NOT_TOLD = -1;
+    std::int32_t& missing = *host_error_subcode();
+    int result = 0;
+    do {
+        missing = NOT_TOLD;
+        result = xml_module().read(xml_, record_.data());
+    } while (result == 0 && *host_file_error() == HOST_FILE_END && missing == NOT_TOLD);
+    return *host_file_error() == HOST_FILE_END && missing == 0;
 }
 
 // The runtime does not take the length over from the description.

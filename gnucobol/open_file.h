@@ -55,6 +55,7 @@ class OpenFile final : private ConditionWatch {
   private:
     void condition_holds(int number) override;
     std::uint32_t layout_length(std::uint32_t longest) const;
+    bool is_complete();
     void tell_program(std::uint32_t length);
     std::uint32_t length_of_record_read(const FCD3& fcd, std::uint32_t filled) const;
     std::uint32_t length_of_text() const;

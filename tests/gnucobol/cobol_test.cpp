@@ -108,6 +108,14 @@ TEST_F(CobolTest, JustifiedAndEditedFieldsKeepTheirBlanks) {
     EXPECT_NE(plain.find("[      ab    12.50 12- 12- 12.5CR $12.50 DB  ab "), std::string::npos)
         << plain;
     EXPECT_EQ(errors, "");
+    const std::string layout = PROGRAMS + "edited.cbl";
+    const Outcome back = sxml({"from-xml", "LIST.xml", "back.dat", "--layout", layout});
+    EXPECT_EQ(back.status, 0) << back.err;
+    EXPECT_EQ(read_file("back.dat"), read_file("LIST.dat"));
+    // A description file keeps the pictures.
+    EXPECT_EQ(sxml({"compile", layout, "-o", "list.xfd"}).status, 0);
+    set("SXML_PATH", ".");
+    EXPECT_EQ(run_program({"./edited"}).out, plain);
 }
 
 TEST_F(CobolTest, SeveralProgramsInOneSource) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/records/alignment.h"
 #include "host/records/field_types.h"
 #include "tools/sxml/errors.h"
 
@@ -42,6 +43,7 @@ void InputTexts::move(std::int32_t index, std::string_view text, std::uint8_t* t
         std::copy_n(text.begin(), moved, end - moved);
     } else {
         std::fill(std::copy_n(text.begin(), moved, target), end, std::uint8_t{' '});
+        records::align_field(field, target - field.offset);
     }
     const bool is_converted = conversion_.converts() && field.format != XFD_FORMAT_BINARY;
     if (is_converted) long_texts_.erase(index);
