@@ -127,6 +127,7 @@ struct RecordSource {
     std::string name;  // FD name, or empty
     std::string file;  // name of the file it came from
     std::vector<std::unique_ptr<DataItem>> records;
+    int record_contains = 0;  // largest number of the FD's RECORD clause, bytes; 0 when it has none
     bool decimal_point_is_comma = false;
     char currency = '$';
 };

@@ -142,6 +142,8 @@ class Compiler {
 
     std::optional<Description> describe(const NameScope& scope) {
         Model model;
+        // A file's records may be longer than what is described of them.
+        model.record_length = std::min(source_.record_contains, MAX_RECORD_LENGTH);
         for (const auto& layout : layouts_) {
             model.record_length =
                 std::max(model.record_length, static_cast<std::int32_t>(layout->size));

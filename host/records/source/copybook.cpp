@@ -97,6 +97,7 @@ class Compilation {
         const std::string wanted = to_upper(options_.fd);
         if (const RecordArea* const area = find_file(wanted)) {
             source_.name = area->name;
+            source_.record_contains = area->record_contains;
             take(area->tokens);
             return true;
         }
@@ -121,6 +122,7 @@ class Compilation {
         if (files == 1) {
             const auto area = std::find_if(areas.begin(), areas.end(), is_file);
             source_.name = area->name;
+            source_.record_contains = area->record_contains;
             take(area->tokens);
             return true;
         }

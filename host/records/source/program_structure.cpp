@@ -1,5 +1,7 @@
 #include "host/records/source/program_structure.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 #include <utility>
 
@@ -125,9 +127,45 @@ class StructureFinder {
         open_area(kind, cursor_.peek(1).text, begin);
         cursor_.advance();
         cursor_.advance();
+        structure_.areas.back().record_contains = read_record_clause();
         skip_sentence();
         structure_.areas.back().tokens.begin = cursor_.index();
         went_on_ = true;
+    }
+
+    // Looks in an FD for RECORD CONTAINS n [TO m] or RECORD VARYING FROM n TO m.
+    int read_record_clause() const {
+        int longest = 0;
+        for (std::size_t at = 0; !cursor_.at(WordKind::period, at); ++at) {
+            const bool is_end = cursor_.index() + at >= tokens_.size();
+            if (is_end || (cursor_.peek(at).first_on_line && looks_like_fd(at))) break;
+            if (!cursor_.at_word("RECORD", at)) continue;
+            std::size_t number = at + 1;
+            while (is_filling(cursor_.peek(number))) ++number;
+            if (cursor_.at_word("TO", number + 1)) number += 2;
+            longest = std::max(longest, record_size(cursor_.peek(number)));
+        }
+        return longest;
+    }
+
+    bool looks_like_fd(std::size_t ahead) const {
+        return cursor_.at_word("FD", ahead) || cursor_.at_word("SD", ahead) ||
+               cursor_.at_word("01", ahead);
+    }
+
+    static bool is_filling(const Token& token) {
+        constexpr std::array<std::string_view, 6> WORDS = {"IS",   "VARYING", "IN",
+                                                           "SIZE", "FROM",    "CONTAINS"};
+        return token.kind == WordKind::word &&
+               std::find(WORDS.begin(), WORDS.end(), token.text) != WORDS.end();
+    }
+
+    // 0 for what is no number that a record can have.
+    static int record_size(const Token& token) {
+        constexpr std::size_t MAX_DIGITS = 9;
+        const bool is_size = token.kind == WordKind::word && is_integer(token.text) &&
+                             token.text.size() <= MAX_DIGITS;
+        return is_size ? std::stoi(token.text) : 0;
     }
 
     // DECIMAL-POINT IS COMMA and CURRENCY SIGN IS literal, wherever they stand in the sentence.

@@ -27,6 +27,7 @@ struct RecordArea {
     std::string program;  // PROGRAM-ID of the program it stands in; empty when there was none
     TokenRange tokens;
     std::vector<RecordSpan> records;
+    int record_contains = 0;  // largest number of the RECORD clause; 0 when there is none
 };
 
 struct ProgramStructure {
