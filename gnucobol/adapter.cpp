@@ -35,7 +35,9 @@ FileLayout layout_for(const ClosedFile& file) {
         request.program = text(runtime->cob_current_module->module_name);
         request.source = text(runtime->cob_current_module->module_source);
     }
-    return find_layout(request);
+    FileLayout layout = find_layout(request);
+    if (!layout.warning.empty()) report_warning(file.path, layout.warning);
+    return layout;
 }
 
 // Says what is wrong when the program's records are not as long as those of the description.

@@ -87,15 +87,25 @@ records::NameCase configured_name_case() {
     }
 }
 
-std::string first_error(const std::string& file, const records::Diagnostics& diagnostics) {
+// The first message of a severity; empty when there is none.
+std::string first_message(const std::string& file, const records::Diagnostics& diagnostics,
+                          records::Severity severity) {
     for (const records::Diagnostic& diagnostic : diagnostics.all()) {
-        if (diagnostic.severity != records::Severity::error) continue;
+        if (diagnostic.severity != severity) continue;
         const records::Place& place = diagnostic.place;
         if (!place.file || place.line == 0) return file + ": " + diagnostic.message;
         return *place.file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
                ": " + diagnostic.message;
     }
-    return file + ": it describes no record";
+    return {};
+}
+
+// Whether every record of the source has elements.
+bool is_whole(const records::Description& description) {
+    const auto& rows = description.rows();
+    return std::none_of(rows.begin(), rows.end(), [](const records::Description::Row& row) {
+        return row.level == 1 && row.xml_name.empty();
+    });
 }
 
 std::optional<records::Description> load(const LayoutSource& source, const std::string& program,
@@ -137,9 +147,12 @@ FileLayout find_layout(const LayoutRequest& request) {
         records::Diagnostics diagnostics;
         auto description = load(source, request.program, diagnostics);
         if (description && description->record_length() > 0) {
-            return {std::move(*description), source.file};
+            const bool whole = is_whole(*description);
+            return {std::move(*description), source.file,
+                    first_message(source.file, diagnostics, records::Severity::warning), whole};
         }
-        error = first_error(source.file, diagnostics);
+        error = first_message(source.file, diagnostics, records::Severity::error);
+        if (error.empty()) error = source.file + ": it describes no record";
     }
     throw std::runtime_error(error);
 }

@@ -16,7 +16,9 @@ struct LayoutRequest {
 
 struct FileLayout {
     records::Description description;
-    std::string source;  // the file it was made from, for messages
+    std::string source;    // the file it was made from, for messages
+    std::string warning;   // the first; empty when there is none
+    bool is_whole = true;  // false: some of the program's records are not described
 };
 
 // Looks at SXML_LAYOUT_name (a file, or FILE:FD), then for a description named like the file, then

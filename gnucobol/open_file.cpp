@@ -175,6 +175,12 @@ std::uint32_t OpenFile::length_of_record_read(const FCD3& fcd, std::uint32_t fil
     return std::max(length, shortest);
 }
 
+std::uint32_t OpenFile::longest_layout() const {
+    std::uint32_t longest = 0;
+    for (const RecordLayout& layout : layouts_) longest = std::max(longest, layout.length);
+    return longest;
+}
+
 // The record without blanks at its end.
 std::uint32_t OpenFile::length_of_text() const {
     const auto end = std::find_if(record_.rbegin(), record_.rend(),
@@ -207,6 +213,12 @@ const std::uint8_t* OpenFile::with_whole_fields(const std::uint8_t* record, std:
 Result OpenFile::write(const FCD3& fcd) {
     if (xml_ == nullptr || direction_ != XML_OPEN_OUTPUT) return {Status::not_open_for_output, {}};
     if (current_record(fcd) < shortest_record(fcd)) return {Status::wrong_length, {}};
+    if (!layout_->is_whole && current_record(fcd) > longest_layout()) {
+        return {Status::permanent_error,
+                "the record has " + std::to_string(current_record(fcd)) + " bytes, " +
+                    layout_->source + " describes " + std::to_string(longest_layout()) +
+                    " of them; say in it when each record layout is meant (`*> sxml: when ...`)"};
+    }
     auto length = static_cast<std::uint32_t>(layout_->description.used_length(
         fcd.recPtr, static_cast<std::int32_t>(std::min(current_record(fcd), longest_record(fcd)))));
     const std::uint8_t* const record = with_whole_fields(fcd.recPtr, length);

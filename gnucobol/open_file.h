@@ -59,6 +59,7 @@ class OpenFile final : private ConditionWatch {
     void tell_program(std::uint32_t length);
     std::uint32_t length_of_record_read(const FCD3& fcd, std::uint32_t filled) const;
     std::uint32_t length_of_text() const;
+    std::uint32_t longest_layout() const;
     const std::uint8_t* with_whole_fields(const std::uint8_t* record, std::uint32_t& length);
 
     std::string path_;

@@ -55,6 +55,11 @@ const char* meaning_of(Status status) {
 
 }  // namespace
 
+void report_warning(const std::string& file, const std::string& warning) {
+    if (host_config_flag("SXML_VERBOSE", 0) == 0) return;
+    std::fprintf(stderr, "sxml: %s: warning: %s\n", file.c_str(), warning.c_str());
+}
+
 void report(const std::string& file, Operation operation, Status status,
             const std::string& reason) {
     const auto number = static_cast<unsigned>(status);

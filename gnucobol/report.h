@@ -11,4 +11,7 @@ namespace gnucobol {
 // `reason` may be empty.
 void report(const std::string& file, Operation operation, Status status, const std::string& reason);
 
+// Reports something odd, with SXML_VERBOSE only.
+void report_warning(const std::string& file, const std::string& warning);
+
 }  // namespace gnucobol

@@ -65,7 +65,7 @@ class CobolTest : public CommandTest {
         compile_for_xml(source, program, more_sources);
         set("SXML_PATH", PROGRAMS);
         assign(names, ".dat");
-        const std::string plain = run_program({"./" + program + ".plain"}).out;
+        std::string plain = run_program({"./" + program + ".plain"}).out;
         assign(names, ".xml");
         const Outcome xml = run_program({"./" + program});
         EXPECT_EQ(xml.out, plain);

@@ -188,6 +188,31 @@ TEST_F(CobolTest, ModulesInFreeFormatTellWhatTheyDo) {
     EXPECT_EQ(well_formed("notes.xml"), "");
 }
 
+TEST_F(CobolTest, RecordsThatAreNotDescribedAreNotWritten) {
+    const std::string program =
+        "       IDENTIFICATION DIVISION.\n       PROGRAM-ID. VIEWS.\n"
+        "       ENVIRONMENT DIVISION.\n       INPUT-OUTPUT SECTION.\n       FILE-CONTROL.\n"
+        "           SELECT PAIRS ASSIGN TO \"pairs.xml\" FILE STATUS IS S.\n"
+        "       DATA DIVISION.\n       FILE SECTION.\n"
+        "       FD  PAIRS RECORD CONTAINS 3 TO 30 CHARACTERS.\n"
+        "       01  SHORT-ONE.\n           05 A PIC X(3).\n"
+        "       01  LONG-ONE.\n           05 B PIC X(3).\n           05 C PIC X(4).\n"
+        "       WORKING-STORAGE SECTION.\n       01  S PIC XX.\n       PROCEDURE DIVISION.\n"
+        "           OPEN OUTPUT PAIRS.\n           MOVE \"abcdefg\" TO LONG-ONE.\n"
+        "           WRITE SHORT-ONE. DISPLAY S.\n           WRITE LONG-ONE. DISPLAY S.\n";
+    write_file("views.cbl", program);
+    compile_for_xml("views.cbl", "views");
+    set("SXML_VERBOSE", "yes");
+    const Outcome outcome = run_program({"./views"});
+    EXPECT_EQ(outcome.out, "00\n30\n");
+    EXPECT_EQ(outcome.err.find("sxml: pairs.xml: warning: views.cbl:12:12: of the record"), 0U)
+        << outcome.err;
+    EXPECT_NE(
+        outcome.err.find("WRITE: file status 30: the record has 7 bytes, views.cbl describes 3"),
+        std::string::npos)
+        << outcome.err;
+}
+
 TEST_F(CobolTest, NoMemoryIsMisused) {
     set("SXML_PATH", PROGRAMS);
     compile_for_xml(PROGRAMS + "units.cbl", "units");
