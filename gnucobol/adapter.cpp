@@ -157,6 +157,8 @@ bool Adapter::serve(Operation operation, FCD3& fcd) {
 }
 
 bool Adapter::serve_closed(Operation operation, FCD3& fcd, cob_file* program_file) {
+    // Files assigned to KEYBOARD and DISPLAY have names, too.
+    if (program_file != nullptr && COB_FILE_SPECIAL(program_file) != 0) return false;
     const std::string assigned =
         program_file != nullptr ? assigned_name(*program_file) : assigned_name(fcd);
     const ClosedFile file{mapped_name(assigned), program_file};

@@ -16,11 +16,14 @@ extern "C" SXML_EXPORT int sxml_extfh(unsigned char* opcode, FCD3* fcd);
 
 namespace {
 
+bool is_sequential(const cob_file* file) {
+    return file->organization == COB_ORG_SEQUENTIAL ||
+           file->organization == COB_ORG_LINE_SEQUENTIAL;
+}
+
 bool is_xml(const cob_file* file) {
-    const bool is_sequential =
-        file->organization == COB_ORG_SEQUENTIAL || file->organization == COB_ORG_LINE_SEQUENTIAL;
     try {
-        return is_sequential &&
+        return is_sequential(file) &&
                gnucobol::is_xml_file(gnucobol::mapped_name(gnucobol::assigned_name(*file)));
     } catch (const std::exception&) {
         return false;
@@ -54,7 +57,7 @@ void write_sorted(cob_file* sort_file, const std::vector<cob_file*>& files) {
 extern "C" SXML_EXPORT void sxml_cob_close(cob_file* file, cob_field* status, int option,
                                            int is_implicit) {
     const bool is_open = file->open_mode != COB_OPEN_CLOSED && file->open_mode != COB_OPEN_LOCKED;
-    if (is_open && file->organization != COB_ORG_SORT) {
+    if (is_open && is_sequential(file)) {
         cob_extfh_close(sxml_extfh, file, status, option, is_implicit);
     } else {
         cob_close(file, status, option, is_implicit);

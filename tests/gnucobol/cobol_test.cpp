@@ -127,6 +127,15 @@ TEST_F(CobolTest, SeveralProgramsInOneSource) {
     }
 }
 
+TEST_F(CobolTest, OtherFilesWorkAsWithoutTheHandler) {
+    set("SXML_FILES", "*");
+    const std::string plain = same_output("keyed", {"MASTER", "LIST"});
+    EXPECT_NE(plain.find("read 00third"), std::string::npos) << plain;
+    EXPECT_NE(plain.find("list 10"), std::string::npos) << plain;
+    EXPECT_EQ(errors, "");
+    EXPECT_EQ(well_formed("LIST.xml"), "");
+}
+
 // What a program says of one file, under settings of its user.
 struct Place {
     const char* what;
