@@ -1,8 +1,10 @@
 // Blocks of the host that grow.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "fsi/xml/handlers/xml_parser.h"
 #include "host/memory.h"
@@ -12,10 +14,11 @@
 // is exhausted or the capacity's type cannot count so many.
 template <typename Item, typename Count>
 bool make_room(Item*& items, Count& capacity, std::size_t needed, const char* description) {
-    if (needed <= capacity) return true;
+    if (items && needed <= capacity) return true;
     constexpr std::size_t LEAST = 64;
-    constexpr std::size_t MOST = SIZE_MAX / sizeof(Item) / 4;
-    if (needed > MOST || needed > static_cast<Count>(-1) / 2) return false;
+    constexpr std::size_t MOST =
+        std::min<std::size_t>(SIZE_MAX / sizeof(Item) / 4, std::numeric_limits<Count>::max() / 2);
+    if (needed > MOST) return false;
     const std::size_t doubled = std::size_t{capacity} * 2;
     const std::size_t chosen = needed > LEAST ? needed : LEAST;
     const std::size_t room = doubled > chosen ? doubled : chosen;
