@@ -11,16 +11,20 @@ namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 17;
 
+// Standard output is flushed when the process ends, when every store is gone.
+char standard_output_buffer[BUFFER_SIZE];
+
 }  // namespace
 
 RecordStore::RecordStore(const AtomicOutput& output, RecordFormat format, std::size_t record_length)
     : output_(output),
       format_(format),
       record_length_(record_length),
-      buffer_(BUFFER_SIZE),
       file_(output.target() == "-" ? stdout : output.open()) {
     if (file_ == nullptr) fail_to_write();
-    std::setvbuf(file_, buffer_.data(), _IOFBF, buffer_.size());
+    if (file_ != stdout) buffer_.resize(BUFFER_SIZE);
+    std::setvbuf(file_, file_ == stdout ? standard_output_buffer : buffer_.data(), _IOFBF,
+                 BUFFER_SIZE);
 }
 
 RecordStore::~RecordStore() {

@@ -31,7 +31,7 @@ class RecordStore {
     const AtomicOutput& output_;
     RecordFormat format_;
     std::size_t record_length_;
-    std::vector<char> buffer_;
+    std::vector<char> buffer_;  // of a file that is closed here
     std::FILE* file_;
 };
 
