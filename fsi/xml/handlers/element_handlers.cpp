@@ -160,13 +160,9 @@ void end_element(void* expat, const char* name) {
     if (data && length > 0) trim_value(parser, data, length);
     parser.current = xml_parent(parser.current);
     --parser.depth;
-    if (parser.depth == 1) {
-        parser.state |= XMLPS_RECORD_ENDED;
-        suspend(parser);
-    } else if (parser.depth == 0 && !host_trace_on) {
-        // What follows the document element may be fed already.
-        suspend(parser);
-    }
+    if (parser.depth == 1) parser.state |= XMLPS_RECORD_ENDED;
+    // What follows the document element may be fed already.
+    if (parser.depth <= 1) suspend(parser);
     if (host_trace_on) host_trace(-1, 8, "Leaving");
 }
 
