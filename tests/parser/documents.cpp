@@ -87,6 +87,11 @@ std::vector<SampleDocument> sample_documents() {
         {"entity_ends_with_record",
          "<!DOCTYPE a [<!ENTITY r '<r>1</r><r k=\"v\"/>'><!ENTITY s '<r><s>3</s></r>'>"
          "<!ENTITY e '<r i=\"1\"/>'>]><a>&r;<r j='2'>x</r>&r;&s;&e;&e;&r;</a>"},
+        {"entities_end_with_entities",
+         "<!DOCTYPE a [<!ENTITY r '<r>1</r>\n<r k=\"v\">2<s/></r><!--c--><r/>'><!ENTITY s "
+         "'<r/>&r;&r;'>"
+         "<!ENTITY t 'x&s;'>]><a>&s;<r>x</r>&t;&s;&t;<r/>&r;</a>"},
+        {"junk_in_entity", "<!DOCTYPE a [<!ENTITY r '<r>1</r><r>2</r><s></r>'>]><a>&r;</a>"},
         {"doctype_system", "<!DOCTYPE a SYSTEM 'a.dtd'><a>&unknown;</a>"},
         {"doctype_public", "<!DOCTYPE a PUBLIC '-//x' 'a.dtd' [<!ATTLIST a d CDATA 'v>'>]><a/>"},
         {"doctype_full",

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "fsi/xml/handlers/comment_filter.h"
+#include "fsi/xml/handlers/early_events.h"
 #include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/instructions.h"
@@ -52,7 +53,7 @@ bool keep_top_comment(XmlParser& parser, const char* text, std::size_t length) {
 }
 
 // Stores a comment and says how the handler leaves.
-const char* keep_comment(XmlParser& parser, const char* text) {
+const char* store_comment(XmlParser& parser, const char* text) {
     const HostTextSpan span{text, std::strlen(text), text_encoding(parser)};
     std::uint64_t start = 0;
     std::uint64_t end = 0;
@@ -83,11 +84,12 @@ void processing_instruction(void* expat, const char* target, const char* data) {
 void comment_handler(void* expat, const char* text) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
+    if (is_early(parser)) return keep_comment(parser, text);
     if (host_trace_on) {
         host_trace(1, 9, "comments:");
         host_trace(0, 9, "%s", text);
     }
-    const char* leaving = keep_comment(parser, text);
+    const char* leaving = store_comment(parser, text);
     if (host_trace_on) host_trace(-1, 9, "%s", leaving);
 }
 

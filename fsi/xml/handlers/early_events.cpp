@@ -6,38 +6,121 @@
 #include "fsi/xml/handlers/record_handlers.h"
 #include "host/memory.h"
 
-// One block: the pointers to name, attribute names and values, a null pointer, then the texts.
-void keep_start(XmlParser& parser, const char* name, const char* const* attributes) {
-    std::size_t count = 2;
-    std::size_t bytes = std::strlen(name) + 1;
-    for (const char* const* text = attributes; *text; ++text, ++count)
-        bytes += std::strlen(*text) + 1;
-    const std::size_t pointers = count * sizeof(const char*);
-    auto** kept =
-        static_cast<const char**>(host_alloc(pointers + bytes, HOST_BLOCK_ZEROED, HANDLERS_SOURCE,
-                                             __LINE__, "Temporary data buffer", 0));
-    if (!kept) return stop_out_of_memory(parser);
+enum class EventKind { START, END, TEXT, COMMENT };
 
-    char* place = reinterpret_cast<char*>(kept) + pointers;
-    const auto copy = [&place](const char* text) {
-        const std::size_t size = std::strlen(text) + 1;
-        char* start = place;
-        std::memcpy(start, text, size);
-        place += size;
-        return start;
-    };
-    kept[0] = copy(name);
-    for (std::size_t i = 1; i + 1 < count; ++i) kept[i] = copy(attributes[i - 1]);
-    parser.early_start = kept;
+// One block: the pointers to its texts go on behind it up to a null pointer, then come the texts.
+struct EarlyEvent {
+    EarlyEvent* next;
+    EventKind kind;
+    std::size_t length;    // of the first text
+    const char* texts[1];  // name, attribute names and values; text; comment
+};
+
+namespace {
+
+// Entities make a small piece of input large. So many bytes of events are kept.
+constexpr std::size_t MOST_KEPT = std::size_t{64} << 20U;
+
+const char* put(char*& place, const char* text, std::size_t length) {
+    char* const start = place;
+    std::memcpy(start, text, length);
+    start[length] = '\0';
+    place += length + 1;
+    return start;
+}
+
+// `more`: further texts, up to a null pointer.
+void keep(XmlParser& parser, EventKind kind, const char* text, std::size_t length,
+          const char* const* more) {
+    std::size_t count = 0;
+    std::size_t bytes = length + 1;
+    for (; more[count]; ++count) bytes += std::strlen(more[count]) + 1;
+    const std::size_t head = sizeof(EarlyEvent) + (count + 1) * sizeof(const char*);
+    if (parser.early_size + head + bytes > MOST_KEPT) {
+        XML_StopParser(parser.expat, XML_FALSE);
+        return;
+    }
+    auto* const event = static_cast<EarlyEvent*>(host_alloc(
+        head + bytes, HOST_BLOCK_ZEROED, HANDLERS_SOURCE, __LINE__, "Temporary data buffer", 0));
+    if (!event) return stop_out_of_memory(parser);
+
+    char* place = reinterpret_cast<char*>(event) + head;
+    event->kind = kind;
+    event->length = length;
+    event->texts[0] = put(place, text, length);
+    for (std::size_t i = 0; i < count; ++i)
+        event->texts[i + 1] = put(place, more[i], std::strlen(more[i]));
+    if (parser.last_early)
+        parser.last_early->next = event;
+    else
+        parser.first_early = event;
+    parser.last_early = event;
+    parser.early_size += head + bytes;
+}
+
+void keep(XmlParser& parser, EventKind kind, const char* text, std::size_t length) {
+    constexpr const char* no_more = nullptr;
+    keep(parser, kind, text, length, &no_more);
+}
+
+EarlyEvent* take_first(XmlParser& parser) {
+    EarlyEvent* const event = parser.first_early;
+    parser.first_early = event->next;
+    if (!parser.first_early) {
+        parser.last_early = nullptr;
+        parser.early_size = 0;
+    }
+    return event;
+}
+
+void deliver(const XmlParser& parser, EarlyEvent& event) {
+    XML_Parser expat = parser.expat;
+    const bool in_record = parser.record != nullptr;
+    switch (event.kind) {
+        case EventKind::START:
+            return (in_record ? start_in_record : start_element)(expat, event.texts[0],
+                                                                 event.texts + 1);
+        case EventKind::END:
+            return (in_record ? end_in_record : end_element)(expat, event.texts[0]);
+        case EventKind::TEXT:
+            return (in_record ? text_in_record : char_data)(expat, event.texts[0],
+                                                            static_cast<int>(event.length));
+        case EventKind::COMMENT:
+            return comment_handler(expat, event.texts[0]);
+    }
+}
+
+}  // namespace
+
+void keep_start(XmlParser& parser, const char* name, const char* const* attributes) {
+    keep(parser, EventKind::START, name, std::strlen(name), attributes);
+}
+
+void keep_end(XmlParser& parser, const char* name) {
+    keep(parser, EventKind::END, name, std::strlen(name));
+}
+
+void keep_text(XmlParser& parser, const char* text, std::size_t length) {
+    keep(parser, EventKind::TEXT, text, length);
+}
+
+void keep_comment(XmlParser& parser, const char* text) {
+    keep(parser, EventKind::COMMENT, text, std::strlen(text));
 }
 
 bool replay_early_events(XmlParser& parser) {
-    const char** start = parser.early_start;
-    const bool ends = (parser.state & XMLPS_EARLY_END) != 0;
-    parser.early_start = nullptr;
-    parser.state &= ~std::uint32_t{XMLPS_EARLY_END | XMLPS_RECORD_ENDED};
-    if (start) (parser.record ? start_in_record : start_element)(parser.expat, start[0], start + 1);
-    if (ends) (parser.record ? end_in_record : end_element)(parser.expat, start ? start[0] : "");
-    host_free(start, HANDLERS_SOURCE, __LINE__, 0);
-    return start || ends;
+    parser.state &= ~std::uint32_t{XMLPS_RECORD_ENDED};
+    if (!parser.first_early) return false;
+    parser.state |= XMLPS_REPLAYING;
+    while (parser.first_early && !is_early(parser)) {
+        EarlyEvent* const event = take_first(parser);
+        deliver(parser, *event);
+        host_free(event, HANDLERS_SOURCE, __LINE__, 0);
+    }
+    parser.state &= ~std::uint32_t{XMLPS_REPLAYING};
+    return true;
+}
+
+void free_early_events(XmlParser& parser) {
+    while (parser.first_early) host_free(take_first(parser), HANDLERS_SOURCE, __LINE__, 0);
 }

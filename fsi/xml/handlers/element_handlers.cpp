@@ -108,8 +108,22 @@ char* stored_name(const XmlParser& parser, const char* name) {
 }
 
 void suspend(const XmlParser& parser) {
-    const std::uint32_t bits = parser.state & (XMLPS_STEPWISE | XMLPS_SUSPENDED);
+    const std::uint32_t bits = parser.state & (XMLPS_STEPWISE | XMLPS_REPLAYING);
     if (bits == XMLPS_STEPWISE) XML_StopParser(parser.expat, XML_TRUE);
+}
+
+void start_record(XmlParser& parser) {
+    parser.state |= XMLPS_RECORD_STARTED;
+    parser.record_start = XML_GetCurrentByteIndex(parser.expat);
+}
+
+// For all that comes from an entity, Expat tells the place of the reference to it: a record that
+// ends where it starts lies in an entity's text, where Expat must not be suspended.
+bool end_record(XmlParser& parser) {
+    parser.state |= XMLPS_RECORD_ENDED;
+    if (XML_GetCurrentByteIndex(parser.expat) == parser.record_start) return false;
+    suspend(parser);
+    return true;
 }
 
 void stop_out_of_memory(XmlParser& parser) {
@@ -140,7 +154,7 @@ void start_element(void* expat, const char* name, const char** attributes) {
         return start_failed(parser, stored, "Leaving, no memory for hash");
     parser.current = element;
 
-    if (parser.depth == 2) parser.state |= XMLPS_RECORD_STARTED;
+    if (parser.depth == 2) start_record(parser);
     if (is_root) suspend(parser);
     if (host_trace_on) host_trace(-1, 8, "Leaving");
 }
@@ -148,7 +162,7 @@ void start_element(void* expat, const char* name, const char** attributes) {
 void end_element(void* expat, const char* name) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
-    if (is_early(parser)) return keep_end(parser);
+    if (is_early(parser)) return keep_end(parser, name);
     std::uint64_t length = 0;
     const char* data = xml_element_value(parser.current, &length);
     if (host_trace_on) trace_message(1, 8, "end_element: '%s'", name);
@@ -160,9 +174,9 @@ void end_element(void* expat, const char* name) {
     if (data && length > 0) trim_value(parser, data, length);
     parser.current = xml_parent(parser.current);
     --parser.depth;
-    if (parser.depth == 1) parser.state |= XMLPS_RECORD_ENDED;
+    if (parser.depth == 1) end_record(parser);
     // What follows the document element may be fed already.
-    if (parser.depth <= 1) suspend(parser);
+    if (parser.depth == 0) suspend(parser);
     if (host_trace_on) host_trace(-1, 8, "Leaving");
 }
 
@@ -170,6 +184,7 @@ void char_data(void* expat, const char* text, int length) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
     const auto size = static_cast<std::size_t>(length);
+    if (is_early(parser)) return keep_text(parser, text, size);
     if (host_trace_on) {
         trace_message(1, 9, "char data of length %d", length);
         if (host_trace_on >= 9) host_trace_dump(0, 0, text, size);

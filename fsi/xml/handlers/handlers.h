@@ -19,6 +19,11 @@ void stop_out_of_memory(XmlParser& parser);
 // Lets the caller of the driver go on before Expat delivers more.
 void suspend(const XmlParser& parser);
 
+// A child of the document element starts, or has ended: then the caller of the driver goes on.
+// Result of end_record: false when Expat delivers more meanwhile.
+void start_record(XmlParser& parser);
+bool end_record(XmlParser& parser);
+
 // The name under which an element is stored, in a tracked block; null when memory is exhausted.
 char* stored_name(const XmlParser& parser, const char* name);
 

@@ -53,7 +53,7 @@ bool is_over(XmlParser& parser) {
         leave_at_end(parser);
     else if (stopped(parser))
         leave_out_of_memory();
-    else if (parser.state & XMLPS_FAILED)
+    else if ((parser.state & XMLPS_FAILED) && !parser.first_early)
         report_parse_error(parser);
     else
         return false;
@@ -64,6 +64,12 @@ bool is_over(XmlParser& parser) {
 bool accept(XmlParser& parser, XML_Status status) {
     if (stopped(parser)) {
         leave_out_of_memory();
+        return false;
+    }
+    if (status == XML_STATUS_ERROR && is_early(parser)) {
+        // What is wrong comes behind the record that was asked for.
+        parser.state |= XMLPS_FAILED;
+        leave("Leaving");
         return false;
     }
     if (status == XML_STATUS_ERROR) {
@@ -219,7 +225,7 @@ void parse_to_next_gt(XmlParser* parser, HostStream* stream) {
     }
     if ((parser->state & XMLPS_SUSPENDED) && !resume(*parser)) return;
     bool at_gt = false;
-    while (!at_gt && !(parser->state & XMLPS_SUSPENDED)) {
+    while (!at_gt && !(parser->state & XMLPS_SUSPENDED) && !is_early(*parser)) {
         if (parser->position == parser->end && !read_more(*parser, stream)) return finish(*parser);
         if (!feed_to_next_gt(*parser, stream, &at_gt)) return;
     }
@@ -231,7 +237,7 @@ void parse_to_end(XmlParser* parser, HostStream* stream) {
     if (is_over(*parser)) return;
     parser->state &= ~std::uint32_t{XMLPS_STEPWISE};
     replay_early_events(*parser);
-    if (!accept(*parser, XML_STATUS_OK)) return;
+    if (is_over(*parser)) return;
     while (parser->state & XMLPS_SUSPENDED)
         if (!resume(*parser)) return;
     while (parser->position != parser->end || read_more(*parser, stream)) {

@@ -1,8 +1,7 @@
 // Feeding a parser: to the end of its input, or tag by tag. The drivers report through the host's
 // file error code, which their callers set to 0 before they start:
 //   8   the input has ended, whether the document was complete or not; the host's error subcode is
-//   0
-//       when it was, else Expat's code for what is missing
+//       0 when it was, else Expat's code for what is missing
 //   14  a part of the document could not be stored
 //   19  the document is not well-formed; the host's error detail, subcode and text say more
 // Once one of these has come up, driving the parser again repeats it.

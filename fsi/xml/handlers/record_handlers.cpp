@@ -61,14 +61,14 @@ void start_in_record(void* expat, const char* name, const char** attributes) {
     std::uint32_t stored = tree.names.names[written].stored_as;
     if (!stored) stored = stored_number(parser, tree.names, written);
     if (!stored || !start_record_element(tree, stored)) return stop_out_of_memory(parser);
-    if (parser.depth == 2) parser.state |= XMLPS_RECORD_STARTED;
+    if (parser.depth == 2) start_record(parser);
     choose_text_handler(parser, kept_text);
 }
 
 void end_in_record(void* expat, const char* name) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
-    if (is_early(parser)) return keep_end(parser);
+    if (is_early(parser)) return keep_end(parser, name);
     if (parser.depth < 2) return end_element(expat, name);
     RecordTree& tree = *parser.record;
     const bool kept_text = tree.keeps_text;
@@ -76,15 +76,16 @@ void end_in_record(void* expat, const char* name) {
     end_record_element(tree);
     choose_text_handler(parser, kept_text);
     if (--parser.depth > 1) return;
-    parser.state |= XMLPS_RECORD_ENDED;
-    suspend(parser);
+    if (!end_record(parser)) XML_SetCharacterDataHandler(parser.expat, text_in_record);
 }
 
 void text_in_record(void* expat, const char* text, int length) {
     XmlParser& parser = parser_of(expat);
-    RecordTree& tree = *parser.record;
-    if (stopped(parser) || !tree.keeps_text) return;
+    if (stopped(parser)) return;
     const auto size = static_cast<std::size_t>(length);
+    if (is_early(parser)) return keep_text(parser, text, size);
+    RecordTree& tree = *parser.record;
+    if (!tree.keeps_text) return;
     const bool appended = stores_latin1(parser) ? append_latin1(tree, text, size)
                                                 : append_record_text(tree, text, size);
     if (!appended) stop_out_of_memory(parser);

@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 
+#include "fsi/xml/handlers/early_events.h"
 #include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/expat_memory.h"
 #include "fsi/xml/handlers/handlers.h"
@@ -144,6 +145,6 @@ void free_parser(XmlParser* parser) {
     if (parser->models) host_table_free(parser->models, HANDLERS_SOURCE, __LINE__);
     if (parser->root) xml_free_element(parser->root);
     if (parser->pis) free_instructions(*parser);
-    host_free(parser->early_start, HANDLERS_SOURCE, __LINE__, 0);
+    free_early_events(*parser);
     host_free(parser, HANDLERS_SOURCE, __LINE__, 0);
 }

@@ -40,7 +40,7 @@ enum XmlParserState : std::uint32_t {
     XMLPS_INPUT_ENDED = 0x100,      // Expat was told that the input has ended
     XMLPS_FAILED = 0x200,           // Expat rejected the document
     XMLPS_RECORD_ENDED = 0x400,     // the record that was asked for has ended
-    XMLPS_EARLY_END = 0x800         // an end tag was kept, see early_events.h
+    XMLPS_REPLAYING = 0x800         // events that were kept are being delivered
 };
 
 // A processing instruction; the parser owns both strings.
@@ -50,6 +50,7 @@ struct XmlPi {
 };
 static_assert(sizeof(XmlPi) == 8);
 
+struct EarlyEvent;
 struct RecordTree;
 
 // A zero-filled record without an Expat parser stands for a document that is built in memory.
@@ -79,11 +80,14 @@ struct XmlParser {
     std::uint32_t state;          // XMLPS_ bits
     std::int32_t input_encoding;  // of the input being read: `encoding` as the document gave it
     std::uint64_t bytes_fed;      // input bytes given to Expat so far
-    const char** early_start;     // a start tag was kept, see early_events.h; or null
+    EarlyEvent* first_early;      // events that were kept, see early_events.h; null when none
+    EarlyEvent* last_early;
+    std::size_t early_size;            // bytes that were kept since there were none
+    XML_Index record_start;            // where the record asked for last starts in the input
     std::uint32_t referring_entities;  // see entity_limit.h
     std::int32_t missing;  // once the input has ended: Expat's code for what the document
                            // lacks, 0 when it is complete
-    RecordTree* record;    // see record_handlers.h; not owned, null most of the time
+    RecordTree* record;    // see record_handlers.h; not owned, null for the element tree
 };
 
 constexpr std::size_t XML_READ_SIZE = 32000;
