@@ -307,6 +307,23 @@ INSTANTIATE_TEST_SUITE_P(All, HostileDocumentTest, testing::ValuesIn(HOSTILE),
                              return name;
                          });
 
+using LargeRecordTest = ModuleTest;
+
+// The records of a document take as long to read behind a large record as before it.
+TEST_F(LargeRecordTest, DoesNotSlowDownThoseBehindIt) {
+    const std::string large = "<r>" + repeated(1'000'000, "<b/>") + "</r>";
+    const std::string small = repeated(25'000, "<r>" + repeated(17, "<b/>") + "</r>");
+    const auto seconds = [this](const std::string& document) {
+        XfdBuilder builder = small_records();
+        const std::clock_t start = std::clock();
+        EXPECT_EQ(records(builder.xfd(), in_file(document), RECORD_SIZE).size(), 25'002U);
+        return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    };
+    const double before = seconds(small + large);
+    const double behind = seconds(large + small);
+    EXPECT_LT(behind, 3 * before + 0.2) << before << " s, then " << behind << " s";
+}
+
 using DamagedDocumentTest = ModuleTest;
 
 // What Expat alone makes of a document: where it stops, and which records were complete by then.

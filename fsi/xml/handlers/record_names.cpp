@@ -38,9 +38,8 @@ void fill_slots(RecordNames& names) {
 
 bool make_slots(RecordNames& names) {
     if (names.count + 1 <= names.slot_count) return true;
-    std::uint32_t room = names.slot_count;
     const std::uint32_t wanted = std::max(names.slot_count * 2, FIRST_SLOTS);
-    if (!make_room(names.slots, room, wanted, DESCRIPTION)) return false;
+    if (!make_room(names.slots, names.slot_room, wanted, DESCRIPTION)) return false;
     names.slot_count = wanted;
     fill_slots(names);
     return true;
@@ -136,6 +135,9 @@ bool limit_names(RecordNames& names) {
     names.count = names.kept;
     names.text_size = names.kept_text;
     names.previous = 0;
+    // Forgetting names again and again must not pay for the record that once had the most.
+    while (names.slot_count > FIRST_SLOTS && names.slot_count / 2 > names.count)
+        names.slot_count /= 2;
     for (std::uint32_t number = 1; number <= names.count; ++number) {
         RecordName& name = names.names[number];
         name.stored_as = name.successors[0] = name.successors[1] = 0;

@@ -29,7 +29,8 @@ struct RecordNames {
     std::uint32_t* slots;
     char* texts;
     std::uint32_t name_room;
-    std::uint32_t slot_count;  // a power of two, or 0
+    std::uint32_t slot_count;  // in use: a power of two, or 0
+    std::uint32_t slot_room;
     std::uint32_t text_room;
     std::uint32_t count;
     std::uint32_t text_size;

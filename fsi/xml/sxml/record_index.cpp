@@ -67,14 +67,17 @@ std::uint32_t hash_by_parent(std::uint32_t parent, const char* name, const Numbe
 }
 
 std::uint32_t& head_of(const RecordIndex& index, Table table, std::uint32_t hash) {
-    return index.heads[table * index.capacity + (hash & (index.capacity - 1))];
+    return index.heads[table * index.slot_count + (hash & (index.slot_count - 1))];
 }
 
 bool make_room(RecordIndex& index, std::uint32_t count) {
     if (count >= MOST_ELEMENTS) return false;
-    if (count <= index.capacity) return true;
-    free_record_index(index);
     const std::size_t capacity = std::bit_ceil(count < LEAST_CAPACITY ? LEAST_CAPACITY : count);
+    if (count <= index.capacity) {
+        index.slot_count = static_cast<std::uint32_t>(capacity);
+        return true;
+    }
+    free_record_index(index);
     const std::size_t size =
         capacity * (sizeof(IndexedElement) + TABLE_COUNT * sizeof *RecordIndex{}.heads);
     void* const block =
@@ -82,7 +85,7 @@ bool make_room(RecordIndex& index, std::uint32_t count) {
     if (block == nullptr) return false;
     index.elements = static_cast<IndexedElement*>(block);
     index.heads = reinterpret_cast<std::uint32_t*>(index.elements + capacity);
-    index.capacity = static_cast<std::uint32_t>(capacity);
+    index.capacity = index.slot_count = static_cast<std::uint32_t>(capacity);
     return true;
 }
 
@@ -98,7 +101,7 @@ void add_element(RecordIndex& index, const RecordTree& tree, std::uint32_t numbe
 
 // Links the last element first, so that every slot is in document order.
 void fill_slots(RecordIndex& index, std::uint32_t count) {
-    std::memset(index.heads, 0, TABLE_COUNT * std::size_t{index.capacity} * sizeof *index.heads);
+    std::memset(index.heads, 0, TABLE_COUNT * std::size_t{index.slot_count} * sizeof *index.heads);
     for (std::uint32_t number = count; number > 0; --number) {
         IndexedElement& indexed = index.elements[number];
         for (const Table table : {BY_NAME, BY_PARENT}) {

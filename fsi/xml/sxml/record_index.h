@@ -2,9 +2,10 @@
 //
 // Elements of one name are chained, and so are the children of an element. Walking those chains is
 // quick as long as they are short; a record with a large table has long ones, which every item of
-// the table would walk again. For such a record this index is made, once and of all its elements. It tells apart what may fit an item from what certainly does not: an
-// element whose numbers, without those that are 1, are not the item's subscripts without those that
-// are 1, fits the item under no setting.
+// the table would walk again. For such a record this index is made, once and of all its elements.
+// It tells apart what may fit an item from what certainly does not: an element whose numbers,
+// without those that are 1, are not the item's subscripts without those that are 1, fits the item
+// under no setting.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +19,9 @@ struct IndexedElement;
 struct RecordIndex {
     IndexedElement* elements;  // in document order, without the number 0
     std::uint32_t* heads;      // two hash tables of element numbers, 0 for none
-    std::uint32_t capacity;    // of `elements`; each hash table has as many slots, a power of two
+    std::uint32_t capacity;    // of `elements`; each hash table has room for as many slots
+    std::uint32_t slot_count;  // in use for this record, a power of two: clearing the slots must
+                               // not take longer because there was a larger record before
     bool is_made;
     bool is_given_up;  // there was no room for it: this record is walked
 };
