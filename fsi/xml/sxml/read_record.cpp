@@ -131,10 +131,12 @@ bool parse_record(const XmlFile& file) {
     clear_record(tree);
     forget_record(file.input_items->record_index);
     const bool traced = host_trace_on != 0;
-    XmlParser& parser = *lookup_parser(file.parser);
-    deliver_records(parser, traced ? nullptr : &tree);
+    // Handles are the whole process's: somebody may have released this one.
+    XmlParser* const parser = lookup_parser(file.parser);
+    if (parser == nullptr) return false;
+    deliver_records(*parser, traced ? nullptr : &tree);
     if (SxmlParser_parse_record(file.parser) == 0) return false;
-    file.input_items->text_encoding = text_encoding(parser);
+    file.input_items->text_encoding = text_encoding(*parser);
     if (host_trace_on > DUMP_ABOVE) dump_record(file);
     if (!traced) {
         complete_record(tree);
