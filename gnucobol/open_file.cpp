@@ -81,6 +81,7 @@ OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, Fi
     text_.emplace(xfd, layouts_, encoding_of_texts(source_->file(), direction));
     held_.resize(static_cast<std::size_t>(xfd.condition_count) + 1);
     const host::Module& module = xml_module();
+    read_single_entries();
     const BoundDescription bound(layout_->description);
     xml_ = module.open(source_->file().c_str(), direction);
     if (xml_ == nullptr) opening_ = result_of_file_error(source_->file());

@@ -1,7 +1,9 @@
 #include "gnucobol/xml_module.h"
 
+#include "host/config.h"
 #include "host/records/description.h"
 #include "host/records/numbers.h"
+#include "host/runtime/settings.h"
 
 namespace gnucobol {
 
@@ -33,6 +35,16 @@ const host::Module& xml_module() {
         "", {named("Q4ParseXFD", &Q4ParseXFD), named("Q4XFDFree", &Q4XFDFree),
              named("Q4TestCOBOLCond", &test_watched_condition), named("Qconvert", &Qconvert)});
     return module;
+}
+
+// The program may change its environment between two files, so our own value must not stand before
+// it.
+void read_single_entries() {
+    constexpr const char* EXACT_TABLE_MATCH = "SXML_EXACT_TABLE_MATCH";
+    host::set_config(EXACT_TABLE_MATCH, std::nullopt);
+    if (host_config_string(EXACT_TABLE_MATCH, nullptr) == nullptr) {
+        host::set_config(EXACT_TABLE_MATCH, "no");
+    }
 }
 
 }  // namespace gnucobol

@@ -10,6 +10,10 @@ namespace gnucobol {
 // Loads the module at the first call. Throws std::runtime_error when that fails.
 const host::Module& xml_module();
 
+// Lets documents be read whose tables have a single entry, unless SXML_EXACT_TABLE_MATCH is set.
+// Elements in such an entry carry no number for it: read strictly, a table in it would be lost.
+void read_single_entries();
+
 // Is told, while a record is being read, of each condition that holds, before the fields that
 // belong to it are filled.
 class ConditionWatch {

@@ -57,6 +57,8 @@
            MOVE "Chair" TO ARTICLE (1).
            MOVE 4 TO QUANTITY (1).
            MOVE 120 TO UNIT-PRICE (1).
+           MOVE "oak" TO SHADE (1 1).
+           MOVE "beech" TO SHADE (1 2).
            WRITE ORDER-RECORD.
            CLOSE ORDERS.
 
