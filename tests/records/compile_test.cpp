@@ -107,6 +107,11 @@ const Case CASES[] = {
      "*> sxml: when T = 'T'\n01 TRL.\n 05 T PIC X.\n 05 FILLER PIC X(3).\n"
      "*> sxml: when DT = 'D'\n01 DTL.\n 05 DT PIC X.\n 05 DA PIC X.",
      "trl 0+4\n t 0+1 t15\n filler 1+3 t15 c1\ndtl 0+2\n dt 0+1 t15\n da 1+1 t15 c2\n", ""},
+    {"unused space in the place of the tested field is described as that field",
+     "*> sxml: when T = 1\n01 HDR.\n 05 T PIC 9.\n 05 H PIC X.\n*> sxml: when T = 2\n01 DTL.\n"
+     " 05 G.\n 10 FILLER PIC X.\n 10 D PIC X.",
+     "hdr 0+2\n t 0+1 t1 1.0\n h 1+1 t15 c1\ndtl 0+2\n g 0+2\n  t 0+1 t1 1.0\n  d 1+1 t15 c2\n",
+     ""},
     {"a layout with variants is described once for each",
      "*> sxml: when T = 'A'\n01 A.\n 05 T PIC X.\n 05 K PIC X.\n 05 V PIC X(2).\n"
      "*> sxml: when K = '1'\n 05 W REDEFINES V PIC 9(2).\n"

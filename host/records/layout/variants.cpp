@@ -1,6 +1,7 @@
 #include "host/records/layout/variants.h"
 
 #include <algorithm>
+#include <span>
 
 #include "host/records/layout/names.h"
 #include "host/records/layout/placement.h"
@@ -329,12 +330,33 @@ int innermost_below(const Node& field, int limit) {
     return 0;
 }
 
+bool is_unused_space(const Node& node) {
+    return !node.is_group() && node.name.empty() && node.source->name.empty() &&
+           !node.source->hidden && node.redefined < 0 && tables_of(node).empty();
+}
+
+// The field that is this item; null when the layout does not describe it.
+const Node* field_of(const Node& layout, const Operand& item) {
+    const Node* field = nullptr;
+    for_each(layout, [&](const Node& node) {
+        if (!node.is_group() && !node.name.empty() && is_of(node, item) &&
+            item_name(*node.source) == item.value) {
+            field = &node;
+        }
+    });
+    return field;
+}
+
 class FieldConditions {
   public:
-    FieldConditions(const ConditionNumberer& numberer, bool several, Diagnostics& diagnostics)
-        : numberer_(numberer), several_(several), diagnostics_(diagnostics) {}
+    FieldConditions(const ConditionNumberer& numberer, std::span<const std::unique_ptr<Node>> all,
+                    Diagnostics& diagnostics)
+        : numberer_(numberer), all_(all), diagnostics_(diagnostics) {}
 
     void assign(Node& layout) {
+        for (const ConditionNumberer::Tested& tested : numberer_.tested) {
+            if (decides(tested, layout)) describe_in_unused_space(layout, tested.item);
+        }
         Fields fields;
         for_each(layout, [&fields](Node& node) {
             if (!node.is_group() && !node.name.empty()) fields.push_back(&node);
@@ -344,8 +366,7 @@ class FieldConditions {
             result[i] = innermost_below(*fields[i], MAX_CONDITIONS + 1);
         }
         for (const ConditionNumberer::Tested& tested : numberer_.tested) {
-            // With several layouts only a layout's own test decides about its fields.
-            if (several_ && tested.first != layout.condition) continue;
+            if (!decides(tested, layout)) continue;
             const std::vector<std::size_t> holding = fields_holding(fields, tested.item);
             if (holding.empty()) warn_of_missing(layout, tested.item);
             for (const std::size_t i : holding) {
@@ -356,6 +377,27 @@ class FieldConditions {
     }
 
   private:
+    // With several layouts only a layout's own test decides about its fields.
+    bool decides(const ConditionNumberer::Tested& tested, const Node& layout) const {
+        return all_.size() < 2 || tested.first == layout.condition;
+    }
+
+    // Programs often declare the field that tells the layouts apart in one of them, and leave its
+    // place free in the others.
+    void describe_in_unused_space(Node& layout, const Operand& item) const {
+        const Node* field = nullptr;
+        for (const auto& each : all_) {
+            if (field == nullptr) field = field_of(*each, item);
+        }
+        if (field == nullptr) return;
+        for_each(layout, [&](Node& node) {
+            const bool is_its_place = node.offset == field->offset && node.size == field->size;
+            if (!is_its_place || !is_unused_space(node)) return;
+            node.name = field->name;
+            node.form = field->form;
+        });
+    }
+
     void warn_of_missing(const Node& layout, const Operand& item) {
         diagnostics_.warning(layout.source->place,
                              "a condition tests " + item.value + ", of which " +
@@ -365,7 +407,7 @@ class FieldConditions {
     }
 
     const ConditionNumberer& numberer_;
-    bool several_;
+    std::span<const std::unique_ptr<Node>> all_;  // the layouts that are described
     Diagnostics& diagnostics_;
 };
 
@@ -374,9 +416,7 @@ class FieldConditions {
 void describe_unused_space(Node& layout, Diagnostics& diagnostics) {
     Node* unused = nullptr;
     for_each(layout, [&unused](Node& node) {
-        const bool free = !node.is_group() && node.name.empty() && node.source->name.empty() &&
-                          !node.source->hidden && node.redefined < 0 && tables_of(node).empty();
-        if (free && unused == nullptr) unused = &node;
+        if (unused == nullptr && is_unused_space(node)) unused = &node;
     });
     if (unused == nullptr) {
         diagnostics.warning(layout.source->place,
@@ -396,7 +436,7 @@ std::vector<Condition> number_conditions(const Layouts& layouts, std::size_t des
                                          Diagnostics& diagnostics) {
     ConditionNumberer numberer;
     for (std::size_t i = 0; i < described; ++i) numberer.number(*layouts[i], nullptr);
-    FieldConditions fields(numberer, described > 1, diagnostics);
+    FieldConditions fields(numberer, std::span(layouts).first(described), diagnostics);
     for (std::size_t i = 0; i < described; ++i) {
         fields.assign(*layouts[i]);
         if (described > 1 && i + 1 < described && !has_own_field(*layouts[i])) {
