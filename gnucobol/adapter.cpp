@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -90,6 +91,16 @@ std::optional<Result> encoding_problem() {
     return Result{Status::permanent_error,
                   "SXML_ENCODING: " + encoding +
                       " is not known or does not extend ASCII; UTF-8 and ISO-8859-1 do"};
+}
+
+// A file that reaches the limit on the size of files is to give a status: the signal would end the
+// program. A handler of our own is not handed on to other programs, as ignoring the signal is.
+void outlive_size_limit() {
+    struct sigaction action {};
+    if (sigaction(SIGXFSZ, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) return;
+    action.sa_handler = [](int) {};
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGXFSZ, &action, nullptr);
 }
 
 bool is_open_operation(Operation operation) {
@@ -241,6 +252,7 @@ Result Adapter::open_output(const ClosedFile& file, FCD3& fcd) {
     if (auto problem = encoding_problem()) return *problem;
     end_writing(path);
     if (auto obstacle = obstacle_to_writing(path)) return *obstacle;
+    outlive_size_limit();
     return keep(std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
                                            DocumentSource(path), XML_OPEN_OUTPUT),
                 fcd, OPEN_OUTPUT);

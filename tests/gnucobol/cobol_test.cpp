@@ -88,6 +88,10 @@ TEST_F(CobolTest, EveryStateOfAFileHasItsStatus) {
     EXPECT_EQ(outcome.err, read_file(PROGRAMS + "statuses.err"));
     EXPECT_EQ(read_file("good.xml"), good);
     EXPECT_EQ(read_file("short.xml"), good);
+    // A limit on the size of files is as a full disk.
+    fs::remove("full.xml");
+    const Outcome limited = run({"bash", "-c", "ulimit -f 16; exec ./statuses good.xml"});
+    EXPECT_NE(limited.out.find("\n  write 34\n  close 34\n"), std::string::npos) << limited.out;
 }
 
 TEST_F(CobolTest, LengthsLayoutsAndSubprograms) {
