@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "gnucobol/document_check.h"
@@ -81,7 +82,6 @@ OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, Fi
     text_.emplace(xfd, layouts_, encoding_of_texts(source_->file(), direction));
     held_.resize(static_cast<std::size_t>(xfd.condition_count) + 1);
     const host::Module& module = xml_module();
-    read_single_entries();
     const BoundDescription bound(layout_->description);
     xml_ = module.open(source_->file().c_str(), direction);
     if (xml_ == nullptr) opening_ = result_of_file_error(source_->file());
@@ -106,6 +106,18 @@ void OpenFile::condition_holds(int number) {
     held_[static_cast<std::size_t>(number)] = true;
 }
 
+// Elements in a table's only entry carry no number for it. Read strictly, a table in that entry
+// would be lost; in other records an element might be taken for another entry's.
+void OpenFile::number_stored(const void* place) {
+    if (!layout_->description.is_counter_of_one(record_.data(), place)) return;
+    try {
+        accept_missing_numbers();
+        has_one_entry_ = true;
+    } catch (const std::bad_alloc&) {
+        *host_file_error() = HOST_FILE_NO_MEMORY;
+    }
+}
+
 Result OpenFile::read(FCD3& fcd) {
     if (xml_ != nullptr && direction_ != XML_OPEN_INPUT) return {Status::not_open_for_input, {}};
     if (ended_) return {Status::read_after_end, {}};
@@ -116,9 +128,10 @@ Result OpenFile::read(FCD3& fcd) {
     blank_->blank(record_.data());
     std::fill(held_.begin(), held_.end(), false);
     const std::uint64_t exceptions = records::data_exceptions();
-    watch_conditions(this);
+    watch_record(this);
     const int result = xml_module().read(xml_, record_.data());
-    watch_conditions(nullptr);
+    watch_record(nullptr);
+    if (std::exchange(has_one_entry_, false)) match_tables_as_set();
     const std::int16_t error = *host_file_error();
     if (result == 0 || error != HOST_FILE_OK) {
         ended_ = true;

@@ -21,7 +21,7 @@ struct Result {
     std::string reason;  // of a failure, for the message; may be empty
 };
 
-class OpenFile final : private ConditionWatch {
+class OpenFile final : private RecordWatch {
   public:
     // An optional file that is not there: reading it ends at once.
     OpenFile(std::string path, const FCD3& fcd, cob_file* program_file);
@@ -54,6 +54,7 @@ class OpenFile final : private ConditionWatch {
 
   private:
     void condition_holds(int number) override;
+    void number_stored(const void* place) override;
     std::uint32_t layout_length(std::uint32_t longest) const;
     bool is_complete();
     void tell_program(std::uint32_t length);
@@ -74,6 +75,7 @@ class OpenFile final : private ConditionWatch {
     XmlFile* xml_ = nullptr;
     std::int32_t direction_ = 0;
     bool ended_ = false;
+    bool has_one_entry_ = false;  // the record's last table, as its counter says
     bool awaits_description_ = false;
     Result opening_;
     std::optional<Result> failure_;

@@ -9,7 +9,9 @@ namespace gnucobol {
 
 namespace {
 
-thread_local ConditionWatch* watch = nullptr;
+constexpr const char* EXACT_TABLE_MATCH = "SXML_EXACT_TABLE_MATCH";
+
+thread_local RecordWatch* watch = nullptr;
 
 template <class Function>
 host::NamedFunction named(const char* name, Function* function) {
@@ -18,7 +20,7 @@ host::NamedFunction named(const char* name, Function* function) {
 
 }  // namespace
 
-void watch_conditions(ConditionWatch* new_watch) {
+void watch_record(RecordWatch* new_watch) {
     watch = new_watch;
 }
 
@@ -28,23 +30,29 @@ static int test_watched_condition(Xfd* xfd, int number, const void* record) {
     if (holds != 0 && watch != nullptr) watch->condition_holds(number);
     return holds;
 }
+
+static int convert_watched(XfdDataDesc* destination, const XfdDataDesc* source, int mode) {
+    const int result = Qconvert(destination, source, mode);
+    if (watch != nullptr) watch->number_stored(destination->address);
+    return result;
+}
 }
 
 const host::Module& xml_module() {
-    static const host::Module module = host::Module::load(
-        "", {named("Q4ParseXFD", &Q4ParseXFD), named("Q4XFDFree", &Q4XFDFree),
-             named("Q4TestCOBOLCond", &test_watched_condition), named("Qconvert", &Qconvert)});
+    static const host::Module module =
+        host::Module::load("", {named("Q4ParseXFD", &Q4ParseXFD), named("Q4XFDFree", &Q4XFDFree),
+                                named("Q4TestCOBOLCond", &test_watched_condition),
+                                named("Qconvert", &convert_watched)});
     return module;
 }
 
-// The program may change its environment between two files, so our own value must not stand before
-// it.
-void read_single_entries() {
-    constexpr const char* EXACT_TABLE_MATCH = "SXML_EXACT_TABLE_MATCH";
+void accept_missing_numbers() {
+    if (host_config_string(EXACT_TABLE_MATCH, nullptr) != nullptr) return;
+    host::set_config(EXACT_TABLE_MATCH, "no");
+}
+
+void match_tables_as_set() {
     host::set_config(EXACT_TABLE_MATCH, std::nullopt);
-    if (host_config_string(EXACT_TABLE_MATCH, nullptr) == nullptr) {
-        host::set_config(EXACT_TABLE_MATCH, "no");
-    }
 }
 
 }  // namespace gnucobol

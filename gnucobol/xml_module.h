@@ -10,22 +10,25 @@ namespace gnucobol {
 // Loads the module at the first call. Throws std::runtime_error when that fails.
 const host::Module& xml_module();
 
-// Lets documents be read whose tables have a single entry, unless SXML_EXACT_TABLE_MATCH is set.
-// Elements in such an entry carry no number for it: read strictly, a table in it would be lost.
-void read_single_entries();
-
-// Is told, while a record is being read, of each condition that holds, before the fields that
-// belong to it are filled.
-class ConditionWatch {
+// Is told what happens while a record is being read.
+class RecordWatch {
   public:
-    ConditionWatch() = default;
-    ConditionWatch(const ConditionWatch&) = delete;
-    ConditionWatch& operator=(const ConditionWatch&) = delete;
-    virtual ~ConditionWatch() = default;
+    RecordWatch() = default;
+    RecordWatch(const RecordWatch&) = delete;
+    RecordWatch& operator=(const RecordWatch&) = delete;
+    virtual ~RecordWatch() = default;
+    // A condition holds; the fields that belong to it are filled next.
     virtual void condition_holds(int number) = 0;
+    // A number has been stored at this place in the record.
+    virtual void number_stored(const void* place) = 0;
 };
 
 // The watch for what is read on this thread from now on; null for none.
-void watch_conditions(ConditionWatch* watch);
+void watch_record(RecordWatch* watch);
+
+// Lets the fields read from now on take elements that lack the number of a table's only entry,
+// until match_tables_as_set(). Does nothing when the user has set SXML_EXACT_TABLE_MATCH.
+void accept_missing_numbers();
+void match_tables_as_set();
 
 }  // namespace gnucobol

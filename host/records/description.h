@@ -47,6 +47,8 @@ class Description {
     // record; otherwise, or when the counter is out of range, `length` itself. Never above
     // `length`.
     std::int32_t used_length(const void* record, std::int32_t length) const;
+    // Whether at `place` in the record is the counter of the table that ends it, with the value 1.
+    bool is_counter_of_one(const void* record, const void* place) const;
 
     // One line of `sxml layout`: an item at its first occurrence, groups and hidden items included.
     struct Row {

@@ -79,6 +79,15 @@ std::int32_t Description::used_length(const void* record, std::int32_t length) c
     return length;
 }
 
+bool Description::is_counter_of_one(const void* record, const void* place) const {
+    const auto* bytes = static_cast<const std::uint8_t*>(record);
+    const auto& rules = data_->model.length_rules;
+    return std::any_of(rules.begin(), rules.end(), [&](const LengthRule& rule) {
+        return bytes + rule.counter.offset == place && occurrences(rule, bytes) == 1 &&
+               (rule.condition == 0 || condition_holds(*data_, rule.condition, bytes));
+    });
+}
+
 const std::vector<Description::Row>& Description::rows() const {
     return data_->rows;
 }
