@@ -294,6 +294,37 @@ TEST_F(RoundTripTest, RightJustifiedTextsComeBack) {
     }
 }
 
+// A table's only entry gives its elements no number, and those of its own tables lack it.
+TEST_F(RoundTripTest, TablesInTheOnlyEntryComeBack) {
+    write_file("lines.cpy",
+               "       01  ORDER-REC.\n"
+               "           05  ORDER-ID PIC X(2).\n"
+               "           05  LINE-COUNT PIC 9.\n"
+               "           05  ORDER-LINE OCCURS 0 TO 3 DEPENDING ON LINE-COUNT.\n"
+               "               10  SHADE PIC X(2) OCCURS 2.\n"
+               "               10  QTY PIC 9.\n");
+    const std::string records =
+        "A11a b 5    0    0"
+        "A23a b 5c d 6e f 7"
+        "A31  x 0    0    0"
+        "A40    0    0    0"
+        "A52p   1q   2    0"
+        "A61    9    0    0";
+    write_file("lines.dat", records);
+    ASSERT_EQ(sxml({"to-xml", "lines.dat", "lines.xml", "--layout", "lines.cpy"}).status, 0);
+    const std::vector<std::string> back = {"from-xml", "lines.xml", "back.dat", "--layout",
+                                           "lines.cpy"};
+    const Outcome outcome = sxml(back);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(read_file("back.dat"), records);
+    // Whoever has chosen gets what was chosen.
+    std::vector<std::string> exact = back;
+    exact.insert(exact.end(), {"--set", "SXML_EXACT_TABLE_MATCH=yes"});
+    EXPECT_EQ(sxml(exact).status, 0);
+    EXPECT_EQ(read_file("back.dat").substr(0, 18), "A11    5    0    0");
+}
+
 TEST_F(RoundTripTest, SampleFilesComeBackByteForByte) {
     struct Case {
         const char* program;

@@ -106,7 +106,8 @@ void convert_from_xml(const FromXmlOptions& options) {
     AtomicOutput output(options.records);
     RecordStore store(output, options.lines ? RecordFormat::lines : RecordFormat::fixed,
                       static_cast<std::size_t>(description.record_length()));
-    InputRecords records(module, document.file(), document.name(), fields, buffer, texts);
+    InputRecords records(module, document.file(), document.name(), description, fields, buffer,
+                         texts);
     Progress progress(std::nullopt);
     while (records.next()) {
         const std::uint8_t* record = buffer.data();

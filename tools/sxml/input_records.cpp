@@ -67,14 +67,15 @@ host::Module load_module_for_input() {
 }
 
 InputRecords::InputRecords(const host::Module& module, const std::string& file,
-                           std::string shown_name, const RecordFields& fields, RecordBuffer& buffer,
-                           InputTexts& texts)
+                           std::string shown_name, const records::Description& description,
+                           const RecordFields& fields, RecordBuffer& buffer, InputTexts& texts)
     : module_(module),
       file_name_(file),
       shown_name_(std::move(shown_name)),
       fields_(fields),
       buffer_(buffer),
-      texts_(texts) {
+      texts_(texts),
+      single_entry_(description) {
     current = this;
     file_ = module.open(file.c_str(), XML_OPEN_INPUT);
     if (file_ == nullptr) fail_document();
@@ -89,6 +90,7 @@ InputRecords::~InputRecords() {
 bool InputRecords::next() {
     buffer_.begin_record();
     texts_.begin_record(count_ + 1, buffer_.keeps());
+    single_entry_.begin_record();
     is_of_a_layout_ = takes_any_record_;
     const int result = module_.read(file_, buffer_.data());
     const int code = *host_file_error();
@@ -141,12 +143,14 @@ int InputRecords::convert(XfdDataDesc& field, const XfdDataDesc& text, int mode)
         text.length >= 0 ? text.length : std::numeric_limits<std::int32_t>::max();
     const std::string_view value(static_cast<const char*>(text.address),
                                  static_cast<std::size_t>(size));
+    if (!single_entry_.is_in_use(item->offset)) return 1;
     if (field.type == TEXT_TO_MOVE) {
         texts_.move(index, value, static_cast<std::uint8_t*>(field.address));
         return 1;
     }
     const int result = Qconvert(&field, &text, mode);
     if (result == 0 && !value.empty()) report_number(index, value);
+    single_entry_.number_stored(buffer_.data(), field.address);
     return result;
 }
 

@@ -10,6 +10,7 @@
 #include "tools/sxml/input_texts.h"
 #include "tools/sxml/record_buffer.h"
 #include "tools/sxml/record_fields.h"
+#include "tools/sxml/single_entry.h"
 
 namespace command {
 
@@ -19,11 +20,12 @@ host::Module load_module_for_input();
 // One document is read at a time in the process.
 class InputRecords {
   public:
-    // `file` is the document's name, `shown_name` its name in messages. A description must have
-    // been bound; `fields`, `buffer` and `texts` are made for the same one. Throws Failure when the
+    // `file` is the document's name, `shown_name` its name in messages. `description` must have
+    // been bound; `fields`, `buffer` and `texts` are made for it. Throws Failure when the
     // document cannot be read up to its first record.
     InputRecords(const host::Module& module, const std::string& file, std::string shown_name,
-                 const RecordFields& fields, RecordBuffer& buffer, InputTexts& texts);
+                 const records::Description& description, const RecordFields& fields,
+                 RecordBuffer& buffer, InputTexts& texts);
     ~InputRecords();
     InputRecords(const InputRecords&) = delete;
     InputRecords& operator=(const InputRecords&) = delete;
@@ -55,6 +57,7 @@ class InputRecords {
     const RecordFields& fields_;
     RecordBuffer& buffer_;
     InputTexts& texts_;
+    SingleEntry single_entry_;
     XmlFile* file_ = nullptr;
     const Xfd* xfd_ = nullptr;      // the module's
     bool takes_any_record_ = true;  // the layouts: one of them has no condition

@@ -1,0 +1,32 @@
+// The table that ends a record, when its counter (OCCURS DEPENDING ON) says 1. The elements of a
+// table's only entry carry no number for it: matched exactly, what is a table in that entry would
+// be lost. Matched otherwise, entries that are not there would get data, too.
+#pragma once
+
+#include <cstdint>
+
+#include "host/records/description.h"
+
+namespace command {
+
+class SingleEntry {
+  public:
+    // Does nothing for a user who has chosen how tables are matched.
+    explicit SingleEntry(const records::Description& description);
+    SingleEntry(const SingleEntry&) = delete;
+    SingleEntry& operator=(const SingleEntry&) = delete;
+
+    void begin_record();
+    // A number has been stored at `place` in the record: if it is that counter, the fields that
+    // follow are matched without the number of the entry.
+    void number_stored(const std::uint8_t* record, const void* place);
+    // False for fields behind the only entry.
+    bool is_in_use(std::int32_t offset) const { return end_ == 0 || offset < end_; }
+
+  private:
+    const records::Description& description_;
+    bool is_chosen_;        // by the user
+    std::int32_t end_ = 0;  // where the only entry ends; 0 in other records
+};
+
+}  // namespace command
