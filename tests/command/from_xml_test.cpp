@@ -133,7 +133,7 @@ const FromXmlCase CASES[] = {
      "long000" + std::string("\x00\x0C", 2) + "aba " + FULL_RECORD,
      {"record 1, field code_id: a text of 8 bytes was cut to fit into 4: 'long one'",
       "field tag(1): a text of 4 bytes", "field tag(2): a text of 4 bytes",
-      "items.xml: 3 texts did not fit into the fields and were cut\n"}},
+      "items.xml: 3 texts cut to the length of the field\n"}},
     {"longer than the field in ISO-8859-1",
      items(item("<tag>\xE9\xE9\xE9</tag>"), "ISO-8859-1"),
      {},
@@ -153,7 +153,7 @@ const FromXmlCase CASES[] = {
          for (int i = 0; i < 12; ++i) all += "1234" + EMPTY_FIELDS.substr(4);
          return all;
      }(),
-     {"record 10, field", "12 texts did not fit into the fields and were cut; the first 10 are"}},
+     {"record 10, field", "12 texts cut to the length of the field; the first 10 are"}},
     {"not in the set",
      items(item("<code_id>\xE2\x82\xAC</code_id>")),
      {"--encoding", "cp037"},

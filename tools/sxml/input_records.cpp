@@ -104,7 +104,7 @@ bool InputRecords::next() {
 
 void InputRecords::finish() {
     read_to_end();
-    lost_numbers_.sum_up(shown_name_, "text", " of numeric fields were no numbers or did not fit");
+    lost_numbers_.sum_up(shown_name_, "text", " of numeric fields that cannot be stored there");
     texts_.finish();
     strangers_.sum_up(shown_name_, "record",
                       " of no layout; only the fields that all layouts have were filled");

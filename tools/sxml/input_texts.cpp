@@ -79,7 +79,7 @@ void InputTexts::report(std::int32_t index, std::string_view text, std::size_t w
 }
 
 void InputTexts::finish() const {
-    cut_.sum_up(shown_name_, "text", " did not fit into the fields and were cut");
+    cut_.sum_up(shown_name_, "text", " cut to the length of the field");
 }
 
 std::string quoted(std::string_view text) {
