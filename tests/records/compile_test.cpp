@@ -112,6 +112,10 @@ const Case CASES[] = {
      " 05 G.\n 10 FILLER PIC X.\n 10 D PIC X.",
      "hdr 0+2\n t 0+1 t1 1.0\n h 1+1 t15 c1\ndtl 0+2\n g 0+2\n  t 0+1 t1 1.0\n  d 1+1 t15 c2\n",
      ""},
+    {"the tested field is described in the middle of unused space, too",
+     "*> sxml: when T = 1\n01 HDR.\n 05 H PIC X.\n 05 T PIC 9.\n*> sxml: when T = 2\n01 DTL.\n"
+     " 05 FILLER PIC X(4).\n 05 D PIC X.",
+     "hdr 0+2\n h 0+1 t15 c1\n t 1+1 t1 1.0\ndtl 0+5\n t 1+1 t1 1.0\n d 4+1 t15 c2\n", ""},
     {"a layout with variants is described once for each",
      "*> sxml: when T = 'A'\n01 A.\n 05 T PIC X.\n 05 K PIC X.\n 05 V PIC X(2).\n"
      "*> sxml: when K = '1'\n 05 W REDEFINES V PIC 9(2).\n"

@@ -391,10 +391,14 @@ class FieldConditions {
         }
         if (field == nullptr) return;
         for_each(layout, [&](Node& node) {
-            const bool is_its_place = node.offset == field->offset && node.size == field->size;
-            if (!is_its_place || !is_unused_space(node)) return;
+            const bool holds_its_place = node.offset <= field->offset &&
+                                         field->offset + field->size <= node.offset + node.size;
+            if (!holds_its_place || !is_unused_space(node)) return;
             node.name = field->name;
+            node.source = field->source;
             node.form = field->form;
+            node.offset = field->offset;
+            node.size = field->size;
         });
     }
 
