@@ -1,39 +1,45 @@
 #include "gnucobol/document_check.h"
 
-#include <expat.h>
-
 #include <filesystem>
 #include <fstream>
-#include <memory>
-#include <vector>
+
+#include "host/documents/document_check.h"
+#include "host/encoding.h"
 
 namespace gnucobol {
 
 namespace {
 
-constexpr std::size_t PIECE_SIZE = std::size_t{1} << 16;
+// Not open when the file cannot be read again.
+std::ifstream open_again(const std::string& file) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) return {};
+    return std::ifstream(file, std::ios::binary);
+}
+
+documents::ReadDocument reader_of(std::ifstream& input) {
+    return [&input](char* buffer, std::size_t size) {
+        input.read(buffer, static_cast<std::streamsize>(size));
+        return static_cast<std::size_t>(input.gcount());
+    };
+}
 
 }  // namespace
 
 std::string find_damage(const std::string& file) {
-    std::error_code error;
-    // What comes through a pipe is gone.
-    if (!std::filesystem::is_regular_file(file, error)) return {};
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
-        XML_ParserCreate(nullptr), &XML_ParserFree);
-    std::ifstream input(file, std::ios::binary);
-    if (!parser || !input) return {};
-    std::vector<char> piece(PIECE_SIZE);
-    XML_Status status = XML_STATUS_OK;
-    while (status == XML_STATUS_OK && input) {
-        input.read(piece.data(), static_cast<std::streamsize>(piece.size()));
-        status = XML_Parse(parser.get(), piece.data(), static_cast<int>(input.gcount()),
-                           input ? XML_FALSE : XML_TRUE);
-    }
-    if (status == XML_STATUS_OK) return {};
-    return "line " + std::to_string(XML_GetCurrentLineNumber(parser.get())) + ", column " +
-           std::to_string(XML_GetCurrentColumnNumber(parser.get()) + 1) + ": " +
-           XML_ErrorString(XML_GetErrorCode(parser.get()));
+    std::ifstream input = open_again(file);
+    if (!input.is_open()) return {};
+    const auto problem = documents::check_document(reader_of(input));
+    if (!problem) return {};
+    return "line " + std::to_string(problem->line) + ", column " + std::to_string(problem->column) +
+           ": " + problem->text;
+}
+
+bool is_latin1_document(const std::string& file) {
+    std::ifstream input = open_again(file);
+    if (!input.is_open()) return true;
+    const std::string name = documents::declared_encoding(reader_of(input));
+    return host_encoding_code(name.c_str()) == HOST_ENCODING_LATIN1;
 }
 
 }  // namespace gnucobol

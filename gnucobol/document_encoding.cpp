@@ -5,10 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <optional>
-#include <string_view>
 
 #include "host/config.h"
 #include "host/encoding.h"
@@ -16,9 +13,6 @@
 namespace gnucobol {
 
 namespace {
-
-// An XML declaration fits into this.
-constexpr std::size_t HEAD_SIZE = 1024;
 
 class Converter {
   public:
@@ -76,23 +70,6 @@ ByteSet bytes_without_meaning(const std::string& encoding) {
         bytes[byte] = !converter.utf8_of(text) && errno == EILSEQ;
     }
     return bytes;
-}
-
-bool is_latin1_document(const std::string& path) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return true;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) return true;
-    std::string head(HEAD_SIZE, '\0');
-    file.read(head.data(), static_cast<std::streamsize>(head.size()));
-    const std::string_view declaration = std::string_view(head).substr(0, head.find("?>"));
-    const std::size_t at = declaration.find("encoding");
-    if (at == std::string_view::npos) return false;
-    const std::size_t start = declaration.find_first_of("\"'", at);
-    if (start == std::string_view::npos) return false;
-    const std::size_t end = declaration.find(declaration[start], start + 1);
-    const std::string name(declaration.substr(start + 1, end - start - 1));
-    return host_encoding_code(name.c_str()) == HOST_ENCODING_LATIN1;
 }
 
 }  // namespace gnucobol

@@ -1,4 +1,4 @@
-// Encodings of documents: of those that are written it is what SXML_ENCODING says.
+// The encoding of documents that are written: what SXML_ENCODING says.
 #pragma once
 
 #include <array>
@@ -18,9 +18,5 @@ bool extends_ascii(const std::string& encoding);
 // Whether a byte is certainly no part of a character.
 using ByteSet = std::array<bool, 256>;
 ByteSet bytes_without_meaning(const std::string& encoding);
-
-// True when the document in a file says that it is in ISO-8859-1: its texts come in that encoding
-// then, and in UTF-8 otherwise. True also when this cannot be told.
-bool is_latin1_document(const std::string& file);
 
 }  // namespace gnucobol

@@ -76,17 +76,6 @@ LayoutSource find_source(const LayoutRequest& request) {
     return {file, {}};
 }
 
-records::NameCase configured_name_case() {
-    switch (host_config_number("4GL_COLUMN_CASE", 0)) {
-        case 1:
-            return records::NameCase::upper;
-        case 2:
-            return records::NameCase::unchanged;
-        default:
-            return records::NameCase::lower;
-    }
-}
-
 // The first message of a severity; empty when there is none.
 std::string first_message(const std::string& file, const records::Diagnostics& diagnostics,
                           records::Severity severity) {
@@ -115,7 +104,7 @@ std::optional<records::Description> load(const LayoutSource& source, const std::
     copybook.fd = source.fd;
     copybook.program = program;
     records::LayoutOptions layout;
-    layout.name_case = configured_name_case();
+    layout.name_case = records::configured_name_case();
     auto description = records::load_description(source.file, copybook, layout, diagnostics);
     if (diagnostics.has_errors()) description.reset();
     return description;

@@ -81,6 +81,7 @@ OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, Fi
     layouts_ = layouts_of(xfd);
     text_.emplace(xfd, layouts_, encoding_of_texts(source_->file(), direction));
     held_.resize(static_cast<std::size_t>(xfd.condition_count) + 1);
+    single_entry_.emplace(layout_->description);
     const host::Module& module = xml_module();
     const BoundDescription bound(layout_->description);
     xml_ = module.open(source_->file().c_str(), direction);
@@ -106,13 +107,9 @@ void OpenFile::condition_holds(int number) {
     held_[static_cast<std::size_t>(number)] = true;
 }
 
-// Elements in a table's only entry carry no number for it. Read strictly, a table in that entry
-// would be lost; in other records an element might be taken for another entry's.
 void OpenFile::number_stored(const void* place) {
-    if (!layout_->description.is_counter_of_one(record_.data(), place)) return;
     try {
-        accept_missing_numbers();
-        has_one_entry_ = true;
+        single_entry_->number_stored(record_.data(), place);
     } catch (const std::bad_alloc&) {
         *host_file_error() = HOST_FILE_NO_MEMORY;
     }
@@ -131,11 +128,12 @@ Result OpenFile::read(FCD3& fcd) {
     watch_record(this);
     const int result = xml_module().read(xml_, record_.data());
     watch_record(nullptr);
-    if (std::exchange(has_one_entry_, false)) match_tables_as_set();
+    single_entry_->end_record();
     const std::int16_t error = *host_file_error();
     if (result == 0 || error != HOST_FILE_OK) {
         ended_ = true;
-        const bool is_end = result == 0 && error == HOST_FILE_END && is_complete();
+        const bool is_end =
+            result == 0 && error == HOST_FILE_END && xml_module().read_to_end(xml_, record_.data());
         return is_end ? Result{Status::at_end, {}} : result_of_file_error(source_->file());
     }
     text_->settle(record_.data(), held_);
@@ -145,19 +143,6 @@ Result OpenFile::read(FCD3& fcd) {
     tell_program(length);
     const bool is_doubtful = records::data_exceptions() != exceptions;
     return {is_doubtful ? Status::doubtful_data : Status::done, {}};
-}
-
-// The module tells the end before it has looked at what is behind the last record. Reads behind it
-// go on until they tell whether something is missing.
-bool OpenFile::is_complete() {
-    constexpr std::int32_t NOT_TOLD = -1;
-    std::int32_t& missing = *host_error_subcode();
-    int result = 0;
-    do {
-        missing = NOT_TOLD;
-        result = xml_module().read(xml_, record_.data());
-    } while (result == 0 && *host_file_error() == HOST_FILE_END && missing == NOT_TOLD);
-    return *host_file_error() == HOST_FILE_END && missing == 0;
 }
 
 // The runtime does not take the length over from the description.

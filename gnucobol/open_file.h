@@ -13,6 +13,7 @@
 #include "gnucobol/record_layouts.h"
 #include "gnucobol/record_text.h"
 #include "gnucobol/xml_module.h"
+#include "host/documents/single_entry.h"
 
 namespace gnucobol {
 
@@ -56,7 +57,6 @@ class OpenFile final : private RecordWatch {
     void condition_holds(int number) override;
     void number_stored(const void* place) override;
     std::uint32_t layout_length(std::uint32_t longest) const;
-    bool is_complete();
     void tell_program(std::uint32_t length);
     std::uint32_t length_of_record_read(const FCD3& fcd, std::uint32_t filled) const;
     std::uint32_t length_of_text() const;
@@ -71,11 +71,11 @@ class OpenFile final : private RecordWatch {
     std::vector<std::uint8_t> record_;  // the record being read, or written when it was cut
     std::vector<RecordLayout> layouts_;
     std::optional<RecordText> text_;
+    std::optional<documents::SingleEntry> single_entry_;
     std::vector<bool> held_;  // conditions that held for that record, by number
     XmlFile* xml_ = nullptr;
     std::int32_t direction_ = 0;
     bool ended_ = false;
-    bool has_one_entry_ = false;  // the record's last table, as its counter says
     bool awaits_description_ = false;
     Result opening_;
     std::optional<Result> failure_;

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "gnucobol/document_encoding.h"
+#include "host/documents/utf8.h"
 
 namespace gnucobol {
 
@@ -12,42 +13,6 @@ namespace {
 std::string named(std::uint8_t byte) {
     constexpr std::string_view DIGITS = "0123456789ABCDEF";
     return std::string("the byte 0x") + DIGITS[byte >> 4] + DIGITS[byte & 0xF];
-}
-
-// Length in bytes of the UTF-8 character that this byte begins; 0 when it begins none.
-std::size_t length_from(std::uint8_t lead) {
-    if (lead < 0x80) return 1;
-    if (lead >= 0xC2 && lead <= 0xDF) return 2;
-    if (lead >= 0xE0 && lead <= 0xEF) return 3;
-    return lead >= 0xF0 && lead <= 0xF4 ? 4 : 0;
-}
-
-// Whether a lead byte takes this second byte: overlong forms, surrogates and codes above U+10FFFF
-// are no characters.
-bool may_follow(std::uint8_t lead, std::uint8_t second) {
-    switch (lead) {
-        case 0xE0:
-            return second >= 0xA0 && second <= 0xBF;
-        case 0xED:
-            return second >= 0x80 && second <= 0x9F;
-        case 0xF0:
-            return second >= 0x90 && second <= 0xBF;
-        case 0xF4:
-            return second >= 0x80 && second <= 0x8F;
-        default:
-            return second >= 0x80 && second <= 0xBF;
-    }
-}
-
-// Length of the valid character of several bytes at `text`; 0 when there is none.
-std::size_t character_length(const std::uint8_t* text, std::size_t available) {
-    const std::size_t length = length_from(text[0]);
-    if (length < 2 || length > available || !may_follow(text[0], text[1])) return 0;
-    for (std::size_t i = 2; i < length; ++i) {
-        if ((text[i] & 0xC0) != 0x80) return 0;
-    }
-    // U+FFFE and U+FFFF are no characters of XML.
-    return text[0] == 0xEF && text[1] == 0xBF && text[2] >= 0xBE ? 0 : length;
 }
 
 bool is_control(std::uint8_t byte) {
@@ -80,7 +45,7 @@ std::optional<std::string> TextCheck::closer_look(const std::uint8_t* text,
                    "directive `hex` in the copybook";
         }
         if (!is_utf8(encoding_)) return named(text[i]) + " is no character of " + encoding_;
-        const std::size_t width = character_length(text + i, length - i);
+        const std::size_t width = documents::utf8_character_length(text + i, length - i);
         if (width == 0) {
             return named(text[i]) +
                    " is not valid UTF-8; if the program's text is in another character set, name "
@@ -95,7 +60,8 @@ void blank_cut_character(std::uint8_t* text, std::size_t length) {
     for (std::size_t behind = 1; behind <= std::min<std::size_t>(length, 3); ++behind) {
         const std::uint8_t byte = text[length - behind];
         if ((byte & 0xC0) == 0x80) continue;
-        if (length_from(byte) > behind) std::fill(text + length - behind, text + length, ' ');
+        if (documents::utf8_length_from(byte) > behind)
+            std::fill(text + length - behind, text + length, ' ');
         return;
     }
 }

@@ -1,15 +1,11 @@
 #include "gnucobol/xml_module.h"
 
-#include "host/config.h"
 #include "host/records/description.h"
 #include "host/records/numbers.h"
-#include "host/runtime/settings.h"
 
 namespace gnucobol {
 
 namespace {
-
-constexpr const char* EXACT_TABLE_MATCH = "SXML_EXACT_TABLE_MATCH";
 
 thread_local RecordWatch* watch = nullptr;
 
@@ -44,15 +40,6 @@ const host::Module& xml_module() {
                                 named("Q4TestCOBOLCond", &test_watched_condition),
                                 named("Qconvert", &convert_watched)});
     return module;
-}
-
-void accept_missing_numbers() {
-    if (host_config_string(EXACT_TABLE_MATCH, nullptr) != nullptr) return;
-    host::set_config(EXACT_TABLE_MATCH, "no");
-}
-
-void match_tables_as_set() {
-    host::set_config(EXACT_TABLE_MATCH, std::nullopt);
 }
 
 }  // namespace gnucobol

@@ -26,9 +26,4 @@ class RecordWatch {
 // The watch for what is read on this thread from now on; null for none.
 void watch_record(RecordWatch* watch);
 
-// Lets the fields read from now on take elements that lack the number of a table's only entry,
-// until match_tables_as_set(). Does nothing when the user has set SXML_EXACT_TABLE_MATCH.
-void accept_missing_numbers();
-void match_tables_as_set();
-
 }  // namespace gnucobol

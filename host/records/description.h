@@ -16,8 +16,11 @@
 namespace records {
 
 enum class NameCase { lower = 0, upper = 1, unchanged = 2 };  // values of 4GL_COLUMN_CASE
-enum class BinarySize { by_digits_1248, by_digits_248 };      // cobc's default, and 2-4-8
-enum class RecordEncoding { ascii, ebcdic };                  // of DISPLAY digits and signs
+
+// What 4GL_COLUMN_CASE asks for at the moment: lower when it is not set or has another value.
+NameCase configured_name_case();
+enum class BinarySize { by_digits_1248, by_digits_248 };  // cobc's default, and 2-4-8
+enum class RecordEncoding { ascii, ebcdic };              // of DISPLAY digits and signs
 
 struct LayoutOptions {
     NameCase name_case = NameCase::lower;

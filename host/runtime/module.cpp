@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "host/errors.h"
+
 namespace host {
 
 namespace {
@@ -102,6 +104,18 @@ int Module::close(XmlFile* file) const {
 
 int Module::read(XmlFile* file, void* record) const {
     return as_function<XmlReadEntry>(slot(SLOT_READ))(file, record);
+}
+
+bool Module::read_to_end(XmlFile* file, void* record) const {
+    constexpr std::int32_t NOT_TOLD = -1;
+    const std::int16_t& code = *host_file_error();
+    std::int32_t& missing = *host_error_subcode();
+    int result = 0;
+    do {
+        missing = NOT_TOLD;
+        result = read(file, record);
+    } while (result == 0 && code == HOST_FILE_END && missing == NOT_TOLD);
+    return code == HOST_FILE_END && missing == 0;
 }
 
 int Module::write(XmlFile* file, const void* record, std::uint32_t length) const {

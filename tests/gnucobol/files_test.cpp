@@ -171,6 +171,24 @@ TEST_F(CobolTest, DocumentsFromTheWebAreRead) {
     EXPECT_TRUE(fs::is_empty("private"));
 }
 
+// An attribute is no declaration, and a chain of entities that would overflow the stack is told.
+TEST_F(CobolTest, DocumentsAreNotTakenForWhatTheyAreNot) {
+    set("SXML_PATH", PROGRAMS);
+    compile_for_xml(PROGRAMS + "statuses.cbl", "statuses");
+    write_file(
+        "attribute.xml",
+        "<x encoding='ISO-8859-1'><r><text_of>a\u00e4a\u00e4a\u00e4\u00e4</text_of></r></x>");
+    std::string chain = "<!DOCTYPE x [<!ENTITY e0 'x'>";
+    for (int i = 1; i < 60000; ++i) {
+        chain += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
+    }
+    write_file("chain.xml", chain + "]><x><r><text_of>&e59999;</text_of></r></x>");
+    const Outcome outcome = run_program({"./statuses", "attribute.xml", "chain.xml"});
+    EXPECT_NE(outcome.out.find("[a\u00e4a\u00e4a\u00e4 ]"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("chain.xml: open 30"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.err.find("more than 2,000 entities"), std::string::npos) << outcome.err;
+}
+
 // Everything that cobc compiles: free format, modules, and what they say when asked.
 TEST_F(CobolTest, ModulesInFreeFormatTellWhatTheyDo) {
     write_file("inner.cob",

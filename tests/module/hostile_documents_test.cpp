@@ -379,16 +379,15 @@ const std::string SMALL_DOCUMENT =
     "<b>3</b>\n </r>\n<?p i?><r/>\n<r><b/><a>&e;&#x41;</a></r> <!-- d --> <r><a><![CDATA[<]]>"
     "\xC3\xA9</a></r>\n</f>\n<!-- e -->";
 
-// Reads a document to the end of its input. The subcode is not told before.
+// Reads a document to the end of its input.
 std::pair<int, int> outcome(const host::Module& module, const std::string& name) {
     XmlFile* const file = module.open(name.c_str(), XML_OPEN_INPUT);
     std::vector<char> record(RECORD_SIZE);
     while (module.read(file, record.data()) > 0) continue;
-    *host_error_subcode() = -1;
-    do {
-        module.read(file, record.data());
-    } while (*host_file_error() == HOST_FILE_END && *host_error_subcode() == -1);
+    const bool is_complete = module.read_to_end(file, record.data());
     const std::pair<int, int> result = {*host_file_error(), *host_error_subcode()};
+    const bool is_told = result.first == HOST_FILE_END && result.second == 0;
+    EXPECT_EQ(is_complete, is_told);
     module.close(file);
     return result;
 }

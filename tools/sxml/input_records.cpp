@@ -90,10 +90,10 @@ InputRecords::~InputRecords() {
 bool InputRecords::next() {
     buffer_.begin_record();
     texts_.begin_record(count_ + 1, buffer_.keeps());
-    single_entry_.begin_record();
     is_of_a_layout_ = takes_any_record_;
     const int result = module_.read(file_, buffer_.data());
     const int code = *host_file_error();
+    single_entry_.end_record();
     if (failure_) std::rethrow_exception(failure_);
     if (result == 0 && code == HOST_FILE_END) return false;
     if (result == 0 || code != HOST_FILE_OK) fail_document();
@@ -103,23 +103,11 @@ bool InputRecords::next() {
 }
 
 void InputRecords::finish() {
-    read_to_end();
+    if (!module_.read_to_end(file_, buffer_.data())) fail_document();
     lost_numbers_.sum_up(shown_name_, "text", " of numeric fields that cannot be stored there");
     texts_.finish();
     strangers_.sum_up(shown_name_, "record",
                       " of no layout; only the fields that all layouts have were filled");
-}
-
-// A read behind the last record reads on; at the end of the input it tells what is missing.
-void InputRecords::read_to_end() {
-    constexpr std::int32_t NOT_TOLD = -1;
-    const std::int16_t& code = *host_file_error();
-    std::int32_t& missing = *host_error_subcode();
-    do {
-        missing = NOT_TOLD;
-        module_.read(file_, buffer_.data());
-    } while (code == HOST_FILE_END && missing == NOT_TOLD);
-    if (code != HOST_FILE_END || missing != 0) fail_document();
 }
 
 void InputRecords::fail_document() const {

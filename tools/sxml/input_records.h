@@ -5,12 +5,12 @@
 #include <exception>
 #include <string>
 
+#include "host/documents/single_entry.h"
 #include "host/runtime/module.h"
 #include "tools/sxml/field_warnings.h"
 #include "tools/sxml/input_texts.h"
 #include "tools/sxml/record_buffer.h"
 #include "tools/sxml/record_fields.h"
-#include "tools/sxml/single_entry.h"
 
 namespace command {
 
@@ -44,7 +44,6 @@ class InputRecords {
     friend int test_input_condition(Xfd* xfd, int number, const void* record);
     friend int convert_input(XfdDataDesc* field, const XfdDataDesc* text, int mode);
 
-    void read_to_end();
     [[noreturn]] void fail_document() const;
     void begin_record();
     int convert(XfdDataDesc& field, const XfdDataDesc& text, int mode);
@@ -57,7 +56,7 @@ class InputRecords {
     const RecordFields& fields_;
     RecordBuffer& buffer_;
     InputTexts& texts_;
-    SingleEntry single_entry_;
+    documents::SingleEntry single_entry_;
     XmlFile* file_ = nullptr;
     const Xfd* xfd_ = nullptr;      // the module's
     bool takes_any_record_ = true;  // the layouts: one of them has no condition

@@ -2,30 +2,14 @@
 
 #include <cstdio>
 
-#include "host/config.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
 
-namespace {
-
-records::NameCase configured_name_case() {
-    switch (host_config_number("4GL_COLUMN_CASE", 0)) {
-        case 1:
-            return records::NameCase::upper;
-        case 2:
-            return records::NameCase::unchanged;
-        default:
-            return records::NameCase::lower;
-    }
-}
-
-}  // namespace
-
 records::Description load_layout(const LayoutOptions& options, records::RecordEncoding encoding,
                                  Reports reports) {
     records::LayoutOptions layout = options.layout;
-    layout.name_case = configured_name_case();
+    layout.name_case = records::configured_name_case();
     layout.encoding = encoding;
     if (encoding == records::RecordEncoding::ebcdic) layout.ebcdic_sign = true;
     records::Diagnostics diagnostics;

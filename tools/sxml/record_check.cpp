@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/documents/utf8.h"
+
 namespace command {
 
 namespace {
@@ -9,36 +11,6 @@ namespace {
 std::string hexadecimal(std::uint8_t byte) {
     constexpr std::string_view DIGITS = "0123456789ABCDEF";
     return {'0', 'x', DIGITS[byte >> 4], DIGITS[byte & 0xF]};
-}
-
-struct LeadByte {
-    int length;                // of the character in bytes; 0 for no lead byte
-    std::uint8_t second_low;   // bounds of the second byte, which keep out overlong forms,
-    std::uint8_t second_high;  // surrogates and codes above U+10FFFF
-};
-
-LeadByte lead_byte(std::uint8_t byte) {
-    if (byte >= 0xC2 && byte <= 0xDF) return {2, 0x80, 0xBF};
-    if (byte == 0xE0) return {3, 0xA0, 0xBF};
-    if (byte == 0xED) return {3, 0x80, 0x9F};
-    if (byte >= 0xE1 && byte <= 0xEF) return {3, 0x80, 0xBF};
-    if (byte == 0xF0) return {4, 0x90, 0xBF};
-    if (byte >= 0xF1 && byte <= 0xF3) return {4, 0x80, 0xBF};
-    if (byte == 0xF4) return {4, 0x80, 0x8F};
-    return {0, 0, 0};
-}
-
-// Length of the valid UTF-8 character of several bytes that starts at `text`; 0 when there is none.
-int utf8_length(const std::uint8_t* text, std::int32_t available) {
-    const LeadByte lead = lead_byte(text[0]);
-    if (lead.length == 0 || lead.length > available) return 0;
-    if (text[1] < lead.second_low || text[1] > lead.second_high) return 0;
-    for (int i = 2; i < lead.length; ++i) {
-        if ((text[i] & 0xC0) != 0x80) return 0;
-    }
-    // U+FFFE and U+FFFF are no characters of XML.
-    if (text[0] == 0xEF && text[1] == 0xBF && text[2] >= 0xBE) return 0;
-    return lead.length;
 }
 
 bool is_all_nul(const std::uint8_t* text, std::int32_t length, std::uint8_t nul) {
@@ -59,9 +31,11 @@ std::optional<TextProblem> TextCheck::look_closely(const std::uint8_t* text,
         const ByteClass found = characters_.classify(text[i]);
         if (found == ByteClass::plain) continue;
         if (found == ByteClass::nul && is_all_nul(text + i, length - i, text[i])) break;
-        const int width = found == ByteClass::multi_byte ? utf8_length(text + i, length - i) : 0;
+        const auto left = static_cast<std::size_t>(length - i);
+        const std::size_t width =
+            found == ByteClass::multi_byte ? documents::utf8_character_length(text + i, left) : 0;
         if (width == 0) return TextProblem{i, reason_for(text[i])};
-        i += width - 1;
+        i += static_cast<std::int32_t>(width) - 1;
     }
     return std::nullopt;
 }

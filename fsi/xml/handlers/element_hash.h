@@ -11,7 +11,7 @@ struct XmlHashEntry {
     char* name;             // the element's name as stored in the tree; owned by the entry
     std::uint32_t element;  // handle
     XmlHashEntry* next;     // next element of this name, null for the last
-    std::uint32_t used;     // bit 0: the element's data was moved into the record
+    std::uint32_t used;     // bit 0: for a reader, to mark data that it has moved; 0 at first
     XmlHashEntry* last;     // of a chain's first entry: its last entry
 };
 static_assert(offsetof(XmlHashEntry, name) == 0);

@@ -11,17 +11,6 @@ namespace {
 thread_local const Description* bound = nullptr;
 thread_local std::string last_error;
 
-NameCase configured_name_case() {
-    switch (host_config_number("4GL_COLUMN_CASE", 0)) {
-        case 1:
-            return NameCase::upper;
-        case 2:
-            return NameCase::unchanged;
-        default:
-            return NameCase::lower;
-    }
-}
-
 Xfd* parse(const std::string& name) {
     if (bound != nullptr) return std::make_unique<XfdBlock>(bound->data().block).release();
     const std::string file = find_description_file(name);
@@ -47,6 +36,17 @@ Xfd* parse(const std::string& name) {
 }
 
 }  // namespace
+
+NameCase configured_name_case() {
+    switch (host_config_number("4GL_COLUMN_CASE", 0)) {
+        case 1:
+            return NameCase::upper;
+        case 2:
+            return NameCase::unchanged;
+        default:
+            return NameCase::lower;
+    }
+}
 
 void bind_description(const Description* description) {
     bound = description;

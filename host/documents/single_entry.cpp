@@ -1,11 +1,11 @@
-#include "tools/sxml/single_entry.h"
+#include "host/documents/single_entry.h"
 
 #include <optional>
 
 #include "host/config.h"
 #include "host/runtime/settings.h"
 
-namespace command {
+namespace documents {
 
 namespace {
 
@@ -17,7 +17,7 @@ SingleEntry::SingleEntry(const records::Description& description)
     : description_(description),
       is_chosen_(host_config_string(EXACT_TABLE_MATCH, nullptr) != nullptr) {}
 
-void SingleEntry::begin_record() {
+void SingleEntry::end_record() {
     if (end_ == 0) return;
     end_ = 0;
     host::set_config(EXACT_TABLE_MATCH, std::nullopt);
@@ -29,4 +29,4 @@ void SingleEntry::number_stored(const std::uint8_t* record, const void* place) {
     host::set_config(EXACT_TABLE_MATCH, "no");
 }
 
-}  // namespace command
+}  // namespace documents

@@ -7,19 +7,21 @@
 
 #include "host/records/description.h"
 
-namespace command {
+namespace documents {
 
 class SingleEntry {
   public:
-    // Does nothing for a user who has chosen how tables are matched.
+    // Does nothing for a user who has chosen how tables are matched. The description must outlive
+    // this object.
     explicit SingleEntry(const records::Description& description);
     SingleEntry(const SingleEntry&) = delete;
     SingleEntry& operator=(const SingleEntry&) = delete;
 
-    void begin_record();
     // A number has been stored at `place` in the record: if it is that counter, the fields that
-    // follow are matched without the number of the entry.
+    // follow are matched without the number of the entry. Throws std::bad_alloc.
     void number_stored(const std::uint8_t* record, const void* place);
+    // The record has been read.
+    void end_record();
     // False for fields behind the only entry.
     bool is_in_use(std::int32_t offset) const { return end_ == 0 || offset < end_; }
 
@@ -29,4 +31,4 @@ class SingleEntry {
     std::int32_t end_ = 0;  // where the only entry ends; 0 in other records
 };
 
-}  // namespace command
+}  // namespace documents
