@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "host/records/field_types.h"
-#include "host/records/numbers.h"
+#include "records/field_types.h"
+#include "records/numbers.h"
 
 namespace {
 

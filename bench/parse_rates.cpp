@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "fsi/xml/xml_api.h"
 #include "host/errors.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

@@ -5,7 +5,7 @@ target_compile_options(sxml_flags INTERFACE
 # GCC 12 sees overlapping copies in "literal" + std::string, where there are none.
 target_compile_options(sxml_flags INTERFACE
     $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-Wno-restrict>)
-target_include_directories(sxml_flags INTERFACE ${CMAKE_SOURCE_DIR})
+target_include_directories(sxml_flags INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
 if(SXML_SANITIZE)
     target_compile_options(sxml_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

@@ -6,7 +6,7 @@
 #include <stdint.h>
 #include <stdio.h>
 
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 static const struct Item {
     const char* part;

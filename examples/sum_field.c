@@ -10,7 +10,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 static const char* field_text(const XmlApi* api, uint32_t record, const char* name) {
     for (uint32_t field = api->xml_first_child(record); field;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/records/copybook.h"
+#include "records/copybook.h"
 
 namespace {
 

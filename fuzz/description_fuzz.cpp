@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/records/description.h"
+#include "records/description.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string>
 
-#include "fsi/xml/xml_api.h"
 #include "host/errors.h"
 #include "host/runtime/memory_report.h"
 #include "host/runtime/streams.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

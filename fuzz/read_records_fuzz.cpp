@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "host/errors.h"
-#include "host/records/description.h"
-#include "host/records/numbers.h"
 #include "host/runtime/module.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/trace_control.h"
+#include "records/description.h"
+#include "records/numbers.h"
 #include "tests/support/xfd_builder.h"
 
 namespace {

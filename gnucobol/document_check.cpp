@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/documents/document_check.h"
+#include "conversion/documents/document_check.h"
 #include "host/encoding.h"
 
 namespace gnucobol {

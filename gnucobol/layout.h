@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/records/description.h"
+#include "records/description.h"
 
 namespace gnucobol {
 

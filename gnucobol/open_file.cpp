@@ -9,7 +9,7 @@
 #include "gnucobol/document_check.h"
 #include "gnucobol/document_encoding.h"
 #include "host/errors.h"
-#include "host/records/numbers.h"
+#include "records/numbers.h"
 
 namespace gnucobol {
 

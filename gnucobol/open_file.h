@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "conversion/fields/single_entry.h"
 #include "gnucobol/blank_record.h"
 #include "gnucobol/document_source.h"
 #include "gnucobol/fcd.h"
@@ -13,7 +14,6 @@
 #include "gnucobol/record_layouts.h"
 #include "gnucobol/record_text.h"
 #include "gnucobol/xml_module.h"
-#include "host/documents/single_entry.h"
 
 namespace gnucobol {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "gnucobol/document_encoding.h"
-#include "host/records/alignment.h"
-#include "host/records/description.h"
+#include "records/alignment.h"
+#include "records/description.h"
 
 namespace gnucobol {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "conversion/texts/utf8.h"
 #include "gnucobol/document_encoding.h"
-#include "host/documents/utf8.h"
 
 namespace gnucobol {
 

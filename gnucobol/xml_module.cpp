@@ -1,7 +1,7 @@
 #include "gnucobol/xml_module.h"
 
-#include "host/records/description.h"
-#include "host/records/numbers.h"
+#include "records/description.h"
+#include "records/numbers.h"
 
 namespace gnucobol {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "host/export.h"
-#include "host/text_span.h"
+#include "sxml/text_span.h"
 
 // Host encoding codes. Codes above 7 stand for encodings that host_encoding_code found by name.
 enum HostEncoding : std::int32_t {

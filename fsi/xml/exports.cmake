@@ -2,7 +2,7 @@
 #   ordinals.ld   the symbols ordinal_N, each another name of its function (ELF)
 #   exports.map   hides every other symbol but the module's one named entry (ELF)
 #   sxml.def      exports by number without names (Windows)
-set(ordinals_list ${CMAKE_CURRENT_SOURCE_DIR}/ordinals.def)
+set(ordinals_list ${CMAKE_SOURCE_DIR}/include/sxml/ordinals.def)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ordinals_list})
 
 file(STRINGS ${ordinals_list} ordinal_lines REGEX "^XML_ORDINAL\\(")

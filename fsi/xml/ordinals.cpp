@@ -2,14 +2,14 @@
 #include <initializer_list>
 #include <type_traits>
 
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 namespace {
 
 // NOLINTBEGIN(bugprone-macro-parentheses): types cannot stand in parentheses
 #define XML_ORDINAL(number, name, result, parameters) \
     static_assert(std::is_same_v<decltype(&(name)), result(*) parameters>);
-#include "fsi/xml/ordinals.def"
+#include "sxml/ordinals.def"
 #undef XML_ORDINAL
 // NOLINTEND(bugprone-macro-parentheses)
 
@@ -17,7 +17,7 @@ constexpr bool ascending_and_free_ones_left() {
     int last = 0;
     for (const int number : {
 #define XML_ORDINAL(number, name, result, parameters) number,
-#include "fsi/xml/ordinals.def"
+#include "sxml/ordinals.def"
 #undef XML_ORDINAL
          }) {
         if (number <= last || number == 44 || number == 66 || number == 70) return false;

@@ -4,7 +4,7 @@
 #include <stdio.h>
 #include <string.h>
 
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 /* Where each ordinal's pointer lies in the table. */
 static const struct {
@@ -12,7 +12,7 @@ static const struct {
     size_t offset;
 } entries[] = {
 #define XML_ORDINAL(number, name, result, parameters) {number, offsetof(XmlApi, name)},
-#include "fsi/xml/ordinals.def"
+#include "sxml/ordinals.def"
 #undef XML_ORDINAL
 };
 

@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "fsi/xml/xml_api.h"
 #include "host/runtime/memory_report.h"
+#include "sxml/xml_api.h"
 
 inline std::string file_text(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);

@@ -2,7 +2,7 @@
  * a C program would make a table of them. */
 #include <stdint.h>
 
-#include "fsi/xml/elements/error_codes.h"
+#include "sxml/error_codes.h"
 
 uint32_t ordinal_1(void);
 uint32_t ordinal_1(void) {

@@ -8,10 +8,10 @@
 #include <sstream>
 
 #include "host/files.h"
-#include "host/records/description.h"
-#include "host/records/numbers.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/trace_control.h"
+#include "records/description.h"
+#include "records/numbers.h"
 
 namespace {
 

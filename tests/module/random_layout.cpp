@@ -7,8 +7,8 @@
 #include <functional>
 #include <string_view>
 
-#include "host/records/field_types.h"
-#include "host/records/numbers.h"
+#include "records/field_types.h"
+#include "records/numbers.h"
 
 namespace {
 

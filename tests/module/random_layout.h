@@ -15,7 +15,7 @@
 #include <random>
 #include <string>
 
-#include "host/records/description.h"
+#include "records/description.h"
 
 // How a layout is compiled and its document written.
 struct LayoutChoices {

@@ -3,7 +3,7 @@
 //     SXML_ROUND_TRIP_SEED      where to begin; a failure names the seed of its layout
 #include <cstdlib>
 
-#include "host/records/copybook.h"
+#include "records/copybook.h"
 #include "tests/module/module_fixture.h"
 #include "tests/module/random_layout.h"
 

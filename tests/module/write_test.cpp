@@ -1,10 +1,10 @@
 // Writing records: values, conditions, layouts, empty data, record length, trace.
 #include <cstdint>
 
-#include "fsi/xml/xml_api.h"
 #include "host/encoding.h"
 #include "host/files.h"
 #include "host/runtime/trace_control.h"
+#include "sxml/xml_api.h"
 #include "tests/module/module_fixture.h"
 #include "tests/module/sample_descriptions.h"
 

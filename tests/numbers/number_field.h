@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "host/records/field_types.h"
-#include "host/records/numbers.h"
+#include "records/field_types.h"
+#include "records/numbers.h"
 
 namespace number_tests {
 

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "host/records/field_types.h"
+#include "records/field_types.h"
 #include "tests/records/layout_fixture.h"
 
 namespace {

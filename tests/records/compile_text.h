@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/records/copybook.h"
+#include "records/copybook.h"
 
 namespace records {
 

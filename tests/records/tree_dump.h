@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/records/data_item.h"
+#include "records/data_item.h"
 
 namespace records {
 

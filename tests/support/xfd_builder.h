@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/record_description.h"
-#include "host/records/field_types.h"
+#include "records/field_types.h"
 
 // A description under construction. Items are appended in layout order; the functions give the
 // index of the item. The description itself is made by xfd() and lives as long as the builder.

@@ -1,6 +1,6 @@
 #include "tools/sxml/conditions.h"
 
-#include "host/records/description.h"
+#include "records/description.h"
 
 namespace command {
 

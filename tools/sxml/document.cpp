@@ -3,9 +3,9 @@
 #include <cerrno>
 
 #include "host/errors.h"
-#include "host/records/description.h"
-#include "host/records/numbers.h"
 #include "host/runtime/streams.h"
+#include "records/description.h"
+#include "records/numbers.h"
 #include "tools/sxml/conditions.h"
 #include "tools/sxml/errors.h"
 

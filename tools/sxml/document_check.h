@@ -4,13 +4,13 @@
 #include <optional>
 #include <string>
 
-#include "host/documents/document_check.h"
+#include "conversion/documents/document_check.h"
 
 namespace command {
 
 using documents::DocumentProblem;
 
-// As in host/documents/document_check.h. Throw Failure when the file cannot be read.
+// As in conversion/documents/document_check.h. Throw Failure when the file cannot be read.
 std::optional<DocumentProblem> check_document(const std::string& file);
 std::string declared_encoding(const std::string& file);
 

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "host/errors.h"
-#include "host/records/description.h"
-#include "host/records/numbers.h"
+#include "records/description.h"
+#include "records/numbers.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/document_check.h"
 #include "tools/sxml/errors.h"

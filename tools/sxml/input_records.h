@@ -5,7 +5,7 @@
 #include <exception>
 #include <string>
 
-#include "host/documents/single_entry.h"
+#include "conversion/fields/single_entry.h"
 #include "host/runtime/module.h"
 #include "tools/sxml/field_warnings.h"
 #include "tools/sxml/input_texts.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/records/alignment.h"
-#include "host/records/field_types.h"
+#include "records/alignment.h"
+#include "records/field_types.h"
 #include "tools/sxml/errors.h"
 
 namespace command {

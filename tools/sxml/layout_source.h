@@ -1,7 +1,7 @@
 // From LAYOUT on the command line to a compiled record description.
 #pragma once
 
-#include "host/records/description.h"
+#include "records/description.h"
 #include "tools/sxml/options.h"
 
 namespace command {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/records/description.h"
+#include "records/description.h"
 
 namespace CLI {
 class App;

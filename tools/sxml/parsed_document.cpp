@@ -40,7 +40,7 @@ XmlApi xml_api(const host::Module& module) {
         function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(symbol);
     };
 #define XML_ORDINAL(number, name, result, parameters) find(number, api.name);
-#include "fsi/xml/ordinals.def"
+#include "sxml/ordinals.def"
 #undef XML_ORDINAL
     return api;
 }

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "fsi/xml/xml_api.h"
 #include "host/runtime/module.h"
+#include "sxml/xml_api.h"
 #include "tools/sxml/document_input.h"
 
 namespace command {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/records/numbers.h"
+#include "records/numbers.h"
 
 namespace command {
 

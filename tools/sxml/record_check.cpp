@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/documents/utf8.h"
+#include "conversion/texts/utf8.h"
 
 namespace command {
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "host/records/description.h"
+#include "records/description.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/character_set.h"
 #include "tools/sxml/document.h"

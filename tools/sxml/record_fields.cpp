@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/records/field_types.h"
+#include "records/field_types.h"
 #include "tools/sxml/errors.h"
 
 namespace command {

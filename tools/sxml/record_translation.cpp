@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/records/numbers.h"
+#include "records/numbers.h"
 #include "tools/sxml/errors.h"
 
 namespace command {

@@ -1,12 +1,12 @@
 // The element tree: what an element holds, and how elements are found, made and released. The
-// operations on elements are the functions of fsi/xml/xml_api.h.
+// operations on elements are the functions of sxml/xml_api.h.
 #pragma once
 
 #include <cstdint>
 
 #include "fsi/xml/elements/element_error.h"
-#include "fsi/xml/xml_api.h"
 #include "host/lists.h"
+#include "sxml/xml_api.h"
 
 struct NameIndex;
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 static_assert(XMLERR_COUNT == 19);
 

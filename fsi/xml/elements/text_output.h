@@ -1,14 +1,14 @@
 // The three writers through which every piece of XML text reaches a file: xml_write_text,
-// xml_write_newline and xml_write_string, described in fsi/xml/xml_api.h. They report no errors: a
+// xml_write_newline and xml_write_string, described in sxml/xml_api.h. They report no errors: a
 // failed write only lowers the count returned, and the stream remembers it for the embedding
 // program.
 #pragma once
 
 #include <string_view>
 
-#include "fsi/xml/xml_api.h"
 #include "host/encoding.h"
 #include "host/files.h"
+#include "sxml/xml_api.h"
 
 // What xml_write_text would write of a span, trimmed and escaped, when that is a part of the text
 // as it stands: plain ASCII in an encoding of bytes, with nothing to escape. Else, or when there is

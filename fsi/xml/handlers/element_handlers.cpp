@@ -4,10 +4,10 @@
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/latin1.h"
 #include "fsi/xml/handlers/trace_message.h"
-#include "fsi/xml/xml_api.h"
 #include "host/errors.h"
 #include "host/memory.h"
 #include "host/strings.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include "fsi/xml/handlers/trace_message.h"
 #include "fsi/xml/handlers/xml_parser.h"
-#include "fsi/xml/xml_api.h"
 #include "host/memory.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

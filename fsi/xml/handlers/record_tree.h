@@ -9,7 +9,7 @@
 #include <cstdint>
 
 #include "fsi/xml/handlers/record_names.h"
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 // An element, numbered from 1 in document order; 0 stands for none.
 struct RecordElement {

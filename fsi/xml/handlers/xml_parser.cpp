@@ -6,12 +6,12 @@
 #include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/expat_memory.h"
 #include "fsi/xml/handlers/handlers.h"
-#include "fsi/xml/xml_api.h"
 #include "host/arrays.h"
 #include "host/errors.h"
 #include "host/memory.h"
 #include "host/strings.h"
 #include "host/trace.h"
+#include "sxml/xml_api.h"
 
 // Only newer versions of Expat have it, so it may be missing when the module is built and again
 // when it is loaded: a weak reference is null then.

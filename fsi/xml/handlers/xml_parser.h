@@ -8,9 +8,9 @@
 #include <cstdint>
 
 #include "fsi/xml/handlers/element_hash.h"
-#include "fsi/xml/xml_parser_api.h"
 #include "host/encoding.h"
 #include "host/tables.h"
+#include "sxml/xml_parser_api.h"
 
 // The path under which the parsing layer's memory is accounted for.
 constexpr const char* HANDLERS_SOURCE = "fsi/xml/handlers";

@@ -5,9 +5,9 @@
 
 #include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/parsexml/parser_handle.h"
-#include "fsi/xml/xml_api.h"
 #include "host/memory.h"
 #include "host/strings.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

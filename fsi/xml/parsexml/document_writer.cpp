@@ -5,10 +5,10 @@
 
 #include "fsi/xml/parsexml/document_text.h"
 #include "fsi/xml/parsexml/parser_handle.h"
-#include "fsi/xml/xml_api.h"
 #include "host/arrays.h"
 #include "host/memory.h"
 #include "host/strings.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 
 #include "fsi/xml/handlers/parse_driver.h"
 #include "fsi/xml/parsexml/parser_handle.h"
-#include "fsi/xml/xml_api.h"
 #include "host/errors.h"
 #include "host/handles.h"
 #include "host/memory.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

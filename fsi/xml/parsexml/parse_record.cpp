@@ -1,8 +1,8 @@
 // Reading a document record by record: a record is a child of the document element.
 #include "fsi/xml/handlers/parse_driver.h"
 #include "fsi/xml/parsexml/parser_handle.h"
-#include "fsi/xml/xml_api.h"
 #include "host/errors.h"
+#include "sxml/xml_api.h"
 
 std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
     XmlParserInfo* info = lookup_parser_info(handle);

@@ -1,8 +1,8 @@
 #include "fsi/xml/parsexml/parser_handle.h"
 
-#include "fsi/xml/xml_api.h"
 #include "host/handles.h"
 #include "host/memory.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

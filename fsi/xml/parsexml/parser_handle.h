@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "fsi/xml/elements/error_codes.h"
 #include "fsi/xml/handlers/xml_parser.h"
 #include "host/files.h"
+#include "sxml/error_codes.h"
 
 // The path under which the parser API's memory is accounted for.
 constexpr const char* PARSEXML_SOURCE = "fsi/xml/parsexml";

@@ -1,7 +1,7 @@
 // What a parser has collected of elements: the tree, the element hash, the content models.
 #include "fsi/xml/elements/element.h"
 #include "fsi/xml/parsexml/parser_handle.h"
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 std::uint32_t xml_parser_root(std::uint32_t handle) {
     const XmlParser* parser = lookup_parser(handle);

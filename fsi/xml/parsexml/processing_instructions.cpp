@@ -1,8 +1,8 @@
 // The processing instructions of a document.
 #include "fsi/xml/handlers/instructions.h"
 #include "fsi/xml/parsexml/parser_handle.h"
-#include "fsi/xml/xml_api.h"
 #include "host/strings.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "fsi/xml/parsexml/parser_handle.h"
-#include "fsi/xml/xml_api.h"
 #include "host/strings.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

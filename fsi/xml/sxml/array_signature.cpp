@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "fsi/xml/sxml/settings.h"
-#include "fsi/xml/xml_api.h"
 #include "host/trace.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

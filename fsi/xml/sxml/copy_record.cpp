@@ -1,6 +1,6 @@
 #include "fsi/xml/sxml/copy_record.h"
 
-#include "fsi/xml/xml_api.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

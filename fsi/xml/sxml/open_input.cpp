@@ -6,11 +6,11 @@
 
 #include "fsi/xml/handlers/xml_parser.h"
 #include "fsi/xml/sxml/source.h"
-#include "fsi/xml/xml_api.h"
 #include "host/config.h"
 #include "host/errors.h"
 #include "host/memory.h"
 #include "host/trace.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

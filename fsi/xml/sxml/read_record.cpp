@@ -13,10 +13,10 @@
 #include "fsi/xml/sxml/items.h"
 #include "fsi/xml/sxml/settings.h"
 #include "fsi/xml/sxml/xml_file.h"
-#include "fsi/xml/xml_api.h"
 #include "host/encoding.h"
 #include "host/errors.h"
 #include "host/trace.h"
+#include "sxml/xml_api.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "fsi/xml/elements/name_hash.h"
 #include "fsi/xml/sxml/array_signature.h"
 #include "fsi/xml/sxml/source.h"
-#include "fsi/xml/xml_api.h"
 #include "host/memory.h"
+#include "sxml/xml_api.h"
 
 struct IndexedElement {
     std::uint32_t hashes[2];  // in the two tables

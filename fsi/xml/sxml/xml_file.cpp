@@ -2,8 +2,8 @@
 
 #include "fsi/xml/sxml/host_functions.h"
 #include "fsi/xml/sxml/source.h"
-#include "fsi/xml/xml_api.h"
 #include "host/memory.h"
+#include "sxml/xml_api.h"
 
 XmlFile* new_xml_file() {
     return static_cast<XmlFile*>(host_alloc(sizeof(XmlFile), HOST_BLOCK_ZEROED, SXML_SOURCE,

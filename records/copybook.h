@@ -1,0 +1,40 @@
+// The copybook compiler's front: from source text to the syntax tree of a record description.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "records/data_item.h"
+#include "records/diagnostics.h"
+
+namespace records {
+
+enum class SourceFormat { detect, fixed, free, variable };
+
+struct CopybookOptions {
+    SourceFormat format = SourceFormat::detect;
+    std::vector<std::string>
+        copy_path;        // folders searched for COPY, after the including file's own
+    std::string fd;       // FD (or SELECT) name, or 01 record name, to take from a whole program
+    std::string program;  // PROGRAM-ID of the program meant when several in a file have such an FD;
+                          // empty: any
+    int tab_width = 8;
+    bool debugging_lines = false;  // D in column 7 is source, not comment
+};
+
+// Reads a file and what it copies and parses the data descriptions in it. Errors and warnings go to
+// `diagnostics`; parsing goes on after an error to find more of them. Result: the tree, also when
+// there were errors (then it holds what was understood); nothing when the file cannot be read or
+// holds no data description at all.
+std::optional<RecordSource> parse_copybook_file(const std::string& file,
+                                                const CopybookOptions& options,
+                                                Diagnostics& diagnostics);
+
+// The same for text in memory; `name` stands for the file in messages.
+std::optional<RecordSource> parse_copybook_text(std::string_view text, const std::string& name,
+                                                const CopybookOptions& options,
+                                                Diagnostics& diagnostics);
+
+}  // namespace records

@@ -1,0 +1,115 @@
+// Record descriptions: compiled from a syntax tree, saved and loaded as .xfd files (JSON), found on
+// a search path, and handed to the module as Xfd structures.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/record_description.h"
+#include "records/copybook.h"
+#include "records/data_item.h"
+#include "records/diagnostics.h"
+
+namespace records {
+
+enum class NameCase { lower = 0, upper = 1, unchanged = 2 };  // values of 4GL_COLUMN_CASE
+
+// What 4GL_COLUMN_CASE asks for at the moment: lower when it is not set or has another value.
+NameCase configured_name_case();
+enum class BinarySize { by_digits_1248, by_digits_248 };  // cobc's default, and 2-4-8
+enum class RecordEncoding { ascii, ebcdic };              // of DISPLAY digits and signs
+
+struct LayoutOptions {
+    NameCase name_case = NameCase::lower;
+    BinarySize binary_size = BinarySize::by_digits_1248;
+    bool binary_truncate = true;  // cobc's default
+    bool filler = false;          // give FILLER items elements, too (filler_1, filler_2 ...)
+    bool ebcdic_sign = false;     // overpunched signs follow EBCDIC's convention
+    RecordEncoding encoding = RecordEncoding::ascii;
+    std::string name;  // of the description; empty: the FD's or the file's
+};
+
+struct DescriptionData;  // what a description owns beside the Xfd (implementation)
+
+// A compiled record description. Owns everything its Xfd points to.
+class Description {
+  public:
+    explicit Description(std::unique_ptr<DescriptionData> data);
+    Description(Description&&) noexcept;
+    Description& operator=(Description&&) noexcept;
+    ~Description();
+
+    Xfd& xfd();
+    const Xfd& xfd() const;
+    std::int32_t record_length() const;      // of the longest layout, bytes
+    std::int32_t min_record_length() const;  // shortest that OCCURS DEPENDING ON allows
+    // Length of this record as its OCCURS DEPENDING ON counter gives it, when the table ends the
+    // record; otherwise, or when the counter is out of range, `length` itself. Never above
+    // `length`.
+    std::int32_t used_length(const void* record, std::int32_t length) const;
+    // Whether at `place` in the record is the counter of the table that ends it, with the value 1.
+    bool is_counter_of_one(const void* record, const void* place) const;
+
+    // One line of `sxml layout`: an item at its first occurrence, groups and hidden items included.
+    struct Row {
+        std::int32_t offset;
+        std::int32_t length;
+        int level;
+        std::string name;      // COBOL name, or the name in XML where the source gave none
+        std::string xml_name;  // empty when the item gives no element
+        std::string picture;
+        std::string usage;
+        std::string occurs;     // "3", "1 to 5 depending on N", empty
+        std::string condition;  // text of the condition the item belongs to, empty for none
+        std::string redefines;
+    };
+    const std::vector<Row>& rows() const;
+    // Text of condition `number` (from 1), for messages.
+    const std::string& condition_text(int number) const;
+
+    const DescriptionData& data() const { return *data_; }
+
+  private:
+    std::unique_ptr<DescriptionData> data_;
+};
+
+// Computes offsets, sizes, names and conditions. Nothing when there were errors.
+std::optional<Description> compile_description(const RecordSource& source,
+                                               const LayoutOptions& options,
+                                               Diagnostics& diagnostics);
+
+// JSON out and in. Reading checks every value: a damaged file gives errors that name the key.
+std::string description_to_json(const Description& description);
+std::optional<Description> description_from_json(std::string_view json, const std::string& file,
+                                                 const LayoutOptions& options,
+                                                 Diagnostics& diagnostics);
+
+// Loads a description from LAYOUT: a description file (.xfd) or a copybook or program (any other
+// suffix), told by contents when the suffix says nothing.
+std::optional<Description> load_description(const std::string& file,
+                                            const CopybookOptions& copybook,
+                                            const LayoutOptions& layout, Diagnostics& diagnostics);
+
+// The file that describes `data_file`: its name without folder and with and without a final suffix,
+// with .xfd, then .cpy, then .cbl (any letter case), in each folder of SXML_PATH, or, when that is
+// not set, in the data file's folder and the current one. Empty when there is none.
+std::string find_description_file(const std::string& data_file);
+
+// Makes every lookup of Q4ParseXFD on this thread give this description (a copy is made on each
+// call), until null is given. For programs that have been told the layout.
+void bind_description(const Description* description);
+
+// What Q4ParseXFD last reported on this thread: the diagnostics' text, empty when all went well.
+const std::string& last_description_error();
+
+}  // namespace records
+
+// The functions handed to the module by name; contracts in host/record_description.h.
+extern "C" {
+Xfd* Q4ParseXFD(const char* name, int first, int second);
+void Q4XFDFree(Xfd* xfd);
+int Q4TestCOBOLCond(Xfd* xfd, int number, const void* record);
+}

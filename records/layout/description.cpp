@@ -1,0 +1,103 @@
+#include "records/description.h"
+
+#include <algorithm>
+
+#include "records/layout/description_data.h"
+#include "records/numbers.h"
+
+namespace records {
+namespace {
+
+bool condition_holds(const DescriptionData& data, int condition, const std::uint8_t* record) {
+    const RecordTest& test = data.block.tests->tests[static_cast<std::size_t>(condition - 1)];
+    const std::vector<std::int32_t> first_occurrence{0};
+    return test.holds(record, first_occurrence);
+}
+
+// The counter's value, or -1 when it is out of the rule's range.
+std::int32_t occurrences(const LengthRule& rule, const std::uint8_t* record) {
+    const Operand& counter = rule.counter;
+    XfdDataDesc data{};
+    data.address = const_cast<std::uint8_t*>(record) + counter.offset;
+    data.length = counter.length;
+    data.type = counter.form.type;
+    data.digits = static_cast<std::int8_t>(counter.form.digits);
+    data.scale = static_cast<std::int8_t>(counter.form.scale);
+    set_field_extra(data, {static_cast<std::int8_t>(counter.form.stored_digits),
+                           static_cast<std::int8_t>(counter.form.stored_scale),
+                           counter.form.flags,
+                           {}});
+    Decimal number;
+    if (!decode_field(data, number) || number.scale != 0 || number.count > 10) return -1;
+    std::int64_t value = 0;
+    for (int i = 0; i < number.count; ++i) {
+        value = value * 10 + number.digits[static_cast<std::size_t>(i)];
+    }
+    if (number.negative && value != 0) return -1;
+    return value < rule.min || value > rule.max ? -1 : static_cast<std::int32_t>(value);
+}
+
+}  // namespace
+
+Description::Description(std::unique_ptr<DescriptionData> data) : data_(std::move(data)) {}
+Description::Description(Description&&) noexcept = default;
+Description& Description::operator=(Description&&) noexcept = default;
+Description::~Description() = default;
+
+Xfd& Description::xfd() {
+    return data_->block;
+}
+const Xfd& Description::xfd() const {
+    return data_->block;
+}
+
+std::int32_t Description::record_length() const {
+    return data_->model.record_length;
+}
+
+std::int32_t Description::min_record_length() const {
+    std::int32_t shortest = record_length();
+    for (const LengthRule& rule : data_->model.length_rules) {
+        shortest = std::min(shortest, rule.table_offset + rule.min * rule.stride);
+    }
+    return shortest;
+}
+
+std::int32_t Description::used_length(const void* record, std::int32_t length) const {
+    const auto* bytes = static_cast<const std::uint8_t*>(record);
+    for (const LengthRule& rule : data_->model.length_rules) {
+        if (length < rule.counter.offset + rule.counter.length) continue;
+        // Conditions look at whole records.
+        if (rule.condition != 0 &&
+            (length < record_length() || !condition_holds(*data_, rule.condition, bytes))) {
+            continue;
+        }
+        const std::int32_t count = occurrences(rule, bytes);
+        if (count < 0) return length;
+        return std::min(length, rule.table_offset + count * rule.stride);
+    }
+    return length;
+}
+
+bool Description::is_counter_of_one(const void* record, const void* place) const {
+    const auto* bytes = static_cast<const std::uint8_t*>(record);
+    const auto& rules = data_->model.length_rules;
+    return std::any_of(rules.begin(), rules.end(), [&](const LengthRule& rule) {
+        return bytes + rule.counter.offset == place && occurrences(rule, bytes) == 1 &&
+               (rule.condition == 0 || condition_holds(*data_, rule.condition, bytes));
+    });
+}
+
+const std::vector<Description::Row>& Description::rows() const {
+    return data_->rows;
+}
+
+const std::string& Description::condition_text(int number) const {
+    static const std::string NONE;
+    const ConditionSet& tests = *data_->block.tests;
+    if (number < 1 || static_cast<std::size_t>(number) > tests.numbered.size()) return NONE;
+    const std::size_t condition = tests.numbered[static_cast<std::size_t>(number - 1)].condition;
+    return data_->model.conditions[condition].text;
+}
+
+}  // namespace records

@@ -1,0 +1,66 @@
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "records/description.h"
+
+namespace records {
+namespace {
+
+// Larger files are no description files; reading stops there.
+constexpr std::uintmax_t MAX_FILE_SIZE = std::uintmax_t{256} * 1024 * 1024;
+
+std::optional<std::string> contents(const std::string& file, Diagnostics& diagnostics) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    if (!error && size > MAX_FILE_SIZE) {
+        diagnostics.error({}, file + " is too large for a record description");
+        return std::nullopt;
+    }
+    std::ifstream stream(file, std::ios::binary);
+    std::ostringstream text;
+    if (!error && size == 0) return std::string();
+    if (error || !stream || !(text << stream.rdbuf()).good()) {
+        const std::string why = error ? error.message() : std::strerror(errno);
+        diagnostics.error({}, file + " cannot be read: " + why);
+        return std::nullopt;
+    }
+    return std::move(text).str();
+}
+
+bool has_suffix(const std::string& file, std::string_view suffix) {
+    std::string found = std::filesystem::path(file).extension().string();
+    for (char& c : found) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return found == suffix;
+}
+
+// A description file starts with a brace, which no COBOL source does.
+bool looks_like_json(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    char c = 0;
+    stream >> c;
+    return c == '{';
+}
+
+}  // namespace
+
+std::optional<Description> load_description(const std::string& file,
+                                            const CopybookOptions& copybook,
+                                            const LayoutOptions& layout, Diagnostics& diagnostics) {
+    const bool is_source =
+        has_suffix(file, ".cpy") || has_suffix(file, ".cbl") || has_suffix(file, ".cob");
+    if (has_suffix(file, ".xfd") || (!is_source && looks_like_json(file))) {
+        const std::optional<std::string> text = contents(file, diagnostics);
+        if (!text) return std::nullopt;
+        return description_from_json(*text, file, layout, diagnostics);
+    }
+    const std::optional<RecordSource> source = parse_copybook_file(file, copybook, diagnostics);
+    if (!source || diagnostics.has_errors()) return std::nullopt;
+    return compile_description(*source, layout, diagnostics);
+}
+
+}  // namespace records

@@ -1,0 +1,87 @@
+// The functions handed to the module: what they throw stays inside them.
+#include <exception>
+
+#include "host/config.h"
+#include "records/layout/description_data.h"
+#include "records/layout/search_path.h"
+
+namespace records {
+namespace {
+
+thread_local const Description* bound = nullptr;
+thread_local std::string last_error;
+
+Xfd* parse(const std::string& name) {
+    if (bound != nullptr) return std::make_unique<XfdBlock>(bound->data().block).release();
+    const std::string file = find_description_file(name);
+    if (file.empty()) {
+        last_error = "error: no record description for " + name +
+                     " (a file of its name with .xfd, .cpy or .cbl, on SXML_PATH or beside it)\n";
+        return nullptr;
+    }
+    CopybookOptions copybook;
+    copybook.copy_path = search_path();
+    const char* fd = host_config_string("SXML_FD", nullptr);
+    if (fd != nullptr) copybook.fd = fd;
+    LayoutOptions layout;
+    layout.name_case = configured_name_case();
+    Diagnostics diagnostics;
+    const std::optional<Description> description =
+        load_description(file, copybook, layout, diagnostics);
+    if (!description) {
+        last_error = diagnostics.text();
+        return nullptr;
+    }
+    return std::make_unique<XfdBlock>(description->data().block).release();
+}
+
+}  // namespace
+
+NameCase configured_name_case() {
+    switch (host_config_number("4GL_COLUMN_CASE", 0)) {
+        case 1:
+            return NameCase::upper;
+        case 2:
+            return NameCase::unchanged;
+        default:
+            return NameCase::lower;
+    }
+}
+
+void bind_description(const Description* description) {
+    bound = description;
+}
+
+const std::string& last_description_error() {
+    return last_error;
+}
+
+}  // namespace records
+
+// Host libraries may hand over other version numbers; this host's descriptions have one form.
+Xfd* Q4ParseXFD(const char* name, int /*first*/, int /*second*/) {
+    records::last_error.clear();
+    try {
+        return records::parse(name == nullptr ? "" : name);
+    } catch (const std::exception& failure) {
+        records::last_error = std::string("error: ") + failure.what() + "\n";
+        return nullptr;
+    }
+}
+
+void Q4XFDFree(Xfd* xfd) {
+    delete static_cast<records::XfdBlock*>(xfd);
+}
+
+int Q4TestCOBOLCond(Xfd* xfd, int number, const void* record) {
+    auto* block = static_cast<records::XfdBlock*>(xfd);
+    if (number < 1 || number > block->condition_count) return 0;
+    const auto index = static_cast<std::size_t>(number - 1);
+    const records::ConditionSet& tests = *block->tests;
+    const records::ConditionSet::Numbered& condition = tests.numbered[index];
+    const bool holds = tests.tests[condition.condition].holds(
+        static_cast<const std::uint8_t*>(record), condition.shifts);
+    XfdCondition& result = block->own_conditions[index];
+    result.is_true = static_cast<std::uint8_t>((result.is_true & ~1) | (holds ? 1 : 0));
+    return holds ? 1 : 0;
+}

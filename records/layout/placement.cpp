@@ -1,0 +1,314 @@
+#include "records/layout/placement.h"
+
+#include <algorithm>
+#include <map>
+
+namespace records {
+namespace {
+
+// What groups hand down to their subordinates.
+struct Inherited {
+    std::optional<Usage> usage;
+    std::optional<bool> sign_leading;
+    bool sign_separate = false;
+};
+
+int binary_size(int digits, BinarySize rule) {
+    if (digits <= 2 && rule == BinarySize::by_digits_1248) return 1;
+    if (digits <= 4) return 2;
+    return digits <= 9 ? 4 : 8;
+}
+
+// The fewest bytes that hold so many decimal digits.
+int smallest_binary_size(int digits) {
+    constexpr int FEWEST[] = {1, 1, 1, 2, 2, 3, 3, 3, 4, 4, 5, 5, 5, 6, 6, 7, 7, 8, 8, 8};
+    return FEWEST[std::clamp(digits, 0, 19)];
+}
+
+bool has_picture(Usage usage) {
+    switch (usage) {
+        case Usage::comp_1:
+        case Usage::comp_2:
+        case Usage::index:
+        case Usage::pointer:
+        case Usage::binary_char:
+        case Usage::binary_short:
+        case Usage::binary_long:
+        case Usage::binary_double:
+        case Usage::float_short:
+        case Usage::float_long:
+            return false;
+        default:
+            return true;
+    }
+}
+
+// Size of an item whose usage alone decides it.
+int fixed_size(Usage usage) {
+    switch (usage) {
+        case Usage::binary_char:
+            return 1;
+        case Usage::binary_short:
+            return 2;
+        case Usage::comp_1:
+        case Usage::float_short:
+        case Usage::index:
+        case Usage::binary_long:
+            return 4;
+        default:
+            return 8;
+    }
+}
+
+class Placer {
+  public:
+    Placer(const LayoutOptions& options, Diagnostics& diagnostics)
+        : options_(options), diagnostics_(diagnostics) {}
+
+    std::unique_ptr<Node> build(const DataItem& item, Node* parent, const Inherited& inherited,
+                                int depth) {
+        auto node = std::make_unique<Node>();
+        node->source = &item;
+        node->parent = parent;
+        if (depth > MAX_DEPTH) {
+            diagnostics_.error(item.place, "groups are nested more than " +
+                                               std::to_string(MAX_DEPTH) +
+                                               " deep; use fewer levels");
+            too_deep_ = true;
+            return node;
+        }
+        Inherited here = inherited;
+        if (item.usage) here.usage = item.usage;
+        if (item.sign_leading) {
+            here.sign_leading = item.sign_leading;
+            here.sign_separate = item.sign_separate;
+        }
+        node->usage = here.usage.value_or(Usage::display);
+        node->sign_leading = here.sign_leading.value_or(false);
+        node->sign_separate = here.sign_separate;
+        node->occurs = occurrences(item, depth);
+        for (const auto& child : item.children) {
+            if (child->level == 66) continue;
+            node->children.push_back(build(*child, node.get(), here, depth + 1));
+            if (too_deep_) return node;
+        }
+        find_redefined(*node);
+        return node;
+    }
+
+    // Gives the item its offset and its size.
+    void place(Node& node, std::int64_t offset) {
+        node.offset = offset;
+        if (node.is_group()) {
+            node.size = place_children(node);
+            if (node.occurs > 1) fill_up(node);
+        } else {
+            node.size = elementary_size(node);
+            last_field_ = &node;
+        }
+        node.stride = node.size;
+        if (node.offset + node.extent() > MAX_RECORD_LENGTH && !too_long_) {
+            too_long_ = true;
+            diagnostics_.error(node.source->place, "the record is longer than " +
+                                                       std::to_string(MAX_RECORD_LENGTH) +
+                                                       " bytes at " + item_name(*node.source) +
+                                                       "; check the OCCURS clauses");
+        }
+    }
+
+    bool failed() const { return too_deep_ || too_long_; }
+
+  private:
+    int occurrences(const DataItem& item, int depth) {
+        if (!item.occurs) return 1;
+        if (depth == 1) {
+            diagnostics_.error(item.occurs->place,
+                               "OCCURS is not allowed at the record's own level; put the table "
+                               "into a group");
+            return 1;
+        }
+        if (item.occurs->max > MAX_OCCURS) {
+            diagnostics_.error(item.occurs->place,
+                               "OCCURS " + std::to_string(item.occurs->max) + " is more than the " +
+                                   std::to_string(MAX_OCCURS) +
+                                   " occurrences that a description can hold; split the table "
+                                   "in two levels, such as OCCURS 100 of OCCURS 1000");
+            return 1;
+        }
+        return std::max(item.occurs->max, 1);
+    }
+
+    void find_redefined(Node& group) {
+        std::map<std::string, int> by_name;  // the last item of each name
+        for (std::size_t i = 0; i < group.children.size(); ++i) {
+            Node& child = *group.children[i];
+            const DataItem& item = *child.source;
+            if (!item.redefines.empty()) {
+                const auto found = by_name.find(item.redefines);
+                if (found == by_name.end()) {
+                    diagnostics_.error(item.redefines_place,
+                                       "no item " + item.redefines + " of level " +
+                                           std::to_string(item.level) +
+                                           " precedes here; REDEFINES names an item of its own "
+                                           "level in the same group");
+                } else {
+                    const Node& target = *group.children[static_cast<std::size_t>(found->second)];
+                    child.redefined = target.redefined < 0 ? found->second : target.redefined;
+                }
+            }
+            if (!item.name.empty()) by_name[item.name] = static_cast<int>(i);
+        }
+    }
+
+    std::int64_t place_children(Node& group) {
+        std::int64_t end = group.offset;
+        entry_alignment_ = 1;
+        for (const auto& child : group.children) {
+            if (too_long_) return 0;
+            if (child->redefined >= 0) {
+                const Node& original = *group.children[static_cast<std::size_t>(child->redefined)];
+                place(*child, original.offset);
+                warn_of_larger(*child, original);
+            } else {
+                const std::int64_t alignment = own_alignment(*child);
+                place(*child, (end + alignment - 1) / alignment * alignment);
+                entry_alignment_ = std::max(entry_alignment_, alignment);
+                if (child->is_group() && child->source->synchronized) align_group(*child);
+            }
+            end = std::max(end, child->offset + child->extent());
+        }
+        return end - group.offset;
+    }
+
+    void warn_of_larger(const Node& variant, const Node& original) {
+        if (variant.extent() <= original.extent()) return;
+        diagnostics_.warning(variant.source->redefines_place,
+                             item_name(*variant.source) + " (" + std::to_string(variant.extent()) +
+                                 " bytes) is longer than the item it redefines (" +
+                                 std::to_string(original.extent()) +
+                                 " bytes); the group is laid out for the longer one");
+    }
+
+    // Bytes that a synchronized item is aligned to; 1 for all others.
+    int own_alignment(const Node& node) {
+        if (!node.source->synchronized || node.is_group()) return 1;
+        switch (node.usage) {
+            case Usage::display:
+            case Usage::comp_3:
+            case Usage::comp_6:
+            case Usage::national:
+                return 1;
+            default: {
+                const int size = static_cast<int>(elementary_size(node));
+                return size == 2 || size == 4 || size == 8 ? size : 1;
+            }
+        }
+    }
+
+    // A synchronized group of binary usage that is as long as a binary item is aligned like one, as
+    // cobc does it: what follows moves, and the group's own place; its items stay where they are.
+    void align_group(Node& group) {
+        if (group.usage == Usage::display || group.usage == Usage::comp_3 ||
+            group.usage == Usage::comp_6 || group.usage == Usage::national) {
+            return;
+        }
+        const std::int64_t size = has_picture(group.usage) ? group.size : fixed_size(group.usage);
+        if (size != 2 && size != 4 && size != 8) return;
+        group.offset = (group.offset + size - 1) / size * size;
+        entry_alignment_ = std::max(entry_alignment_, size);
+    }
+
+    // Fills an entry of a table up, so that the next one is aligned alike. As cobc does it: to the
+    // alignment found last (a group without synchronized items, coming after them, undoes it), and
+    // with the slack bytes before the entry's last field rather than behind it.
+    void fill_up(Node& entry) {
+        const std::int64_t past = entry.size % entry_alignment_;
+        if (past == 0) return;
+        const std::int64_t slack = entry_alignment_ - past;
+        entry.size += slack;
+        last_field_->offset += slack;
+    }
+
+    std::int64_t elementary_size(const Node& node) {
+        const DataItem& item = *node.source;
+        if (!has_picture(node.usage)) return fixed_size(node.usage);
+        if (!item.picture) {
+            report_once(item, item_name(item) + " has neither a PICTURE nor items below it");
+            return 1;
+        }
+        const Picture& picture = *item.picture;
+        if (node.usage == Usage::national || picture.category == Category::national ||
+            picture.category == Category::national_edited) {
+            return 2 * static_cast<std::int64_t>(picture.length);
+        }
+        if (picture.category != Category::numeric) return character_size(node, picture);
+        switch (node.usage) {
+            case Usage::binary:
+                return sized_binary(item, binary_size(picture.digits, options_.binary_size));
+            case Usage::comp_5:
+                return sized_binary(item, binary_size(picture.digits, BinarySize::by_digits_1248));
+            case Usage::comp_x:
+                return sized_binary(item, smallest_binary_size(picture.digits));
+            case Usage::comp_3:
+                return picture.digits / 2 + 1;
+            case Usage::comp_6:
+                return (picture.digits + 1) / 2;
+            default:
+                return picture.length + (picture.is_signed && node.sign_separate ? 1 : 0);
+        }
+    }
+
+    std::int64_t sized_binary(const DataItem& item, int size) {
+        if (item.picture->digits > 18) {
+            report_once(item, "a binary item holds at most 18 digits, this one has " +
+                                  std::to_string(item.picture->digits));
+        }
+        return size;
+    }
+
+    // Only COMP-X takes a character picture: PIC X(n) are n bytes of binary.
+    std::int64_t character_size(const Node& node, const Picture& picture) {
+        if (node.usage == Usage::comp_x && picture.length > 8) {
+            report_once(*node.source, "a COMP-X item is at most 8 bytes long, this one has " +
+                                          std::to_string(picture.length));
+        } else if (node.usage != Usage::comp_x && node.usage != Usage::display) {
+            report_once(*node.source, "PICTURE " + picture.text +
+                                          " is not numeric, as the usage of " +
+                                          item_name(*node.source) + " needs it");
+        }
+        return picture.length;
+    }
+
+    void report_once(const DataItem& item, std::string message) {
+        if (reported_ == &item) return;
+        reported_ = &item;
+        const bool at_picture = item.picture && item.picture->place.line > 0;
+        diagnostics_.error(at_picture ? item.picture->place : item.place, std::move(message));
+    }
+
+    const LayoutOptions& options_;
+    Diagnostics& diagnostics_;
+    const DataItem* reported_ = nullptr;
+    Node* last_field_ = nullptr;        // placed last
+    std::int64_t entry_alignment_ = 1;  // of the synchronized items seen in the present entry
+    bool too_deep_ = false;
+    bool too_long_ = false;
+};
+
+}  // namespace
+
+std::string item_name(const DataItem& item) {
+    return item.name.empty() ? "FILLER" : item.name;
+}
+
+std::unique_ptr<Node> place_record(const DataItem& record, const LayoutOptions& options,
+                                   Diagnostics& diagnostics) {
+    Placer placer(options, diagnostics);
+    std::unique_ptr<Node> root = placer.build(record, nullptr, {}, 1);
+    if (placer.failed()) return nullptr;
+    placer.place(*root, 0);
+    if (placer.failed()) return nullptr;
+    return root;
+}
+
+}  // namespace records

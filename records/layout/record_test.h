@@ -1,0 +1,51 @@
+// Conditions made ready to be tested on records.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "records/layout/model.h"
+#include "records/numbers.h"
+
+namespace records {
+
+// What is wrong with a condition, or empty. An item's bytes must lie in the record in every
+// occurrence, literals must be what their kind says and fit the item they are compared with.
+std::string condition_problem(const Condition& condition, std::int32_t record_length);
+
+// A test with its literals converted, in the record's encoding. Testing allocates nothing.
+class RecordTest {
+  public:
+    RecordTest(const Test& test, bool ebcdic);
+    // `shifts[t]`: bytes by which an operand that shares t tables with the condition lies behind
+    // its first occurrence.
+    bool holds(const std::uint8_t* record, const std::vector<std::int32_t>& shifts) const;
+
+  private:
+    enum class Kind { bytes, byte_equal, numbers, is_class, all_of, any_of, none_of };
+    struct Part {
+        Kind kind = Kind::bytes;
+        Expression::Relation relation = Expression::Relation::equal;
+        Expression::Class class_tested = Expression::Class::numeric;
+        Operand left;
+        bool right_is_item = false;
+        Operand right;
+        std::string constant;  // bytes to compare with, in the record's encoding
+        std::uint8_t pad = ' ';
+        std::unique_ptr<Decimal> number;
+        std::vector<Part> parts;
+    };
+
+    Part build(const Test& test) const;
+    void build_comparison(const Test& test, Part& part) const;
+    static bool holds(const Part& part, const std::uint8_t* record,
+                      const std::vector<std::int32_t>& shifts, bool ebcdic);
+
+    bool ebcdic_;
+    Part root_;
+};
+
+}  // namespace records

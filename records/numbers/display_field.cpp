@@ -1,0 +1,178 @@
+// DISPLAY numbers: one character a digit, the sign overpunched on a digit or a character of its
+// own, in ASCII or EBCDIC.
+#include <algorithm>
+
+#include "records/numbers/decimals.h"
+#include "records/numbers/fields.h"
+
+namespace records::numbers {
+namespace {
+
+// The characters of a field in its character set.
+struct Characters {
+    std::uint8_t zero;
+    std::uint8_t blank;
+    std::uint8_t plus;
+    std::uint8_t minus;
+};
+
+constexpr Characters ASCII{'0', ' ', '+', '-'};
+constexpr Characters EBCDIC{0xF0, 0x40, 0x4E, 0x60};
+
+Characters characters_of(const Field& field) {
+    return field.has(FIELD_EBCDIC_TEXT) ? EBCDIC : ASCII;
+}
+
+constexpr int NOWHERE = -1;
+
+// Where digits and sign lie in the field.
+struct Places {
+    int first;      // of the digits
+    int end;        // behind the digits
+    int overpunch;  // the digit that carries the sign, or NOWHERE
+    int separate;   // the sign character, or NOWHERE
+};
+
+Places places_of(const Field& field) {
+    const int length = field.length;
+    switch (field.type) {
+        case DISPLAY_SIGN_TRAILING:
+            return {0, length, length - 1, NOWHERE};
+        case DISPLAY_SIGN_LEADING:
+            return {0, length, 0, NOWHERE};
+        case DISPLAY_SIGN_TRAILING_SEPARATE:
+            return {0, length - 1, NOWHERE, length - 1};
+        case DISPLAY_SIGN_LEADING_SEPARATE:
+            return {1, length, NOWHERE, 0};
+        default:
+            return {0, length, NOWHERE, NOWHERE};
+    }
+}
+
+struct SignedDigit {
+    unsigned digit;
+    bool negative;
+    bool valid;
+};
+
+// The low half of a byte as a digit, as good a guess as there is for one that is no digit.
+SignedDigit repaired_digit(unsigned byte) {
+    const unsigned low = byte & 0xF;
+    return {low <= 9 ? low : 0, false, false};
+}
+
+// An overpunched digit that is not simply a digit. Both ASCII conventions are understood.
+SignedDigit overpunched_digit(unsigned byte, bool ebcdic_text) {
+    if (ebcdic_text) {
+        const unsigned zone = byte >> 4;
+        if ((byte & 0xF) > 9 || zone < 0xA) return repaired_digit(byte);
+        return {byte & 0xF, zone == 0xD || zone == 0xB, true};
+    }
+    if (byte >= 'p' && byte <= 'y') return {byte - 'p', true, true};
+    if (byte == '{') return {0, false, true};
+    if (byte == '}') return {0, true, true};
+    if (byte >= 'A' && byte <= 'I') return {byte - 'A' + 1, false, true};
+    if (byte >= 'J' && byte <= 'R') return {byte - 'J' + 1, true, true};
+    return repaired_digit(byte);
+}
+
+unsigned overpunch_byte(unsigned digit, bool negative, const Field& field) {
+    if (field.has(FIELD_EBCDIC_TEXT)) return (negative ? 0xD0U : 0xC0U) | digit;
+    if (!field.has(FIELD_EBCDIC_SIGN)) return (negative ? 'p' : '0') + digit;
+    if (digit == 0) return negative ? '}' : '{';
+    return (negative ? 'J' : 'A') + digit - 1;
+}
+
+// Takes the digits from `first` up to `end` into an empty number if all of them are simple digits,
+// as they nearly always are; looks at them without a branch for each. Gives the place behind the
+// digits taken, or `first`.
+int take_plain_digits(const Field& field, int first, int end, unsigned zero, Decimal& out) {
+    const std::uint8_t* digit = field.bytes + first;
+    const std::uint8_t* digits_end = field.bytes + end;
+    while (digit < digits_end && *digit == zero) ++digit;
+    const auto count = static_cast<int>(digits_end - digit);
+    std::uint8_t* values = out.digits.data();
+    unsigned bad = 0;
+    for (int i = 0; i < count; ++i) {
+        const unsigned value = digit[i] - zero;
+        values[i] = static_cast<std::uint8_t>(value);
+        bad |= value > 9 ? 1U : 0U;
+    }
+    if (bad != 0) return first;
+    out.count = count;
+    return end;
+}
+
+bool is_blank(const Field& field, const Characters& characters) {
+    return std::all_of(field.bytes, field.bytes + field.length,
+                       [&](std::uint8_t byte) { return byte == characters.blank; });
+}
+
+}  // namespace
+
+bool read_display(const Field& field, Decimal& out) {
+    set_zero(out);
+    const Characters characters = characters_of(field);
+    const Places places = places_of(field);
+    if (places.end <= places.first) return false;
+    out.scale = field.scale;
+
+    bool valid = true;
+    bool negative = false;
+    const std::uint8_t* bytes = field.bytes;
+    const int first = std::max(places.first, places.end - Decimal::MAX_DIGITS);
+    for (int i = places.first; i < first; ++i) {
+        if (bytes[i] != characters.zero) valid = false;
+    }
+    const int plain_end = places.overpunch == places.end - 1 ? places.end - 1 : places.end;
+    const int taken = take_plain_digits(field, first, plain_end, characters.zero, out);
+    DigitWriter digits(out);
+    for (int i = taken; i < places.end; ++i) {
+        const unsigned byte = bytes[i];
+        unsigned digit = byte - characters.zero;
+        if (digit > 9) {
+            const SignedDigit other = i == places.overpunch
+                                          ? overpunched_digit(byte, field.has(FIELD_EBCDIC_TEXT))
+                                          : repaired_digit(byte);
+            digit = other.digit;
+            negative = negative || other.negative;
+            valid = valid && other.valid;
+        }
+        digits.append(digit);
+    }
+    digits.finish();
+    if (places.separate != NOWHERE) {
+        const std::uint8_t sign = field.bytes[places.separate];
+        negative = sign == characters.minus;
+        if (!negative && sign != characters.plus) valid = false;
+    }
+    out.negative = negative;
+    return valid || (field.has(FIELD_BLANK_WHEN_ZERO) && is_blank(field, characters));
+}
+
+bool store_display(const Field& field, const Decimal& number) {
+    const Characters characters = characters_of(field);
+    const Places places = places_of(field);
+    if (places.end <= places.first) return false;
+
+    std::uint8_t* digits = field.bytes + places.first;
+    const int width = places.end - places.first;
+    const bool kept = place_digits(number, field.scale, width, characters.zero, digits);
+    if (field.has(FIELD_BLANK_WHEN_ZERO) &&
+        std::all_of(digits, digits + width,
+                    [&](std::uint8_t digit) { return digit == characters.zero; })) {
+        std::fill_n(field.bytes, field.length, characters.blank);
+        return kept;
+    }
+    if (places.overpunch != NOWHERE) {
+        std::uint8_t& byte = field.bytes[places.overpunch];
+        byte = static_cast<std::uint8_t>(overpunch_byte(byte & 0xF, number.negative, field));
+    } else if (places.separate != NOWHERE) {
+        field.bytes[places.separate] = number.negative ? characters.minus : characters.plus;
+    } else if (number.negative && !is_zero(number)) {
+        return false;
+    }
+    return kept;
+}
+
+}  // namespace records::numbers

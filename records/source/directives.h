@@ -1,0 +1,28 @@
+// Directives: comments that begin with "sxml:" and say more about the item that follows.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "records/data_item.h"
+#include "records/source/parse_context.h"
+#include "records/source/tokens.h"
+
+namespace records {
+
+// The directives that stand before one data description entry.
+struct Directives {
+    std::optional<Expression> when;
+    std::string xml_name;
+    bool hex = false;
+    bool hide = false;
+    std::optional<Token> first;  // where they begin; none when there are none
+};
+
+// Reads the directives at the cursor, if there are any, reporting mistakes in them.
+Directives parse_directives(TokenCursor& cursor, ParseContext& context);
+
+// Passes over directives that stand where none belongs, without a word.
+void skip_directives(TokenCursor& cursor);
+
+}  // namespace records
