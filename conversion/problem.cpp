@@ -1,0 +1,60 @@
+#include "conversion/problem.h"
+
+#include <cerrno>
+
+namespace conversion {
+
+namespace {
+
+std::string in_document(const Place& place) {
+    return ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+}
+
+std::string in_records(const Place& place) {
+    std::string text;
+    const auto add = [&text](const std::string& part) {
+        text += (text.empty() ? "" : ", ") + part;
+    };
+    if (place.record != 0) add("record " + std::to_string(place.record));
+    if (!place.field.empty()) add("field " + place.field);
+    if (place.byte_offset) add("byte offset " + std::to_string(*place.byte_offset));
+    if (place.in_record) text += " (" + std::to_string(*place.in_record) + " in the record)";
+    return text;
+}
+
+}  // namespace
+
+std::string message_of(const Problem& problem) {
+    std::string text = problem.place.file;
+    if (problem.place.line != 0) text += in_document(problem.place);
+    const std::string record = in_records(problem.place);
+    if (!record.empty()) text += (text.empty() ? "" : ": ") + record;
+    text += (text.empty() ? "" : ": ") + problem.what;
+    return problem.remedy.empty() ? text : text + "; " + problem.remedy;
+}
+
+Cause cause_of(int system_error) {
+    switch (system_error) {
+        case ENOENT:
+        case ENOTDIR:
+            return Cause::not_found;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+        case EISDIR:
+            return Cause::not_permitted;
+        case EBUSY:
+        case ETXTBSY:
+            return Cause::busy;
+        case ENOSPC:
+        case EDQUOT:
+        case EFBIG:
+            return Cause::no_space;
+        case ENOMEM:
+            return Cause::no_memory;
+        default:
+            return Cause::input_output;
+    }
+}
+
+}  // namespace conversion
