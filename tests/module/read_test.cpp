@@ -203,6 +203,49 @@ TEST_F(ReadTest, EveryDocumentEndsWithItsCode) {
     }
 }
 
+// The read that finds the end of the document element looks at nothing that follows; reading on
+// tells how the input ends. Tracing changes nothing of that.
+TEST_F(ReadTest, ReadingOnTellsHowTheInputEnds) {
+    struct Case {
+        const char* document;
+        std::vector<int> codes;  // of the reads, from the first that finds no record on
+    };
+    const Case cases[] = {
+        {"<f/>", {8, 8, 8}},
+        {"<f></f>\n<!-- e -->\n<?p?>", {8, 8, 8}},
+        {"<f/>junk", {8, 19, 19}},
+        {"<f></f>junk", {8, 19, 19}},
+        {"<f><r/></f><!-- e --><more/>", {8, 19, 19}},
+        {"<f/>\n<!-- a > \x15 -->\n", {8, 19, 19}},
+        {"<f/><!-- e > ", {8, 8, 8}},
+        {"<f><r/></g>", {19, 19, 19}},
+        {"<f><r/>", {8, 8, 8}},
+    };
+    XfdBuilder builder = orders();
+    for (const Case& c : cases) {
+        store(path("in.xml"), c.document);
+        describe(path("in.xml"), builder.xfd(true));
+        for (const int trace : {0, 5}) {
+            for (const std::size_t piece : {0U, 1U, 3U}) {
+                host::limit_read_size(piece);
+                host::set_trace(trace, "/dev/null");
+                XmlFile* const file = module().open(path("in.xml").c_str(), XML_OPEN_INPUT);
+                char record[6];
+                while (module().read(file, record) > 0) continue;
+                std::vector<int> codes = {*host_file_error()};
+                while (codes.size() < c.codes.size()) {
+                    EXPECT_EQ(module().read(file, record), 0);
+                    codes.push_back(*host_file_error());
+                }
+                module().close(file);
+                EXPECT_EQ(codes, c.codes) << c.document << trace << piece;
+            }
+        }
+    }
+    host::set_trace(0, "");
+    host::limit_read_size(0);
+}
+
 TEST_F(ReadTest, NamesAreComparedAsConfigured) {
     struct Case {
         const char* column_case;
@@ -359,34 +402,44 @@ TEST_F(ReadTest, EveryAllocationMayFail) {
     describe(name, builder.xfd());
     std::string rows = "<row>" + ID + FIRST + SECOND + NAMES;
     for (int i = 0; i < 40; ++i) rows += "<name>-</name>";  // so that an index is made
-    store(name + ".xml", "<lines>" + rows + "</row><row a='b'/></lines>");
-    bool failed = true;
-    for (std::uint64_t n = 1; failed; ++n) {
-        ASSERT_LT(n, 5000U);
-        host::fail_allocation(n);
-        XmlFile* const file = module().open(name.c_str(), XML_OPEN_INPUT);
-        int code = *host_file_error();
-        std::string record(14, '.');
-        if (file != nullptr) {
-            while (code == HOST_FILE_OK && module().read(file, record.data()) > 0) {
+    store(name + ".xml", "<lines>" + rows + "</row><row a='b'><id>A1" + std::string(4000, '-') +
+                             "<x>2</x>3</id></row></lines>");
+    const auto sweep = [&](int trace) {
+        bool failed = true;
+        for (std::uint64_t n = 1; failed; ++n) {
+            ASSERT_LT(n, 5000U);
+            host::set_trace(trace, "/dev/null");
+            host::fail_allocation(n);
+            XmlFile* const file = module().open(name.c_str(), XML_OPEN_INPUT);
+            int code = *host_file_error();
+            std::string record(14, '.');
+            if (file != nullptr) {
+                while (code == HOST_FILE_OK && module().read(file, record.data()) > 0) {
+                    code = *host_file_error();
+                }
                 code = *host_file_error();
+                EXPECT_EQ(module().read(file, record.data()), 0) << n;
+                EXPECT_EQ(*host_file_error(), code) << n << ": what was told once is told again";
+                module().close(file);
             }
-            code = *host_file_error();
-            module().close(file);
+            failed = host::allocation_failed();
+            host::fail_allocation(0);
+            host::set_trace(0, "");
+            // Expat reports its own lack of memory as an error of the document.
+            const bool told =
+                code == HOST_FILE_NO_MEMORY ||
+                (code == HOST_FILE_XML && *host_error_subcode() == XML_ERROR_NO_MEMORY);
+            if (file == nullptr) {
+                EXPECT_TRUE(told || code == HOST_FILE_CANNOT_OPEN) << n << code;
+            } else if (!told) {
+                EXPECT_EQ(code, HOST_FILE_END) << n;
+                EXPECT_EQ(record, "A1s112s234hhff") << n;
+            }
+            EXPECT_TRUE(host::live_blocks().empty()) << n << host::leak_report();
         }
-        failed = host::allocation_failed();
-        host::fail_allocation(0);
-        // Expat reports its own lack of memory as an error of the document.
-        const bool told = code == HOST_FILE_NO_MEMORY ||
-                          (code == HOST_FILE_XML && *host_error_subcode() == XML_ERROR_NO_MEMORY);
-        if (file == nullptr) {
-            EXPECT_TRUE(told || code == HOST_FILE_CANNOT_OPEN) << n << code;
-        } else if (!told) {
-            EXPECT_EQ(code, HOST_FILE_END) << n;
-            EXPECT_EQ(record, "A1s112s234hhff") << n;
-        }
-        EXPECT_TRUE(host::live_blocks().empty()) << n << host::leak_report();
-    }
+    };
+    sweep(0);
+    sweep(1);
 }
 
 // Large tables: every lookup is quick however many elements have the name, and finds what the slow

@@ -176,7 +176,10 @@ void end_element(void* expat, const char* name) {
     --parser.depth;
     if (parser.depth == 1) end_record(parser);
     // What follows the document element may be fed already.
-    if (parser.depth == 0) suspend(parser);
+    if (parser.depth == 0) {
+        parser.state |= XMLPS_ROOT_ENDED;
+        suspend(parser);
+    }
     if (host_trace_on) host_trace(-1, 8, "Leaving");
 }
 

@@ -40,7 +40,9 @@ enum XmlParserState : std::uint32_t {
     XMLPS_INPUT_ENDED = 0x100,      // Expat was told that the input has ended
     XMLPS_FAILED = 0x200,           // Expat rejected the document
     XMLPS_RECORD_ENDED = 0x400,     // the record that was asked for has ended
-    XMLPS_REPLAYING = 0x800         // events that were kept are being delivered
+    XMLPS_REPLAYING = 0x800,        // events that were kept are being delivered
+    XMLPS_ROOT_ENDED = 0x1000,      // the document element has ended
+    XMLPS_END_TOLD = 0x2000         // a caller who asked for a record was told so
 };
 
 // A processing instruction; the parser owns both strings.

@@ -4,6 +4,21 @@
 #include "host/errors.h"
 #include "sxml/xml_api.h"
 
+namespace {
+
+// What a call finds once the document element has ended. The first one says just that, and looks at
+// nothing that follows; the next ones say how the input ends.
+void parse_rest(XmlParserInfo& info) {
+    XmlParser& parser = *info.parser;
+    std::int16_t& error = *host_file_error();
+    const bool is_told = (parser.state & (XMLPS_END_TOLD | XMLPS_INPUT_ENDED)) != 0;
+    if (!is_told) error = HOST_FILE_END;
+    parser.state |= XMLPS_END_TOLD;
+    while (error == HOST_FILE_OK) parse_to_next_gt(&parser, info.stream);
+}
+
+}  // namespace
+
 std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
     XmlParserInfo* info = lookup_parser_info(handle);
     if (!info) return 0;
@@ -12,6 +27,10 @@ std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
     error = HOST_FILE_OK;
     if (parser->element_hash) host_hash_clear(parser->element_hash, PARSEXML_SOURCE, __LINE__, 0);
 
+    if (parser->state & XMLPS_ROOT_ENDED) {
+        parse_rest(*info);
+        return 0;
+    }
     // A record that is an empty-element tag starts and ends at once, so the depth alone does not
     // show that there was one.
     parser->state &= ~std::uint32_t{XMLPS_RECORD_STARTED};
@@ -21,6 +40,7 @@ std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
              !(parser->state & XMLPS_RECORD_STARTED));
     if (!(parser->state & XMLPS_RECORD_STARTED)) {
         if (error == HOST_FILE_OK) error = HOST_FILE_END;
+        parser->state |= XMLPS_END_TOLD;
         return 0;
     }
     while (error == HOST_FILE_OK && parser->depth >= 2) parse_to_next_gt(parser, info->stream);

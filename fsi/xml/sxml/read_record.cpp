@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/record_handlers.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "fsi/xml/sxml/array_signature.h"
@@ -35,12 +36,12 @@ bool lies_in_record(const XfdItem& field) {
            field.offset < std::numeric_limits<std::int32_t>::max() - field.data.length;
 }
 
-// False when the element has no text. Without memory for it the file error code is set.
+// False when the element has no text. Without memory for it the parser is stopped.
 bool find_text(const XmlFile& file, std::uint32_t element, const char** text, std::size_t* length) {
     InputItems& items = *file.input_items;
     const RecordText result =
         get_record_text(items.tree, element, items.text_encoding, text, length);
-    if (result == RecordText::NO_MEMORY) *host_file_error() = HOST_FILE_NO_MEMORY;
+    if (result == RecordText::NO_MEMORY) stop_out_of_memory(*lookup_parser(file.parser));
     return result == RecordText::FOUND;
 }
 
@@ -148,7 +149,7 @@ bool parse_record(const XmlFile& file) {
     const bool copied = record == 0 || copy_record(tree, record);
     complete_record(tree);
     xml_free_element(record);
-    if (!copied) *host_file_error() = HOST_FILE_NO_MEMORY;
+    if (!copied) stop_out_of_memory(*parser);
     return copied;
 }
 
