@@ -190,6 +190,27 @@ TEST_F(Handles, ATreeReleasedUnderItsParserEndsTheParse) {
     xml.xml_free_parser(parser);
 }
 
+// Comments that a caller adds and comments that are read later stand in the order in which they
+// came, in the text as in the document that is written.
+TEST_F(Handles, AddedCommentsHideNoneThatIsRead) {
+    const std::uint32_t parser = open("<a><r/></a><!--two--><!--three-->", EVERYTHING);
+    EXPECT_EQ(xml.xml_add_top_comment(parser, "o"), 1);
+    EXPECT_EQ(xml.xml_add_top_comment(parser, "ne"), 1);
+    EXPECT_STREQ(xml.xml_top_comments(parser, nullptr), "one");
+    for (int i = 0; i < 4; ++i) xml.SxmlParser_parse_record(parser);
+    EXPECT_STREQ(xml.xml_top_comments(parser, nullptr), "one\ntwo\nthree");
+    EXPECT_EQ(xml.xml_add_top_comment(parser, "four"), 1);
+    std::uint64_t length = 0;
+    EXPECT_STREQ(xml.xml_top_comments(parser, &length), "one\ntwo\nthree\nfour");
+    EXPECT_EQ(length, 18U);
+    const std::string out = folder / "out.xml";
+    EXPECT_EQ(xml.xml_write_document(parser, out.c_str()), 1);
+    EXPECT_NE(file_text(out).find("<!-- one -->\r\n<!-- two -->\r\n<!-- three -->\r\n"
+                                  "<!-- four -->\r\n"),
+              std::string::npos);
+    xml.xml_free_parser(parser);
+}
+
 TEST_F(Handles, TurnsReparseDeferralOff) {
     deferral_calls = 0;
     xml.xml_free_parser(open("<a/>", EVERYTHING));

@@ -1,6 +1,7 @@
 // Processing instructions, comments, and what reaches the default handler. Memory that runs out
 // here loses the text concerned and nothing else.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "fsi/xml/handlers/comment_filter.h"
@@ -36,6 +37,16 @@ void keep_element_comment(XmlParser& parser, const char* text) {
     host_free(copy, HANDLERS_SOURCE, __LINE__, 0);
 }
 
+// Makes a text that a caller has appended an entry, so that it stays before the comments that are
+// read from now on, and does not hide them. Without memory for it the text stays what it is.
+void keep_appended_text(std::uint32_t comments) {
+    if (host_string_entry_count(comments) != 1) return;
+    const char* const text = host_string_text(comments);
+    const bool is_appended = host_string_entry(comments, 0) == text;
+    if (is_appended && host_string_add_entry(comments, text, HANDLERS_SOURCE, __LINE__))
+        host_string_chop(comments, SIZE_MAX);
+}
+
 // Keeps a comment from outside the document element. `length` bytes of `text` come before its
 // trailing white space. False when nothing but banner lines is in it.
 bool keep_top_comment(XmlParser& parser, const char* text, std::size_t length) {
@@ -43,6 +54,7 @@ bool keep_top_comment(XmlParser& parser, const char* text, std::size_t length) {
     const bool empty = filtered && host_string_length(filtered) == 0;
     if (!empty &&
         ensure_string(parser.top_comments, "XML Comments at top level", std::strlen(text) + 1)) {
+        keep_appended_text(parser.top_comments);
         if (filtered)
             host_string_add_entries(parser.top_comments, filtered, HANDLERS_SOURCE, __LINE__);
         else
