@@ -90,10 +90,10 @@ int32_t xml_is_parser(uint32_t handle);
  * or 19. When the document ends or breaks inside the child the result is 1, and the code tells. */
 int32_t SxmlParser_parse_record(uint32_t parser);
 
-/* The document element, 0 when there is none (yet). */
+/* The document element, 0 when there is none (yet, or any more, since it was released). */
 uint32_t xml_parser_root(uint32_t parser);
 
-/* The innermost element that is open, 0 when none is. */
+/* The innermost element that is open, 0 when none is or it was released. */
 uint32_t xml_parser_current(uint32_t parser);
 
 /* Creates the document element of an empty document. 0 with XMLERR_HAS_TOP_LEVEL when there is one,

@@ -181,6 +181,38 @@ TEST_F(Handles, TracesWhatItReads) {
     EXPECT_EQ(file_text(trace), file_text(SXML_SOURCE_DIR "/tests/parser/expected/trace.txt"));
 }
 
+// A released element is nobody's root or current element any more, and its number may be given out
+// again to somebody else.
+TEST_F(Handles, ReleasedElementsLeaveTheirParser) {
+    const std::uint32_t built = xml.xml_open_file(nullptr, 0, 0);
+    const std::uint32_t first = xml.xml_parser_new_root(built, "a");
+    xml.xml_free_element(first);
+    EXPECT_EQ(xml.xml_parser_root(built), 0U);
+    const std::uint32_t second = xml.xml_parser_new_root(built, "b");
+    EXPECT_STREQ(xml.xml_element_name(second), "b");
+    EXPECT_EQ(xml.xml_element_parser(second), built);
+    xml.xml_free_parser(built);
+
+    const std::uint32_t parser = open("<a><r>1<s>", EVERYTHING);
+    const std::uint32_t root = xml.xml_parser_root(parser);
+    EXPECT_EQ(xml.SxmlParser_parse_record(parser), 1);
+    EXPECT_STREQ(xml.xml_element_name(xml.xml_parser_current(parser)), "s");
+    xml.xml_free_element(xml.xml_first_child(root));
+    EXPECT_EQ(xml.xml_parser_current(parser), 0U);
+    EXPECT_EQ(xml.xml_parser_root(parser), root);
+    xml.xml_free_element(root);
+    EXPECT_EQ(xml.xml_parser_root(parser), 0U);
+    std::uint32_t stranger = 0;
+    for (int i = 0; i < 1'000'000 && stranger != root; ++i) {
+        xml.xml_free_element(stranger);
+        stranger = xml.xml_add_child(0, "x");
+    }
+    ASSERT_EQ(stranger, root);
+    EXPECT_EQ(xml.xml_element_parser(stranger), 0U);
+    xml.xml_free_parser(parser);
+    EXPECT_EQ(xml.xml_free_element(stranger), 1) << "released with a parser that it is not of";
+}
+
 TEST_F(Handles, ATreeReleasedUnderItsParserEndsTheParse) {
     const std::uint32_t parser = open("<a><r>1</r><r>2</r></a>", EVERYTHING);
     ASSERT_EQ(xml.SxmlParser_parse_record(parser), 1);

@@ -56,9 +56,16 @@ void release_attributes(XmlElement& element) {
     element.attributes = nullptr;
 }
 
+void leave_holder(XmlElementHolder* holder, std::uint32_t handle) {
+    if (!holder) return;
+    if (holder->root == handle) holder->root = 0;
+    if (holder->current == handle) holder->current = 0;
+}
+
 // Run by the host when an element's handle is released.
 void destroy_element(std::uint32_t handle) {
     XmlElement& element = *element_of(handle);
+    leave_holder(element.holder, handle);
     unlink(handle, element);
     free_text(element.name);
     release_descendants(element);

@@ -20,6 +20,13 @@ struct XmlAttribute {
 };
 static_assert(sizeof(XmlAttribute) == 8);
 
+// Handles that somebody else keeps of elements. They become 0 when the element is released, so that
+// neither outlives it.
+struct XmlElementHolder {
+    std::uint32_t root;     // the top-level element
+    std::uint32_t current;  // an element of its tree
+};
+
 // An element, known to everybody else by its handle alone. It owns its strings, its attributes, its
 // list of children and the children themselves.
 struct XmlElement {
@@ -34,6 +41,7 @@ struct XmlElement {
     std::int32_t last_index;                 // -1 when there are no occurrence numbers
     std::uint32_t indices[XML_INDEX_LIMIT];  // occurrence numbers, outermost first
     void* user_data;                         // attached by a caller, not owned
+    XmlElementHolder* holder;                // not owned, outlives the element; null for none
 
     // Bookkeeping of name_index.h.
     NameIndex* child_names;       // of an element with more than a handful of children

@@ -71,7 +71,7 @@ const char* store_comment(XmlParser& parser, const char* text) {
     std::uint64_t end = 0;
     host_trim_span(&span, &start, &end);
     if (start >= end) return "Leaving, all blanks";
-    if (parser.current) {
+    if (parser.tree.current) {
         keep_element_comment(parser, text + start);
         return "Leaving";
     }

@@ -23,9 +23,11 @@ void trace_start(const char* name, const char* const* attributes) {
 
 // Creates the element that starts, below the innermost open one. 0 when memory is exhausted, and
 // also when somebody released the tree under the parser: a second tree would belong to nobody.
-std::uint32_t new_element(const XmlParser& parser, const char* name) {
-    if (parser.root && !xml_is_element(parser.current)) return 0;
-    return xml_add_child(parser.current, name);
+std::uint32_t new_element(XmlParser& parser, const char* name) {
+    if (parser.depth > 1 && !parser.tree.current) return 0;
+    const std::uint32_t element = xml_add_child(parser.tree.current, name);
+    if (element) element_of(element)->holder = &parser.tree;
+    return element;
 }
 
 bool add_latin1_attribute(std::uint32_t element, const char* name, const char* value) {
@@ -67,7 +69,8 @@ void trim_value(const XmlParser& parser, const char* data, std::uint64_t length)
     if (start == 0 && end == length) return;
     // The data is the element's own text; shortening it in place is what the element allows.
     std::memmove(const_cast<char*>(data), data + start, end - start);
-    xml_set_element_value(parser.current, data, static_cast<std::int64_t>(end - start), encoding);
+    xml_set_element_value(parser.tree.current, data, static_cast<std::int64_t>(end - start),
+                          encoding);
 }
 
 bool append_latin1(const XmlParser& parser, const char* text, std::size_t length) {
@@ -76,13 +79,14 @@ bool append_latin1(const XmlParser& parser, const char* text, std::size_t length
         std::memcpy(copy, text, length);
         copy[length] = '\0';
         const std::size_t stored = utf8_to_latin1(copy);
-        return xml_append_element_value(parser.current, copy, static_cast<std::int64_t>(stored),
+        return xml_append_element_value(parser.tree.current, copy,
+                                        static_cast<std::int64_t>(stored),
                                         parser.input_encoding) != 0;
     }
     char* copy = latin1_copy(text, length, "Temporary data buffer");
     if (!copy) return false;
     const bool appended =
-        xml_append_element_value(parser.current, copy, -1, parser.input_encoding) != 0;
+        xml_append_element_value(parser.tree.current, copy, -1, parser.input_encoding) != 0;
     host_free(copy, HANDLERS_SOURCE, __LINE__, 0);
     return appended;
 }
@@ -142,8 +146,8 @@ void start_element(void* expat, const char* name, const char** attributes) {
     const std::uint32_t element = stored ? new_element(parser, stored) : 0;
     if (!element) return start_failed(parser, stored, "Leaving, no memory for element info");
     // The tree must own the element before anything else can fail.
-    const bool is_root = parser.root == 0;
-    if (is_root) parser.root = element;
+    const bool is_root = parser.tree.root == 0;
+    if (is_root) parser.tree.root = element;
 
     if (!add_attributes(parser, element, attributes))
         return start_failed(parser, stored, "Leaving, no memory for element info");
@@ -152,7 +156,7 @@ void start_element(void* expat, const char* name, const char** attributes) {
         host_free(stored, HANDLERS_SOURCE, __LINE__, 0);
     else if (!add_to_element_hash(parser.element_hash, element, stored))
         return start_failed(parser, stored, "Leaving, no memory for hash");
-    parser.current = element;
+    parser.tree.current = element;
 
     if (parser.depth == 2) start_record(parser);
     if (is_root) suspend(parser);
@@ -164,15 +168,15 @@ void end_element(void* expat, const char* name) {
     if (stopped(parser)) return;
     if (is_early(parser)) return keep_end(parser, name);
     std::uint64_t length = 0;
-    const char* data = xml_element_value(parser.current, &length);
+    const char* data = xml_element_value(parser.tree.current, &length);
     if (host_trace_on) trace_message(1, 8, "end_element: '%s'", name);
     if (parser.depth == 0) {
         if (host_trace_on) host_trace(-1, 8, "Leaving, element depth == 0");
         return;
     }
-    give_comments(parser, parser.current);
+    give_comments(parser, parser.tree.current);
     if (data && length > 0) trim_value(parser, data, length);
-    parser.current = xml_parent(parser.current);
+    parser.tree.current = xml_parent(parser.tree.current);
     --parser.depth;
     if (parser.depth == 1) end_record(parser);
     // What follows the document element may be fed already.
@@ -192,12 +196,12 @@ void char_data(void* expat, const char* text, int length) {
         trace_message(1, 9, "char data of length %d", length);
         if (host_trace_on >= 9) host_trace_dump(0, 0, text, size);
     }
-    const bool appended =
-        stores_latin1(parser)
-            ? append_latin1(parser, text, size)
-            : xml_append_element_value(parser.current, text, length, text_encoding(parser)) != 0;
+    const bool appended = stores_latin1(parser)
+                              ? append_latin1(parser, text, size)
+                              : xml_append_element_value(parser.tree.current, text, length,
+                                                         text_encoding(parser)) != 0;
     // Without the element handlers there is no element to take the data.
-    if (!appended && parser.current) stop_out_of_memory(parser);
+    if (!appended && parser.tree.current) stop_out_of_memory(parser);
     if (host_trace_on) host_trace(-1, 9, "Leaving");
 }
 

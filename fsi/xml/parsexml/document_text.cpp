@@ -43,7 +43,7 @@ std::uint32_t next_element(std::uint32_t element, std::uint32_t top) {
 }
 
 bool tree_is_ascii(std::uint32_t root) {
-    if (!xml_is_element(root)) return true;
+    if (!root) return true;
     for (std::uint32_t element = root; element; element = next_element(element, root))
         if (!element_is_ascii(*element_of(element))) return false;
     return true;
@@ -74,7 +74,7 @@ bool names_wide_units(const char* name) {
 }  // namespace
 
 bool document_is_ascii(const XmlParser& parser) {
-    return prologue_is_ascii(parser) && tree_is_ascii(parser.root);
+    return prologue_is_ascii(parser) && tree_is_ascii(parser.tree.root);
 }
 
 const char* written_encoding(const XmlParser& parser) {

@@ -57,7 +57,7 @@ XmlErrorCode parse_beginning(XmlParserInfo& info) {
     const bool whole = (parser->flags & XMLOPT_PARSE_WHOLE) != 0;
     if (!whole) parser->state |= XMLPS_STEPWISE;
     // A document element that is an empty-element tag starts and ends at once.
-    while (may_go_on() && parser->depth == 0 && parser->root == 0)
+    while (may_go_on() && parser->depth == 0 && parser->tree.root == 0)
         parse_to_next_gt(parser, info.stream);
     if (parse_failed()) return XMLERR_PARSE;
     if (!whole) return XMLERR_NONE;

@@ -5,12 +5,12 @@
 
 std::uint32_t xml_parser_root(std::uint32_t handle) {
     const XmlParser* parser = lookup_parser(handle);
-    return parser ? parser->root : 0;
+    return parser ? parser->tree.root : 0;
 }
 
 std::uint32_t xml_parser_current(std::uint32_t handle) {
     const XmlParser* parser = lookup_parser(handle);
-    return parser ? parser->current : 0;
+    return parser ? parser->tree.current : 0;
 }
 
 HostTable* xml_parser_models(std::uint32_t handle) {
@@ -26,12 +26,13 @@ HostNameIndex* xml_parser_element_hash(std::uint32_t handle) {
 std::uint32_t xml_parser_new_root(std::uint32_t handle, const char* name) {
     XmlParser* parser = lookup_parser(handle);
     if (!parser) return 0;
-    if (parser->root) {
+    if (parser->tree.root) {
         set_parser_error(XMLERR_HAS_TOP_LEVEL);
         return 0;
     }
-    parser->root = xml_add_child(0, name);
-    return parser->root;
+    parser->tree.root = xml_add_child(0, name);
+    if (parser->tree.root) element_of(parser->tree.root)->holder = &parser->tree;
+    return parser->tree.root;
 }
 
 std::uint32_t xml_element_parser(std::uint32_t element) {
@@ -41,7 +42,7 @@ std::uint32_t xml_element_parser(std::uint32_t element) {
     for (std::uint32_t handle = next_parser_handle(0); handle;
          handle = next_parser_handle(handle)) {
         const XmlParser* parser = lookup_parser(handle);
-        if (parser && parser->root == top) return handle;
+        if (parser && parser->tree.root == top) return handle;
     }
     return 0;
 }
