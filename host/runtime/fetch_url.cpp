@@ -1,5 +1,4 @@
 // Fetching a document over HTTP into a private temporary file, on libcurl.
-#include <curl/curl.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -8,6 +7,7 @@
 
 #include "host/config.h"
 #include "host/files.h"
+#include "host/runtime/curl_library.h"
 #include "host/runtime/descriptors.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/tracked_memory.h"
@@ -56,25 +56,25 @@ std::size_t store(char* data, std::size_t size, std::size_t count, void* context
 }
 
 bool transfer(const char* url, Target* target) {
-    static const bool is_ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    CURL* handle = is_ready ? curl_easy_init() : nullptr;
+    const host::CurlLibrary* curl = host::curl_library();
+    CURL* handle = curl != nullptr ? curl->easy_init() : nullptr;
     if (handle == nullptr) return false;
     const bool is_set =
-        curl_easy_setopt(handle, CURLOPT_URL, url) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_MAXREDIRS, MOST_REDIRECTIONS) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_FAILONERROR, 1L) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_TIMEOUT, MOST_SECONDS) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, store) == CURLE_OK &&
-        curl_easy_setopt(handle, CURLOPT_WRITEDATA, target) == CURLE_OK;
-    const bool is_done = is_set && curl_easy_perform(handle) == CURLE_OK;
-    curl_easy_cleanup(handle);
+        curl->easy_setopt(handle, CURLOPT_URL, url) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_MAXREDIRS, MOST_REDIRECTIONS) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_FAILONERROR, 1L) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_NOSIGNAL, 1L) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_TIMEOUT, MOST_SECONDS) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_WRITEFUNCTION, store) == CURLE_OK &&
+        curl->easy_setopt(handle, CURLOPT_WRITEDATA, target) == CURLE_OK;
+    const bool is_done = is_set && curl->easy_perform(handle) == CURLE_OK;
+    curl->easy_cleanup(handle);
     return is_done;
 }
 
