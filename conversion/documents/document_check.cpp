@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/entities/entity_depth.h"
+
 namespace documents {
 
 namespace {
@@ -15,29 +17,38 @@ constexpr std::size_t PIECE = std::size_t{1} << 16;
 
 using Parser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
-// Expat follows an entity in another entity's text by recursion, so a long chain of them overflows
-// the stack. The module refuses a document with as many as this.
-constexpr int MOST_REFERRING_ENTITIES = 2000;
-
 // What is known of a document by its parser.
 struct Notes {
+    Notes() = default;
+    Notes(const Notes&) = delete;
+    Notes& operator=(const Notes&) = delete;
+    ~Notes() { forget_entities(entities); }
+
     std::string encoding;  // declared
-    int referring_entities = 0;
+    EntityReferences entities{};
+    EntityDepth depth = EntityDepth::ALLOWED;
 };
 
 Notes& notes_of(void* parser) {
     return *static_cast<Notes*>(XML_GetUserData(static_cast<XML_Parser>(parser)));
 }
 
-void XMLCALL count_entity(void* parser, const XML_Char*, int, const XML_Char* value, int length,
-                          const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
-    const auto size = static_cast<std::size_t>(length);
-    if (value == nullptr || std::string_view(value, size).find('&') == std::string_view::npos) {
-        return;
-    }
-    if (++notes_of(parser).referring_entities > MOST_REFERRING_ENTITIES) {
-        XML_StopParser(static_cast<XML_Parser>(parser), XML_FALSE);
-    }
+void judge(void* parser, EntityDepth depth) {
+    if (depth == EntityDepth::ALLOWED) return;
+    notes_of(parser).depth = depth;
+    XML_StopParser(static_cast<XML_Parser>(parser), XML_FALSE);
+}
+
+void XMLCALL end_entities(void* parser) {
+    judge(parser, measure_entities(notes_of(parser).entities));
+}
+
+void XMLCALL count_entity(void* parser, const XML_Char* name, int is_parameter,
+                          const XML_Char* value, int length, const XML_Char*, const XML_Char*,
+                          const XML_Char*, const XML_Char*) {
+    if (value == nullptr || is_parameter != 0) return;
+    const std::string_view text(value, static_cast<std::size_t>(length));
+    judge(parser, note_entity(notes_of(parser).entities, name, text));
 }
 
 // `notes` must outlive the parser.
@@ -47,6 +58,7 @@ Parser new_parser(Notes& notes) {
     XML_SetUserData(parser.get(), &notes);
     XML_UseParserAsHandlerArg(parser.get());
     XML_SetEntityDeclHandler(parser.get(), count_entity);
+    XML_SetEndDoctypeDeclHandler(parser.get(), end_entities);
     return parser;
 }
 
@@ -76,11 +88,11 @@ std::optional<DocumentProblem> check_document(const ReadDocument& read) {
     Notes notes;
     const Parser parser = new_parser(notes);
     if (parse(parser.get(), read) == XML_STATUS_OK) return std::nullopt;
-    const bool has_chains = notes.referring_entities > MOST_REFERRING_ENTITIES;
-    return DocumentProblem{XML_GetCurrentLineNumber(parser.get()),
-                           XML_GetCurrentColumnNumber(parser.get()) + 1,
-                           has_chains ? "more than 2,000 entities refer to other entities"
-                                      : XML_ErrorString(XML_GetErrorCode(parser.get()))};
+    if (notes.depth == EntityDepth::NO_MEMORY) throw std::bad_alloc();
+    const bool is_too_deep = notes.depth == EntityDepth::TOO_DEEP;
+    return DocumentProblem{
+        XML_GetCurrentLineNumber(parser.get()), XML_GetCurrentColumnNumber(parser.get()) + 1,
+        is_too_deep ? ENTITIES_NEST_TOO_DEEP : XML_ErrorString(XML_GetErrorCode(parser.get()))};
 }
 
 std::string declared_encoding(const ReadDocument& read) {
@@ -89,6 +101,7 @@ std::string declared_encoding(const ReadDocument& read) {
     XML_SetXmlDeclHandler(parser.get(), note_declaration);
     XML_SetStartElementHandler(parser.get(), stop_at_element);
     parse(parser.get(), read);
+    if (notes.depth == EntityDepth::NO_MEMORY) throw std::bad_alloc();
     return notes.encoding;
 }
 

@@ -19,7 +19,7 @@ struct DocumentProblem {
 };
 
 // Parses a document from beginning to end. Result: why it is not well-formed, not complete, or
-// refused for its chains of entities; nothing when it is fine. Throws std::bad_alloc, and what
+// refused for entities that nest too deep; nothing when it is fine. Throws std::bad_alloc, and what
 // `read` throws.
 std::optional<DocumentProblem> check_document(const ReadDocument& read);
 

@@ -32,6 +32,30 @@ std::string canonical(const std::string& file) {
 
 class DocumentsTest : public CommandTest {};
 
+// Entities may be many, but not nest too deep; which is told by place.
+TEST_F(DocumentsTest, MayHaveManyEntities) {
+    std::string flat = "<!DOCTYPE a [<!ENTITY e0 'x'>";
+    std::string deep = flat;
+    for (int i = 1; i <= 2500; ++i) {
+        const std::string start = "<!ENTITY e" + std::to_string(i) + " '&e";
+        flat += start + "0;&#233;'>";
+        deep += start + std::to_string(i - 1) + ";'>\n";
+    }
+    write_file("flat.xml", flat + "]><a><r>&e7;</r></a>");
+    write_file("deep.xml", deep + "]><a><r>&e7;</r></a>");
+    EXPECT_EQ(sxml({"tree", "flat.xml"}).err, "");
+    write_file("r.cpy", "01 REC. 05 R PIC X(9).\n");
+    for (const auto& arguments : {std::vector<std::string>{"tree", "deep.xml"},
+                                  {"rewrite", "deep.xml", "out.xml"},
+                                  {"from-xml", "deep.xml", "out.dat", "--layout", "r.cpy"}}) {
+        const Outcome outcome = sxml(arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.err.find("deep.xml:"), std::string::npos) << outcome.err;
+        EXPECT_NE(outcome.err.find("entities nest more than 2,000 deep"), std::string::npos)
+            << outcome.err;
+    }
+}
+
 TEST_F(DocumentsTest, AreRewrittenInOneForm) {
     write_file("in.xml", ORDERS);
     EXPECT_EQ(sxml({"rewrite", "in.xml", "out.xml"}).err, "");

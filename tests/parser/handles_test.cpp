@@ -181,6 +181,34 @@ TEST_F(Handles, TracesWhatItReads) {
     EXPECT_EQ(file_text(trace), file_text(SXML_SOURCE_DIR "/tests/parser/expected/trace.txt"));
 }
 
+// What nobody handles goes to the default handler, token for token as Expat alone hands it out.
+TEST_F(Handles, TheDefaultHandlerGetsEveryToken) {
+    const std::string document =
+        "<!DOCTYPE r [<!ENTITY e 'x&#38;y'><!ENTITY % p 'z'>\n<!ENTITY s SYSTEM 'u'><!-- c --> ]>"
+        "<r k='&e;'>a&e;b</r>";
+    std::string expected;
+    XML_Parser expat = XML_ParserCreate(nullptr);
+    XML_SetUserData(expat, &expected);
+    XML_SetDefaultHandler(expat, [](void* lengths, const char*, int length) {
+        *static_cast<std::string*>(lengths) += std::to_string(length) + " ";
+    });
+    XML_Parse(expat, document.data(), static_cast<int>(document.size()), 1);
+    XML_ParserFree(expat);
+
+    const std::string trace = folder / "trace";
+    ASSERT_TRUE(host::set_trace(9, trace));
+    xml.xml_free_parser(open(document, XMLOPT_DEFAULT | XMLOPT_PARSE_WHOLE));
+    host::set_trace(0, "");
+    const std::string text = file_text(trace);
+    const std::string_view words = "default handler, data length ";
+    std::string lengths;
+    for (auto at = text.find(words); at != std::string::npos; at = text.find(words, at)) {
+        at += words.size();
+        lengths += text.substr(at, text.find('\n', at) - at) + " ";
+    }
+    EXPECT_EQ(lengths, expected);
+}
+
 // A released element is nobody's root or current element any more, and its number may be given out
 // again to somebody else.
 TEST_F(Handles, ReleasedElementsLeaveTheirParser) {

@@ -117,25 +117,102 @@ TEST_F(Hostile, EntityBombsEndAsExpatsError) {
     });
 }
 
+// A document whose DOCTYPE declaration holds what `part` gives for 1 to `count`, and uses entity
+// `used` in an attribute and a text.
+std::string with_declarations(int count, const std::function<std::string(int)>& part,
+                              const std::string& used = "lt") {
+    std::string document = "<!DOCTYPE a [<!ENTITY e0 'x'>";
+    for (int i = 1; i <= count; ++i) document += part(i);
+    return document + "]><a k='&" + used + ";'>&" + used + ";</a>";
+}
+
+std::string entity(int number, const std::string& text) {
+    return "<!ENTITY e" + std::to_string(number) + " '" + text + "'>";
+}
+
+std::string reference(int number, const std::string& ampersand = "&") {
+    return ampersand + "e" + std::to_string(number) + ";";
+}
+
 // Expat follows an entity inside an entity by recursion.
-TEST_F(Hostile, EntityChainsEndBeforeTheStackDoes) {
-    const auto chain = [](int length) {
-        std::string document = "<!DOCTYPE a [<!ENTITY e0 'x'>";
-        for (int i = 1; i <= length; ++i)
-            document += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
-        const std::string last = "&e" + std::to_string(length) + ";";
-        return document + "]><a k='" + last + "'>" + last + "</a>";
+TEST_F(Hostile, EntitiesNestNoDeeperThanTheStack) {
+    const auto backwards = [](int i) { return entity(i, reference(i - 1)); };
+    const auto in_any_order = [](int i) { return entity(2000 - i, reference(1999 - i)); };
+    const auto hidden = [](int i) { return entity(i, reference(i - 1, "&#x26;")); };
+    const auto split = [](int i) {
+        return entity(i, std::string(1024 - i % 9, '-') + reference(i - 1));
+    };
+    const auto in_a_default = [](int i) {
+        return entity(i, reference(i - 1)) + (i % 1000 == 0 ? "<!ATTLIST a d" + std::to_string(i) +
+                                                                  " CDATA '" + reference(i) + "'>"
+                                                            : "");
+    };
+    struct Case {
+        const char* what;
+        std::string document;
+        bool is_read;
+    };
+    const Case cases[] = {
+        {"chain", with_declarations(2000, backwards, "e2000"), true},
+        {"chain with one too many", with_declarations(2001, backwards, "e7"), false},
+        {"long chain", with_declarations(20'000, backwards, "e20000"), false},
+        {"chain from its start", with_declarations(1999, in_any_order, "e1998"), true},
+        {"hidden references", with_declarations(2001, hidden, "e7"), false},
+        {"long texts", with_declarations(2001, split, "e7"), false},
+        {"in attribute defaults", with_declarations(12'000, in_a_default), false},
+        {"circle",
+         with_declarations(2001, [](int i) { return entity(i, reference(i % 2001 + 1)); }), false},
+        {"comments", with_declarations(2001, [](int) { return "<!-- & -->"; }), true},
+        {"instructions", with_declarations(2001, [](int) { return "<?p &x;?>"; }), true},
+        {"attribute defaults",
+         with_declarations(
+             2001,
+             [](int i) { return "<!ATTLIST f k" + std::to_string(i) + " CDATA 'A&amp;B&e0;'>"; }),
+         true},
+        {"characters",
+         with_declarations(
+             2500, [](int i) { return entity(i, "&#233;"); }, "e9"),
+         true},
+        {"predefined",
+         with_declarations(
+             2500, [](int i) { return entity(i, "&amp;&lt;"); }, "e9"),
+         true},
+        {"undeclared", with_declarations(2500, [](int i) { return entity(i, "&none;"); }), true},
+        {"system names",
+         with_declarations(2500,
+                           [](int i) {
+                               return "<!ENTITY e" + std::to_string(i) + " SYSTEM '" +
+                                      reference(i - 1) + "'>";
+                           }),
+         true},
+        {"flat",
+         with_declarations(
+             9000, [](int i) { return entity(i, reference(0)); }, "e9"),
+         true},
+        {"short chains",
+         with_declarations(
+             9000, [](int i) { return entity(i, i % 100 ? reference(i - 1) : "x"); }, "e99"),
+         true},
     };
     constexpr std::uint32_t ELEMENTS = XMLOPT_ELEMENTS | XMLOPT_PARSE_WHOLE;
-    for (const std::uint32_t options :
-         {WHOLE, WHOLE | XMLOPT_ENTITY_DECLS, ELEMENTS, ELEMENTS | XMLOPT_ENTITY_DECLS,
-          ELEMENTS | XMLOPT_DOCTYPE, ELEMENTS | XMLOPT_DEFAULT}) {
-        const std::uint32_t parser = open(chain(2'000), options);
-        EXPECT_STREQ(xml.xml_attribute_value(xml.xml_parser_root(parser), 0), "x") << options;
-        xml.xml_free_parser(parser);
-        EXPECT_EQ(open(chain(100'000), options), 0U) << options;
-        EXPECT_EQ(file_error(), HOST_FILE_XML);
-        EXPECT_EQ(*host_error_subcode(), XML_ERROR_ABORTED);
+    constexpr std::uint32_t choices[] = {XMLOPT_DOCTYPE, XMLOPT_ENTITY_DECLS, XMLOPT_DEFAULT};
+    for (const Case& c : cases) {
+        for (std::uint32_t choice = 0; choice < 8; ++choice) {
+            std::uint32_t options = ELEMENTS;
+            for (unsigned bit = 0; bit < 3; ++bit)
+                if (choice >> bit & 1U) options |= choices[bit];
+            for (const char* declaration : {"", "<?xml version='1.0' encoding='ISO-8859-1'?>"}) {
+                const std::uint32_t parser = open(declaration + c.document, options);
+                EXPECT_EQ(parser != 0, c.is_read) << c.what << std::hex << options;
+                if (parser) {
+                    xml.xml_free_parser(parser);
+                    continue;
+                }
+                EXPECT_EQ(file_error(), HOST_FILE_XML) << c.what;
+                EXPECT_EQ(*host_error_subcode(), XML_ERROR_ABORTED) << c.what;
+                EXPECT_STREQ(*host_error_text(), "entities nest more than 2,000 deep") << c.what;
+            }
+        }
     }
 }
 

@@ -113,10 +113,9 @@ void default_handler(void* expat, const char* text, int length) {
         trace_message(1, 9, "default handler, data length %d", length);
         if (host_trace_on >= 9) host_trace_dump(0, 0, text, size);
     }
+    limit_token(parser, text, size);
     const std::uint32_t bits = parser.state & (XMLPS_IN_DOCTYPE | XMLPS_DOCTYPE_DONE);
     if (bits == XMLPS_IN_DOCTYPE) {
-        // Entity declarations without a handler of their own come here, each literal by itself.
-        limit_references(parser, text, size);
         if (ensure_string(parser.doctype_internal, "XML DOCTYPE internal string", 20))
             host_string_append_n(parser.doctype_internal, text, size, HANDLERS_SOURCE, __LINE__, 0);
     }

@@ -86,6 +86,7 @@ void start_doctype(void* expat, const char* name, const char* sysid, const char*
     if (!(parser.flags & XMLOPT_DEFAULT))
         XML_SetDefaultHandlerExpand(parser.expat, default_handler);
     parser.state |= XMLPS_IN_DOCTYPE;
+    parser.declaration.place = DeclarationPlace::BETWEEN;
     keep_text(parser.doctype_name, name, "XML DOCTYPE string");
     keep_text(parser.doctype_pubid, pubid, "XML PubId string");
     keep_text(parser.doctype_sysid, sysid, "XML SysId string");
@@ -96,6 +97,7 @@ void end_doctype(void* expat) {
     XmlParser& parser = parser_of(expat);
     if (host_trace_on) host_trace(1, 6, "end doctype");
     parser.state |= XMLPS_DOCTYPE_DONE;
+    end_entities(parser);
     if (!(parser.flags & XMLOPT_DEFAULT)) XML_SetDefaultHandlerExpand(parser.expat, nullptr);
     if (host_trace_on) host_trace(-1, 6, "Leaving");
 }
@@ -135,7 +137,7 @@ void attlist_decl(void*, const char* element, const char* attribute, const char*
 
 void entity_decl(void* expat, const char* name, int is_parameter, const char* value, int length,
                  const char* base, const char* sysid, const char* pubid, const char* notation) {
-    limit_entities(expat, name, is_parameter, value, length, base, sysid, pubid, notation);
+    if (!is_parameter) limit_entity(parser_of(expat), name, value, length);
     if (!host_trace_on) return;
     trace_message(1, 7, "entity declaration: %s (%d)", name, is_parameter);
     trace_given(7, "base: %s", base);

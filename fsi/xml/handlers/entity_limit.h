@@ -1,21 +1,24 @@
-// A limit for entities that refer to other entities.
-//
-// Expat (up to version 2.6) follows an entity in another entity's text by recursion, so a document
-// that declares a chain of some ten thousand of them overflows the stack where it uses the last.
-// How deep a chain goes only shows when it is used; but no chain has more links than there are
-// entities with a reference in their text. A document with more of those is refused.
+// A limit for entities that refer to other entities: host/entities/entity_depth.h says why.
 #pragma once
 
 #include <cstddef>
 
 #include "fsi/xml/handlers/xml_parser.h"
 
-constexpr std::uint32_t MOST_REFERRING_ENTITIES = 2000;
+// Installs what it takes to see every entity, beside the handlers that the option word asks for. No
+// declaration is kept from a handler that would get it otherwise.
+void limit_entities(XmlParser& parser);
 
-// Takes note of a part of the DOCTYPE declaration that may be an entity's text. With one too many
-// the parse ends as with an error of the document (XML_ERROR_ABORTED).
-void limit_references(XmlParser& parser, const char* text, std::size_t length);
+// Takes note of a general entity that a handler for entity declarations is told of; `value` is null
+// for those without a text of their own. With too deep a chain the parse ends as with an error of
+// the document (XML_ERROR_ABORTED, XMLPS_ENTITIES_TOO_DEEP).
+void limit_entity(XmlParser& parser, const char* name, const char* value, int length);
 
-// A handler for entity declarations that does nothing else, for parsers that have none.
-void limit_entities(void* expat, const char* name, int is_parameter, const char* value, int length,
-                    const char* base, const char* sysid, const char* pubid, const char* notation);
+// The same for a token that the default handler gets; of no account outside a DOCTYPE declaration.
+void limit_token(XmlParser& parser, const char* text, std::size_t length);
+
+// The DOCTYPE declaration has ended: all entities are known.
+void end_entities(XmlParser& parser);
+
+// Releases what is known of the entities.
+void free_entities(XmlParser& parser);

@@ -28,7 +28,9 @@ void report_parse_error(XmlParser& parser) {
     *host_file_error() = HOST_FILE_XML;
     *host_error_detail(HOST_FILE_XML) = HOST_DETAIL_EXPAT;
     *host_error_subcode() = static_cast<std::int32_t>(code);
-    *host_error_text() = keep_error_text(XML_ErrorString(code));
+    const bool is_too_deep = (parser.state & XMLPS_ENTITIES_TOO_DEEP) != 0;
+    *host_error_text() =
+        keep_error_text(is_too_deep ? ENTITIES_NEST_TOO_DEEP : XML_ErrorString(code));
     if (host_trace_on) host_trace(-1, 6, "Parse error");
 }
 

@@ -54,10 +54,7 @@ void install_declaration_handlers(XML_Parser expat, std::uint32_t options) {
     if (options & XMLOPT_DOCTYPE) XML_SetDoctypeDeclHandler(expat, start_doctype, end_doctype);
     if (options & XMLOPT_ELEMENT_DECLS) XML_SetElementDeclHandler(expat, element_decl);
     if (options & XMLOPT_ATTLIST_DECLS) XML_SetAttlistDeclHandler(expat, attlist_decl);
-    if (options & XMLOPT_ENTITY_DECLS)
-        XML_SetEntityDeclHandler(expat, entity_decl);
-    else if (!(options & XMLOPT_DOCTYPE))
-        XML_SetEntityDeclHandler(expat, limit_entities);
+    if (options & XMLOPT_ENTITY_DECLS) XML_SetEntityDeclHandler(expat, entity_decl);
     if (options & XMLOPT_UNPARSED_ENTITY_DECLS)
         XML_SetUnparsedEntityDeclHandler(expat, unparsed_entity_decl);
     if (options & XMLOPT_NOTATION_DECLS) XML_SetNotationDeclHandler(expat, notation_decl);
@@ -125,6 +122,7 @@ XmlParser* create_parser(std::uint32_t options) {
     turn_off_reparse_deferral(parser->expat);
     install_content_handlers(parser->expat, options);
     install_declaration_handlers(parser->expat, options);
+    limit_entities(*parser);
     if (host_trace_on) host_trace(-1, 6, "Leaving, parser created");
     return parser;
 }
@@ -146,5 +144,6 @@ void free_parser(XmlParser* parser) {
     if (parser->tree.root) xml_free_element(parser->tree.root);
     if (parser->pis) free_instructions(*parser);
     free_early_events(*parser);
+    free_entities(*parser);
     host_free(parser, HANDLERS_SOURCE, __LINE__, 0);
 }

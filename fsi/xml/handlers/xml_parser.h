@@ -8,8 +8,10 @@
 #include <cstdint>
 
 #include "fsi/xml/elements/element.h"
+#include "fsi/xml/handlers/declaration_tokens.h"
 #include "fsi/xml/handlers/element_hash.h"
 #include "host/encoding.h"
+#include "host/entities/entity_depth.h"
 #include "host/tables.h"
 #include "sxml/xml_parser_api.h"
 
@@ -31,19 +33,20 @@ enum XmlNameMode : std::uint32_t {
 
 // Bits of XmlParser::state.
 enum XmlParserState : std::uint32_t {
-    XMLPS_IN_DOCTYPE = 0x1,         // a DOCTYPE declaration has started
-    XMLPS_DOCTYPE_DONE = 0x2,       // it has ended
-    XMLPS_ENCODING_DETECTED = 0x8,  // the first bytes were looked at; never repeated
-    XMLPS_STEPWISE = 0x10,          // Expat is suspended where a record may start or end
-    XMLPS_SUSPENDED = 0x20,         // Expat is suspended and holds input that it was given
-    XMLPS_RECORD_STARTED = 0x40,    // a child of the document element has started
-    XMLPS_OUT_OF_MEMORY = 0x80,     // a handler failed: the tree is incomplete, nothing follows
-    XMLPS_INPUT_ENDED = 0x100,      // Expat was told that the input has ended
-    XMLPS_FAILED = 0x200,           // Expat rejected the document
-    XMLPS_RECORD_ENDED = 0x400,     // the record that was asked for has ended
-    XMLPS_REPLAYING = 0x800,        // events that were kept are being delivered
-    XMLPS_ROOT_ENDED = 0x1000,      // the document element has ended
-    XMLPS_END_TOLD = 0x2000         // a caller who asked for a record was told so
+    XMLPS_IN_DOCTYPE = 0x1,           // a DOCTYPE declaration has started
+    XMLPS_DOCTYPE_DONE = 0x2,         // it has ended
+    XMLPS_ENCODING_DETECTED = 0x8,    // the first bytes were looked at; never repeated
+    XMLPS_STEPWISE = 0x10,            // Expat is suspended where a record may start or end
+    XMLPS_SUSPENDED = 0x20,           // Expat is suspended and holds input that it was given
+    XMLPS_RECORD_STARTED = 0x40,      // a child of the document element has started
+    XMLPS_OUT_OF_MEMORY = 0x80,       // a handler failed: the tree is incomplete, nothing follows
+    XMLPS_INPUT_ENDED = 0x100,        // Expat was told that the input has ended
+    XMLPS_FAILED = 0x200,             // Expat rejected the document
+    XMLPS_RECORD_ENDED = 0x400,       // the record that was asked for has ended
+    XMLPS_REPLAYING = 0x800,          // events that were kept are being delivered
+    XMLPS_ROOT_ENDED = 0x1000,        // the document element has ended
+    XMLPS_END_TOLD = 0x2000,          // a caller who asked for a record was told so
+    XMLPS_ENTITIES_TOO_DEEP = 0x4000  // why the parse was stopped
 };
 
 // A processing instruction; the parser owns both strings.
@@ -85,9 +88,10 @@ struct XmlParser {
     std::uint64_t bytes_fed;      // input bytes given to Expat so far
     EarlyEvent* first_early;      // events that were kept, see early_events.h; null when none
     EarlyEvent* last_early;
-    std::size_t early_size;            // bytes that were kept since there were none
-    XML_Index record_start;            // where the record asked for last starts in the input
-    std::uint32_t referring_entities;  // see entity_limit.h
+    std::size_t early_size;     // bytes that were kept since there were none
+    XML_Index record_start;     // where the record asked for last starts in the input
+    EntityReferences entities;  // see entity_limit.h, as for the next one
+    EntityDeclaration declaration;
     std::int32_t missing;  // once the input has ended: Expat's code for what the document
                            // lacks, 0 when it is complete
     RecordTree* record;    // see record_handlers.h; not owned, null for the element tree
