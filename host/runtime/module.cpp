@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "host/errors.h"
+#include "host/runtime/library_files.h"
 
 namespace host {
 
@@ -23,22 +24,11 @@ void* missing_function() {
     return nullptr;
 }
 
-std::string folder_of_this_library() {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&missing_function), &info) == 0 ||
-        info.dli_fname == nullptr) {
-        return ".";
-    }
-    const std::string file = info.dli_fname;
-    const std::size_t slash = file.rfind('/');
-    return slash == std::string::npos ? "." : file.substr(0, slash);
-}
-
 std::string module_path(const std::string& path) {
     if (!path.empty()) return path;
     const char* named = std::getenv("SXML_MODULE");
     if (named != nullptr && *named != '\0') return named;
-    return folder_of_this_library() + "/" + MODULE_FILE;
+    return library_file(MODULE_FILE);
 }
 
 void hand_over(XmlSetHostFunctionEntry* set, const std::vector<NamedFunction>& functions) {

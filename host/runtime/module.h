@@ -19,9 +19,9 @@ struct NamedFunction {
 // The loaded module. It stays loaded until the process ends.
 class RUNTIME_API Module {
   public:
-    // Loads the module from `path` (empty: sxml.so beside this library), initialises it, hands over
-    // `functions` together with f_remove, f_rename and f_copy, and registers its settings.
-    // Throws std::runtime_error saying what went wrong with which file.
+    // Loads the module from `path` (empty: $SXML_MODULE, or sxml.so where library_file finds it),
+    // initialises it, hands over `functions` together with f_remove, f_rename and f_copy, and
+    // registers its settings. Throws std::runtime_error saying what went wrong with which file.
     static Module load(const std::string& path, const std::vector<NamedFunction>& functions);
 
     HostEntry* slot(DispatchSlot slot) const { return table_[slot]; }

@@ -232,8 +232,7 @@ typedef struct XmlApi {
 
 /* Loads the module from the file `module` and fills the table. The module stays loaded until the
  * process ends. Result: null, or a text that says what went wrong, valid until the next call; the
- * table is then all null and the module no longer loaded. Defined in fsi/xml/xml_api_loader.c,
- * which callers compile in. */
+ * table is then all null and the module no longer loaded. Defined in the library sxml_api. */
 const char* xml_api_load(const char* module, XmlApi* api);
 
 #ifdef __cplusplus

@@ -1,6 +1,5 @@
 // sxml cob: compiles a COBOL program whose files may be XML.
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -10,7 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "host/runtime/module.h"
+#include "host/runtime/library_files.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/errors.h"
 
@@ -21,19 +20,20 @@ namespace {
 constexpr const char* HANDLER_LIBRARY = "libsxml_cob.so";
 constexpr const char* HANDLER_HEADER = "sxml_extfh.h";
 
-// The folder of the libraries: that of the host's, which this program runs with.
-std::string library_folder() {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&f_remove), &info) == 0 || info.dli_fname == nullptr) {
-        fail("the folder of the libraries is not known");
-    }
+// The path of a file that belongs to the adapter.
+std::string adapter_file(const char* name) {
+    const std::string file = host::library_file(name);
     std::error_code error;
-    const auto library = std::filesystem::canonical(info.dli_fname, error);
-    const std::filesystem::path folder = library.parent_path();
-    if (error || !std::filesystem::exists(folder / HANDLER_LIBRARY)) {
-        fail((folder / HANDLER_LIBRARY).string() + " is not there");
-    }
-    return folder.string();
+    const auto path = std::filesystem::canonical(file, error);
+    if (error) fail(file + " is not there; install sxml again, whole");
+    return path.string();
+}
+
+// As a word for the shell, by which cobc runs the C compiler.
+std::string quoted(const std::string& text) {
+    std::string word = "'";
+    for (const char c : text) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return word + "'";
 }
 
 // True for the words by which cobc is told what to make.
@@ -45,13 +45,15 @@ bool says_what_to_make(const std::string& word) {
 
 void compile(const std::vector<std::string>& given) {
     if (given.empty()) fail_usage("cob: name the program, as in `sxml cob orders.cbl`");
-    const std::string folder = library_folder();
+    const std::string header = adapter_file(HANDLER_HEADER);
+    const std::string folder =
+        std::filesystem::path(adapter_file(HANDLER_LIBRARY)).parent_path().string();
     std::vector<std::string> words = {"cobc", "-fcallfh=sxml_extfh"};
     if (std::none_of(given.begin(), given.end(), says_what_to_make)) words.emplace_back("-x");
     words.insert(words.end(), given.begin(), given.end());
     for (const std::string& word :
-         {std::string("-A"), "-include '" + folder + "/" + HANDLER_HEADER + "'", "-L" + folder,
-          std::string("-lsxml_cob"), std::string("-Q"), "-Wl,-rpath," + folder}) {
+         {std::string("-A"), "-include " + quoted(header), "-L" + folder, std::string("-lsxml_cob"),
+          std::string("-Q"), "-Xlinker -rpath -Xlinker " + quoted(folder)}) {
         words.push_back(word);
     }
     std::vector<char*> arguments;
