@@ -1,6 +1,7 @@
 #include "conversion/problem.h"
 
 #include <cerrno>
+#include <system_error>
 
 namespace conversion {
 
@@ -55,6 +56,13 @@ Cause cause_of(int system_error) {
         default:
             return Cause::input_output;
     }
+}
+
+Problem system_problem(const std::string& file, int system_error) {
+    Problem problem{cause_of(system_error), {}, {}, {}, system_error};
+    problem.place.file = file;
+    problem.what = std::error_code(system_error, std::generic_category()).message();
+    return problem;
 }
 
 }  // namespace conversion

@@ -50,6 +50,9 @@ std::string message_of(const Problem& problem);
 // The cause of a failed call of the system, by errno.
 Cause cause_of(int system_error);
 
+// A failed call of the system that concerns a file, with what the system says about it.
+Problem system_problem(const std::string& file, int system_error);
+
 // A value, or why there is none.
 template <class Value>
 class [[nodiscard]] Result {

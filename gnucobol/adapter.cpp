@@ -65,7 +65,8 @@ std::optional<Result> obstacle_to_reading(const std::string& path) {
 
 // Why a file cannot be written. A file that is not there is made; one that is there stays as it is.
 std::optional<Result> obstacle_to_writing(const std::string& path) {
-    if (is_url(path)) return Result{Status::not_permitted, "a web address is only read"};
+    if (conversion::is_url(path))
+        return Result{Status::not_permitted, "a web address is only read"};
     struct stat info {};
     if (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
         if (S_ISDIR(info.st_mode)) return refusal(EISDIR);
@@ -79,9 +80,8 @@ std::optional<Result> obstacle_to_writing(const std::string& path) {
         return std::nullopt;
     }
     const int error = errno;
-    if (error == ENOSPC || error == EDQUOT) return Result{Status::no_space, std::strerror(error)};
-    if (error == EACCES || error == EPERM || error == EROFS) return refusal(error);
-    return Result{Status::permanent_error, std::strerror(error)};
+    if (conversion::cause_of(error) == conversion::Cause::not_permitted) return refusal(error);
+    return Result{status_of_write_error(error), std::strerror(error)};
 }
 
 // Why no document can be written in the encoding that is set.
@@ -232,9 +232,16 @@ Result Adapter::serve_closed_file(const ClosedFile& file, Operation operation, F
 Result Adapter::open_input(const ClosedFile& file, FCD3& fcd) {
     const std::string& path = file.path;
     end_writing(path);
-    std::optional<DocumentSource> source = DocumentSource::find(path);
+    auto source =
+        conversion::DocumentSource::open(path, conversion::DocumentSource::Pipes::as_they_are);
     if (!source) {
-        if (!is_optional(fcd)) return {Status::not_found, {}};
+        const conversion::Problem& problem = source.problem();
+        if (problem.cause == conversion::Cause::not_permitted) return refusal(problem.system_error);
+        const bool is_missing = problem.cause == conversion::Cause::not_found;
+        if (!is_missing) return {Status::permanent_error, problem.what};
+        if (!is_optional(fcd)) {
+            return {Status::not_found, conversion::is_url(path) ? problem.what : std::string()};
+        }
         return keep(std::make_unique<OpenFile>(path, fcd, file.program_file), fcd, OPEN_INPUT);
     }
     if (auto obstacle = obstacle_to_reading(source->file())) return *obstacle;
@@ -253,9 +260,10 @@ Result Adapter::open_output(const ClosedFile& file, FCD3& fcd) {
     end_writing(path);
     if (auto obstacle = obstacle_to_writing(path)) return *obstacle;
     outlive_size_limit();
-    return keep(std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
-                                           DocumentSource(path), XML_OPEN_OUTPUT),
-                fcd, OPEN_OUTPUT);
+    return keep(
+        std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
+                                   conversion::DocumentSource::of_file(path), XML_OPEN_OUTPUT),
+        fcd, OPEN_OUTPUT);
 }
 
 // Ends a document that is being written and now is opened again. Two would write to it otherwise:

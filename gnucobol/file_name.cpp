@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-#include "gnucobol/document_source.h"
+#include "conversion/documents/document_source.h"
 #include "gnucobol/fcd.h"
 #include "gnucobol/runtime_settings.h"
 #include "host/config.h"
@@ -134,7 +134,7 @@ bool has_xml_suffix(const std::string& name) {
 }  // namespace
 
 std::string mapped_name(const std::string& assigned) {
-    if (assigned.empty() || is_url(assigned) || !program_maps_names()) return assigned;
+    if (assigned.empty() || conversion::is_url(assigned) || !program_maps_names()) return assigned;
     return NameMapping(assigned).mapped();
 }
 

@@ -1,14 +1,15 @@
 #include "gnucobol/open_file.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <new>
 #include <utility>
 
-#include "gnucobol/document_check.h"
+#include "conversion/documents/document_check.h"
 #include "gnucobol/document_encoding.h"
+#include "host/encoding.h"
 #include "host/errors.h"
+#include "platform/files.h"
 #include "records/numbers.h"
 
 namespace gnucobol {
@@ -26,10 +27,27 @@ class BoundDescription {
     BoundDescription& operator=(const BoundDescription&) = delete;
 };
 
+// What came through a pipe is gone and cannot be looked at again.
+bool can_be_read_again(const std::string& file) {
+    const auto state = platform::state_of(file);
+    return state && state->kind == platform::FileKind::regular;
+}
+
 // What is wrong with a document that cannot be read on, and where.
 std::string damage_text(const std::string& summary, const std::string& file) {
-    const std::string damage = find_damage(file);
-    return damage.empty() ? summary : summary + ": " + damage;
+    if (!can_be_read_again(file)) return summary;
+    const conversion::Done damage = conversion::check_document(file, file);
+    if (!damage || damage->cause != conversion::Cause::document) return summary;
+    return summary + ": line " + std::to_string(damage->place.line) + ", column " +
+           std::to_string(damage->place.column) + ": " + damage->what;
+}
+
+// True when the document says that it is in ISO-8859-1: its texts come in that encoding then, and
+// in UTF-8 otherwise. True also when this cannot be told.
+bool is_latin1_document(const std::string& file) {
+    if (!can_be_read_again(file)) return true;
+    const auto name = conversion::declared_encoding(file);
+    return !name || host_encoding_code((*name).c_str()) == HOST_ENCODING_LATIN1;
 }
 
 // What an open or a read of this file that failed means to the program.
@@ -50,11 +68,6 @@ Result result_of_file_error(const std::string& file) {
     }
 }
 
-Status status_of_write_error(int error) {
-    const bool is_space = error == ENOSPC || error == EDQUOT || error == EFBIG;
-    return is_space ? Status::no_space : Status::permanent_error;
-}
-
 // The encoding of the texts of a document that is read or will be written.
 std::string encoding_of_texts(const std::string& path, std::int32_t direction) {
     if (direction != XML_OPEN_INPUT) return encoding_to_write();
@@ -63,13 +76,18 @@ std::string encoding_of_texts(const std::string& path, std::int32_t direction) {
 
 }  // namespace
 
+Status status_of_write_error(int error) {
+    return conversion::cause_of(error) == conversion::Cause::no_space ? Status::no_space
+                                                                      : Status::permanent_error;
+}
+
 OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file)
     : path_(std::move(path)), program_file_(program_file), record_(longest_record(fcd)) {
     opening_.status = Status::optional_missing;
 }
 
 OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, FileLayout layout,
-                   DocumentSource source, std::int32_t direction)
+                   conversion::DocumentSource source, std::int32_t direction)
     : path_(std::move(path)),
       program_file_(program_file),
       source_(std::move(source)),

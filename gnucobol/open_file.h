@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "conversion/documents/document_source.h"
 #include "conversion/fields/single_entry.h"
 #include "gnucobol/blank_record.h"
-#include "gnucobol/document_source.h"
 #include "gnucobol/fcd.h"
 #include "gnucobol/layout.h"
 #include "gnucobol/record_layouts.h"
@@ -22,6 +22,9 @@ struct Result {
     std::string reason;  // of a failure, for the message; may be empty
 };
 
+// What a program is told when writing fails with this error of the system.
+Status status_of_write_error(int error);
+
 class OpenFile final : private RecordWatch {
   public:
     // An optional file that is not there: reading it ends at once.
@@ -29,7 +32,7 @@ class OpenFile final : private RecordWatch {
     // Opens the document. Throws std::runtime_error when the module cannot be loaded; otherwise
     // result() tells what came of it.
     OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, FileLayout layout,
-             DocumentSource source, std::int32_t direction);
+             conversion::DocumentSource source, std::int32_t direction);
     ~OpenFile() override;
 
     const Result& opening() const { return opening_; }
@@ -65,7 +68,7 @@ class OpenFile final : private RecordWatch {
 
     std::string path_;
     cob_file* program_file_;
-    std::optional<DocumentSource> source_;
+    std::optional<conversion::DocumentSource> source_;
     std::optional<FileLayout> layout_;
     std::optional<BlankRecord> blank_;
     std::vector<std::uint8_t> record_;  // the record being read, or written when it was cut

@@ -93,6 +93,12 @@ std::optional<Description> load_description(const std::string& file,
                                             const CopybookOptions& copybook,
                                             const LayoutOptions& layout, Diagnostics& diagnostics);
 
+// The same from a text, told by its contents; `name` stands for the file in messages.
+std::optional<Description> description_from_text(std::string_view text, const std::string& name,
+                                                 const CopybookOptions& copybook,
+                                                 const LayoutOptions& layout,
+                                                 Diagnostics& diagnostics);
+
 // The file that describes `data_file`: its name without folder and with and without a final suffix,
 // with .xfd, then .cpy, then .cbl (any letter case), in each folder of SXML_PATH, or, when that is
 // not set, in the data file's folder and the current one. Empty when there is none.

@@ -32,6 +32,10 @@ class Diagnostics {
     void warning(Place place, std::string message);
     void note(Place place, std::string message);
 
+    // Notes a file that was read: the source, or a text that was copied into it.
+    void add_file(const std::string& name) { files_.push_back(name); }
+    const std::vector<std::string>& files() const { return files_; }
+
     bool has_errors() const { return errors_ > 0; }
     const std::vector<Diagnostic>& all() const { return all_; }
     // "file:line:column: error: message", the source line and a caret below it, for each; texts
@@ -43,6 +47,7 @@ class Diagnostics {
     void add(Severity severity, Place place, std::string message);
 
     std::vector<Diagnostic> all_;
+    std::vector<std::string> files_;
     int errors_ = 0;
     int warnings_ = 0;
 };

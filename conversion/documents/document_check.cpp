@@ -2,14 +2,16 @@
 
 #include <expat.h>
 
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string_view>
 #include <vector>
 
+#include "conversion/formats/byte_source.h"
 #include "host/entities/entity_depth.h"
 
-namespace documents {
+namespace conversion {
 
 namespace {
 
@@ -63,13 +65,14 @@ Parser new_parser(Notes& notes) {
 }
 
 // Feeds the whole document, until it ends or Expat has had enough.
-XML_Status parse(XML_Parser parser, const ReadDocument& read) {
-    std::vector<char> piece(PIECE);
+Result<XML_Status> parse(XML_Parser parser, ByteSource& source) {
+    std::vector<std::uint8_t> piece(PIECE);
     for (;;) {
-        const std::size_t count = read(piece.data(), piece.size());
-        const bool last = count < piece.size();
-        const XML_Status status =
-            XML_Parse(parser, piece.data(), static_cast<int>(count), last ? XML_TRUE : XML_FALSE);
+        const Result<std::size_t> count = source.read(piece.data(), piece.size());
+        if (!count) return count.problem();
+        const bool last = *count < piece.size();
+        const XML_Status status = XML_Parse(parser, reinterpret_cast<const char*>(piece.data()),
+                                            static_cast<int>(*count), last ? XML_TRUE : XML_FALSE);
         if (status != XML_STATUS_OK || last) return status;
     }
 }
@@ -84,25 +87,36 @@ void XMLCALL stop_at_element(void* parser, const XML_Char*, const XML_Char**) {
 
 }  // namespace
 
-std::optional<DocumentProblem> check_document(const ReadDocument& read) {
+Done check_document(const std::string& file, const std::string& shown_name) {
+    Result<ByteSource> source = ByteSource::open(file);
+    if (!source) return source.problem();
     Notes notes;
     const Parser parser = new_parser(notes);
-    if (parse(parser.get(), read) == XML_STATUS_OK) return std::nullopt;
+    const Result<XML_Status> status = parse(parser.get(), *source);
+    if (!status) return status.problem();
+    if (*status == XML_STATUS_OK) return {};
     if (notes.depth == EntityDepth::NO_MEMORY) throw std::bad_alloc();
+    Place place;
+    place.file = shown_name;
+    place.line = XML_GetCurrentLineNumber(parser.get());
+    place.column = XML_GetCurrentColumnNumber(parser.get()) + 1;
     const bool is_too_deep = notes.depth == EntityDepth::TOO_DEEP;
-    return DocumentProblem{
-        XML_GetCurrentLineNumber(parser.get()), XML_GetCurrentColumnNumber(parser.get()) + 1,
-        is_too_deep ? ENTITIES_NEST_TOO_DEEP : XML_ErrorString(XML_GetErrorCode(parser.get()))};
+    return Problem{
+        Cause::document, place,
+        is_too_deep ? ENTITIES_NEST_TOO_DEEP : XML_ErrorString(XML_GetErrorCode(parser.get())), ""};
 }
 
-std::string declared_encoding(const ReadDocument& read) {
+Result<std::string> declared_encoding(const std::string& file) {
+    Result<ByteSource> source = ByteSource::open(file);
+    if (!source) return source.problem();
     Notes notes;
     const Parser parser = new_parser(notes);
     XML_SetXmlDeclHandler(parser.get(), note_declaration);
     XML_SetStartElementHandler(parser.get(), stop_at_element);
-    parse(parser.get(), read);
+    const Result<XML_Status> status = parse(parser.get(), *source);
+    if (!status) return status.problem();
     if (notes.depth == EntityDepth::NO_MEMORY) throw std::bad_alloc();
     return notes.encoding;
 }
 
-}  // namespace documents
+}  // namespace conversion

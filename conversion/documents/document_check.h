@@ -1,30 +1,19 @@
 // What Expat by itself says of a document.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <functional>
-#include <optional>
 #include <string>
 
-namespace documents {
+#include "conversion/problem.h"
 
-// Delivers the next bytes of a document, `size` of them but at its end. Result: how many.
-using ReadDocument = std::function<std::size_t(char* buffer, std::size_t size)>;
+namespace conversion {
 
-struct DocumentProblem {
-    std::uint64_t line;    // from 1
-    std::uint64_t column;  // in bytes, from 1
-    std::string text;
-};
-
-// Parses a document from beginning to end. Result: why it is not well-formed, not complete, or
-// refused for entities that nest too deep; nothing when it is fine. Throws std::bad_alloc, and what
-// `read` throws.
-std::optional<DocumentProblem> check_document(const ReadDocument& read);
+// Parses the document in a file from beginning to end. A problem of Cause::document, with line and
+// column, when it is not well-formed, not complete, or refused for entities that nest too deep;
+// another when it cannot be read. `shown_name` is what problems call it. Throws std::bad_alloc.
+Done check_document(const std::string& file, const std::string& shown_name);
 
 // The name of the encoding that the document's XML declaration gives; empty when there is none.
-// Reads as far as the document element. Throws as check_document does.
-std::string declared_encoding(const ReadDocument& read);
+// Reads as far as the document element. Throws std::bad_alloc.
+Result<std::string> declared_encoding(const std::string& file);
 
-}  // namespace documents
+}  // namespace conversion

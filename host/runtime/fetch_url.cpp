@@ -1,6 +1,5 @@
 // Fetching a document over HTTP into a private temporary file, on libcurl.
-#include <unistd.h>
-
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -8,9 +7,12 @@
 #include "host/config.h"
 #include "host/files.h"
 #include "host/runtime/curl_library.h"
-#include "host/runtime/descriptors.h"
+#include "host/runtime/fetch.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/tracked_memory.h"
+#include "platform/descriptors.h"
+#include "platform/environment.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -25,7 +27,7 @@ constexpr const char* FILE_PATTERN = "/sxml-XXXXXX";
 
 // A tracked block with the pattern of a temporary file's name; null when memory is exhausted.
 char* temporary_name() {
-    const char* folder = std::getenv("TMPDIR");
+    const char* folder = platform::environment_variable("TMPDIR");
     if (folder == nullptr || *folder == '\0') folder = "/tmp";
     const std::size_t size = std::strlen(folder) + std::strlen(FILE_PATTERN) + 1;
     auto* name = static_cast<char*>(
@@ -34,10 +36,11 @@ char* temporary_name() {
     return name;
 }
 
-// The file that a document goes into.
+// Where a document goes.
 struct Target {
     int descriptor;
     std::uint64_t room;  // bytes that may still come
+    int error;           // of the system, when writing failed
 };
 
 std::uint64_t largest_document() {
@@ -50,39 +53,63 @@ std::uint64_t largest_document() {
 std::size_t store(char* data, std::size_t size, std::size_t count, void* context) {
     auto* target = static_cast<Target*>(context);
     const std::size_t bytes = size * count;
-    if (bytes > target->room) return 0;
+    if (bytes > target->room) {
+        target->room = 0;
+        return 0;
+    }
     target->room -= bytes;
-    return host::write_whole(target->descriptor, data, bytes) == 0 ? bytes : 0;
+    target->error = platform::write_whole(target->descriptor, data, bytes);
+    return target->error == 0 ? bytes : 0;
 }
 
-bool transfer(const char* url, Target* target) {
-    const host::CurlLibrary* curl = host::curl_library();
-    CURL* handle = curl != nullptr ? curl->easy_init() : nullptr;
-    if (handle == nullptr) return false;
+CURLcode transfer(const host::CurlLibrary& curl, const char* url, Target* target, char* reason) {
+    CURL* handle = curl.easy_init();
+    if (handle == nullptr) return CURLE_OUT_OF_MEMORY;
     const bool is_set =
-        curl->easy_setopt(handle, CURLOPT_URL, url) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_MAXREDIRS, MOST_REDIRECTIONS) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_FAILONERROR, 1L) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_NOSIGNAL, 1L) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_TIMEOUT, MOST_SECONDS) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_WRITEFUNCTION, store) == CURLE_OK &&
-        curl->easy_setopt(handle, CURLOPT_WRITEDATA, target) == CURLE_OK;
-    const bool is_done = is_set && curl->easy_perform(handle) == CURLE_OK;
-    curl->easy_cleanup(handle);
-    return is_done;
+        curl.easy_setopt(handle, CURLOPT_ERRORBUFFER, reason) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_URL, url) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, PROTOCOLS) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_MAXREDIRS, MOST_REDIRECTIONS) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_FAILONERROR, 1L) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_NOSIGNAL, 1L) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, CONNECT_SECONDS) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_TIMEOUT, MOST_SECONDS) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, STALLED_SECONDS) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_WRITEFUNCTION, store) == CURLE_OK &&
+        curl.easy_setopt(handle, CURLOPT_WRITEDATA, target) == CURLE_OK;
+    const CURLcode result = is_set ? curl.easy_perform(handle) : CURLE_OUT_OF_MEMORY;
+    curl.easy_cleanup(handle);
+    return result;
+}
+
+// Result: null, or a text that says why the document is not there in full. `reason` has
+// CURL_ERROR_SIZE bytes.
+const char* fetch(const char* url, int descriptor, char* reason) {
+    host::refresh_environment();
+    Target target = {descriptor, largest_document(), 0};
+    reason[0] = '\0';
+    const host::CurlLibrary* curl = host::curl_library();
+    if (curl == nullptr) return "the library libcurl cannot be loaded; install it";
+    const CURLcode result = transfer(*curl, url, &target, reason);
+    if (result == CURLE_OK) return nullptr;
+    if (target.error != 0) return std::strerror(target.error);
+    if (result == CURLE_WRITE_ERROR) return "it is larger than SXML_FETCH_LIMIT allows";
+    return reason[0] != '\0' ? reason : "libcurl gives no reason";
 }
 
 }  // namespace
 
+std::string host::fetch_document(const std::string& url, int descriptor) {
+    std::array<char, CURL_ERROR_SIZE> reason{};
+    const char* problem = fetch(url.c_str(), descriptor, reason.data());
+    return problem != nullptr ? problem : "";
+}
+
 char* host_fetch_url(const char* url) {
     if (url == nullptr) return nullptr;
-    host::refresh_environment();
     char* name = temporary_name();
     if (name == nullptr) return nullptr;
     const int descriptor = mkstemp(name);  // readable and writable for the owner alone
@@ -90,10 +117,10 @@ char* host_fetch_url(const char* url) {
         host::memory::release(name);
         return nullptr;
     }
-    Target target = {descriptor, largest_document()};
-    const bool is_complete = transfer(url, &target);
-    if (close(descriptor) == 0 && is_complete) return name;
-    unlink(name);
+    std::array<char, CURL_ERROR_SIZE> reason{};
+    const bool is_complete = fetch(url, descriptor, reason.data()) == nullptr;
+    if (platform::close_descriptor(descriptor) == 0 && is_complete) return name;
+    platform::remove_file(name);
     host::memory::release(name);
     return nullptr;
 }

@@ -10,8 +10,8 @@
 #include <new>
 #include <string>
 
-#include "host/runtime/descriptors.h"
 #include "host/runtime/module.h"
+#include "platform/descriptors.h"
 
 namespace {
 
@@ -27,10 +27,11 @@ int check_names(const char* first, const char* second) {
 int copy_contents(int source, int target) {
     std::array<char, COPY_SIZE> buffer;
     for (;;) {
-        const ssize_t count = host::read_some(source, buffer.data(), buffer.size());
+        const ssize_t count = platform::read_some(source, buffer.data(), buffer.size());
         if (count < 0) return errno;
         if (count == 0) return 0;
-        const int error = host::write_whole(target, buffer.data(), static_cast<std::size_t>(count));
+        const int error =
+            platform::write_whole(target, buffer.data(), static_cast<std::size_t>(count));
         if (error != 0) return error;
     }
 }

@@ -17,10 +17,10 @@
 #include <string>
 #include <string_view>
 
-#include "host/runtime/descriptors.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/write_failures.h"
+#include "platform/descriptors.h"
 
 namespace {
 
@@ -54,7 +54,9 @@ namespace {
 
 std::size_t largest_read = 0;  // 0 = no limit
 std::size_t open_count = 0;
-thread_local std::string description_name;  // what host_xfd_name gave last
+thread_local std::string description_name;           // what host_xfd_name gave last
+constinit const std::string* output_name = nullptr;  // those of the OutputName that lives
+constinit const std::string* output_file = nullptr;
 
 void fail(HostStream* stream, int error) {
     if (!stream->has_failed) host::remember_write_failure(stream->name, error);
@@ -72,7 +74,7 @@ void give_buffer(HostStream* stream) {
 // Writes the first `count` buffered bytes to the file and moves the rest to the front.
 bool flush_front(HostStream* stream, std::size_t count) {
     if (stream->has_failed) return false;
-    if (const int error = host::write_whole(stream->descriptor, stream->buffer.get(), count);
+    if (const int error = platform::write_whole(stream->descriptor, stream->buffer.get(), count);
         error != 0) {
         fail(stream, error);
         return false;
@@ -174,7 +176,9 @@ HostStream* open_stream(const char* name, Direction direction) {
     if (is_process_stream(name)) {
         stream->descriptor = direction == Direction::output ? STDOUT_FILENO : STDIN_FILENO;
     } else {
-        stream->descriptor = open_descriptor(name, direction);
+        const bool is_named =
+            direction == Direction::output && output_name != nullptr && *output_name == name;
+        stream->descriptor = open_descriptor(is_named ? output_file->c_str() : name, direction);
         if (stream->descriptor < 0) return nullptr;
     }
     if (direction == Direction::output) find_start(stream.get());
@@ -196,7 +200,7 @@ HostStream* process_stream(int descriptor, Direction direction, const char* name
 std::size_t read_part(HostStream* stream, char* target, std::size_t size) {
     if (stream->position == stream->filled) {
         const ssize_t count =
-            host::read_some(stream->descriptor, stream->buffer.get(), stream->capacity);
+            platform::read_some(stream->descriptor, stream->buffer.get(), stream->capacity);
         if (count <= 0) return 0;
         stream->position = 0;
         stream->filled = static_cast<std::size_t>(count);
@@ -329,6 +333,17 @@ const char* host_xfd_name(const char* data_file_name) {
 }
 
 namespace host {
+
+OutputName::OutputName(const std::string& name, const std::string& file)
+    : name_(name), file_(file) {
+    output_name = &name_;
+    output_file = &file_;
+}
+
+OutputName::~OutputName() {
+    output_name = nullptr;
+    output_file = nullptr;
+}
 
 void limit_read_size(std::size_t bytes) {
     largest_read = bytes;

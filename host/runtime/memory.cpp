@@ -68,7 +68,7 @@ bool may_allocate() {
 
 void report_damage(const void* block, const Origin& origin, const char* what) {
     ++counters.damaged;
-    std::fprintf(stderr, "sxml host: block %p, %s line %d, \"%s\": %s\n", block, origin.source,
+    std::fprintf(stderr, "sxml: block %p, %s line %d, \"%s\": %s\n", block, origin.source,
                  origin.line, origin.description, what);
 }
 

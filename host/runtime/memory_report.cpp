@@ -69,7 +69,7 @@ std::string leak_report() {
     const std::vector<BlockInfo> blocks = live_blocks();
     std::size_t bytes = 0;
     for (const BlockInfo& block : blocks) bytes += block.size;
-    std::string report = "sxml host: " + std::to_string(blocks.size()) + " live blocks, " +
+    std::string report = "sxml: " + std::to_string(blocks.size()) + " live blocks, " +
                          std::to_string(bytes) + " bytes\n";
     for (const BlockInfo& block : blocks) {
         report += "  " + std::to_string(block.size) + " bytes, " + text_or_blank(block.source) +

@@ -50,7 +50,7 @@ std::vector<SettingsLine> read_settings_file(const std::string& file) {
         lines.push_back(std::move(line));
     }
     if (!input.eof()) {
-        std::fprintf(stderr, "sxml host: cannot read the settings file %s: %s\n", file.c_str(),
+        std::fprintf(stderr, "sxml: cannot read the settings file %s: %s\n", file.c_str(),
                      std::strerror(errno));
     }
     return lines;

@@ -21,6 +21,22 @@ RUNTIME_API std::optional<WriteFailure> take_write_failure();
 // tests can cut input anywhere.
 RUNTIME_API void limit_read_size(std::size_t bytes);
 
+// While this lives, host_fopen writes to another file when it opens `name` for output: what is
+// written there can carry a name in its text that its file does not have yet. One at a time.
+class RUNTIME_API OutputName {
+  public:
+    OutputName(const std::string& name, const std::string& file);
+    ~OutputName();
+    OutputName(const OutputName&) = delete;
+    OutputName& operator=(const OutputName&) = delete;
+
+    const std::string& name() const { return name_; }
+
+  private:
+    std::string name_;
+    std::string file_;
+};
+
 // Number of streams opened with host_fopen and not yet closed.
 RUNTIME_API std::size_t open_streams();
 

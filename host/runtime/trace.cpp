@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "host/runtime/trace_control.h"
+#include "platform/files.h"
 
 std::int16_t host_trace_on = 0;
 
@@ -25,13 +26,29 @@ constexpr std::size_t DUMP_BYTES_PER_LINE = 16;
 
 struct Trace {
     std::FILE* file;   // null: standard error
+    bool is_old;       // the file is still as it was found
     long long indent;  // running sum of the steps, never negative
 };
 
 constinit Trace trace{};
 
 std::FILE* output() {
-    return trace.file != nullptr ? trace.file : stderr;
+    if (trace.file == nullptr) return stderr;
+    if (trace.is_old) {
+        trace.is_old = false;
+        platform::cut_file(fileno(trace.file), 0);
+    }
+    return trace.file;
+}
+
+bool open_trace(int level, const std::string& file) {
+    if (trace.file != nullptr) std::fclose(trace.file);
+    trace = {};
+    host_trace_on = static_cast<std::int16_t>(level);
+    if (file.empty()) return true;
+    trace.file = std::fopen(file.c_str(), "ae");
+    trace.is_old = true;
+    return trace.file != nullptr;
 }
 
 void indent_line() {
@@ -91,17 +108,18 @@ int level_from_environment() {
         level <= std::numeric_limits<std::int16_t>::max()) {
         return level;
     }
-    std::fprintf(stderr,
-                 "sxml host: SXML_TRACE=%s in the environment is no trace level (0 to 11)\n", text);
+    std::fprintf(stderr, "sxml: SXML_TRACE=%s in the environment is no trace level (0 to 11)\n",
+                 text);
     return 0;
 }
 
+// The file is emptied at the first line: a program can still refuse to work with it.
 [[gnu::constructor]] void start_trace() {
     const int level = level_from_environment();
     const char* file = std::getenv("SXML_TRACE_FILE");
     const char* name = level > 0 && file != nullptr ? file : "";
-    if (!set_trace(level, name)) {
-        std::fprintf(stderr, "sxml host: cannot open SXML_TRACE_FILE %s: %s\n", name,
+    if (!open_trace(level, name)) {
+        std::fprintf(stderr, "sxml: cannot open SXML_TRACE_FILE %s: %s\n", name,
                      std::strerror(errno));
     }
 }
@@ -109,12 +127,9 @@ int level_from_environment() {
 }  // namespace
 
 bool set_trace(int level, const std::string& file) {
-    if (trace.file != nullptr) std::fclose(trace.file);
-    trace = {};
-    host_trace_on = static_cast<std::int16_t>(level);
-    if (file.empty()) return true;
-    trace.file = std::fopen(file.c_str(), "we");
-    return trace.file != nullptr;
+    const bool is_open = open_trace(level, file);
+    output();
+    return is_open;
 }
 
 }  // namespace host

@@ -51,6 +51,7 @@ bool looks_like_json(const std::string& file) {
 std::optional<Description> load_description(const std::string& file,
                                             const CopybookOptions& copybook,
                                             const LayoutOptions& layout, Diagnostics& diagnostics) {
+    diagnostics.add_file(file);
     const bool is_source =
         has_suffix(file, ".cpy") || has_suffix(file, ".cbl") || has_suffix(file, ".cob");
     if (has_suffix(file, ".xfd") || (!is_source && looks_like_json(file))) {
@@ -59,6 +60,19 @@ std::optional<Description> load_description(const std::string& file,
         return description_from_json(*text, file, layout, diagnostics);
     }
     const std::optional<RecordSource> source = parse_copybook_file(file, copybook, diagnostics);
+    if (!source || diagnostics.has_errors()) return std::nullopt;
+    return compile_description(*source, layout, diagnostics);
+}
+
+std::optional<Description> description_from_text(std::string_view text, const std::string& name,
+                                                 const CopybookOptions& copybook,
+                                                 const LayoutOptions& layout,
+                                                 Diagnostics& diagnostics) {
+    const std::size_t start = text.find_first_not_of(" \t\r\n");
+    if (start != std::string_view::npos && text[start] == '{') {
+        return description_from_json(text, name, layout, diagnostics);
+    }
+    const auto source = parse_copybook_text(text, name, copybook, diagnostics);
     if (!source || diagnostics.has_errors()) return std::nullopt;
     return compile_description(*source, layout, diagnostics);
 }

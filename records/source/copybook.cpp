@@ -38,6 +38,9 @@ class Compilation {
         TextManipulator manipulator(options_, sources_, arena_, diagnostics_);
         const auto file = make_source_file(name, std::move(text), options_.tab_width);
         tokens_ = make_tokens(manipulator.expand(file), arena_);
+        for (std::size_t i = 1; i < sources_.inclusion_count(); ++i) {
+            diagnostics_.add_file(*sources_.file(static_cast<std::uint32_t>(i)).name);
+        }
         structure_ = find_structure(tokens_, context_);
         source_.decimal_point_is_comma = context_.decimal_point_is_comma;
         source_.currency = context_.currency;

@@ -1,5 +1,6 @@
 // Documents as documents: sxml rewrite and sxml tree.
 
+#include <cstring>
 #include <filesystem>
 
 #include "tests/command/command_run.h"
@@ -172,7 +173,8 @@ TEST_F(DocumentsTest, FailuresOfFilesAreTold) {
         {{"tree", "/tmp"}, "", "sxml: /tmp: Is a directory\n"},
         {{"rewrite", "http://127.0.0.1:1/x", "out.xml"},
          "",
-         "sxml: http://127.0.0.1:1/x: the document cannot be fetched, or not in full\n"},
+         "sxml: http://127.0.0.1:1/x: the document cannot be fetched, or not in full: "
+         "Failed to connect"},
         {{"rewrite", "in.xml", "/dev/full"}, "", "sxml: /dev/full: No space left on device\n"},
         {{"rewrite", "in.xml", "-"},
          "/dev/full",
@@ -182,7 +184,7 @@ TEST_F(DocumentsTest, FailuresOfFilesAreTold) {
     for (const auto& c : cases) {
         const Outcome outcome = sxml(c.words, "", c.output);
         EXPECT_EQ(outcome.status, 1) << c.said;
-        EXPECT_EQ(outcome.err, c.said);
+        EXPECT_EQ(outcome.err.substr(0, std::strlen(c.said)), c.said);
         EXPECT_EQ(files(), std::vector<std::string>{"in.xml"}) << c.said;
     }
     EXPECT_NE(sxml({"rewrite", "--help"}).out.find("Example:\n  sxml rewrite orders.xml tidy.xml"),

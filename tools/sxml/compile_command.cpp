@@ -22,8 +22,11 @@ struct CompileOptions {
 void compile_layout(const CompileOptions& options) {
     load_module();  // it declares the settings
     apply_settings(options.layout.settings);
+    RunFiles files;
+    files.writes(options.output);
     const records::Description description =
-        load_layout(options.layout, records::RecordEncoding::ascii);
+        LayoutSource(options.layout).load(records::RecordEncoding::ascii, files);
+    files.check();
     write_output(options.output, records::description_to_json(description));
 }
 

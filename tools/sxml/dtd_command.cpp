@@ -9,6 +9,7 @@
 #include "tools/sxml/errors.h"
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
+#include "tools/sxml/scratch_output.h"
 #include "tools/sxml/settings.h"
 
 namespace command {
@@ -22,11 +23,11 @@ struct DtdOptions {
 
 // The document without records that the module makes of the bound description.
 std::string empty_document(const host::Module& module) {
-    const AtomicOutput output(temporary_folder() + "/sxml-dtd.xml");
-    Document document(module, output);
+    const ScratchOutput scratch;
+    Document document(module, scratch.output());
     document.close();
-    check_written({&output});
-    return read_whole_file(output.write_name());
+    check_written({&scratch.output()});
+    return scratch.text();
 }
 
 // The document type declaration within a document, from "<!DOCTYPE" to the line end behind "]>".
@@ -50,8 +51,11 @@ void print_dtd(const DtdOptions& options) {
     const host::Module module = load_module();
     apply_settings(options.layout.settings);
     force_setting("SXML_CREATE_STYLE", "DTD");
+    RunFiles files;
+    files.writes("-");
     const records::Description description =
-        load_layout(options.layout, records::RecordEncoding::ascii);
+        LayoutSource(options.layout).load(records::RecordEncoding::ascii, files);
+    files.check();
     records::bind_description(&description);
     const std::string type = document_type(empty_document(module));
     write_output("-", options.doctype ? type : declarations(type));

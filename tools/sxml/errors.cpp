@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <system_error>
 
+#include "platform/descriptors.h"
+
 namespace command {
 
 void fail(const std::string& message) {
@@ -13,6 +15,12 @@ void fail_usage(const std::string& message) {
     throw Failure(message, EXIT_USAGE);
 }
 
+void fail(const conversion::Problem& problem) {
+    const bool is_usage =
+        problem.cause == conversion::Cause::usage || problem.cause == conversion::Cause::setting;
+    throw Failure(message_of(problem), is_usage ? EXIT_USAGE : EXIT_FAILED);
+}
+
 void fail_file(const std::string& name, int error) {
     fail(name + ": " + system_error_text(error));
 }
@@ -21,8 +29,14 @@ std::string system_error_text(int error) {
     return std::error_code(error, std::generic_category()).message();
 }
 
+// Nobody can be told when this fails.
+void say(std::string_view text) {
+    std::fflush(stderr);
+    platform::write_whole(platform::STANDARD_ERROR, text.data(), text.size());
+}
+
 void warn(const std::string& message) {
-    std::fprintf(stderr, "sxml: warning: %s\n", message.c_str());
+    say("sxml: warning: " + message + "\n");
 }
 
 }  // namespace command

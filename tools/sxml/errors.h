@@ -3,6 +3,10 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
+
+#include "conversion/problem.h"
 
 namespace command {
 
@@ -28,7 +32,22 @@ class Failure : public std::runtime_error {
 // "NAME: what the system says about `error`".
 [[noreturn]] void fail_file(const std::string& name, int error);
 
+// The problem in full; with Cause::usage and Cause::setting the command line is at fault.
+[[noreturn]] void fail(const conversion::Problem& problem);
+// The value of what was done, or its failure.
+template <class Value>
+Value value_of(conversion::Result<Value> result) {
+    if (!result) fail(result.problem());
+    return *std::move(result);
+}
+// Fails when something was not done.
+inline void check(const conversion::Done& problem) {
+    if (problem) fail(*problem);
+}
+
 std::string system_error_text(int error);
+// Prints a text on standard error, whole, also where that does not wait by itself.
+void say(std::string_view text);
 // Prints "sxml: warning: " and the message on standard error.
 void warn(const std::string& message);
 

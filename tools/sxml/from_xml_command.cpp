@@ -2,14 +2,15 @@
 
 #include <CLI/CLI.hpp>
 #include <cctype>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
 
+#include "conversion/documents/document_check.h"
+#include "conversion/documents/document_source.h"
+#include "conversion/formats/record_format.h"
+#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
-#include "tools/sxml/document_check.h"
-#include "tools/sxml/document_input.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/field_text.h"
 #include "tools/sxml/input_records.h"
@@ -17,8 +18,6 @@
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
 #include "tools/sxml/progress.h"
-#include "tools/sxml/record_file.h"
-#include "tools/sxml/record_store.h"
 #include "tools/sxml/record_translation.h"
 #include "tools/sxml/settings.h"
 
@@ -39,13 +38,6 @@ const std::map<std::string, BufferFill> BUFFER_FILLS = {
     {"spaces", BufferFill::spaces}, {"zeros", BufferFill::zeros}, {"keep", BufferFill::keep}};
 
 constexpr std::uint64_t RECORDS_BETWEEN_LOOKS = 1024;
-
-// The module tries the name with ".xml" added, too.
-std::string existing_name(const std::string& name) {
-    const bool is_short =
-        name != "-" && !std::filesystem::exists(name) && std::filesystem::exists(name + ".xml");
-    return is_short ? name + ".xml" : name;
-}
 
 DocumentText document_text(const std::string& encoding) {
     std::string lower = encoding;
@@ -77,23 +69,26 @@ TextTranslation text_translation(InputTexts& texts, const CharacterSet& characte
 void convert_from_xml(const FromXmlOptions& options) {
     const host::Module module = load_module_for_input();
     apply_settings(options.layout.settings);
-    const DocumentInput document(existing_name(options.xml));
-    const DocumentText text = document_text(declared_encoding(document.file()));
+    const auto document = value_of(conversion::DocumentSource::open(options.xml));
+    const DocumentText text =
+        document_text(value_of(conversion::declared_encoding(document.file())));
     const CharacterSet characters = character_set(options, text);
     if (options.lines && characters.is_ebcdic()) {
         fail_usage("--line: records in " + characters.name() + " are of fixed length");
     }
     // What the module fills, and what goes into the file.
-    records::Description description = load_layout(options.layout, records::RecordEncoding::ascii);
+    RunFiles files;
+    files.reads(document.file());
+    files.writes(options.records);
+    const LayoutSource layout(options.layout);
+    records::Description description = layout.load(records::RecordEncoding::ascii, files);
+    files.check();
     std::optional<records::Description> translated;
     if (characters.is_ebcdic()) {
-        translated = load_layout(options.layout, records::RecordEncoding::ebcdic, Reports::hidden);
+        translated = layout.load(records::RecordEncoding::ebcdic, files, Reports::hidden);
     }
     records::bind_description(&description);
 
-    if (ByteSource(document.file()).is_same_file(options.records)) {
-        fail_usage(options.records + ": the document and the records are one file");
-    }
     RecordFields fields(description.xfd());
     RecordBuffer buffer(description.xfd(), description.record_length(), options.fill);
     FieldText field_text(text, characters);
@@ -104,8 +99,9 @@ void convert_from_xml(const FromXmlOptions& options) {
     const bool translates = translated || field_text.converts();
 
     AtomicOutput output(options.records);
-    RecordStore store(output, options.lines ? RecordFormat::lines : RecordFormat::fixed,
-                      static_cast<std::size_t>(description.record_length()));
+    conversion::ByteSink sink = output.open();
+    const auto store = conversion::write_records(
+        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed, sink);
     InputRecords records(module, document.file(), document.name(), description, fields, buffer,
                          texts);
     Progress progress(std::nullopt);
@@ -116,7 +112,7 @@ void convert_from_xml(const FromXmlOptions& options) {
                 record = translation.translate(record, fields.choose(record),
                                                description.record_length());
             }
-            store.add(record);
+            check(store->add({record, static_cast<std::size_t>(description.record_length())}));
         } catch (const Failure& failure) {
             fail(document.name() + ": record " + std::to_string(records.count()) + ": " +
                  failure.what());
@@ -127,7 +123,7 @@ void convert_from_xml(const FromXmlOptions& options) {
         }
     }
     records.finish();
-    store.close();
+    check(store->close());
     output.commit();
 }
 

@@ -4,11 +4,11 @@
 #include <limits>
 #include <utility>
 
+#include "conversion/documents/document_check.h"
 #include "host/errors.h"
 #include "records/description.h"
 #include "records/numbers.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/document_check.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
@@ -115,11 +115,11 @@ void InputRecords::fail_document() const {
     if (code == HOST_FILE_NO_MEMORY) fail("there is not enough memory");
     if (code == HOST_FILE_OK && !records::last_description_error().empty())
         fail(records::last_description_error());
-    const std::string after = "; " + records_text(count_) + " came before";
-    const std::optional<DocumentProblem> problem = check_document(file_name_);
-    if (!problem) fail(shown_name_ + ": the document cannot be read" + after);
-    fail(shown_name_ + ":" + std::to_string(problem->line) + ":" + std::to_string(problem->column) +
-         ": " + problem->text + after);
+    const std::string after = records_text(count_) + " came before";
+    conversion::Done problem = conversion::check_document(file_name_, shown_name_);
+    if (!problem) fail(shown_name_ + ": the document cannot be read; " + after);
+    problem->remedy = after;
+    fail(*problem);
 }
 
 int InputRecords::convert(XfdDataDesc& field, const XfdDataDesc& text, int mode) {

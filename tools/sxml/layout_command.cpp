@@ -128,7 +128,11 @@ std::string length_line(const records::Description& description) {
 void show_layout(const LayoutOptions& options) {
     load_module();  // it declares the settings
     apply_settings(options.settings);
-    const records::Description description = load_layout(options, records::RecordEncoding::ascii);
+    RunFiles files;
+    files.writes("-");
+    const records::Description description =
+        LayoutSource(options).load(records::RecordEncoding::ascii, files);
+    files.check();
     write_output("-", layout_table(description) + length_line(description));
 }
 

@@ -1,26 +1,63 @@
 #include "tools/sxml/layout_source.h"
 
-#include <cstdio>
+#include <algorithm>
 
+#include "conversion/formats/byte_source.h"
+#include "platform/files.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
 
-records::Description load_layout(const LayoutOptions& options, records::RecordEncoding encoding,
-                                 Reports reports) {
-    records::LayoutOptions layout = options.layout;
+namespace {
+
+bool can_be_read_again(const std::string& file) {
+    if (file == "-") return false;
+    const auto state = platform::state_of(file);
+    return !state || state->kind != platform::FileKind::other;
+}
+
+// Several files or records to choose from are the one error that an option mends.
+std::string remedy_for(const records::Diagnostics& diagnostics, const LayoutOptions& options) {
+    const bool is_choice = std::any_of(
+        diagnostics.all().begin(), diagnostics.all().end(), [](const records::Diagnostic& one) {
+            return one.message.find("choose one") != std::string::npos;
+        });
+    return is_choice && options.copybook.fd.empty() ? "; choose the FD or record with --fd NAME"
+                                                    : "";
+}
+
+}  // namespace
+
+LayoutSource::LayoutSource(const LayoutOptions& options) : options_(options), name_(options.file) {
+    if (can_be_read_again(options.file)) return;
+    conversion::ByteSource source = value_of(conversion::ByteSource::open(options.file));
+    name_ = source.name();
+    text_ = value_of(conversion::read_all(source));
+}
+
+records::Description LayoutSource::load(records::RecordEncoding encoding, RunFiles& files,
+                                        Reports reports) const {
+    records::LayoutOptions layout = options_.layout;
     layout.name_case = records::configured_name_case();
     layout.encoding = encoding;
     if (encoding == records::RecordEncoding::ebcdic) layout.ebcdic_sign = true;
     records::Diagnostics diagnostics;
-    std::optional<records::Description> description =
-        records::load_description(options.file, options.copybook, layout, diagnostics);
-    if (reports == Reports::shown) std::fputs(diagnostics.text().c_str(), stderr);
+    std::optional<records::Description> description = compile(layout, diagnostics);
+    for (const std::string& file : diagnostics.files()) files.reads(file);
+    if (reports == Reports::shown) say(diagnostics.text());
     if (!description || diagnostics.has_errors()) {
-        fail(options.file + ": there is no usable record layout");
+        fail(name_ + ": there is no usable record layout" + remedy_for(diagnostics, options_));
     }
-    if (description->record_length() <= 0) fail(options.file + ": the record has no bytes");
+    if (description->record_length() <= 0) fail(name_ + ": the record has no bytes");
     return std::move(*description);
+}
+
+std::optional<records::Description> LayoutSource::compile(const records::LayoutOptions& layout,
+                                                          records::Diagnostics& diagnostics) const {
+    if (!text_) {
+        return records::load_description(options_.file, options_.copybook, layout, diagnostics);
+    }
+    return records::description_from_text(*text_, name_, options_.copybook, layout, diagnostics);
 }
 
 }  // namespace command

@@ -1,17 +1,36 @@
-// From LAYOUT on the command line to a compiled record description.
+// From LAYOUT on the command line to compiled record descriptions.
 #pragma once
+
+#include <optional>
+#include <string>
 
 #include "records/description.h"
 #include "tools/sxml/options.h"
+#include "tools/sxml/run_files.h"
 
 namespace command {
 
 enum class Reports { shown, hidden };
 
-// Compiles the layout. Errors, warnings and notes go to standard error unless hidden. Throws
-// Failure (status 1) when there is no usable description. Names follow 4GL_COLUMN_CASE, so the
-// settings must have been applied.
-records::Description load_layout(const LayoutOptions& options, records::RecordEncoding encoding,
-                                 Reports reports = Reports::shown);
+// The source of record descriptions: a file, or "-" or a pipe, which is read but once.
+class LayoutSource {
+  public:
+    // The options must outlive this. Throws Failure for a pipe that cannot be read.
+    explicit LayoutSource(const LayoutOptions& options);
+
+    // Compiles the layout, and notes the files that are read for it in `files`. Errors, warnings
+    // and notes go to standard error unless hidden. Throws Failure (status 1) when there is no
+    // usable description. Names follow 4GL_COLUMN_CASE, so the settings must have been applied.
+    records::Description load(records::RecordEncoding encoding, RunFiles& files,
+                              Reports reports = Reports::shown) const;
+
+  private:
+    std::optional<records::Description> compile(const records::LayoutOptions& layout,
+                                                records::Diagnostics& diagnostics) const;
+
+    const LayoutOptions& options_;
+    std::string name_;                 // as it is shown in messages
+    std::optional<std::string> text_;  // what a pipe gave
+};
 
 }  // namespace command

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/interrupts.h"
+#include "platform/standard_streams.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/errors.h"
 
@@ -46,6 +48,8 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (!platform::open_missing_standard_streams()) return command::EXIT_FAILED;
+    platform::handle_interrupts();
     try {
         return run(argc, argv);
     } catch (const command::Failure& failure) {

@@ -33,7 +33,7 @@ void NumberReport::begin_record() {
     exceptions_before_ = records::data_exceptions();
 }
 
-void NumberReport::end_record(const Record& record, std::span<const Field> chosen,
+void NumberReport::end_record(const conversion::Record& record, std::span<const Field> chosen,
                               std::int32_t length) {
     if (records::data_exceptions() == exceptions_before_) return;
     for (const Field& field : chosen) {
@@ -45,7 +45,7 @@ void NumberReport::end_record(const Record& record, std::span<const Field> chose
     }
 }
 
-void NumberReport::report(const Record& record, const Field& field) {
+void NumberReport::report(const conversion::Record& record, const Field& field) {
     if (!warnings_.wants_next()) return;
     warn(file_name_ + ": record " + std::to_string(record.number) + ", field " +
          fields_.name(field) + " (byte offset " +

@@ -5,9 +5,9 @@
 #include <span>
 #include <string>
 
+#include "conversion/formats/record_format.h"
 #include "tools/sxml/field_warnings.h"
 #include "tools/sxml/record_fields.h"
-#include "tools/sxml/record_file.h"
 
 namespace command {
 
@@ -21,12 +21,13 @@ class NumberReport {
     // To be called before and after a record is converted; the second call looks for the fields at
     // fault when there is a data exception more than at the first.
     void begin_record();
-    void end_record(const Record& record, std::span<const Field> chosen, std::int32_t length);
+    void end_record(const conversion::Record& record, std::span<const Field> chosen,
+                    std::int32_t length);
     // Says how many fields were not named.
     void finish() const;
 
   private:
-    void report(const Record& record, const Field& field);
+    void report(const conversion::Record& record, const Field& field);
 
     const Xfd& xfd_;
     const RecordFields& fields_;

@@ -3,27 +3,25 @@
 #include <cerrno>
 #include <new>
 
+#include "conversion/documents/document_check.h"
 #include "host/errors.h"
-#include "tools/sxml/document_check.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
 
 namespace {
 
-// The module says what is wrong, Expat alone where.
-std::string place(const std::string& name, const DocumentProblem& problem) {
-    return name + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column) + ": ";
-}
-
-[[noreturn]] void fail_open(const XmlApi& api, const DocumentInput& input, int error) {
+[[noreturn]] void fail_open(const XmlApi& api, const conversion::DocumentSource& input, int error) {
     std::int32_t code = 0;
     const std::string message = api.xml_last_error(&code);
     if (code == XMLERR_OPEN_FILE) fail_file(input.name(), error);
     if (code == XMLERR_PARSE && *host_file_error() == HOST_FILE_XML) {
+        // The module says what is wrong, Expat alone where.
         const std::string text = *host_error_text();
-        const std::optional<DocumentProblem> problem = check_document(input.file());
-        fail((problem ? place(input.name(), *problem) : input.name() + ": ") + text);
+        conversion::Done problem = conversion::check_document(input.file(), input.name());
+        if (!problem) fail(input.name() + ": " + text);
+        problem->what = text;
+        fail(*problem);
     }
     if (code == XMLERR_NO_MEMORY || code == XMLERR_PARSE) throw std::bad_alloc();
     fail(input.name() + ": " + message);
@@ -45,14 +43,16 @@ XmlApi xml_api(const host::Module& module) {
     return api;
 }
 
-ParsedDocument::ParsedDocument(const XmlApi& api, const DocumentInput& input, std::uint32_t options)
+ParsedDocument::ParsedDocument(const XmlApi& api, const conversion::DocumentSource& input,
+                               std::uint32_t options)
     : api_(api), parser_(api.xml_open_file(input.file().c_str(), options | XMLOPT_PARSE_WHOLE, 0)) {
     if (parser_ == 0) fail_open(api, input, errno);
     // For the module the end of the input is no error, wherever it comes.
-    const std::optional<DocumentProblem> problem = check_document(input.file());
+    conversion::Done problem = conversion::check_document(input.file(), input.name());
     if (!problem) return;
     api_.xml_free_parser(parser_);
-    fail(place(input.name(), *problem) + "the document is not complete: " + problem->text);
+    problem->what = "the document is not complete: " + problem->what;
+    fail(*problem);
 }
 
 }  // namespace command

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
+#include "conversion/documents/document_source.h"
 #include "host/runtime/module.h"
 #include "sxml/xml_api.h"
-#include "tools/sxml/document_input.h"
 
 namespace command {
 
@@ -17,7 +17,8 @@ class ParsedDocument {
   public:
     // `options` is the option word of xml_open_file. Throws Failure, with line and column, for a
     // document that is not well-formed or not complete.
-    ParsedDocument(const XmlApi& api, const DocumentInput& input, std::uint32_t options);
+    ParsedDocument(const XmlApi& api, const conversion::DocumentSource& input,
+                   std::uint32_t options);
     ~ParsedDocument() { api_.xml_free_parser(parser_); }
     ParsedDocument(const ParsedDocument&) = delete;
     ParsedDocument& operator=(const ParsedDocument&) = delete;

@@ -1,11 +1,12 @@
 #include "tools/sxml/progress.h"
 
-#include <unistd.h>
-
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <string>
+
+#include "platform/descriptors.h"
+#include "platform/standard_streams.h"
 
 namespace command {
 
@@ -25,7 +26,9 @@ std::string duration_text(double seconds) {
 }  // namespace
 
 Progress::Progress(std::optional<std::uint64_t> total_bytes)
-    : enabled_(isatty(STDERR_FILENO) != 0), total_bytes_(total_bytes), next_(start_ + INTERVAL) {}
+    : enabled_(platform::is_terminal(platform::STANDARD_ERROR)),
+      total_bytes_(total_bytes),
+      next_(start_ + INTERVAL) {}
 
 Progress::~Progress() {
     if (shown_) std::fputs("\r\033[K", stderr);

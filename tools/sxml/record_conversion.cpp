@@ -15,9 +15,9 @@ constexpr std::uint64_t RECORDS_BETWEEN_LOOKS = 1024;
 
 }  // namespace
 
-RecordConversion::RecordConversion(ByteSource& source, records::Description& description,
-                                   const Xfd* translated, const CharacterSet& characters,
-                                   RecordFields& fields)
+RecordConversion::RecordConversion(conversion::ByteSource& source,
+                                   records::Description& description, const Xfd* translated,
+                                   const CharacterSet& characters, RecordFields& fields)
     : source_(source),
       description_(description),
       fields_(fields),
@@ -37,12 +37,12 @@ RecordConversion::RecordConversion(ByteSource& source, records::Description& des
         description.xfd(), *translated, std::move(text), fields, description.record_length());
 }
 
-void RecordConversion::run(bool lines, Document& document, const AtomicOutput& output) {
+void RecordConversion::run(conversion::RecordFormat format, Document& document,
+                           const AtomicOutput& output) {
     const auto record_length = static_cast<std::size_t>(description_.record_length());
-    const std::unique_ptr<RecordReader> reader = lines ? read_line_records(source_, record_length)
-                                                       : read_fixed_records(source_, record_length);
+    const auto reader = conversion::read_records(format, source_, record_length);
     Progress progress(source_.size());
-    while (const std::optional<Record> record = reader->next()) {
+    while (const std::optional<conversion::Record> record = value_of(reader->next())) {
         convert(*record, document);
         if (record->number % RECORDS_BETWEEN_LOOKS == 0) {
             progress.update(record->number, record->file_offset);
@@ -55,11 +55,11 @@ void RecordConversion::run(bool lines, Document& document, const AtomicOutput& o
     numbers_.finish();
 }
 
-std::string RecordConversion::place(const Record& record) const {
+std::string RecordConversion::place(const conversion::Record& record) const {
     return source_.name() + ": record " + std::to_string(record.number) + ", ";
 }
 
-void RecordConversion::convert(const Record& record, Document& document) {
+void RecordConversion::convert(const conversion::Record& record, Document& document) {
     const std::span<const Field> chosen = fields_.choose(record.data);
     const std::int32_t length = description_.used_length(record.data, description_.record_length());
     check_texts(record, chosen, length);
@@ -69,7 +69,8 @@ void RecordConversion::convert(const Record& record, Document& document) {
     numbers_.end_record(record, chosen, length);
 }
 
-const std::uint8_t* RecordConversion::translate(const Record& record, std::span<const Field> chosen,
+const std::uint8_t* RecordConversion::translate(const conversion::Record& record,
+                                                std::span<const Field> chosen,
                                                 std::int32_t length) {
     try {
         return translation_->translate(record.data, chosen, length);
@@ -78,7 +79,7 @@ const std::uint8_t* RecordConversion::translate(const Record& record, std::span<
     }
 }
 
-void RecordConversion::check_texts(const Record& record, std::span<const Field> chosen,
+void RecordConversion::check_texts(const conversion::Record& record, std::span<const Field> chosen,
                                    std::int32_t length) const {
     for (const Field& field : chosen) {
         if (field.kind != FieldKind::text || !fields_.field_applies(field, length)) continue;

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "conversion/formats/record_format.h"
 #include "records/description.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/character_set.h"
@@ -13,7 +14,6 @@
 #include "tools/sxml/number_report.h"
 #include "tools/sxml/record_check.h"
 #include "tools/sxml/record_fields.h"
-#include "tools/sxml/record_file.h"
 #include "tools/sxml/record_translation.h"
 
 namespace command {
@@ -24,23 +24,23 @@ class RecordConversion {
   public:
     // `translated`: describes the records as the module gets them, when they are translated on the
     // way; else null.
-    RecordConversion(ByteSource& source, records::Description& description, const Xfd* translated,
-                     const CharacterSet& characters, RecordFields& fields);
+    RecordConversion(conversion::ByteSource& source, records::Description& description,
+                     const Xfd* translated, const CharacterSet& characters, RecordFields& fields);
 
     // Converts all records and closes the document. Throws Failure for a record that cannot become
     // part of a well-formed document, and when something could not be stored.
-    void run(bool lines, Document& document, const AtomicOutput& output);
+    void run(conversion::RecordFormat format, Document& document, const AtomicOutput& output);
 
   private:
     // "FILE: record N, ", for messages.
-    std::string place(const Record& record) const;
-    void convert(const Record& record, Document& document);
-    const std::uint8_t* translate(const Record& record, std::span<const Field> chosen,
+    std::string place(const conversion::Record& record) const;
+    void convert(const conversion::Record& record, Document& document);
+    const std::uint8_t* translate(const conversion::Record& record, std::span<const Field> chosen,
                                   std::int32_t length);
-    void check_texts(const Record& record, std::span<const Field> chosen,
+    void check_texts(const conversion::Record& record, std::span<const Field> chosen,
                      std::int32_t length) const;
 
-    ByteSource& source_;
+    conversion::ByteSource& source_;
     records::Description& description_;
     RecordFields& fields_;
     TextCheck text_check_;

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <filesystem>
 #include <memory>
 
 #include "host/runtime/streams.h"
@@ -9,8 +10,8 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/errors.h"
-#include "tools/sxml/output_alias.h"
 #include "tools/sxml/parsed_document.h"
+#include "tools/sxml/run_files.h"
 
 namespace command {
 
@@ -25,6 +26,19 @@ struct RewriteOptions {
     std::string in;
     std::string out;
 };
+
+// The last part of a file's name, with underscores for what no comment of a document may hold (two
+// hyphens in a row) or not every encoding has.
+std::string name_in_comment(const std::string& file) {
+    std::string name = std::filesystem::path(file).filename().string();
+    char previous = '\0';
+    for (char& c : name) {
+        const bool is_printable = c >= ' ' && c <= '~';
+        if (!is_printable || (c == '-' && previous == '-')) c = '_';
+        previous = c;
+    }
+    return name;
+}
 
 void write_document(const ParsedDocument& document, const std::string& name,
                     const std::string& shown_name) {
@@ -41,14 +55,15 @@ void write_document(const ParsedDocument& document, const std::string& name,
 void rewrite(const RewriteOptions& options) {
     const host::Module module = load_module();
     const XmlApi api = xml_api(module);
-    const DocumentInput input(options.in);
+    RunFiles files;
+    files.writes(options.out);  // over the document that was read, if need be
+    files.check();
+    const auto input = value_of(conversion::DocumentSource::open(options.in));
     AtomicOutput output(options.out);
     const ParsedDocument document(api, input, WRITABLE);
-    if (options.out == "-") return write_document(document, "-", "standard output");
-    {
-        const OutputAlias alias(output);
-        write_document(document, alias.name(), options.out);
-    }
+    if (output.write_name() == "-") return write_document(document, "-", output.shown_name());
+    const host::OutputName name(name_in_comment(output.file()), output.write_name());
+    write_document(document, name.name(), options.out);
     output.commit();
 }
 

@@ -9,6 +9,7 @@
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
 #include "tools/sxml/schema_file.h"
+#include "tools/sxml/scratch_output.h"
 #include "tools/sxml/settings.h"
 
 namespace command {
@@ -18,11 +19,15 @@ namespace {
 void print_schema(const LayoutOptions& options) {
     const host::Module module = load_module();
     apply_settings(options.settings);
-    const records::Description description = load_layout(options, records::RecordEncoding::ascii);
+    RunFiles files;
+    files.writes("-");
+    const records::Description description =
+        LayoutSource(options).load(records::RecordEncoding::ascii, files);
+    files.check();
     records::bind_description(&description);
-    const AtomicOutput schema(temporary_folder() + "/sxml-schema.xsd");
-    write_schema_file(module, schema);
-    write_output("-", read_whole_file(schema.write_name()));
+    const ScratchOutput schema;
+    write_schema_file(module, schema.output());
+    write_output("-", schema.text());
 }
 
 }  // namespace

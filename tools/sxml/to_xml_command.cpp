@@ -1,7 +1,6 @@
 // sxml to-xml: turns a record file into an XML document.
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -33,33 +32,28 @@ CharacterSet character_set(const ToXmlOptions& options) {
     return CharacterSet(configured.empty() ? "utf-8" : configured);
 }
 
-// True for two names of one file, which need not exist yet.
-bool are_one_file(const std::string& first, const std::string& second) {
-    const auto place = [](const std::string& name) {
-        std::error_code error;
-        return std::filesystem::weakly_canonical(std::filesystem::absolute(name), error);
-    };
-    return place(first) == place(second);
+// Whether a schema is written beside the document.
+bool writes_schema() {
+    return create_style() == CreateStyle::schema && !setting_text("SXML_SCHEMA_NAME").empty() &&
+           host_config_flag("SXML_CREATE_SCHEMA", 0) != 0;
 }
 
 // With SXML_CREATE_STYLE=SCHEMA the schema is a file of its own. It is written first, under a
 // temporary name of its own, and the document only refers to it.
 class SchemaBesideDocument {
   public:
-    SchemaBesideDocument(const host::Module& module, const ToXmlOptions& options, const Xfd& xfd) {
+    SchemaBesideDocument(const host::Module& module, const Xfd& xfd) {
         if (create_style() != CreateStyle::schema) return;
         const std::string name = setting_text("SXML_SCHEMA_NAME");
         if (name.empty()) {
             fail_usage("SXML_CREATE_STYLE is SCHEMA: --set SXML_SCHEMA_NAME=FILE names the schema");
         }
-        if (are_one_file(name, options.xml))
-            fail_usage(name + ": the schema and the document are one file");
         if ((xfd.flags & XFD_SEVERAL_LAYOUTS) != 0) {
             warn(name +
                  ": the layout has several records; the schema's top element knows the "
                  "first one only");
         }
-        if (host_config_flag("SXML_CREATE_SCHEMA", 0) == 0) return;
+        if (!writes_schema()) return;
         output_.emplace(name);
         write_schema_file(module, *output_);
         force_setting("SXML_CREATE_SCHEMA", "no");
@@ -96,25 +90,30 @@ void convert_to_xml(const ToXmlOptions& options) {
 
     const auto encoding =
         characters.is_ebcdic() ? records::RecordEncoding::ebcdic : records::RecordEncoding::ascii;
-    records::Description description = load_layout(options.layout, encoding);
+    RunFiles files;
+    files.reads(options.records);
+    files.writes(options.xml);
+    if (writes_schema()) files.writes(setting_text("SXML_SCHEMA_NAME"));
+    const LayoutSource layout(options.layout);
+    records::Description description = layout.load(encoding, files);
+    files.check();
     std::optional<records::Description> translated;
     if (characters.is_ebcdic()) {
-        translated = load_layout(options.layout, records::RecordEncoding::ascii, Reports::hidden);
+        translated = layout.load(records::RecordEncoding::ascii, files, Reports::hidden);
     }
     records::bind_description(translated ? &*translated : &description);
 
-    ByteSource source(options.records);
-    if (source.is_same_file(options.xml)) {
-        fail_usage(options.xml + ": the records and the document are one file");
-    }
+    conversion::ByteSource source = value_of(conversion::ByteSource::open(options.records));
     RecordFields fields(description.xfd());
     check_lines(options, characters, fields);
     AtomicOutput output(options.xml);
-    SchemaBesideDocument schema(module, options, description.xfd());
+    SchemaBesideDocument schema(module, description.xfd());
     Document document(module, output);
     RecordConversion conversion(source, description, translated ? &translated->xfd() : nullptr,
                                 characters, fields);
-    conversion.run(options.lines, document, output);
+    conversion.run(
+        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed, document,
+        output);
     schema.commit();
     output.commit();
 }

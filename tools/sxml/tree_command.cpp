@@ -5,7 +5,9 @@
 
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
+#include "tools/sxml/errors.h"
 #include "tools/sxml/parsed_document.h"
+#include "tools/sxml/run_files.h"
 #include "tools/sxml/tree_printer.h"
 
 namespace command {
@@ -20,7 +22,11 @@ struct TreeOptions {
 void print_tree(const TreeOptions& options) {
     const host::Module module = load_module();
     const XmlApi api = xml_api(module);
-    const DocumentInput input(options.in);
+    RunFiles files;
+    files.reads(options.in);
+    files.writes("-");
+    files.check();
+    const auto input = value_of(conversion::DocumentSource::open(options.in));
     const ParsedDocument document(api, input,
                                   XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA | XMLOPT_XML_DECL);
     using Texts = TreePrinter::Texts;

@@ -1,11 +1,12 @@
-#include "host/runtime/descriptors.h"
+#include "platform/descriptors.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
 
-namespace host {
+namespace platform {
 
 namespace {
 
@@ -18,7 +19,28 @@ bool try_again(int descriptor, short events) {
     return poll(&wait, 1, -1) >= 0 || errno == EINTR;
 }
 
+int open_whatever_happens(const char* name, int flags) {
+    constexpr mode_t everybody = 0666;  // less what the process's mask takes away
+    for (;;) {
+        const int descriptor = open(name, flags | O_CLOEXEC, everybody);
+        if (descriptor >= 0 || errno != EINTR) return descriptor;
+    }
+}
+
 }  // namespace
+
+int open_to_read(const char* name) {
+    return open_whatever_happens(name, O_RDONLY);
+}
+
+int open_to_write(const char* name) {
+    return open_whatever_happens(name, O_WRONLY | O_CREAT | O_TRUNC);
+}
+
+// An interrupted close has closed the descriptor, too.
+int close_descriptor(int descriptor) {
+    return close(descriptor) == 0 || errno == EINTR ? 0 : errno;
+}
 
 int write_whole(int descriptor, const char* data, std::size_t size) {
     while (size > 0) {
@@ -40,4 +62,4 @@ ssize_t read_some(int descriptor, char* buffer, std::size_t size) {
     }
 }
 
-}  // namespace host
+}  // namespace platform

@@ -1,0 +1,47 @@
+// Where a document comes from: a file, standard input, or the web.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "conversion/problem.h"
+#include "platform/temporary_files.h"
+
+namespace conversion {
+
+// True for the addresses of documents on the web ("http:" and "https:", in any letter case).
+bool is_url(const std::string& name);
+
+// A document as a file. What is kept of standard input or of the web is a private copy, which goes
+// with this object.
+class DocumentSource {
+  public:
+    enum class Pipes { copied, as_they_are };
+
+    // The document of this name: an address, "-" for standard input, or a file, also one that has
+    // ".xml" added to its name. With Pipes::copied the file can be read more than once, whatever it
+    // is; otherwise pipes and devices are not touched.
+    static Result<DocumentSource> open(const std::string& name, Pipes pipes = Pipes::copied);
+    // A file, whether it exists or not.
+    static DocumentSource of_file(const std::string& file) { return {file, file}; }
+
+    // As it is shown in messages.
+    const std::string& name() const { return name_; }
+    // The file. A copy, and a file that open() has found, has a name that is no address and not
+    // "-".
+    const std::string& file() const { return file_; }
+
+  private:
+    DocumentSource(std::string name, std::string file)
+        : name_(std::move(name)), file_(std::move(file)) {}
+    // The private file that a copy goes into, as `source`.
+    static Result<DocumentSource> empty_copy(const std::string& name);
+    static Result<DocumentSource> fetch(const std::string& url);
+    static Result<DocumentSource> copy(const std::string& name);
+
+    std::string name_;
+    std::string file_;
+    std::optional<platform::TemporaryFile> copy_;
+};
+
+}  // namespace conversion

@@ -1,0 +1,11 @@
+// Records of one length: read in place, from a buffer that holds whole records.
+#pragma once
+
+#include "conversion/formats/record_format.h"
+
+namespace conversion {
+
+std::unique_ptr<RecordReader> read_fixed_records(ByteSource& source, std::size_t record_length);
+std::unique_ptr<RecordWriter> write_fixed_records(ByteSink& sink);
+
+}  // namespace conversion

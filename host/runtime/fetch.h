@@ -1,0 +1,14 @@
+// Fetching a document over HTTP.
+#pragma once
+
+#include <string>
+
+#include "host/runtime/memory_report.h"
+
+namespace host {
+
+// Fetches a document whole and writes it to a descriptor. Result: empty, or why there is none, or
+// not all of it; what was written by then has to be thrown away.
+RUNTIME_API std::string fetch_document(const std::string& url, int descriptor);
+
+}  // namespace host

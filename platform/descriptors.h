@@ -1,0 +1,30 @@
+// Reads and writes on the system's descriptors, done whole: interrupted and partial calls are taken
+// up again, and a descriptor that does not wait by itself is waited for. Failures are system error
+// numbers.
+#pragma once
+
+#include <cstddef>
+
+#include <sys/types.h>
+
+namespace platform {
+
+constexpr int STANDARD_INPUT = 0;
+constexpr int STANDARD_OUTPUT = 1;
+constexpr int STANDARD_ERROR = 2;
+
+// Opens a file for reading; it is not handed on to other programs. Result: a descriptor that the
+// caller closes; -1 on failure with the reason in errno.
+int open_to_read(const char* name);
+// Opens a file for writing, empty, creating it when there is none; otherwise as open_to_read.
+int open_to_write(const char* name);
+// Result: 0 or the error number.
+int close_descriptor(int descriptor);
+
+// Writes all bytes. Result: 0 or the error number.
+int write_whole(int descriptor, const char* data, std::size_t size);
+// Reads what there is, waiting for the first byte. Result: bytes read, 0 at the end, -1 on failure
+// with the reason in errno.
+ssize_t read_some(int descriptor, char* buffer, std::size_t size);
+
+}  // namespace platform

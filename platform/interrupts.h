@@ -1,0 +1,31 @@
+// What must not stay behind when a signal ends the process.
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+struct InterruptEntry;
+
+// While this lives, the file, or the folder that is empty but for such files, is removed when a
+// signal ends the process.
+class RemovedOnInterrupt {
+  public:
+    RemovedOnInterrupt() = default;
+    // The path may be relative to the folder that is current now. Throws std::bad_alloc.
+    explicit RemovedOnInterrupt(const std::string& path);
+    RemovedOnInterrupt(RemovedOnInterrupt&& other) noexcept;
+    RemovedOnInterrupt& operator=(RemovedOnInterrupt&& other) noexcept;
+    ~RemovedOnInterrupt();
+
+  private:
+    InterruptEntry* entry_ = nullptr;
+};
+
+// From now on SIGINT, SIGTERM, SIGHUP and SIGPIPE end the process only after all these files are
+// removed; those that the parent process ignores (nohup, say) stay ignored. A write beyond the
+// limit on the size of files fails like others (EFBIG) instead of ending the process. Programs that
+// are run in the place of this one find all signals as they were.
+void handle_interrupts();
+
+}  // namespace platform

@@ -1,0 +1,90 @@
+#include "platform/interrupts.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+namespace platform {
+
+// A name in the list. Entries are never released, so that a signal handler may go through the list
+// at any time; one that is not in use is taken again. The name is complete whenever it is in use.
+struct InterruptEntry {
+    std::atomic<bool> is_used = false;
+    std::string path;
+    InterruptEntry* next = nullptr;
+};
+
+namespace {
+
+// The state of the process: what a signal removes.
+constinit std::atomic<InterruptEntry*> entries = nullptr;
+static_assert(std::atomic<InterruptEntry*>::is_always_lock_free &&
+              std::atomic<bool>::is_always_lock_free);
+
+InterruptEntry* unused_entry() {
+    for (InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+        if (!entry->is_used) return entry;
+    }
+    auto* entry = new InterruptEntry;
+    entry->next = entries;
+    entries = entry;
+    return entry;
+}
+
+void remove_files_and_die(int signal_number) {
+    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+        if (entry->is_used) unlink(entry->path.c_str());
+    }
+    // Folders, empty by now.
+    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+        if (entry->is_used) rmdir(entry->path.c_str());
+    }
+    // SA_RESETHAND has restored the default action, so this ends the process with the signal.
+    raise(signal_number);
+}
+
+void handle(int signal_number, void (*handler)(int), int flags) {
+    struct sigaction present {};
+    sigaction(signal_number, nullptr, &present);
+    if (present.sa_handler != SIG_DFL) return;
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = flags;
+    sigaction(signal_number, &action, nullptr);
+}
+
+}  // namespace
+
+RemovedOnInterrupt::RemovedOnInterrupt(const std::string& path) {
+    std::string whole = std::filesystem::absolute(path).string();
+    entry_ = unused_entry();
+    entry_->path = std::move(whole);
+    entry_->is_used = true;
+}
+
+RemovedOnInterrupt::RemovedOnInterrupt(RemovedOnInterrupt&& other) noexcept
+    : entry_(std::exchange(other.entry_, nullptr)) {}
+
+RemovedOnInterrupt& RemovedOnInterrupt::operator=(RemovedOnInterrupt&& other) noexcept {
+    std::swap(entry_, other.entry_);
+    return *this;
+}
+
+RemovedOnInterrupt::~RemovedOnInterrupt() {
+    if (entry_ != nullptr) entry_->is_used = false;
+}
+
+void handle_interrupts() {
+    constexpr int once = static_cast<int>(SA_RESETHAND);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        handle(number, remove_files_and_die, once);
+    }
+    handle(
+        SIGXFSZ, [](int) {}, SA_RESTART);
+}
+
+}  // namespace platform

@@ -1,0 +1,61 @@
+#include "platform/temporary_files.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "platform/environment.h"
+
+namespace platform {
+
+std::string temporary_folder() {
+    const char* folder = environment_variable("TMPDIR");
+    return folder != nullptr && *folder != '\0' ? folder : "/tmp";
+}
+
+std::optional<TemporaryFile> TemporaryFile::create(const std::string& folder,
+                                                   const std::string& stem) {
+    constexpr std::size_t LONGEST_STEM = 200;  // leaves room within the 255 bytes of a file name
+    std::string name = folder + "/." + stem.substr(0, LONGEST_STEM) + ".XXXXXX";
+    const int descriptor = mkostemp(name.data(), O_CLOEXEC);
+    if (descriptor < 0) return std::nullopt;
+    close(descriptor);
+    return TemporaryFile(std::move(name));
+}
+
+TemporaryFile::TemporaryFile(std::string name) : name_(std::move(name)), removed_(name_) {}
+
+TemporaryFile::TemporaryFile(TemporaryFile&& other) noexcept
+    : name_(std::exchange(other.name_, {})), removed_(std::move(other.removed_)) {}
+
+TemporaryFile::~TemporaryFile() {
+    if (!name_.empty()) unlink(name_.c_str());
+}
+
+int TemporaryFile::rename_to(const std::string& target) {
+    if (std::rename(name_.c_str(), target.c_str()) != 0) return errno;
+    name_.clear();
+    removed_ = {};
+    return 0;
+}
+
+std::optional<TemporaryFolder> TemporaryFolder::create() {
+    std::string name = temporary_folder() + "/sxml.XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) return std::nullopt;
+    return TemporaryFolder(std::move(name));
+}
+
+TemporaryFolder::TemporaryFolder(std::string name) : name_(std::move(name)), removed_(name_) {}
+
+TemporaryFolder::TemporaryFolder(TemporaryFolder&& other) noexcept
+    : name_(std::exchange(other.name_, {})), removed_(std::move(other.removed_)) {}
+
+TemporaryFolder::~TemporaryFolder() {
+    if (!name_.empty()) rmdir(name_.c_str());
+}
+
+}  // namespace platform

@@ -1,0 +1,12 @@
+// Standard input, output and error of the process.
+#pragma once
+
+namespace platform {
+
+// Opens the null device for those of the three that are closed, so that no file that is opened
+// later takes their place. Result: false when that is impossible.
+bool open_missing_standard_streams();
+
+bool is_terminal(int descriptor);
+
+}  // namespace platform
