@@ -26,13 +26,13 @@ enum class Cause : std::uint8_t {
 
 // Where. What is not known is left at its default.
 struct Place {
-    std::string file;                          // as the user knows it
-    std::uint64_t record = 0;                  // from 1
-    std::string field;                         // with its subscripts, as in "phone(2)"
-    std::optional<std::uint64_t> byte_offset;  // in the file, from 0
-    std::optional<std::uint32_t> in_record;    // offset in the record, from 0
-    std::uint64_t line = 0;                    // in a document, from 1
-    std::uint64_t column = 0;                  // in bytes, from 1
+    std::string file = {};                          // as the user knows it
+    std::uint64_t record = 0;                       // from 1
+    std::string field = {};                         // with its subscripts, as in "phone(2)"
+    std::optional<std::uint64_t> byte_offset = {};  // in the file, from 0
+    std::optional<std::uint32_t> in_record = {};    // offset in the record, from 0
+    std::uint64_t line = 0;                         // in a document, from 1
+    std::uint64_t column = 0;                       // in bytes, from 1
 };
 
 struct Problem {

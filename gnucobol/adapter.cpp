@@ -12,9 +12,9 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "gnucobol/document_encoding.h"
 #include "gnucobol/file_name.h"
 #include "gnucobol/report.h"
+#include "host/config.h"
 #include "host/runtime/streams.h"
 
 namespace gnucobol {
@@ -84,13 +84,24 @@ std::optional<Result> obstacle_to_writing(const std::string& path) {
     return Result{status_of_write_error(error), std::strerror(error)};
 }
 
-// Why no document can be written in the encoding that is set.
-std::optional<Result> encoding_problem() {
-    const std::string encoding = encoding_to_write();
-    if (is_utf8(encoding) || extends_ascii(encoding)) return std::nullopt;
-    return Result{Status::permanent_error,
-                  "SXML_ENCODING: " + encoding +
-                      " is not known or does not extend ASCII; UTF-8 and ISO-8859-1 do"};
+// What the program's texts are in: what SXML_ENCODING says, UTF-8 unless set.
+std::string encoding_to_write() {
+    const char* const encoding = host_config_string("SXML_ENCODING", nullptr);
+    return encoding == nullptr || *encoding == '\0' ? "utf-8" : encoding;
+}
+
+// Nothing when no document can be written in this encoding: markup goes out in ASCII and text as
+// the program holds it.
+std::optional<conversion::CharacterSet> character_set(const std::string& encoding) {
+    conversion::Result<conversion::CharacterSet> found = conversion::CharacterSet::find(encoding);
+    if (!found || found->is_ebcdic()) return std::nullopt;
+    return *std::move(found);
+}
+
+Result encoding_problem(const std::string& encoding) {
+    return {Status::permanent_error,
+            "SXML_ENCODING: " + encoding +
+                " is not known or does not extend ASCII; UTF-8 and ISO-8859-1 do"};
 }
 
 // A file that reaches the limit on the size of files is to give a status: the signal would end the
@@ -242,28 +253,29 @@ Result Adapter::open_input(const ClosedFile& file, FCD3& fcd) {
         if (!is_optional(fcd)) {
             return {Status::not_found, conversion::is_url(path) ? problem.what : std::string()};
         }
-        return keep(std::make_unique<OpenFile>(path, fcd, file.program_file), fcd, OPEN_INPUT);
+        return keep(std::make_unique<OpenFile>(path, file.program_file), fcd, OPEN_INPUT);
     }
     if (auto obstacle = obstacle_to_reading(source->file())) return *obstacle;
     FileLayout layout = layout_for(file);
     if (auto difference = length_difference(fcd, layout)) return *difference;
-    return keep(std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
-                                           std::move(*source), XML_OPEN_INPUT),
-                fcd, OPEN_INPUT);
+    return keep(
+        std::make_unique<OpenFile>(path, file.program_file, std::move(layout), std::move(*source)),
+        fcd, OPEN_INPUT);
 }
 
 Result Adapter::open_output(const ClosedFile& file, FCD3& fcd) {
     const std::string& path = file.path;
     FileLayout layout = layout_for(file);
     if (auto difference = length_difference(fcd, layout)) return *difference;
-    if (auto problem = encoding_problem()) return *problem;
+    const std::string encoding = encoding_to_write();
+    std::optional<conversion::CharacterSet> characters = character_set(encoding);
+    if (!characters) return encoding_problem(encoding);
     end_writing(path);
     if (auto obstacle = obstacle_to_writing(path)) return *obstacle;
     outlive_size_limit();
-    return keep(
-        std::make_unique<OpenFile>(path, fcd, file.program_file, std::move(layout),
-                                   conversion::DocumentSource::of_file(path), XML_OPEN_OUTPUT),
-        fcd, OPEN_OUTPUT);
+    return keep(std::make_unique<OpenFile>(path, file.program_file, std::move(layout),
+                                           *std::move(characters)),
+                fcd, OPEN_OUTPUT);
 }
 
 // Ends a document that is being written and now is opened again. Two would write to it otherwise:

@@ -2,76 +2,40 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
+#include <span>
 #include <utility>
 
-#include "conversion/documents/document_check.h"
-#include "gnucobol/document_encoding.h"
-#include "host/encoding.h"
 #include "host/errors.h"
-#include "platform/files.h"
-#include "records/numbers.h"
 
 namespace gnucobol {
 
 namespace {
 
-// While this lives, the module gets this description for whatever it opens.
-class BoundDescription {
-  public:
-    explicit BoundDescription(const records::Description& description) {
-        records::bind_description(&description);
+// What an open, a read or a write that failed means to the program.
+Result result_of(const conversion::Problem& problem) {
+    std::string reason = problem.what;
+    if (problem.place.line != 0) {
+        reason = "line " + std::to_string(problem.place.line) + ", column " +
+                 std::to_string(problem.place.column) + ": " + reason;
     }
-    ~BoundDescription() { records::bind_description(nullptr); }
-    BoundDescription(const BoundDescription&) = delete;
-    BoundDescription& operator=(const BoundDescription&) = delete;
-};
-
-// What came through a pipe is gone and cannot be looked at again.
-bool can_be_read_again(const std::string& file) {
-    const auto state = platform::state_of(file);
-    return state && state->kind == platform::FileKind::regular;
-}
-
-// What is wrong with a document that cannot be read on, and where.
-std::string damage_text(const std::string& summary, const std::string& file) {
-    if (!can_be_read_again(file)) return summary;
-    const conversion::Done damage = conversion::check_document(file, file);
-    if (!damage || damage->cause != conversion::Cause::document) return summary;
-    return summary + ": line " + std::to_string(damage->place.line) + ", column " +
-           std::to_string(damage->place.column) + ": " + damage->what;
-}
-
-// True when the document says that it is in ISO-8859-1: its texts come in that encoding then, and
-// in UTF-8 otherwise. True also when this cannot be told.
-bool is_latin1_document(const std::string& file) {
-    if (!can_be_read_again(file)) return true;
-    const auto name = conversion::declared_encoding(file);
-    return !name || host_encoding_code((*name).c_str()) == HOST_ENCODING_LATIN1;
-}
-
-// What an open or a read of this file that failed means to the program.
-Result result_of_file_error(const std::string& file) {
-    switch (*host_file_error()) {
-        case HOST_FILE_END:
-            return {Status::permanent_error, damage_text("the document ends too early", file)};
-        case HOST_FILE_NO_MEMORY:
-            return {Status::permanent_error, "there is not enough memory"};
-        case HOST_FILE_CANNOT_OPEN:
+    switch (problem.cause) {
+        case conversion::Cause::not_found:
             return {Status::not_found, {}};
-        case HOST_FILE_UNSUPPORTED:
+        case conversion::Cause::not_permitted:
             return {Status::not_permitted, {}};
-        case HOST_FILE_XML:
-            return {Status::permanent_error, damage_text("the document is damaged", file)};
+        case conversion::Cause::document: {
+            const bool is_short = *host_file_error() == HOST_FILE_END;
+            const std::string summary =
+                is_short ? "the document ends too early" : "the document is damaged";
+            const bool is_located = problem.place.line != 0;
+            return {Status::permanent_error, is_located ? summary + ": " + reason : summary};
+        }
         default:
-            return {Status::permanent_error, {}};
+            if (!problem.place.field.empty())
+                reason = "field " + problem.place.field + ": " + reason;
+            if (!problem.remedy.empty()) reason += "; " + problem.remedy;
+            return {Status::permanent_error, reason};
     }
-}
-
-// The encoding of the texts of a document that is read or will be written.
-std::string encoding_of_texts(const std::string& path, std::int32_t direction) {
-    if (direction != XML_OPEN_INPUT) return encoding_to_write();
-    return is_latin1_document(path) ? "ISO-8859-1" : "";
 }
 
 }  // namespace
@@ -81,38 +45,46 @@ Status status_of_write_error(int error) {
                                                                       : Status::permanent_error;
 }
 
-OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file)
-    : path_(std::move(path)), program_file_(program_file), record_(longest_record(fcd)) {
+OpenFile::OpenFile(std::string path, cob_file* program_file)
+    : path_(std::move(path)), program_file_(program_file) {
     opening_.status = Status::optional_missing;
 }
 
-OpenFile::OpenFile(std::string path, const FCD3& fcd, cob_file* program_file, FileLayout layout,
-                   conversion::DocumentSource source, std::int32_t direction)
+OpenFile::OpenFile(std::string path, cob_file* program_file, FileLayout layout,
+                   conversion::DocumentSource source)
     : path_(std::move(path)),
       program_file_(program_file),
       source_(std::move(source)),
-      layout_(std::move(layout)),
-      record_(longest_record(fcd)),
-      direction_(direction) {
-    Xfd& xfd = layout_->description.xfd();
-    blank_.emplace(xfd, longest_record(fcd));
-    layouts_ = layouts_of(xfd);
-    text_.emplace(xfd, layouts_, encoding_of_texts(source_->file(), direction));
-    held_.resize(static_cast<std::size_t>(xfd.condition_count) + 1);
-    single_entry_.emplace(layout_->description);
-    const host::Module& module = xml_module();
-    const BoundDescription bound(layout_->description);
-    xml_ = module.open(source_->file().c_str(), direction);
-    if (xml_ == nullptr) opening_ = result_of_file_error(source_->file());
+      layout_(std::move(layout)) {
+    auto opened =
+        conversion::InputDocument::open(layout_->description, nullptr, {source_->file(), path_});
+    if (opened) {
+        input_ = *std::move(opened);
+    } else {
+        opening_ = result_of(opened.problem());
+    }
 }
 
-OpenFile::~OpenFile() {
-    close();
+OpenFile::OpenFile(std::string path, cob_file* program_file, FileLayout layout,
+                   conversion::CharacterSet characters)
+    : path_(std::move(path)),
+      program_file_(program_file),
+      layout_(std::move(layout)),
+      characters_(std::move(characters)) {
+    auto opened =
+        conversion::OutputDocument::open(layout_->description, *characters_, {path_, path_, {}});
+    if (opened) {
+        output_ = *std::move(opened);
+    } else {
+        opening_ = result_of(opened.problem());
+    }
 }
+
+OpenFile::~OpenFile() = default;
 
 void OpenFile::close() {
-    if (xml_ != nullptr) xml_module().close(xml_);
-    xml_ = nullptr;
+    input_.reset();
+    output_.reset();
     source_.reset();
 }
 
@@ -120,46 +92,32 @@ void OpenFile::fail_writing(int error) {
     if (!failure_) failure_ = Result{status_of_write_error(error), std::strerror(error)};
 }
 
-void OpenFile::condition_holds(int number) {
-    blank_->blank_layout(number, record_.data());
-    held_[static_cast<std::size_t>(number)] = true;
-}
-
-void OpenFile::number_stored(const void* place) {
-    try {
-        single_entry_->number_stored(record_.data(), place);
-    } catch (const std::bad_alloc&) {
-        *host_file_error() = HOST_FILE_NO_MEMORY;
-    }
+const std::vector<conversion::RecordLayout>& OpenFile::layouts() const {
+    return (input_ ? input_->fields() : output_->fields()).layouts();
 }
 
 Result OpenFile::read(FCD3& fcd) {
-    if (xml_ != nullptr && direction_ != XML_OPEN_INPUT) return {Status::not_open_for_input, {}};
+    if (output_) return {Status::not_open_for_input, {}};
     if (ended_) return {Status::read_after_end, {}};
-    if (xml_ == nullptr) {
+    if (!input_) {
         ended_ = true;
         return {Status::at_end, {}};
     }
-    blank_->blank(record_.data());
-    std::fill(held_.begin(), held_.end(), false);
-    const std::uint64_t exceptions = records::data_exceptions();
-    watch_record(this);
-    const int result = xml_module().read(xml_, record_.data());
-    watch_record(nullptr);
-    single_entry_->end_record();
-    const std::int16_t error = *host_file_error();
-    if (result == 0 || error != HOST_FILE_OK) {
-        ended_ = true;
-        const bool is_end =
-            result == 0 && error == HOST_FILE_END && xml_module().read_to_end(xml_, record_.data());
-        return is_end ? Result{Status::at_end, {}} : result_of_file_error(source_->file());
-    }
-    text_->settle(record_.data(), held_);
-    std::memcpy(fcd.recPtr, record_.data(), record_.size());
-    const std::uint32_t length = length_of_record_read(fcd, static_cast<std::uint32_t>(result) - 1);
+    const conversion::Result<bool> read = input_->read();
+    ended_ = !read || !*read;
+    if (!read) return result_of(read.problem());
+    if (ended_) return {Status::at_end, {}};
+    const std::span<const std::uint8_t> record = input_->record();
+    std::memcpy(fcd.recPtr, record.data(), record.size());
+    const std::uint32_t length =
+        length_of_record_read(fcd, static_cast<std::uint32_t>(input_->filled_length()));
     set_current_record(fcd, length);
     tell_program(length);
-    const bool is_doubtful = records::data_exceptions() != exceptions;
+    const auto& troubles = input_->troubles();
+    const bool is_doubtful =
+        std::any_of(troubles.begin(), troubles.end(), [](const conversion::FieldTrouble& trouble) {
+            return trouble.fate == conversion::FieldFate::no_number;
+        });
     return {is_doubtful ? Status::doubtful_data : Status::done, {}};
 }
 
@@ -182,11 +140,11 @@ std::uint32_t OpenFile::length_of_record_read(const FCD3& fcd, std::uint32_t fil
     std::uint32_t length = layout_length(longest);
     if (description.min_record_length() < description.record_length()) {
         const std::int32_t used =
-            description.used_length(record_.data(), static_cast<std::int32_t>(longest));
+            description.used_length(fcd.recPtr, static_cast<std::int32_t>(longest));
         length = std::min(length, static_cast<std::uint32_t>(used));
-    } else if (fcd.fileOrg == ORG_LINE_SEQ || text_->is_one_text()) {
+    } else if (fcd.fileOrg == ORG_LINE_SEQ || is_one_text()) {
         length = length_of_text();
-    } else if (layouts_.size() < 2) {
+    } else if (layouts().size() < 2) {
         length = std::min(length, filled);
     }
     return std::max(length, shortest);
@@ -194,41 +152,36 @@ std::uint32_t OpenFile::length_of_record_read(const FCD3& fcd, std::uint32_t fil
 
 std::uint32_t OpenFile::longest_layout() const {
     std::uint32_t longest = 0;
-    for (const RecordLayout& layout : layouts_) longest = std::max(longest, layout.length);
+    for (const conversion::RecordLayout& layout : layouts()) {
+        longest = std::max(longest, static_cast<std::uint32_t>(layout.length));
+    }
     return longest;
 }
 
 // The record without blanks at its end.
 std::uint32_t OpenFile::length_of_text() const {
-    const auto end = std::find_if(record_.rbegin(), record_.rend(),
-                                  [](std::uint8_t byte) { return byte != ' '; });
-    return static_cast<std::uint32_t>(record_.rend() - end);
+    const std::span<const std::uint8_t> record = input_->record();
+    const auto end =
+        std::find_if(record.rbegin(), record.rend(), [](std::uint8_t byte) { return byte != ' '; });
+    return static_cast<std::uint32_t>(record.rend() - end);
+}
+
+// Whether a record is but one field of characters.
+bool OpenFile::is_one_text() const {
+    const auto& fields = layouts().front().fields;
+    return layouts().size() == 1 && fields.size() == 1 &&
+           fields[0].kind == conversion::FieldKind::text;
 }
 
 // The length of the layout that was read: the first whose conditions all held.
 std::uint32_t OpenFile::layout_length(std::uint32_t longest) const {
-    if (layouts_.size() < 2) return longest;
-    for (const RecordLayout& layout : layouts_) {
-        const bool is_read = std::all_of(
-            layout.conditions.begin(), layout.conditions.end(),
-            [this](std::int16_t number) { return held_[static_cast<std::size_t>(number)]; });
-        if (is_read) return layout.length;
-    }
-    return longest;
-}
-
-// The record to write. One that ends within a field is filled up with blanks to that field's end.
-const std::uint8_t* OpenFile::with_whole_fields(const std::uint8_t* record, std::uint32_t& length) {
-    if (length >= record_.size()) return record;
-    const std::uint32_t whole = text_->length_of_whole_fields(record, length);
-    if (whole == length || whole > record_.size()) return record;
-    std::fill(std::copy(record, record + length, record_.begin()), record_.end(), ' ');
-    length = whole;
-    return record_.data();
+    if (layouts().size() < 2) return longest;
+    const std::optional<std::size_t> layout = input_->layout();
+    return layout ? static_cast<std::uint32_t>(layouts()[*layout].length) : longest;
 }
 
 Result OpenFile::write(const FCD3& fcd) {
-    if (xml_ == nullptr || direction_ != XML_OPEN_OUTPUT) return {Status::not_open_for_output, {}};
+    if (!output_) return {Status::not_open_for_output, {}};
     if (current_record(fcd) < shortest_record(fcd)) return {Status::wrong_length, {}};
     if (!layout_->is_whole && current_record(fcd) > longest_layout()) {
         return {Status::permanent_error,
@@ -236,14 +189,9 @@ Result OpenFile::write(const FCD3& fcd) {
                     layout_->source + " describes " + std::to_string(longest_layout()) +
                     " of them; say in it when each record layout is meant (`*> sxml: when ...`)"};
     }
-    auto length = static_cast<std::uint32_t>(layout_->description.used_length(
-        fcd.recPtr, static_cast<std::int32_t>(std::min(current_record(fcd), longest_record(fcd)))));
-    const std::uint8_t* const record = with_whole_fields(fcd.recPtr, length);
-    if (const auto problem = text_->problem(record, length)) {
-        return {Status::permanent_error, *problem};
-    }
-    if (xml_module().write(xml_, record, length) == 0) return result_of_file_error(source_->file());
-    return {};
+    const std::uint32_t length = std::min(current_record(fcd), longest_record(fcd));
+    const auto problem = output_->write(fcd.recPtr, static_cast<std::int32_t>(length));
+    return problem ? result_of(*problem) : Result{};
 }
 
 }  // namespace gnucobol

@@ -7,28 +7,24 @@
 
 #include "records/description.h"
 
-namespace documents {
+namespace conversion {
 
 class SingleEntry {
   public:
-    // Does nothing for a user who has chosen how tables are matched. The description must outlive
-    // this object.
-    explicit SingleEntry(const records::Description& description);
-    SingleEntry(const SingleEntry&) = delete;
-    SingleEntry& operator=(const SingleEntry&) = delete;
+    // The description must outlive this object.
+    explicit SingleEntry(const records::Description& description) : description_(&description) {}
 
-    // A number has been stored at `place` in the record: if it is that counter, the fields that
-    // follow are matched without the number of the entry. Throws std::bad_alloc.
-    void number_stored(const std::uint8_t* record, const void* place);
-    // The record has been read.
-    void end_record();
-    // False for fields behind the only entry.
+    // A number has been stored at `place` in the record. True when it is that counter: the fields
+    // that follow are to be matched without the number of the entry.
+    bool is_counted_by(const std::uint8_t* record, const void* place);
+    // The next record is read.
+    void begin_record() { end_ = 0; }
+    // False for fields after the only entry.
     bool is_in_use(std::int32_t offset) const { return end_ == 0 || offset < end_; }
 
   private:
-    const records::Description& description_;
-    bool is_chosen_;        // by the user
+    const records::Description* description_;
     std::int32_t end_ = 0;  // where the only entry ends; 0 in other records
 };
 
-}  // namespace documents
+}  // namespace conversion

@@ -159,7 +159,7 @@ const FromXmlCase CASES[] = {
      {"--encoding", "cp037"},
      1,
      "",
-     {"record 1: field code_id: its character U+20AC is not in cp037"}},
+     {"record 1, field code_id: its character U+20AC is not in cp037"}},
     {"EBCDIC",
      items(FULL),
      {"--encoding", "cp037"},

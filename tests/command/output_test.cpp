@@ -36,7 +36,8 @@ TEST_F(OutputTest, StandardInputAndOutput) {
     const Outcome piped = convert("-", "-", {}, read_file("w.dat"));
     EXPECT_EQ(piped.err, "");
     EXPECT_EQ(piped.out, read_file("w.xml"));
-    EXPECT_NE(convert("-", "-", {}, "aaaab").err.find("standard input: record 1, byte offset 0: the record is cut short"),
+    EXPECT_NE(convert("-", "-", {}, "aaaab")
+                  .err.find("standard input: record 1, byte offset 0: the record is cut short"),
               std::string::npos);
 }
 

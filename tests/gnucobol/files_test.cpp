@@ -110,14 +110,16 @@ TEST_F(CobolTest, TextsThatADocumentCannotHoldAreRefused) {
     const std::string bad = "sxml: NOTES.xml: WRITE: file status 30: field text_of: ";
     const auto not_utf8 = [&](const std::string& byte) {
         return bad + "the byte 0x" + byte +
-               " is not valid UTF-8; if the program's text is in another character set, name it: "
+               " is not valid UTF-8; if the text is in another character set, name it: "
                "SXML_ENCODING=ISO-8859-1\n";
     };
     const std::string in_any_encoding =
         bad +
-        "the byte 0x01 is a control character that XML does not allow; binary data needs the "
-        "directive `hex` in the copybook\n" +
-        bad + "a NUL byte has text behind it, which would be lost\n";
+        "the byte 0x01 is a control character that XML does not allow; does the layout fit "
+        "the records? Binary data needs the directive `hex` in the copybook\n" +
+        bad +
+        "a NUL byte with text after it, which would be lost; does the layout fit the "
+        "records?\n";
     const Outcome utf8 = run_program({"./texts"});
     EXPECT_EQ(utf8.out,
               "open 00\nwrite 00\nwrite 30\nwrite 30\nwrite 30\nwrite 30\nwrite 30\n"

@@ -24,8 +24,7 @@ struct DtdOptions {
 // The document without records that the module makes of the bound description.
 std::string empty_document(const host::Module& module) {
     const ScratchOutput scratch;
-    Document document(module, scratch.output());
-    document.close();
+    write_empty_document(module, scratch.output());
     check_written({&scratch.output()});
     return scratch.text();
 }
@@ -48,7 +47,7 @@ std::string declarations(const std::string& type) {
 }
 
 void print_dtd(const DtdOptions& options) {
-    const host::Module module = load_module();
+    const host::Module& module = load_module();
     apply_settings(options.layout.settings);
     force_setting("SXML_CREATE_STYLE", "DTD");
     RunFiles files;

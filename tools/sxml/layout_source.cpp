@@ -35,8 +35,7 @@ LayoutSource::LayoutSource(const LayoutOptions& options) : options_(options), na
     text_ = value_of(conversion::read_all(source));
 }
 
-records::Description LayoutSource::load(records::RecordEncoding encoding, RunFiles& files,
-                                        Reports reports) const {
+records::Description LayoutSource::load(records::RecordEncoding encoding, RunFiles& files) const {
     records::LayoutOptions layout = options_.layout;
     layout.name_case = records::configured_name_case();
     layout.encoding = encoding;
@@ -44,7 +43,7 @@ records::Description LayoutSource::load(records::RecordEncoding encoding, RunFil
     records::Diagnostics diagnostics;
     std::optional<records::Description> description = compile(layout, diagnostics);
     for (const std::string& file : diagnostics.files()) files.reads(file);
-    if (reports == Reports::shown) say(diagnostics.text());
+    say(diagnostics.text());
     if (!description || diagnostics.has_errors()) {
         fail(name_ + ": there is no usable record layout" + remedy_for(diagnostics, options_));
     }

@@ -10,8 +10,6 @@
 
 namespace command {
 
-enum class Reports { shown, hidden };
-
 // The source of record descriptions: a file, or "-" or a pipe, which is read but once.
 class LayoutSource {
   public:
@@ -19,10 +17,9 @@ class LayoutSource {
     explicit LayoutSource(const LayoutOptions& options);
 
     // Compiles the layout, and notes the files that are read for it in `files`. Errors, warnings
-    // and notes go to standard error unless hidden. Throws Failure (status 1) when there is no
+    // and notes go to standard error. Throws Failure (status 1) when there is no
     // usable description. Names follow 4GL_COLUMN_CASE, so the settings must have been applied.
-    records::Description load(records::RecordEncoding encoding, RunFiles& files,
-                              Reports reports = Reports::shown) const;
+    records::Description load(records::RecordEncoding encoding, RunFiles& files) const;
 
   private:
     std::optional<records::Description> compile(const records::LayoutOptions& layout,

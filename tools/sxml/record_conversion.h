@@ -3,50 +3,42 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
-#include <vector>
 
 #include "conversion/formats/record_format.h"
+#include "conversion/session/output_document.h"
 #include "records/description.h"
 #include "tools/sxml/atomic_output.h"
-#include "tools/sxml/character_set.h"
-#include "tools/sxml/document.h"
-#include "tools/sxml/number_report.h"
-#include "tools/sxml/record_check.h"
-#include "tools/sxml/record_fields.h"
-#include "tools/sxml/record_translation.h"
+#include "tools/sxml/field_warnings.h"
 
 namespace command {
 
-// Checks the records of a file one by one and has the module write them. Everything given must
-// outlive this.
+// Has the records of a file written one by one, and names what is not as it should be. Everything
+// given must outlive this.
 class RecordConversion {
   public:
-    // `translated`: describes the records as the module gets them, when they are translated on the
-    // way; else null.
-    RecordConversion(conversion::ByteSource& source, records::Description& description,
-                     const Xfd* translated, const CharacterSet& characters, RecordFields& fields);
+    // Opens the document. Throws Failure.
+    RecordConversion(conversion::ByteSource& source, const records::Description& description,
+                     const conversion::CharacterSet& characters, const AtomicOutput& output);
+    // Without a complete run, a document that readers can see already gets no end tag.
+    ~RecordConversion();
+    RecordConversion(const RecordConversion&) = delete;
+    RecordConversion& operator=(const RecordConversion&) = delete;
 
+    const conversion::RecordFields& fields() const { return document_->fields(); }
     // Converts all records and closes the document. Throws Failure for a record that cannot become
     // part of a well-formed document, and when something could not be stored.
-    void run(conversion::RecordFormat format, Document& document, const AtomicOutput& output);
+    void run(conversion::RecordFormat format);
 
   private:
-    // "FILE: record N, ", for messages.
-    std::string place(const conversion::Record& record) const;
-    void convert(const conversion::Record& record, Document& document);
-    const std::uint8_t* translate(const conversion::Record& record, std::span<const Field> chosen,
-                                  std::int32_t length);
-    void check_texts(const conversion::Record& record, std::span<const Field> chosen,
-                     std::int32_t length) const;
+    void convert(const conversion::Record& record);
+    void report_number(const conversion::Record& record, const conversion::Field& field);
+    void finish() const;
 
     conversion::ByteSource& source_;
-    records::Description& description_;
-    RecordFields& fields_;
-    TextCheck text_check_;
-    std::vector<std::uint8_t> translated_text_;
-    std::unique_ptr<RecordTranslation> translation_;
-    NumberReport numbers_;
+    const records::Description& description_;
+    const AtomicOutput& output_;
+    std::unique_ptr<conversion::OutputDocument> document_;
+    FieldWarnings bad_numbers_;
 };
 
 }  // namespace command

@@ -53,7 +53,7 @@ void write_document(const ParsedDocument& document, const std::string& name,
 }
 
 void rewrite(const RewriteOptions& options) {
-    const host::Module module = load_module();
+    const host::Module& module = load_module();
     const XmlApi api = xml_api(module);
     RunFiles files;
     files.writes(options.out);  // over the document that was read, if need be

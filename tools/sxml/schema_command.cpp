@@ -17,7 +17,7 @@ namespace command {
 namespace {
 
 void print_schema(const LayoutOptions& options) {
-    const host::Module module = load_module();
+    const host::Module& module = load_module();
     apply_settings(options.settings);
     RunFiles files;
     files.writes("-");

@@ -6,6 +6,8 @@
 
 #include "host/config.h"
 #include "tools/sxml/commands.h"
+#include "tools/sxml/document.h"
+#include "tools/sxml/encoding_option.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
@@ -17,6 +19,9 @@ namespace command {
 
 namespace {
 
+using conversion::CharacterSet;
+using conversion::FieldKind;
+
 struct ToXmlOptions {
     std::string records;
     std::string xml;
@@ -27,9 +32,9 @@ struct ToXmlOptions {
 
 // The character set of the records: --encoding, or what SXML_ENCODING says (UTF-8 unless set).
 CharacterSet character_set(const ToXmlOptions& options) {
-    if (!options.encoding.empty()) return CharacterSet(options.encoding);
+    if (!options.encoding.empty()) return find_character_set(options.encoding, "--encoding");
     const std::string configured = setting_text("SXML_ENCODING");
-    return CharacterSet(configured.empty() ? "utf-8" : configured);
+    return find_character_set(configured.empty() ? "utf-8" : configured, "SXML_ENCODING");
 }
 
 // Whether a schema is written beside the document.
@@ -42,19 +47,20 @@ bool writes_schema() {
 // temporary name of its own, and the document only refers to it.
 class SchemaBesideDocument {
   public:
-    SchemaBesideDocument(const host::Module& module, const Xfd& xfd) {
+    SchemaBesideDocument(const host::Module& module, const records::Description& description) {
         if (create_style() != CreateStyle::schema) return;
         const std::string name = setting_text("SXML_SCHEMA_NAME");
         if (name.empty()) {
             fail_usage("SXML_CREATE_STYLE is SCHEMA: --set SXML_SCHEMA_NAME=FILE names the schema");
         }
-        if ((xfd.flags & XFD_SEVERAL_LAYOUTS) != 0) {
+        if ((description.xfd().flags & XFD_SEVERAL_LAYOUTS) != 0) {
             warn(name +
                  ": the layout has several records; the schema's top element knows the "
                  "first one only");
         }
         if (!writes_schema()) return;
         output_.emplace(name);
+        records::bind_description(&description);
         write_schema_file(module, *output_);
         force_setting("SXML_CREATE_SCHEMA", "no");
         force_setting("SXML_SCHEMA_NAME", name);
@@ -69,51 +75,40 @@ class SchemaBesideDocument {
 };
 
 void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
-                 const RecordFields& fields) {
+                 const conversion::RecordFields& fields) {
     if (!options.lines) return;
     if (characters.is_ebcdic()) {
         fail_usage("--line: records in " + characters.name() + " are of fixed length");
     }
-    for (const Field& field : fields.all()) {
-        if (field.kind == FieldKind::text || field.kind == FieldKind::display_number) continue;
-        warn("--line: field " + fields.name(field) +
-             " is binary; a byte in it that looks like a line end would cut its record");
-        return;
+    for (const conversion::RecordLayout& layout : fields.layouts()) {
+        for (const conversion::Field& field : layout.fields) {
+            if (field.kind == FieldKind::text || field.kind == FieldKind::display_number) continue;
+            warn("--line: field " + fields.name(field.item) +
+                 " is binary; a byte in it that looks like a line end would cut its record");
+            return;
+        }
     }
 }
 
 void convert_to_xml(const ToXmlOptions& options) {
-    const host::Module module = load_module();
+    const host::Module& module = load_module();
     apply_settings(options.layout.settings);
     const CharacterSet characters = character_set(options);
     force_setting("SXML_ENCODING", characters.declared_name());
-
-    const auto encoding =
-        characters.is_ebcdic() ? records::RecordEncoding::ebcdic : records::RecordEncoding::ascii;
     RunFiles files;
     files.reads(options.records);
     files.writes(options.xml);
     if (writes_schema()) files.writes(setting_text("SXML_SCHEMA_NAME"));
-    const LayoutSource layout(options.layout);
-    records::Description description = layout.load(encoding, files);
+    const records::Description description =
+        LayoutSource(options.layout).load(record_encoding(characters), files);
     files.check();
-    std::optional<records::Description> translated;
-    if (characters.is_ebcdic()) {
-        translated = layout.load(records::RecordEncoding::ascii, files, Reports::hidden);
-    }
-    records::bind_description(translated ? &*translated : &description);
-
     conversion::ByteSource source = value_of(conversion::ByteSource::open(options.records));
-    RecordFields fields(description.xfd());
-    check_lines(options, characters, fields);
     AtomicOutput output(options.xml);
-    SchemaBesideDocument schema(module, description.xfd());
-    Document document(module, output);
-    RecordConversion conversion(source, description, translated ? &translated->xfd() : nullptr,
-                                characters, fields);
-    conversion.run(
-        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed, document,
-        output);
+    SchemaBesideDocument schema(module, description);
+    RecordConversion conversion(source, description, characters, output);
+    check_lines(options, characters, conversion.fields());
+    conversion.run(options.lines ? conversion::RecordFormat::lines
+                                 : conversion::RecordFormat::fixed);
     schema.commit();
     output.commit();
 }

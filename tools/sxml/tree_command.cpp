@@ -20,7 +20,7 @@ struct TreeOptions {
 };
 
 void print_tree(const TreeOptions& options) {
-    const host::Module module = load_module();
+    const host::Module& module = load_module();
     const XmlApi api = xml_api(module);
     RunFiles files;
     files.reads(options.in);

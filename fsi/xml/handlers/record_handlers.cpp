@@ -30,8 +30,9 @@ bool append_latin1(RecordTree& tree, const char* text, std::size_t length) {
 
 // Expat spends nothing on texts that nobody keeps.
 void choose_text_handler(const XmlParser& parser, bool kept_before) {
-    const bool kept = parser.record->keeps_text;
-    if (kept != kept_before)
+    const RecordTree& tree = *parser.record;
+    const bool kept = tree.keeps_text;
+    if (kept != kept_before && !tree.notes_unused)
         XML_SetCharacterDataHandler(parser.expat, kept ? text_in_record : nullptr);
 }
 
@@ -42,7 +43,8 @@ void deliver_records(XmlParser& parser, RecordTree* tree) {
     parser.record = tree;
     if (tree) {
         XML_SetElementHandler(parser.expat, start_in_record, end_in_record);
-        XML_SetCharacterDataHandler(parser.expat, tree->keeps_text ? text_in_record : nullptr);
+        const bool wants_text = tree->keeps_text || tree->notes_unused;
+        XML_SetCharacterDataHandler(parser.expat, wants_text ? text_in_record : nullptr);
     } else {
         XML_SetElementHandler(parser.expat, start_element, end_element);
         XML_SetCharacterDataHandler(parser.expat, char_data);
@@ -61,6 +63,7 @@ void start_in_record(void* expat, const char* name, const char** attributes) {
     std::uint32_t stored = tree.names.names[written].stored_as;
     if (!stored) stored = stored_number(parser, tree.names, written);
     if (!stored || !start_record_element(tree, stored)) return stop_out_of_memory(parser);
+    for (; tree.notes_unused && *attributes; attributes += 2) note_attribute(tree, *attributes);
     if (parser.depth == 2) start_record(parser);
     choose_text_handler(parser, kept_text);
 }
@@ -85,7 +88,7 @@ void text_in_record(void* expat, const char* text, int length) {
     const auto size = static_cast<std::size_t>(length);
     if (is_early(parser)) return keep_text(parser, text, size);
     RecordTree& tree = *parser.record;
-    if (!tree.keeps_text) return;
+    if (!tree.keeps_text) return note_lost_text(tree, text, size);
     const bool appended = stores_latin1(parser) ? append_latin1(tree, text, size)
                                                 : append_record_text(tree, text, size);
     if (!appended) stop_out_of_memory(parser);

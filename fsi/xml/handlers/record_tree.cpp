@@ -1,6 +1,9 @@
 #include "fsi/xml/handlers/record_tree.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <string_view>
 
 #include "fsi/xml/handlers/make_room.h"
 #include "host/encoding.h"
@@ -85,6 +88,7 @@ void enter(RecordTree& tree, std::uint32_t number) {
 void forget_text(RecordElement& element) {
     element.first_piece = element.last_piece = 0;
     element.has_text = element.is_trimmed = element.is_moved = false;
+    element.has_other_text = element.has_attributes = false;
 }
 
 // Links an element below the innermost open one, and makes it that.
@@ -219,6 +223,23 @@ bool keep_record_text(RecordTree& tree, std::size_t length) {
     }
     tree.text_size += length;
     return true;
+}
+
+void note_attribute(RecordTree& tree, const char* name) {
+    constexpr std::string_view NO_DATA[] = {"xmlns", "xml:", "xsi:"};
+    const std::string_view text = name;
+    const auto begins = [text](std::string_view start) { return text.starts_with(start); };
+    if (std::none_of(std::begin(NO_DATA), std::end(NO_DATA), begins)) {
+        tree.elements[tree.current].has_attributes = true;
+    }
+}
+
+void note_lost_text(RecordTree& tree, const char* text, std::size_t length) {
+    if (!tree.notes_unused || tree.current == 0) return;
+    const auto is_blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    if (!std::all_of(text, text + length, is_blank)) {
+        tree.elements[tree.current].has_other_text = true;
+    }
 }
 
 bool append_record_text(RecordTree& tree, const char* text, std::size_t length) {

@@ -32,9 +32,11 @@ struct RecordElement {
     std::size_t text_start;  // the beginning of the text
     std::size_t text_length;
     bool has_text;
-    bool keeps_text;  // the texts of elements that are no field's are not kept
-    bool is_trimmed;  // white space around its text does not count
-    bool is_moved;    // its text was moved into the record
+    bool keeps_text;      // the texts of elements that are no field's are not kept
+    bool is_trimmed;      // white space around its text does not count
+    bool is_moved;        // its text was moved into the record
+    bool has_other_text;  // when the tree notes what is unused: text that is not kept
+    bool has_attributes;  // and attributes
 };
 
 // More of a text, that does not lie behind what came before; numbered from 1.
@@ -56,13 +58,15 @@ struct RecordTree {
     std::uint32_t piece_room;
     std::uint32_t last_element;
     std::uint32_t last_piece;
-    std::uint32_t current;         // the innermost open element
-    std::uint32_t known_elements;  // of the record before, which may be met again
-    std::uint64_t record;          // counts the records that were linked anew
-    bool is_known;                 // all elements so far are those of the record before
-    bool keeps_text;               // of the innermost open element
-    bool has_numbers;              // an element has a number
-    bool is_numbered;              // number_elements has done its work
+    std::uint32_t current;            // the innermost open element
+    std::uint32_t known_elements;     // of the record before, which may be met again
+    std::uint64_t record;             // counts the records that were linked anew
+    bool is_known;                    // all elements so far are those of the record before
+    bool keeps_text;                  // of the innermost open element
+    bool has_numbers;                 // an element has a number
+    bool is_numbered;                 // number_elements has done its work
+    bool notes_unused;                // texts that are not kept, and attributes, are to be noted
+    const std::int32_t* exact_match;  // how tables are matched; null: as the setting says
 };
 
 // Forgets the record; the room is kept for the next one.
@@ -78,6 +82,12 @@ void end_record_element(RecordTree& tree);
 // Appends `length` bytes to the text of the innermost open element. False, with nothing changed,
 // when memory is exhausted.
 bool append_record_text(RecordTree& tree, const char* text, std::size_t length);
+
+// For a tree that notes what is unused: an attribute of the innermost open element, and a text of
+// it that is not kept. Declarations of namespaces, what says how to read a document, and white
+// space are no data.
+void note_attribute(RecordTree& tree, const char* name);
+void note_lost_text(RecordTree& tree, const char* text, std::size_t length);
 
 // Room for that many bytes behind the texts, null when memory is exhausted. What is put there
 // becomes text of the innermost open element with keep_record_text, which may be less.

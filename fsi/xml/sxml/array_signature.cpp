@@ -80,6 +80,10 @@ bool fits_with_gaps(const Numbers& numbers, const XfdItem& item) {
 
 }  // namespace
 
+bool matches_exactly(const RecordTree& tree) {
+    return tree.exact_match != nullptr ? *tree.exact_match != 0 : settings::exact_table_match();
+}
+
 bool same_array_signature(const RecordTree& tree, std::uint32_t element, const XfdItem& item) {
     const int dimensions = item.dimensions();
     const RecordElement& found = tree.elements[element];
@@ -96,7 +100,7 @@ bool same_array_signature(const RecordTree& tree, std::uint32_t element, const X
             std::equal(item.subscripts, item.subscripts + dimensions, numbers.values, equals);
         return leave(same, same ? "Leaving, TRUE" : "Leaving, FALSE 1");
     }
-    if (settings::exact_table_match()) return leave(false, "Leaving, exact match required");
+    if (matches_exactly(tree)) return leave(false, "Leaving, exact match required");
     if (dimensions < numbers.count) return leave(false, "Leaving, FALSE - too many XML indices");
     return fits_with_gaps(numbers, item);
 }

@@ -7,9 +7,18 @@ namespace {
 bool copy_element(RecordTree& tree, std::uint32_t element) {
     const std::uint32_t name = number_of_name(tree.names, xml_element_name(element));
     if (name == 0 || !start_record_element(tree, name)) return false;
+    const bool notes_all = tree.notes_unused;
+    const std::uint32_t attributes = notes_all ? xml_attribute_count(element) : 0;
+    for (std::uint32_t i = 0; i < attributes; ++i) {
+        note_attribute(tree, xml_attribute_name(element, i));
+    }
     std::uint64_t length = 0;
-    const char* const text = tree.keeps_text ? xml_element_value(element, &length) : nullptr;
-    return text == nullptr || append_record_text(tree, text, length);
+    const bool is_wanted = tree.keeps_text || notes_all;
+    const char* const text = is_wanted ? xml_element_value(element, &length) : nullptr;
+    if (text == nullptr) return true;
+    if (tree.keeps_text) return append_record_text(tree, text, length);
+    note_lost_text(tree, text, length);
+    return true;
 }
 
 }  // namespace

@@ -55,6 +55,10 @@ Xfd* parse_description_without_suffix(const char* name) {
     return xfd;
 }
 
+HostRecordHandler* record_handler(Xfd* xfd) {
+    return host_record_handler != nullptr ? host_record_handler(xfd) : nullptr;
+}
+
 bool ends_within(const char* name, std::size_t size) {
     return std::memchr(name, '\0', size) != nullptr;
 }
@@ -190,6 +194,7 @@ bool complete_open(XmlFile& file, const char* name, std::int32_t mode) {
         return false;
     }
     *host_file_error() = HOST_FILE_OK;
+    file.handler = record_handler(file.xfd);
     file.mode = mode;
     return direction_of(mode) == XML_OPEN_OUTPUT ? start_output(file) : start_input(file, name);
 }

@@ -74,5 +74,10 @@ bool open_document(XmlFile& file, const char* name) {
 bool start_input(XmlFile& file, const char* name) {
     if (!open_document(file, name)) return false;
     file.input_items = new_input_items(*file.xfd);
-    return file.input_items != nullptr || fail_without_memory();
+    if (file.input_items == nullptr) return fail_without_memory();
+    if (file.handler == nullptr) return true;
+    RecordTree& tree = file.input_items->tree;
+    tree.exact_match = &file.handler->exact_table_match;
+    tree.notes_unused = file.handler->unused != nullptr;
+    return true;
 }

@@ -12,7 +12,6 @@
 #include "fsi/xml/sxml/find_element.h"
 #include "fsi/xml/sxml/host_functions.h"
 #include "fsi/xml/sxml/items.h"
-#include "fsi/xml/sxml/settings.h"
 #include "fsi/xml/sxml/xml_file.h"
 #include "host/encoding.h"
 #include "host/errors.h"
@@ -47,12 +46,12 @@ bool find_text(const XmlFile& file, std::uint32_t element, const char** text, st
 
 // While nothing is traced, the setting is asked for where it makes a difference only.
 bool fits(RecordTree& tree, std::uint32_t element, const XfdItem& field) {
-    if (host_trace_on != 0 && !settings::exact_table_match()) return true;
+    if (host_trace_on != 0 && !matches_exactly(tree)) return true;
     number_elements(tree);
     const bool no_tables = field.dimensions() == 0 && tree.elements[element].number_count == 0;
     if (no_tables && host_trace_on == 0) return true;
     if (same_array_signature(tree, element, field)) return true;
-    return host_trace_on == 0 && !settings::exact_table_match();
+    return host_trace_on == 0 && !matches_exactly(tree);
 }
 
 void move_number(XfdItem& field, char* target, const char* text, std::uint64_t length) {
@@ -92,13 +91,23 @@ std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record
         host_trace(0, 10, "%.*s", static_cast<int>(std::min<std::size_t>(length, INT_MAX)), text);
     }
     char* const target = record + field.offset;
-    if (is_numeric_type(field.data.type)) {
+    if (file.handler != nullptr) {
+        file.handler->store(file.handler->context, index, text, length);
+    } else if (is_numeric_type(field.data.type)) {
         move_number(field, target, text, length);
     } else {
         move_characters(field, target, text, length);
     }
     if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
     return field.offset + field.data.length;
+}
+
+void test_condition(const XmlFile& file, int number, const void* record) {
+    if (file.handler != nullptr) {
+        file.handler->test_condition(file.handler->context, number);
+    } else {
+        host_functions::test_condition()(file.xfd, number, record);
+    }
 }
 
 // Fills the fields of every record, then those of each condition that holds on the record as filled
@@ -108,7 +117,7 @@ std::int32_t fill_record(const XmlFile& file, char* record) {
     std::int32_t best = 0;
     std::int32_t at = 0;
     for (int number = 0; number <= file.xfd->condition_count; ++number) {
-        if (number > 0) host_functions::test_condition()(file.xfd, number, record);
+        if (number > 0) test_condition(file, number, record);
         const bool holds = number == 0 || condition_holds(*file.xfd, number);
         for (; at < items.field_count; ++at) {
             const std::int32_t field = items.fields[at];
@@ -117,6 +126,41 @@ std::int32_t fill_record(const XmlFile& file, char* record) {
         }
     }
     return best;
+}
+
+bool is_used(RecordTree& tree, std::uint32_t number) {
+    const RecordElement& element = tree.elements[number];
+    return (element.is_moved || !element.has_text) && !element.has_other_text &&
+           !element.has_attributes;
+}
+
+// Texts of white space are no data.
+bool has_unused_text(const XmlFile& file, std::uint32_t number) {
+    const RecordElement& element = file.input_items->tree.elements[number];
+    const char* text = nullptr;
+    std::size_t length = 0;
+    if (element.has_other_text) return true;
+    return !element.is_moved && element.has_text && find_text(file, number, &text, &length) &&
+           length > 0;
+}
+
+// Tells the host of the record's elements when one of them holds something that went into no field.
+void report_unused(const XmlFile& file) {
+    RecordTree& tree = file.input_items->tree;
+    if (!tree.notes_unused) return;
+    std::uint32_t number = 1;
+    while (number <= tree.last_element && is_used(tree, number)) ++number;
+    if (number > tree.last_element) return;
+    for (number = 1; number <= tree.last_element; ++number) {
+        const RecordElement& element = tree.elements[number];
+        const HostRecordElement told = {number,
+                                        element.parent,
+                                        name_text(tree.names, element.name),
+                                        has_unused_text(file, number),
+                                        element.has_attributes,
+                                        element.keeps_text};
+        file.handler->unused(file.handler->context, &told);
+    }
 }
 
 void dump_record(const XmlFile& file) {
@@ -138,6 +182,7 @@ bool parse_record(const XmlFile& file) {
     deliver_records(*parser, traced ? nullptr : &tree);
     if (SxmlParser_parse_record(file.parser) == 0) return false;
     file.input_items->text_encoding = text_encoding(*parser);
+    if (file.handler != nullptr) file.handler->text_encoding = text_encoding(*parser);
     if (host_trace_on > DUMP_ABOVE) dump_record(file);
     if (!traced) {
         complete_record(tree);
@@ -167,6 +212,7 @@ int xml_sread(XmlFile* file, void* record) {
         return 0;
     }
     const std::int32_t best = fill_record(*file, static_cast<char*>(record));
+    report_unused(*file);
     if (host_trace_on != 0) host_trace(-1, 1, "Leaving, %d", best + 1);
     return best + 1;
 }

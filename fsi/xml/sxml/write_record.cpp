@@ -25,6 +25,7 @@ struct RecordWriter {
     const ItemTags& tags;
     const char* record;
     std::uint32_t record_length;
+    const HostRecordHandler* handler;
     RecordOutput output;
 };
 
@@ -107,9 +108,21 @@ std::int32_t text_encoding(const Xfd& xfd, int type) {
     return HOST_ENCODING_NONE;
 }
 
-bool write_characters(RecordWriter& writer, const XfdItem& field) {
+// The text of a character field: as it is in the record, or as the host gives it.
+std::string_view text_of(const RecordWriter& writer, std::int32_t index) {
+    const HostRecordHandler* const handler = writer.handler;
+    if (handler == nullptr || handler->text == nullptr) {
+        return field_bytes(writer, writer.xfd.items[index]);
+    }
+    std::size_t length = 0;
+    const char* const text = handler->text(handler->context, index, &length);
+    return {text, length};
+}
+
+bool write_characters(RecordWriter& writer, std::int32_t index) {
+    const XfdItem& field = writer.xfd.items[index];
     if (host_trace_on != 0) host_trace(0, 2, "Writing character data");
-    const std::string_view bytes = field_bytes(writer, field);
+    const std::string_view bytes = text_of(writer, index);
     const XmlTextSpan span = {bytes.data(), bytes.size(),
                               text_encoding(writer.xfd, field.data.type)};
     return writer.output.write_text(span);
@@ -129,7 +142,7 @@ bool write_xml_data(RecordWriter& writer, std::int32_t index) {
     } else if (is_numeric_type(field.data.type)) {
         written = write_number(writer, field);
     } else {
-        written = write_characters(writer, field);
+        written = write_characters(writer, index);
     }
     if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
     return written;
@@ -220,6 +233,13 @@ bool write_xml_piece(RecordWriter& writer, std::int32_t index) {
     return has_data;
 }
 
+// The record layout to write: as the host says, or by the conditions.
+std::int32_t layout_to_write(const XmlFile& file, const void* record) {
+    if (file.handler != nullptr) return file.handler->choose_layout(file.handler->context);
+    test_all_conditions(*file.xfd, record);
+    return choose_layout(*file.xfd);
+}
+
 }  // namespace
 
 int xml_swrite(XmlFile* file, const void* record, std::uint32_t length) {
@@ -227,13 +247,13 @@ int xml_swrite(XmlFile* file, const void* record, std::uint32_t length) {
         *host_file_error() = HOST_FILE_UNSUPPORTED;
         return 0;
     }
-    RecordWriter writer = {*file->xfd, *file->item_tags, static_cast<const char*>(record), length,
-                           RecordOutput(file->out, file->out_encoding)};
+    RecordWriter writer = {
+        *file->xfd, *file->item_tags, static_cast<const char*>(record),
+        length,     file->handler,    RecordOutput(file->out, file->out_encoding)};
     const std::uint32_t start = writer.output.position();
     *host_file_error() = HOST_FILE_OK;
     if (host_trace_on != 0) host_trace(1, 1, "xml_swrite, %d", static_cast<int>(length));
-    test_all_conditions(writer.xfd, record);
-    const bool has_data = write_xml_piece(writer, choose_layout(writer.xfd));
+    const bool has_data = write_xml_piece(writer, layout_to_write(*file, record));
     if (!has_data && settings::ignore_empty_data()) writer.output.go_back(start);
     writer.output.flush();
     if (host_trace_on != 0) host_trace(-1, 1, "Leaving");

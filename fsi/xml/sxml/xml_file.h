@@ -8,15 +8,17 @@
 #include "fsi/xml/sxml/item_tags.h"
 #include "host/files.h"
 #include "host/record_description.h"
+#include "host/record_handler.h"
 
 struct XmlFile {
-    Xfd* xfd;                   // the record description; owned
-    std::uint32_t parser;       // input: handle of the document's parse; owned. 0 for output
-    HostStream* out;            // output: the document being written; owned. Null for input
-    std::int32_t mode;          // as the host gave it
-    std::int32_t out_encoding;  // output: host encoding code that every write passes on
-    ItemTags* item_tags;        // output: the markup of the items; owned
-    InputItems* input_items;    // input: the description prepared for reading; owned
+    Xfd* xfd;                    // the record description; owned
+    std::uint32_t parser;        // input: handle of the document's parse; owned. 0 for output
+    HostStream* out;             // output: the document being written; owned. Null for input
+    std::int32_t mode;           // as the host gave it
+    std::int32_t out_encoding;   // output: host encoding code that every write passes on
+    ItemTags* item_tags;         // output: the markup of the items; owned
+    InputItems* input_items;     // input: the description prepared for reading; owned
+    HostRecordHandler* handler;  // the host's part in every record; null for none
 };
 
 // What an open mode's low two bits say.

@@ -1,10 +1,10 @@
-#include "tools/sxml/record_check.h"
+#include "conversion/texts/text_check.h"
 
 #include <algorithm>
 
 #include "conversion/texts/utf8.h"
 
-namespace command {
+namespace conversion {
 
 namespace {
 
@@ -33,33 +33,33 @@ std::optional<TextProblem> TextCheck::look_closely(const std::uint8_t* text,
         if (found == ByteClass::nul && is_all_nul(text + i, length - i, text[i])) break;
         const auto left = static_cast<std::size_t>(length - i);
         const std::size_t width =
-            found == ByteClass::multi_byte ? documents::utf8_character_length(text + i, left) : 0;
-        if (width == 0) return TextProblem{i, reason_for(text[i])};
+            found == ByteClass::multi_byte ? utf8_character_length(text + i, left) : 0;
+        if (width == 0) return problem_of(i, text[i]);
         i += static_cast<std::int32_t>(width) - 1;
     }
     return std::nullopt;
 }
 
-std::string TextCheck::reason_for(std::uint8_t byte) const {
+TextProblem TextCheck::problem_of(std::int32_t position, std::uint8_t byte) const {
     const std::string shown = "the byte " + hexadecimal(byte);
     switch (characters_.classify(byte)) {
         case ByteClass::nul:
-            return "a NUL byte with text behind it, which would be lost; " +
-                   std::string("does the layout fit the file?");
+            return {position, "a NUL byte with text after it, which would be lost",
+                    "does the layout fit the records?"};
         case ByteClass::forbidden:
-            return shown +
-                   " is a control character that XML does not allow; does the layout fit the "
-                   "file? Binary data needs the directive `hex` in the copybook";
+            return {position, shown + " is a control character that XML does not allow",
+                    "does the layout fit the records? Binary data needs the directive `hex` in the "
+                    "copybook"};
         case ByteClass::undefined:
-            return shown + " is no character of " + characters_.name();
+            return {position, shown + " is no character of " + characters_.name(), {}};
         case ByteClass::not_in_target:
-            return shown + " is a character of " + characters_.name() + " that " +
-                   characters_.declared_name() + " lacks";
+            return {position,
+                    shown + " is a character of " + characters_.name() + " that " +
+                        characters_.declared_name() + " lacks",
+                    {}};
         default:
-            return shown +
-                   " is not valid UTF-8; if the text is in another character set, name it: "
-                   "--encoding iso-8859-1, --encoding cp037";
+            return {position, shown + " is not valid UTF-8", NAME_THE_CHARACTER_SET};
     }
 }
 
-}  // namespace command
+}  // namespace conversion

@@ -1,4 +1,4 @@
-// Finds what would make a document ill-formed before it is written.
+// Finds what would make a document ill-formed, or be lost in it, before it is written.
 #pragma once
 
 #include <array>
@@ -6,17 +6,22 @@
 #include <optional>
 #include <string>
 
-#include "tools/sxml/character_set.h"
+#include "conversion/texts/character_set.h"
 
-namespace command {
+namespace conversion {
+
+// The remedy for text that is not valid UTF-8. A face that has a better way replaces it.
+inline constexpr const char* NAME_THE_CHARACTER_SET =
+    "if the text is in another character set, name it: SXML_ENCODING=ISO-8859-1";
 
 // Something in a field's text that a document cannot hold.
 struct TextProblem {
     std::int32_t position;  // of the byte in the field, from 0
-    std::string reason;     // what it is and what can be done
+    std::string what;
+    std::string remedy;
 };
 
-// Checks texts of one character set.
+// Checks texts of one character set, which must outlive this.
 class TextCheck {
   public:
     explicit TextCheck(const CharacterSet& characters);
@@ -32,10 +37,10 @@ class TextCheck {
 
   private:
     std::optional<TextProblem> look_closely(const std::uint8_t* text, std::int32_t length) const;
-    std::string reason_for(std::uint8_t byte) const;
+    TextProblem problem_of(std::int32_t position, std::uint8_t byte) const;
 
     const CharacterSet& characters_;
     std::array<std::uint8_t, 256> special_{};  // 0 for plain characters
 };
 
-}  // namespace command
+}  // namespace conversion

@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <string>
 
-namespace command {
+#include "conversion/problem.h"
+
+namespace conversion {
 
 // What a byte of text is to a document.
 enum class ByteClass : std::uint8_t {
@@ -21,9 +23,10 @@ enum class ByteClass : std::uint8_t {
 // as it is, and the document declares that encoding. Text in EBCDIC is translated to ISO-8859-1.
 class CharacterSet {
   public:
-    // Throws Failure (wrong usage) for a name that is not known, and for sets of several bytes a
-    // character other than UTF-8.
-    explicit CharacterSet(const std::string& name);
+    // The set of this name. A problem (wrong usage) for a name that is not known, for sets that are
+    // neither EBCDIC nor an extension of ASCII, and for those of several bytes a character other
+    // than UTF-8.
+    static Result<CharacterSet> find(const std::string& name);
 
     // As the user wrote it.
     const std::string& name() const { return name_; }
@@ -31,6 +34,7 @@ class CharacterSet {
     const std::string& declared_name() const { return declared_name_; }
     bool is_utf8() const { return utf8_; }
     bool is_ebcdic() const { return ebcdic_; }
+    std::uint8_t space() const { return ebcdic_ ? std::uint8_t{0x40} : std::uint8_t{' '}; }
     ByteClass classify(std::uint8_t byte) const { return classes_[byte]; }
     const std::array<ByteClass, 256>& classes() const { return classes_; }
     // The character (Unicode) of each byte of a single-byte set; negative where there is none.
@@ -39,8 +43,10 @@ class CharacterSet {
     const std::array<std::uint8_t, 256>& translation() const { return translation_; }
 
   private:
+    explicit CharacterSet(std::string name) : name_(std::move(name)) {}
     void become_utf8();
-    void become_single_byte(const std::array<std::int32_t, 256>& characters);
+    // False when the set is neither EBCDIC nor an extension of ASCII.
+    bool become_single_byte(const std::array<std::int32_t, 256>& characters);
 
     std::string name_;
     std::string declared_name_;
@@ -51,4 +57,4 @@ class CharacterSet {
     std::array<std::uint8_t, 256> translation_{};
 };
 
-}  // namespace command
+}  // namespace conversion

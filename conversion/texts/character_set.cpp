@@ -1,4 +1,4 @@
-#include "tools/sxml/character_set.h"
+#include "conversion/texts/character_set.h"
 
 #include <iconv.h>
 
@@ -6,36 +6,49 @@
 #include <cctype>
 #include <cerrno>
 #include <cstring>
+#include <optional>
 
 #include "host/encoding.h"
-#include "tools/sxml/errors.h"
 
-namespace command {
+namespace conversion {
 
 namespace {
 
 constexpr std::int32_t UNDEFINED = -1;
 using Characters = std::array<std::int32_t, 256>;  // Unicode for each byte, or UNDEFINED
 
-[[noreturn]] void fail_unknown(const std::string& name) {
-    fail_usage("--encoding " + name +
-               ": not a known character set; utf-8, iso-8859-1, cp037, cp1047, cp500 and cp273 "
-               "are some of those known");
+constexpr const char* KNOWN_SETS =
+    "utf-8, iso-8859-1, cp037, cp1047, cp500 and cp273 are some of those known";
+
+Problem unsuitable(const std::string& name, const char* why) {
+    return {Cause::usage, {}, name + ": " + why, KNOWN_SETS};
 }
 
 // A converter from a named character set to Unicode.
 class Converter {
   public:
-    explicit Converter(const std::string& name) : handle_(iconv_open("UTF-32LE", name.c_str())) {
-        if (reinterpret_cast<std::intptr_t>(handle_) == -1) fail_unknown(name);
+    explicit Converter(const std::string& name) : handle_(iconv_open("UTF-32LE", name.c_str())) {}
+    ~Converter() {
+        if (is_known()) iconv_close(handle_);
     }
-    ~Converter() { iconv_close(handle_); }
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    // The character that a single byte stands for; UNDEFINED when there is none. Throws Failure
-    // when the byte only begins a character.
-    std::int32_t character(std::uint8_t byte, const std::string& name) {
+    bool is_known() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
+
+    // The character of each byte. Nothing when a byte only begins a character.
+    std::optional<Characters> characters() {
+        Characters result;
+        for (std::size_t byte = 0; byte < result.size(); ++byte) {
+            const std::optional<std::int32_t> one = character(static_cast<std::uint8_t>(byte));
+            if (!one) return std::nullopt;
+            result[byte] = *one;
+        }
+        return result;
+    }
+
+  private:
+    std::optional<std::int32_t> character(std::uint8_t byte) {
         char input = static_cast<char>(byte);
         std::array<char, 16> output{};
         char* from = &input;
@@ -44,18 +57,14 @@ class Converter {
         std::size_t output_left = output.size();
         iconv(handle_, nullptr, nullptr, nullptr, nullptr);
         const std::size_t result = iconv(handle_, &from, &input_left, &to, &output_left);
-        if (result == static_cast<std::size_t>(-1) && errno == EINVAL) {
-            fail_usage("--encoding " + name +
-                       ": characters of several bytes are understood in utf-8 only");
+        if (result == static_cast<std::size_t>(-1) && errno == EINVAL) return std::nullopt;
+        std::int32_t code = UNDEFINED;
+        if (result == 0 && output.size() - output_left == sizeof code) {
+            std::memcpy(&code, output.data(), sizeof code);
         }
-        std::int32_t character = UNDEFINED;
-        if (result == 0 && output.size() - output_left == sizeof character) {
-            std::memcpy(&character, output.data(), sizeof character);
-        }
-        return character;
+        return code;
     }
 
-  private:
     iconv_t handle_;
 };
 
@@ -94,20 +103,25 @@ ByteClass classify_character(std::int32_t character) {
 
 }  // namespace
 
-CharacterSet::CharacterSet(const std::string& name) : name_(name) {
+Result<CharacterSet> CharacterSet::find(const std::string& name) {
+    CharacterSet set(name);
     const std::int32_t code = host_encoding_code(name.c_str());
     if (code == HOST_ENCODING_UTF8) {
-        become_utf8();
-        return;
+        set.become_utf8();
+        return set;
     }
-    if (!is_xml_name_of_encoding(name)) fail_unknown(name);
+    if (!is_xml_name_of_encoding(name)) return unsuitable(name, "not a known character set");
     Converter converter(name);
-    Characters characters;
-    for (std::size_t byte = 0; byte < characters.size(); ++byte) {
-        characters[byte] = converter.character(static_cast<std::uint8_t>(byte), name);
+    if (!converter.is_known()) return unsuitable(name, "not a known character set");
+    const std::optional<Characters> characters = converter.characters();
+    if (!characters) {
+        return unsuitable(name, "characters of several bytes are understood in utf-8 only");
     }
-    become_single_byte(characters);
-    if (code == HOST_ENCODING_LATIN1) declared_name_ = "ISO-8859-1";
+    if (!set.become_single_byte(*characters)) {
+        return unsuitable(name, "neither an extension of ASCII nor EBCDIC");
+    }
+    if (code == HOST_ENCODING_LATIN1) set.declared_name_ = "ISO-8859-1";
+    return set;
 }
 
 void CharacterSet::become_utf8() {
@@ -119,12 +133,10 @@ void CharacterSet::become_utf8() {
     }
 }
 
-void CharacterSet::become_single_byte(const Characters& characters) {
+bool CharacterSet::become_single_byte(const Characters& characters) {
     characters_ = characters;
     ebcdic_ = is_ebcdic_set(characters);
-    if (!ebcdic_ && !extends_ascii(characters)) {
-        fail_usage("--encoding " + name_ + ": neither an extension of ASCII nor EBCDIC");
-    }
+    if (!ebcdic_ && !extends_ascii(characters)) return false;
     declared_name_ = ebcdic_ ? "ISO-8859-1" : upper_case(name_);
     for (std::size_t byte = 0; byte < characters.size(); ++byte) {
         const std::int32_t character = characters[byte];
@@ -132,6 +144,7 @@ void CharacterSet::become_single_byte(const Characters& characters) {
         classes_[byte] = lost ? ByteClass::not_in_target : classify_character(character);
         translation_[byte] = static_cast<std::uint8_t>(character & 0xFF);
     }
+    return true;
 }
 
-}  // namespace command
+}  // namespace conversion

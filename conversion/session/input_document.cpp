@@ -1,0 +1,295 @@
+#include "conversion/session/input_document.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <utility>
+
+#include "conversion/documents/document_check.h"
+#include "host/config.h"
+#include "host/encoding.h"
+#include "host/errors.h"
+#include "platform/files.h"
+#include "records/alignment.h"
+#include "records/field_types.h"
+#include "records/numbers.h"
+
+namespace conversion {
+
+namespace {
+
+constexpr const char* EXACT_TABLE_MATCH = "SXML_EXACT_TABLE_MATCH";
+
+std::string records_text(std::uint64_t count) {
+    return std::to_string(count) + (count == 1 ? " record" : " records");
+}
+
+// What came through a pipe is gone and cannot be looked at again.
+bool can_be_read_again(const std::string& file) {
+    const auto state = platform::state_of(file);
+    return state && state->kind == platform::FileKind::regular;
+}
+
+bool is_ascii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+bool is_aligned(const XfdItem& item) {
+    const records::FieldEdges edges = records::field_extra(item.data).edges;
+    return edges.is_right != 0 || edges.blanks != 0;
+}
+
+// The text as the field's picture places it, as long as the field. In characters of ASCII.
+std::string aligned(const XfdItem& item, std::string_view text) {
+    XfdItem field = item;
+    field.offset = 0;
+    std::string placed(text);
+    placed.resize(static_cast<std::size_t>(item.data.length), ' ');
+    records::align_field(field, reinterpret_cast<std::uint8_t*>(placed.data()));
+    return placed;
+}
+
+}  // namespace
+
+InputDocument::InputDocument(const host::Module& module, const records::Description& description,
+                             const CharacterSet* characters, const Options& options,
+                             RecordFields fields)
+    : module_(module),
+      options_(options),
+      fields_(std::move(fields)),
+      takes_any_record_(fields_.takes_any_record()),
+      follows_entries_(host_config_string(EXACT_TABLE_MATCH, nullptr) == nullptr),
+      exact_table_match_(host_config_flag(EXACT_TABLE_MATCH, 1)),
+      record_length_(description.record_length()),
+      characters_(characters),
+      own_characters_(*CharacterSet::find("utf-8")),
+      blank_(description.xfd(), record_length_, options.fill,
+             characters != nullptr ? characters->space() : std::uint8_t{' '}),
+      single_entry_(description),
+      record_(static_cast<std::size_t>(record_length_)),
+      fates_(static_cast<std::size_t>(description.xfd().item_count)) {
+    handler_.context = this;
+    handler_.test_condition = &test_condition;
+    handler_.store = &store;
+    if (options.notes_unused) handler_.unused = &note_element;
+    if (options_.shown_name.empty()) options_.shown_name = options_.file;
+}
+
+Result<std::unique_ptr<InputDocument>> InputDocument::open(const records::Description& description,
+                                                           const CharacterSet* characters,
+                                                           const Options& options) {
+    const Result<const host::Module*> module = xml_module();
+    if (!module) return module.problem();
+    Result<RecordFields> fields = RecordFields::of(description.xfd());
+    if (!fields) return fields.problem();
+    std::unique_ptr<InputDocument> document(
+        new InputDocument(**module, description, characters, options, *std::move(fields)));
+    const Result<ModuleFile> opened =
+        open_module_file(**module, {options.file, options.shown_name, XML_OPEN_INPUT, {}},
+                         description, document->handler_);
+    if (!opened) {
+        const int code = *host_file_error();
+        const bool is_content = code == HOST_FILE_XML || code == HOST_FILE_END;
+        return is_content ? document->reading_problem() : opened.problem();
+    }
+    document->module_file_ = *opened;
+    return document;
+}
+
+InputDocument::~InputDocument() {
+    if (module_file_.file != nullptr) module_.close(module_file_.file);
+}
+
+void InputDocument::begin_record() {
+    blank_.begin(record_.data());
+    single_entry_.begin_record();
+    std::fill(fates_.begin(), fates_.end(), FieldFate::not_in_document);
+    troubles_.clear();
+    elements_.clear();
+    unused_.clear();
+    is_of_a_layout_ = takes_any_record_;
+    filled_length_ = 0;
+    handler_.exact_table_match = exact_table_match_;
+}
+
+Result<bool> InputDocument::read() {
+    if (has_ended_) return false;
+    begin_record();
+    const int result = module_.read(module_file_.file, record_.data());
+    const int code = *host_file_error();
+    if (is_out_of_memory_) return Problem{Cause::no_memory, {}, "there is not enough memory", {}};
+    if (result > 0 && code == HOST_FILE_OK) {
+        ++count_;
+        filled_length_ = result - 1;
+        if (!elements_.empty()) collect_unused();
+        return true;
+    }
+    has_ended_ = true;
+    if (result == 0 && code == HOST_FILE_END &&
+        module_.read_to_end(module_file_.file, record_.data())) {
+        return false;
+    }
+    return reading_problem();
+}
+
+Problem InputDocument::reading_problem() const {
+    if (*host_file_error() == HOST_FILE_NO_MEMORY) {
+        return {Cause::no_memory, {}, "there is not enough memory", {}};
+    }
+    const std::string before = records_text(count_) + " came before";
+    if (can_be_read_again(options_.file)) {
+        Done problem = check_document(options_.file, options_.shown_name);
+        if (problem) {
+            problem->remedy = before;
+            return *std::move(problem);
+        }
+    }
+    return {Cause::document, {.file = options_.shown_name}, "the document cannot be read", before};
+}
+
+std::optional<std::size_t> InputDocument::layout() const {
+    return fields_.choose(*module_file_.xfd);
+}
+
+// The fields that belong to the condition are filled next.
+void InputDocument::test_condition(void* document, std::int32_t number) {
+    auto& self = *static_cast<InputDocument*>(document);
+    Q4TestCOBOLCond(self.module_file_.xfd, number, self.record_.data());
+    if (!condition_holds(*self.module_file_.xfd, static_cast<std::int16_t>(number))) return;
+    self.blank_.add_condition(number, self.record_.data());
+    self.is_of_a_layout_ = true;
+}
+
+// Nothing may be thrown through the module.
+void InputDocument::store(void* document, std::int32_t index, const char* text,
+                          std::size_t length) {
+    auto& self = *static_cast<InputDocument*>(document);
+    const XfdItem& item = self.module_file_.xfd->items[index];
+    FieldFate& fate = self.fates_[static_cast<std::size_t>(index)];
+    if (!self.single_entry_.is_in_use(item.offset)) {
+        fate = FieldFate::not_used;
+        return;
+    }
+    fate = FieldFate::filled;
+    try {
+        if (is_numeric_type(item.data.type)) {
+            self.store_number(index, {text, length});
+        } else {
+            self.store_text(index, {text, length});
+        }
+    } catch (const std::bad_alloc&) {
+        self.is_out_of_memory_ = true;
+    }
+}
+
+void InputDocument::store_number(std::int32_t index, std::string_view text) {
+    XfdDataDesc& target = module_file_.xfd->items[index].data;
+    target.address = record_.data() + module_file_.xfd->items[index].offset;
+    XfdDataDesc source = target;
+    constexpr std::size_t LONGEST = std::numeric_limits<std::int32_t>::max();
+    source.address = const_cast<char*>(text.data());
+    source.length = static_cast<std::int32_t>(std::min(text.size(), LONGEST));
+    source.type = records::TEXT;
+    if (Qconvert(&target, &source, 1) == 0 && !text.empty()) {
+        note_trouble({index, FieldFate::no_number, std::string(text), 0, 0, 0});
+    }
+    if (!follows_entries_) return;
+    if (single_entry_.is_counted_by(record_.data(), target.address)) {
+        handler_.exact_table_match = 0;
+    }
+}
+
+// The encoding of a document's texts is known when its first record has been parsed.
+void InputDocument::begin_texts() {
+    const bool is_latin1 = handler_.text_encoding == HOST_ENCODING_LATIN1;
+    if (characters_ == nullptr) {
+        if (is_latin1) own_characters_ = *CharacterSet::find("iso-8859-1");
+        characters_ = &own_characters_;
+    }
+    texts_.emplace(is_latin1 ? DocumentText::latin1 : DocumentText::utf8, *characters_);
+}
+
+void InputDocument::store_text(std::int32_t index, std::string_view text) {
+    if (!texts_) begin_texts();
+    const XfdItem& item = module_file_.xfd->items[index];
+    std::string_view value = text;
+    if (texts_->converts() && item.format != XFD_FORMAT_BINARY && !convert(index, value)) return;
+    place(item, value);
+    const auto size = static_cast<std::size_t>(item.data.length);
+    if (value.size() <= size) return;
+    note_trouble({index, FieldFate::cut, std::string(text), value.size(), size, 0});
+}
+
+// Converts a text into the records' character set. False when it cannot be.
+bool InputDocument::convert(std::int32_t index, std::string_view& text) {
+    const XfdItem& item = module_file_.xfd->items[index];
+    const bool is_edited = item.data.type == records::EDITED && is_aligned(item);
+    const bool fits = text.size() <= static_cast<std::size_t>(item.data.length);
+    const std::string source =
+        is_edited && fits && is_ascii(text) ? aligned(item, text) : std::string(text);
+    const std::optional<char32_t> lost = texts_->convert(source, converted_);
+    if (lost) {
+        note_trouble({index, FieldFate::lost_character, std::string(text), 0, 0, *lost});
+        return false;
+    }
+    text = converted_;
+    return true;
+}
+
+// Stores a text in the records' character set: as many whole characters as fit, where the field's
+// picture says.
+void InputDocument::place(const XfdItem& item, std::string_view text) {
+    const auto size = static_cast<std::size_t>(item.data.length);
+    const std::size_t moved = texts_->fitting(text, size);
+    std::uint8_t* const target = record_.data() + item.offset;
+    std::fill(std::copy_n(text.begin(), moved, target), target + size, characters_->space());
+    if (!is_aligned(item)) return;
+    if (!characters_->is_ebcdic()) {
+        records::align_field(item, record_.data());
+    } else if (item.data.type == records::JUSTIFIED) {
+        std::rotate(target, target + moved, target + size);
+    }
+}
+
+void InputDocument::note_trouble(FieldTrouble trouble) {
+    fates_[static_cast<std::size_t>(trouble.item)] = trouble.fate;
+    troubles_.push_back(std::move(trouble));
+}
+
+void InputDocument::note_element(void* document, const HostRecordElement* element) {
+    auto& self = *static_cast<InputDocument*>(document);
+    try {
+        self.elements_.push_back({element->name, element->parent, element->has_unused_text,
+                                  element->has_attributes, element->is_of_field});
+    } catch (const std::bad_alloc&) {
+        self.is_out_of_memory_ = true;
+    }
+}
+
+std::string InputDocument::path_of(std::size_t element) const {
+    std::string path = elements_[element].name;
+    std::size_t at = elements_[element].parent;
+    while (at > 1) {
+        path.insert(0, elements_[at - 1].name + "/");
+        at = elements_[at - 1].parent;
+    }
+    return path;
+}
+
+void InputDocument::collect_unused() {
+    for (std::size_t i = 0; i < elements_.size(); ++i) {
+        const Element& element = elements_[i];
+        const auto number = static_cast<std::uint32_t>(i + 1);
+        if (element.has_text) {
+            const bool is_surplus = element.is_of_field;
+            unused_.push_back({is_surplus ? UnusedData::Kind::surplus : UnusedData::Kind::text,
+                               path_of(i), number});
+        }
+        if (element.has_attributes) {
+            unused_.push_back({UnusedData::Kind::attributes, path_of(i), number});
+        }
+    }
+}
+
+}  // namespace conversion

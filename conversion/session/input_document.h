@@ -1,0 +1,155 @@
+// A document that is read, one record at a time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "conversion/fields/blank_record.h"
+#include "conversion/fields/record_fields.h"
+#include "conversion/fields/single_entry.h"
+#include "conversion/problem.h"
+#include "conversion/session/module.h"
+#include "conversion/texts/character_set.h"
+#include "conversion/texts/field_text.h"
+#include "records/description.h"
+
+namespace conversion {
+
+// What became of a field of the record read last.
+enum class FieldFate : std::uint8_t {
+    not_in_document,  // it is blank
+    filled,           // with all of the text
+    cut,              // with as many whole characters as fit
+    no_number,        // the text is not a number that fits; docs/numbers.md says what it holds
+    lost_character,   // the text has a character that the records' set lacks; it is blank
+    not_used          // it is in an entry that the record's table does not have
+};
+
+// A field that is not what the document says.
+struct FieldTrouble {
+    std::int32_t item;   // of the description
+    FieldFate fate;      // cut, no_number or lost_character
+    std::string text;    // in UTF-8 or, of a document in ISO-8859-1, in that
+    std::size_t whole;   // cut: bytes that the whole text takes in the records' character set
+    std::size_t size;    // cut: bytes that the field has
+    char32_t character;  // lost_character: the first one
+};
+
+// Text or attributes inside a record that went into no field.
+struct UnusedData {
+    enum class Kind : std::uint8_t {
+        text,     // no field is called like the element
+        surplus,  // a field is, but it does not take this element: there are more than it holds
+        attributes
+    };
+    Kind kind;
+    std::string path;      // from below the record's element, as in "address/street"; the record's
+                           // own name for itself
+    std::uint32_t number;  // of the element among the record's elements, from 1
+};
+
+// The way of a record: the module parses it and says which element's text belongs to which field;
+// the text is converted and stored in the record, and what became of each field is noted. Any
+// number of documents may be open at once.
+class InputDocument {
+  public:
+    struct Options {
+        std::string file;        // its name on the disk
+        std::string shown_name;  // in messages; empty: as `file`
+        BlankFill fill = BlankFill::by_type;
+        bool notes_unused = false;  // unused_data() is wanted
+    };
+
+    // Opens a document. `description` describes the records as they become, in `characters`; null:
+    // the document's own (UTF-8 or ISO-8859-1). Both must outlive the document.
+    static Result<std::unique_ptr<InputDocument>> open(const records::Description& description,
+                                                       const CharacterSet* characters,
+                                                       const Options& options);
+    ~InputDocument();
+    InputDocument(const InputDocument&) = delete;
+    InputDocument& operator=(const InputDocument&) = delete;
+
+    const RecordFields& fields() const { return fields_; }
+    // Of the records; known once a text has been read.
+    const CharacterSet& characters() const {
+        return characters_ != nullptr ? *characters_ : own_characters_;
+    }
+
+    // Reads the next record. False at the end of a document that is complete and well-formed. A
+    // problem, with line and column, where it is not.
+    Result<bool> read();
+    // Records read so far.
+    std::uint64_t count() const { return count_; }
+
+    // Of the record read last, until the next is read:
+    std::span<const std::uint8_t> record() const { return record_; }
+    // False: each of several layouts has a condition and none holds, so that only the fields of
+    // every record were filled.
+    bool is_of_a_layout() const { return is_of_a_layout_; }
+    // The layout of which all conditions held while the record was filled.
+    std::optional<std::size_t> layout() const;
+    // Where the last field ends that the document had data for; 0 when there was none.
+    std::int32_t filled_length() const { return filled_length_; }
+    FieldFate fate(std::int32_t item) const { return fates_[static_cast<std::size_t>(item)]; }
+    const std::vector<FieldTrouble>& troubles() const { return troubles_; }
+    const std::vector<UnusedData>& unused_data() const { return unused_; }
+
+  private:
+    InputDocument(const host::Module& module, const records::Description& description,
+                  const CharacterSet* characters, const Options& options, RecordFields fields);
+    static void test_condition(void* document, std::int32_t number);
+    static void store(void* document, std::int32_t index, const char* text, std::size_t length);
+    static void note_element(void* document, const HostRecordElement* element);
+
+    void begin_record();
+    void begin_texts();
+    void store_text(std::int32_t index, std::string_view text);
+    void store_number(std::int32_t index, std::string_view text);
+    bool convert(std::int32_t index, std::string_view& text);
+    void place(const XfdItem& item, std::string_view text);
+    void note_trouble(FieldTrouble trouble);
+    void collect_unused();
+    std::string path_of(std::size_t element) const;
+    Problem reading_problem() const;
+
+    struct Element {
+        std::string name;
+        std::uint32_t parent;
+        bool has_text;
+        bool has_attributes;
+        bool is_of_field;
+    };
+
+    const host::Module& module_;
+    Options options_;
+    RecordFields fields_;
+    bool takes_any_record_;
+    bool follows_entries_;  // the user has not chosen how tables are matched
+    std::int32_t exact_table_match_;
+    std::int32_t record_length_;
+    const CharacterSet* characters_;
+    CharacterSet own_characters_;
+    std::optional<FieldText> texts_;  // known with the first record
+    BlankRecord blank_;
+    SingleEntry single_entry_;
+    HostRecordHandler handler_{};
+    ModuleFile module_file_;
+
+    std::uint64_t count_ = 0;
+    bool has_ended_ = false;
+    std::vector<std::uint8_t> record_;
+    bool is_of_a_layout_ = false;
+    std::int32_t filled_length_ = 0;
+    std::vector<FieldFate> fates_;
+    std::vector<FieldTrouble> troubles_;
+    std::vector<Element> elements_;
+    std::vector<UnusedData> unused_;
+    bool is_out_of_memory_ = false;  // in a function that the module called
+    std::string converted_;
+};
+
+}  // namespace conversion

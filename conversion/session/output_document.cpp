@@ -1,0 +1,155 @@
+#include "conversion/session/output_document.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/dispatch_table.h"
+#include "records/numbers.h"
+
+namespace conversion {
+
+namespace {
+
+bool is_number(FieldKind kind) {
+    return kind == FieldKind::display_number || kind == FieldKind::other_number;
+}
+
+// Files without an end tag: kept where leak checkers see them.
+void keep_until_exit(XmlFile* file) {
+    static auto* const files = new std::vector<XmlFile*>;
+    files->push_back(file);
+}
+
+}  // namespace
+
+OutputDocument::OutputDocument(const host::Module& module, const records::Description& description,
+                               const CharacterSet& characters, RecordFields fields)
+    : module_(module),
+      description_(description),
+      characters_(characters),
+      fields_(std::move(fields)),
+      text_check_(characters) {
+    handler_.context = this;
+    handler_.choose_layout = &choose_layout;
+    if (characters.is_ebcdic()) handler_.text = &translate_text;
+}
+
+Result<std::unique_ptr<OutputDocument>> OutputDocument::open(
+    const records::Description& description, const CharacterSet& characters,
+    const Options& options) {
+    const Result<const host::Module*> module = xml_module();
+    if (!module) return module.problem();
+    Result<RecordFields> fields = RecordFields::of(description.xfd());
+    if (!fields) return fields.problem();
+    std::unique_ptr<OutputDocument> document(
+        new OutputDocument(**module, description, characters, *std::move(fields)));
+    const Result<ModuleFile> opened = open_module_file(
+        **module, {options.file, options.shown_name, XML_OPEN_OUTPUT, options.document_element},
+        description, document->handler_);
+    if (!opened) return opened.problem();
+    document->module_file_ = *opened;
+    return document;
+}
+
+OutputDocument::~OutputDocument() {
+    close();
+}
+
+void OutputDocument::close() {
+    if (module_file_.file != nullptr) module_.close(module_file_.file);
+    module_file_ = {};
+}
+
+void OutputDocument::abandon() {
+    // Closing would write the end tag. The module does not call the handler without a write.
+    if (module_file_.file != nullptr) keep_until_exit(module_file_.file);
+    module_file_ = {};
+}
+
+std::int32_t OutputDocument::choose_layout(void* document) {
+    return static_cast<OutputDocument*>(document)->chosen().first_item;
+}
+
+const char* OutputDocument::translate_text(void* document, std::int32_t index,
+                                           std::size_t* length) {
+    auto& self = *static_cast<OutputDocument*>(document);
+    const XfdItem& item = self.module_file_.xfd->items[index];
+    const std::uint8_t* const text = self.record_ + item.offset;
+    *length = static_cast<std::size_t>(item.data.length);
+    std::transform(text, text + *length, self.translated_.begin(), [&self](std::uint8_t byte) {
+        return static_cast<char>(self.characters_.translation()[byte]);
+    });
+    return self.translated_.data();
+}
+
+Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
+                           std::optional<std::size_t> layout) {
+    record_ = record;
+    outcome_.length = description_.used_length(record, length);
+    outcome_.bad_numbers.clear();
+    choose(layout);
+    if (outcome_.length < description_.record_length()) complete_cut_field();
+    if (Done problem = check_texts()) return problem;
+    if (handler_.text != nullptr) {
+        translated_.resize(static_cast<std::size_t>(description_.record_length()));
+    }
+    const std::uint64_t exceptions = records::data_exceptions();
+    module_.write(module_file_.file, record_, static_cast<std::uint32_t>(outcome_.length));
+    if (records::data_exceptions() != exceptions) find_bad_numbers();
+    return std::nullopt;
+}
+
+void OutputDocument::choose(std::optional<std::size_t> layout) {
+    Xfd& xfd = *module_file_.xfd;
+    evaluate_conditions(xfd, record_);
+    const std::optional<std::size_t> by_conditions = fields_.choose(xfd);
+    outcome_.is_of_a_layout = layout || by_conditions;
+    outcome_.layout = layout.value_or(by_conditions.value_or(0));
+    if (!layout) return;
+    for (const std::int16_t condition : chosen().conditions) {
+        xfd.conditions[condition - 1].is_true |= 1;
+    }
+}
+
+// The module leaves a field out that reaches beyond the record.
+void OutputDocument::complete_cut_field() {
+    std::int32_t whole = outcome_.length;
+    for (const Field& field : chosen().fields) {
+        const std::int32_t end = field.offset + field.length;
+        const bool is_cut = field.offset < outcome_.length && end > outcome_.length;
+        if (is_cut && condition_holds(*module_file_.xfd, field.condition)) {
+            whole = std::max(whole, end);
+        }
+    }
+    if (whole == outcome_.length) return;
+    completed_.assign(static_cast<std::size_t>(description_.record_length()), characters_.space());
+    std::copy_n(record_, outcome_.length, completed_.begin());
+    record_ = completed_.data();
+    outcome_.length = whole;
+}
+
+Done OutputDocument::check_texts() const {
+    for (const Field& field : chosen().fields) {
+        if (field.kind != FieldKind::text || !is_written(field)) continue;
+        std::optional<TextProblem> problem =
+            text_check_.check(record_ + field.offset, field.length);
+        if (!problem) continue;
+        Place place{.field = fields_.name(field.item)};
+        place.in_record = static_cast<std::uint32_t>(field.offset + problem->position);
+        return Problem{Cause::record, std::move(place), std::move(problem->what),
+                       std::move(problem->remedy)};
+    }
+    return std::nullopt;
+}
+
+void OutputDocument::find_bad_numbers() {
+    for (const Field& field : chosen().fields) {
+        if (!is_number(field.kind) || !is_written(field)) continue;
+        XfdDataDesc data = module_file_.xfd->items[field.item].data;
+        data.address = const_cast<std::uint8_t*>(record_) + field.offset;
+        records::Decimal number;
+        if (!records::decode_field(data, number)) outcome_.bad_numbers.push_back(&field);
+    }
+}
+
+}  // namespace conversion

@@ -1,0 +1,95 @@
+// A document that is written, one record at a time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "conversion/fields/record_fields.h"
+#include "conversion/problem.h"
+#include "conversion/session/module.h"
+#include "conversion/texts/character_set.h"
+#include "conversion/texts/text_check.h"
+#include "records/description.h"
+
+namespace conversion {
+
+// The way of a record: its conditions are evaluated and its layout is chosen once, its texts are
+// checked, and the module writes it as that layout. Any number of documents may be open at once.
+class OutputDocument {
+  public:
+    struct Options {
+        std::string file;              // its name on the disk
+        std::string shown_name;        // in messages; empty: as `file`
+        std::string document_element;  // empty: the description's name
+    };
+    // What became of the record written last.
+    struct Outcome {
+        bool is_of_a_layout = true;  // false: no layout's conditions hold
+        std::size_t layout = 0;      // that it was written as
+        std::int32_t length = 0;     // bytes of it that were written
+        // Numeric fields without a valid number, which came out repaired (docs/numbers.md).
+        std::vector<const Field*> bad_numbers;
+    };
+
+    // Opens a document and writes its beginning. `description` describes the records as they are,
+    // in `characters`; both must outlive the document.
+    static Result<std::unique_ptr<OutputDocument>> open(const records::Description& description,
+                                                        const CharacterSet& characters,
+                                                        const Options& options);
+    // Closes the document, unless it was abandoned.
+    ~OutputDocument();
+    OutputDocument(const OutputDocument&) = delete;
+    OutputDocument& operator=(const OutputDocument&) = delete;
+
+    const RecordFields& fields() const { return fields_; }
+
+    // Writes the first `length` bytes of a record, of which as many can be read as the
+    // description's records are long. What lies after the last occurrence of a table with OCCURS
+    // DEPENDING ON that ends the record is left out; a field that the record's end cuts is filled
+    // up with spaces. `layout`: write it as this one of fields().layouts(), whatever the conditions
+    // say. Without it the conditions decide, and a record of no layout is written as the first. A
+    // problem, with field and offset in the record, when the document cannot hold a text; nothing
+    // is written then. Whether all could be stored, take_write_failure() tells.
+    Done write(const std::uint8_t* record, std::int32_t length,
+               std::optional<std::size_t> layout = std::nullopt);
+    const Outcome& outcome() const { return outcome_; }
+
+    // Writes the end tag.
+    void close();
+    // Leaves the document without an end tag, so that no reader takes it for a whole one. What has
+    // been written stays; the file stays open until the process ends.
+    void abandon();
+
+  private:
+    OutputDocument(const host::Module& module, const records::Description& description,
+                   const CharacterSet& characters, RecordFields fields);
+    static std::int32_t choose_layout(void* document);
+    static const char* translate_text(void* document, std::int32_t index, std::size_t* length);
+
+    void choose(std::optional<std::size_t> layout);
+    void complete_cut_field();
+    Done check_texts() const;
+    void find_bad_numbers();
+    const RecordLayout& chosen() const { return fields_.layouts()[outcome_.layout]; }
+    bool is_written(const Field& field) const {
+        return holds_data(field, *module_file_.xfd, outcome_.length);
+    }
+
+    const host::Module& module_;
+    const records::Description& description_;
+    const CharacterSet& characters_;
+    RecordFields fields_;
+    TextCheck text_check_;
+    HostRecordHandler handler_{};
+    ModuleFile module_file_;
+    const std::uint8_t* record_ = nullptr;  // being written
+    Outcome outcome_;
+    std::vector<std::uint8_t> completed_;  // a record whose last field was cut
+    std::string translated_;               // one text
+};
+
+}  // namespace conversion

@@ -1,0 +1,54 @@
+// A host may take part in every record of a file: choose the layout of a record that is written,
+// store the data of one that is read, and learn what of a document went into no field. Without a
+// handler the module does all of that by itself.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "host/export.h"
+#include "host/record_description.h"
+
+// An element of a record that has been read, in document order.
+struct HostRecordElement {
+    std::uint32_t number;  // in the record, from 1, the record's own element
+    std::uint32_t parent;  // its number; 0 for the record's own element
+    const char* name;      // valid during the call
+    bool has_unused_text;  // text other than white space that went into no field
+    bool has_attributes;   // other than declarations of namespaces; they never go into fields
+    bool is_of_field;      // a field of the description is called so
+};
+
+// Functions get `context`. None of them may throw.
+struct HostRecordHandler {
+    void* context;
+
+    // Writing. The index of the item of level 1 to write. The conditions of the description have
+    // been evaluated; the module does not have them evaluated again.
+    std::int32_t (*choose_layout)(void* context);
+    // The text of the character field of the item at `index` in the record being written, valid
+    // until the next call; null for texts that go into the document as they are in the record.
+    const char* (*text)(void* context, std::int32_t index, std::size_t* length);
+
+    // Reading. The encoding of the texts (a HostEncoding code), set by the module with each record.
+    std::int32_t text_encoding;
+    // Whether an element must carry as many numbers as its item has dimensions, in place
+    // of SXML_EXACT_TABLE_MATCH; the host may change it at any time.
+    std::int32_t exact_table_match;
+    // In place of Q4TestCOBOLCond: evaluates condition `number` (from 1) on the record as filled so
+    // far, and stores the result in the description.
+    void (*test_condition)(void* context, std::int32_t number);
+    // Stores an element's text, `length` bytes, in the field of the item at `index`.
+    void (*store)(void* context, std::int32_t index, const char* text, std::size_t length);
+    // Told of all elements of a record when something in one of them was not used; null for a host
+    // that does not want to know.
+    void (*unused)(void* context, const HostRecordElement* element);
+};
+
+// Asked once for each file that is opened, when its description has been read. The handler must
+// stay as long as the file is open; null for none. A host library may lack this service.
+#if !defined(SXML_HOST_BUILD) && defined(__GNUC__)
+HOST_API HostRecordHandler* host_record_handler(Xfd* xfd) __attribute__((weak));
+#else
+HOST_API HostRecordHandler* host_record_handler(Xfd* xfd);
+#endif

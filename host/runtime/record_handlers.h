@@ -1,0 +1,15 @@
+// How the embedding program takes part in the records of files; see host/record_handler.h.
+#pragma once
+
+#include "host/record_handler.h"
+#include "host/runtime/memory_report.h"
+
+namespace host {
+
+// Gives the handler of the file that is being opened with a description; null for none.
+using FindRecordHandler = HostRecordHandler*(Xfd* xfd);
+
+// Asks this function from now on; null for nobody.
+RUNTIME_API void find_record_handlers(FindRecordHandler* find);
+
+}  // namespace host
