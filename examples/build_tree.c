@@ -5,6 +5,7 @@
  * MODULE is the module's shared library; its functions are found by ordinal number. */
 #include <stdint.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "sxml/xml_api.h"
 
@@ -59,6 +60,20 @@ static void print_numbers(const XmlApi* api, uint32_t order) {
     }
 }
 
+/* What could not be written is only known when the file was closed. */
+static int write_order(const XmlApi* api, uint32_t order, const char* name) {
+    struct HostStream* file = host_fopen(name, "wb", 0);
+    if (!file) {
+        perror(name);
+        return 0;
+    }
+    api->xml_write_element(file, 2, order, 0);
+    host_fclose(file);
+    const int error = host_take_write_failure(NULL);
+    if (error) fprintf(stderr, "%s: %s\n", name, strerror(error));
+    return !error;
+}
+
 int main(int argc, char** argv) {
     if (argc != 3) {
         fprintf(stderr, "usage: build_tree MODULE FILE\n");
@@ -74,10 +89,7 @@ int main(int argc, char** argv) {
     if (!order) return 1;
     print_numbers(&api, order);
 
-    struct HostStream* file = host_fopen(argv[2], "wb", 0);
-    if (!file) perror(argv[2]);
-    if (file) api.xml_write_element(file, 2, order, 0);
-    host_fclose(file);
+    const int written = write_order(&api, order, argv[2]);
     api.xml_free_element(order);
-    return file ? 0 : 1;
+    return written ? 0 : 1;
 }

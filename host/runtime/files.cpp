@@ -17,6 +17,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/runtime/immortal.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/write_failures.h"
@@ -30,6 +31,15 @@ constexpr std::size_t LARGEST_BUFFER = 2 * KEPT_WITHOUT_SEEK;
 
 enum class Direction { input, output };
 
+// The buffers of the process's own streams are there without an allocation that could fail.
+struct BufferRelease {
+    bool is_static = false;
+    void operator()(char* buffer) const {
+        if (!is_static) delete[] buffer;
+    }
+};
+using Buffer = std::unique_ptr<char[], BufferRelease>;
+
 }  // namespace
 
 struct HostStream {
@@ -40,7 +50,7 @@ struct HostStream {
     bool is_written_through = false;
     bool has_failed = false;
     std::string name;
-    std::unique_ptr<char[]> buffer;
+    Buffer buffer;
     std::size_t capacity = 0;        // 0 after a write error: nothing is taken over any more
     std::size_t position = 0;        // in the buffer, of the next byte
     std::size_t filled = 0;          // input: bytes in the buffer
@@ -67,7 +77,7 @@ void fail(HostStream* stream, int error) {
 }
 
 void give_buffer(HostStream* stream) {
-    stream->buffer = std::make_unique_for_overwrite<char[]>(BUFFER_SIZE);
+    stream->buffer = Buffer(new char[BUFFER_SIZE]);
     stream->capacity = BUFFER_SIZE;
 }
 
@@ -88,7 +98,7 @@ bool flush_front(HostStream* stream, std::size_t count) {
 
 bool enlarge_buffer(HostStream* stream) {
     const std::size_t larger = std::min(stream->capacity * 2, LARGEST_BUFFER);
-    auto buffer = std::unique_ptr<char[]>(new (std::nothrow) char[larger]);
+    auto buffer = Buffer(new (std::nothrow) char[larger]);
     if (buffer == nullptr) return false;
     std::memcpy(buffer.get(), stream->buffer.get(), stream->position);
     stream->buffer = std::move(buffer);
@@ -186,15 +196,20 @@ HostStream* open_stream(const char* name, Direction direction) {
     return stream.release();
 }
 
-HostStream* process_stream(int descriptor, Direction direction, const char* name) {
-    auto* stream = new HostStream;
-    stream->descriptor = descriptor;
-    stream->direction = direction;
-    stream->is_written_through = direction == Direction::output;
-    stream->name = name;
-    give_buffer(stream);
-    return stream;
-}
+// A stream that lasts as long as the process. Its name is short enough to need no memory.
+struct ProcessStream {
+    ProcessStream(int descriptor, Direction direction, const char* name) {
+        stream->descriptor = descriptor;
+        stream->direction = direction;
+        stream->is_written_through = direction == Direction::output;
+        stream->name = name;
+        stream->buffer = Buffer(bytes, BufferRelease{true});
+        stream->capacity = sizeof bytes;
+    }
+
+    host::Immortal<HostStream> stream;
+    char bytes[BUFFER_SIZE];
+};
 
 // Hands out what is buffered, else what one read gives.
 std::size_t read_part(HostStream* stream, char* target, std::size_t size) {
@@ -304,13 +319,13 @@ void host_fseek(HostStream* stream, std::uint32_t position) {
 }
 
 HostStream* host_standard_input() {
-    static HostStream* stream = process_stream(STDIN_FILENO, Direction::input, "standard input");
-    return stream;
+    static ProcessStream input(STDIN_FILENO, Direction::input, "standard input");
+    return &*input.stream;
 }
 
 HostStream* host_standard_error() {
-    static HostStream* stream = process_stream(STDERR_FILENO, Direction::output, "standard error");
-    return stream;
+    static ProcessStream output(STDERR_FILENO, Direction::output, "standard error");
+    return &*output.stream;
 }
 
 int host_remove_file(const char* name) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "host/export.h"
 #include "host/runtime/memory_report.h"
 
 namespace host {
@@ -16,6 +17,14 @@ struct WriteFailure {
 // The oldest write failure (found while writing, cutting or closing) not yet taken, on any stream;
 // taking it forgets it. The file's name is empty when there was no memory to remember it.
 RUNTIME_API std::optional<WriteFailure> take_write_failure();
+
+}  // namespace host
+
+// The same for C programs. Result: the system's error number, 0 when no failure is left; the file's
+// name is stored through `file` unless that is null, and stays valid until the next call.
+HOST_API int host_take_write_failure(const char** file);
+
+namespace host {
 
 // Makes host_fread hand out at most this many bytes a call (0 = as many as asked for), so that
 // tests can cut input anywhere.

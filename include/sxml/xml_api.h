@@ -28,6 +28,9 @@
 #include <stdint.h>
 
 #include "sxml/error_codes.h"
+#ifndef __cplusplus
+#include "sxml/host.h"
+#endif
 #include "sxml/text_span.h"
 #include "sxml/xml_parser_api.h"
 
@@ -54,13 +57,6 @@ enum XmlTextFlag {
 
 #ifdef __cplusplus
 extern "C" {
-#else
-/* The host's services for files; C++ callers find them in host/files.h.
- * host_fopen: `mode` "wb" creates or empties a file for writing, "r" reads; `flag` is 0; the name
- * "-" is standard output or input. Null on failure, with errno saying why.
- * host_fclose: writes what is buffered and closes; null is allowed. */
-struct HostStream* host_fopen(const char* name, const char* mode, int flag);
-void host_fclose(struct HostStream* stream);
 #endif
 
 /* The build gives each function its ordinal as a further name, which is exported as the function
@@ -182,7 +178,8 @@ const char* xml_element_comments(uint32_t element, uint64_t* length);
 /* The message of the last error, whose code is stored through `code` unless that is null. */
 const char* xml_element_error(int32_t* code);
 
-/* ---- Output; a failed write is not reported, and later writes are still tried ---- */
+/* ---- Output; a failed write is not reported here, and later writes are still tried ---- */
+/* host_take_write_failure tells after the stream was closed. */
 
 /* `output` is an open stream, `output_encoding` the host encoding code of the file being written:
  * it decides whether a raw text ends at a NUL byte (codes -1, 0 and 2) and nothing else. */

@@ -6,12 +6,17 @@
  *
  *     uint32_t options = XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA;
  *     uint32_t parser = api.xml_open_file("orders.xml", options, 0);
- *     while (api.SxmlParser_parse_record(parser)) {
- *         uint32_t order = api.xml_first_child(api.xml_parser_current(parser));
- *         ...
+ *     while (api.SxmlParser_parse_record(parser) && *host_file_error() == 0) {
+ *         uint32_t order = api.xml_first_child(api.xml_parser_root(parser));
+ *         take_order(order);
  *         api.xml_free_element(order);
  *     }
+ *     if (api.xml_parser_root(parser) == 0 || api.xml_parser_current(parser) != 0)
+ *         complain("the document cannot be read, or not to its end");
  *     api.xml_free_parser(parser);
+ *
+ * Where the document ends or breaks inside a record, SxmlParser_parse_record gives 1 and the file
+ * error code is not 0: that record is not complete.
  *
  * A handle that is not a live parser is never harmful: the call gives 0 or null and records
  * XMLERR_BAD_PARSER. The parser functions keep a last error of their own, apart from that of the
@@ -21,6 +26,10 @@
 #define SXML_XML_PARSER_API_H
 
 #include <stdint.h>
+
+#ifndef __cplusplus
+#include "sxml/host.h"
+#endif
 
 /* The option word of xml_open_file: how element names are converted (the two low bits), and what
  * is kept of the document. */
@@ -52,13 +61,6 @@ struct HostNameIndex;
 
 #ifdef __cplusplus
 extern "C" {
-#else
-/* The host's error words; C++ callers find them in host/errors.h. The file error code tells how the
- * last parse went: 0 there is more, 8 the input has ended, 14 no memory, 19 not well-formed; then
- * Expat's code and message are in the two others. */
-int16_t* host_file_error(void);
-int32_t* host_error_subcode(void);
-const char** host_error_text(void);
 #endif
 
 #if defined(__GNUC__)
@@ -103,10 +105,22 @@ uint32_t xml_parser_new_root(uint32_t parser, const char* name);
 /* The parser whose tree holds an element, 0 when there is none. Records nothing here. */
 uint32_t xml_element_parser(uint32_t element);
 
-/* The host's name index of the elements parsed last (XMLOPT_ELEMENT_HASH): since the last call of
- * SxmlParser_parse_record, or since the document was opened. Null when there is none. The user data
- * of these elements is their entry in the index, and must not be used once the next record is read.
- */
+/* An element in the index. `name` is the name under which it is stored in the tree, `next` the next
+ * element of that name in document order, null for the last. Bit 0 of `used` is the caller's, and 0
+ * at first. The index owns its entries; `last` is for its own use. */
+struct XmlHashEntry {
+    char* name;
+    uint32_t element;
+    struct XmlHashEntry* next;
+    uint32_t used;
+    struct XmlHashEntry* last;
+};
+
+/* The elements parsed last by their names (XMLOPT_ELEMENT_HASH): since the last call of
+ * SxmlParser_parse_record, or since the document was opened. Null when there is none.
+ * host_hash_find gives the first element of a name, a struct XmlHashEntry, which is also that
+ * element's user data. Entries must not be used once the next record is read, and name released
+ * elements as well. */
 struct HostNameIndex* xml_parser_element_hash(uint32_t parser);
 
 /* ---- The XML declaration ---- */
@@ -135,11 +149,13 @@ void xml_set_parser_standalone(uint32_t parser, int32_t standalone);
  */
 const char* xml_parser_doctype_text(uint32_t parser);
 
-/* Replaces that text. 0 with XMLERR_NO_MEMORY. */
+/* Replaces that text. 0 with XMLERR_NO_MEMORY. It is written only with a document that was read
+ * with a DOCTYPE declaration: nothing gives a new document the name that a declaration needs. */
 int32_t xml_set_parser_doctype_text(uint32_t parser, const char* text);
 
-/* The element declarations: the host's name table of Expat content models by element name (in lower
- * case, at most 255 bytes); null when there are none. */
+/* The element declarations by element name (in lower case, at most 255 bytes); null when there are
+ * none. host_table_name gives the names, host_table_get the content models: each an XML_Content of
+ * expat.h, which belongs to the table. */
 struct HostTable* xml_parser_models(uint32_t parser);
 
 /* ---- Processing instructions, numbered from 0 in document order ---- */
@@ -172,7 +188,8 @@ void xml_clear_top_comments(uint32_t parser);
 /* ---- Writing ---- */
 
 /* Writes the whole document to a file, which is replaced. 0 with XMLERR_NO_MEMORY or
- * XMLERR_OPEN_FILE, and then nothing is written. Later failures are not reported.
+ * XMLERR_OPEN_FILE, and then nothing is written. Later failures are not reported here:
+ * host_take_write_failure tells.
  * docs/parser-api.md tells in which encoding. */
 int32_t xml_write_document(uint32_t parser, const char* file);
 

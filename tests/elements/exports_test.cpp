@@ -113,6 +113,35 @@ TEST(Example, BuildsATreeInC) {
     EXPECT_EQ(status, 0) << "not well-formed";
 }
 
+TEST(Example, TellsThatADocumentWasNotWritten) {
+    int status = -1;
+    const std::string text =
+        output_of("'" BUILD_TREE "' '" + module_path() + "' /dev/full 2>&1 >/dev/null", status);
+    EXPECT_EQ(text, "/dev/full: No space left on device\n");
+    EXPECT_NE(status, 0);
+}
+
+// Programs in C and C++ may include each of them by itself.
+TEST(PublicHeaders, CompileAlone) {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(SXML_SOURCE_DIR "/include/sxml")) {
+        if (entry.path().extension() != ".h") continue;
+        ++count;
+        for (const char* compiler :
+             {C_COMPILER " -std=c11 -x c", CXX_COMPILER " -std=c++17 -x c++"}) {
+            int status = -1;
+            const std::string text =
+                output_of(std::string(compiler) +
+                              " -Wall -Wextra -Wpedantic -Werror "
+                              "-fsyntax-only -I'" SXML_SOURCE_DIR "/include' -include '" +
+                              entry.path().string() + "' /dev/null 2>&1",
+                          status);
+            EXPECT_EQ(status, 0) << entry.path() << compiler << text;
+        }
+    }
+    EXPECT_GT(count, 4);
+}
+
 // Instructions that the cost driver takes, counted by valgrind; 0 when there is no valgrind.
 std::uint64_t instructions(const std::string& shape, int count) {
     int status = -1;

@@ -277,6 +277,31 @@ TEST_F(Handles, TurnsReparseDeferralOff) {
     EXPECT_EQ(deferral_calls, 1);
 }
 
+// The usage sample of the public header, on whole documents and on such as break off.
+TEST_F(Handles, CProgramsReadRecordsDeclarationsAndElements) {
+    const std::string out = folder / "out";
+    const auto run = [&](const std::string& document) {
+        file_with(document, "orders.xml");
+        EXPECT_EQ(std::system(("cd '" + folder.string() + "' && '" C_PROGRAM "' '" + module_path() +
+                               "' > '" + out + "' 2>&1")
+                                  .c_str()),
+                  0);
+        return file_text(out);
+    };
+    const std::string start =
+        "<!DOCTYPE orders [<!ELEMENT orders (order*)><!ELEMENT order (#PCDATA)>]>\n"
+        "<orders><order>7</order>\n<order>8</order>";
+    const std::string complaint = "the document cannot be read, or not to its end\n";
+    const std::string two = "order 7\norder 8\n";
+    const std::string models = "orders: type 6, 1 children\norder: type 3, 0 children\n";
+    EXPECT_EQ(run(start + "</orders>\n"), two + models + two);
+    EXPECT_EQ(run(start), two + complaint + models + two);
+    EXPECT_EQ(run(start + "<order><x>9</x>").substr(0, two.size() + complaint.size()),
+              two + complaint);
+    EXPECT_EQ(run(start + "<order>9</oops>"), two + complaint);
+    EXPECT_EQ(run("no document"), complaint);
+}
+
 // The example program, on a whole document and on one that is cut off.
 TEST_F(Handles, AProgramSumsAField) {
     std::string document = "<?xml version='1.0'?>\n<orders>\n";

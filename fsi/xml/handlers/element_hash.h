@@ -6,14 +6,10 @@
 #include <cstdint>
 
 #include "host/name_index.h"
+#include "sxml/xml_parser_api.h"
 
-struct XmlHashEntry {
-    char* name;             // the element's name as stored in the tree; owned by the entry
-    std::uint32_t element;  // handle
-    XmlHashEntry* next;     // next element of this name, null for the last
-    std::uint32_t used;     // bit 0: for a reader, to mark data that it has moved; 0 at first
-    XmlHashEntry* last;     // of a chain's first entry: its last entry
-};
+// In an entry: the name is owned, and `last` is the last entry of the chain that a first one
+// begins.
 static_assert(offsetof(XmlHashEntry, name) == 0);
 static_assert(offsetof(XmlHashEntry, next) == 16);
 static_assert(offsetof(XmlHashEntry, used) == 24);
