@@ -143,6 +143,27 @@ TEST_F(PromisesTest, NeedsTheHostExpatAndTheCLibraryOnly) {
     EXPECT_EQ(needed, (std::set<std::string>{"libc", "libexpat", "libsxml_host"}));
 }
 
+// What a document means does not depend on the locale that the program has set.
+TEST_F(PromisesTest, LeavesTheLocaleAlone) {
+    FILE* const pipe =
+        popen("LC_ALL=C readelf --dyn-syms -W '" SXML_BUILD_DIR "/lib/sxml.so'", "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string found;
+    int imports = 0;
+    for (char line[1024]; std::fgets(line, sizeof line, pipe) != nullptr;) {
+        const std::string text = line;
+        if (text.find(" UND ") == std::string::npos) continue;
+        ++imports;
+        for (const char* name : {" strcasecmp", " strncasecmp", " tolower", " toupper", " strcoll",
+                                 " strtod", " __ctype_", " setlocale", " mbstowcs", " isalpha"}) {
+            if (text.find(name) != std::string::npos) found += text;
+        }
+    }
+    EXPECT_EQ(pclose(pipe), 0);
+    EXPECT_GT(imports, 50);
+    EXPECT_EQ(found, "");
+}
+
 TEST_F(PromisesTest, DeclaresItsSettings) {
     struct Expected {
         const char* name;

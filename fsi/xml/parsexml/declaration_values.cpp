@@ -1,6 +1,4 @@
 // The values of the XML declaration and the text of the DOCTYPE declaration.
-#include <strings.h>
-
 #include <cstring>
 
 #include "fsi/xml/elements/ascii_case.h"
@@ -31,7 +29,7 @@ bool replace_text(char*& stored, const char* text) {
 std::int32_t named_encoding(const char* name) {
     if (equal_ignoring_case(name, "utf-8")) return HOST_ENCODING_UTF8;
     if (equal_ignoring_case(name, "utf-16be")) return HOST_ENCODING_UTF16BE;
-    if (strncasecmp(name, "utf-16", std::strlen("utf-16")) == 0) return HOST_ENCODING_UTF16LE;
+    if (begins_ignoring_case(name, "utf-16")) return HOST_ENCODING_UTF16LE;
     return HOST_ENCODING_NONE;
 }
 

@@ -1,7 +1,5 @@
 #include "fsi/xml/parsexml/document_text.h"
 
-#include <strings.h>
-
 #include <initializer_list>
 #include <string_view>
 
@@ -60,14 +58,10 @@ bool prologue_is_ascii(const XmlParser& parser) {
     return true;
 }
 
-bool begins_with(const char* name, std::string_view prefix) {
-    return strncasecmp(name, prefix.data(), prefix.size()) == 0;
-}
-
 // True for names of encodings in which markup is not written with one byte per character.
 bool names_wide_units(const char* name) {
     for (const char* prefix : {"utf-16", "utf-32", "iso-10646-ucs", "ucs-"})
-        if (begins_with(name, prefix)) return true;
+        if (begins_ignoring_case(name, prefix)) return true;
     return false;
 }
 

@@ -1,8 +1,7 @@
 // Opening a document: finding its input and parsing its beginning.
-#include <strings.h>
-
 #include <cstring>
 
+#include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/handlers/parse_driver.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "host/errors.h"
@@ -12,18 +11,14 @@
 
 namespace {
 
-bool starts_with(const char* text, const char* prefix) {
-    return strncasecmp(text, prefix, std::strlen(prefix)) == 0;
-}
-
 bool is_document_text(const char* source) {
-    return starts_with(source, "<?xml ");
+    return begins_ignoring_case(source, "<?xml ");
 }
 
 // Opens the input that `source` names. Result: XMLERR_NONE or why it cannot be had.
 XmlErrorCode open_input(XmlParserInfo& info, const char* source) {
     if (is_document_text(source)) return XMLERR_NONE;
-    if (starts_with(source, "http:")) {
+    if (begins_ignoring_case(source, "http:")) {
         info.source = host_fetch_url(source);
         if (!info.source) return XMLERR_URL;
         info.flags |= XML_INPUT_IS_LOCAL_COPY;
