@@ -5,7 +5,10 @@
 
 #include <pcre2.h>
 
+#include <array>
+
 #include "host/handles.h"
+#include "host/runtime/library_versions.h"
 #include "host/runtime/tracked_memory.h"
 
 namespace {
@@ -141,4 +144,12 @@ void host_regex_free(std::uint32_t expression) {
     if (expression != 0 && host_handle_type(expression) == expression_type()) {
         host_handle_free(expression, SOURCE, __LINE__, 0);
     }
+}
+
+std::string host::regex_library_version() {
+    std::array<char, 64> version{};
+    const int size = pcre2_config(PCRE2_CONFIG_VERSION, nullptr);
+    if (size <= 0 || static_cast<std::size_t>(size) > version.size()) return "unknown";
+    pcre2_config(PCRE2_CONFIG_VERSION, version.data());
+    return version.data();
 }

@@ -9,14 +9,23 @@
 #include "platform/interrupts.h"
 #include "platform/standard_streams.h"
 #include "tools/sxml/commands.h"
+#include "tools/sxml/describe.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/version.h"
 
 namespace {
 
 int run(int argc, char** argv) {
     CLI::App application{"Turns COBOL record files into XML documents and back."};
     application.name("sxml");
-    application.set_version_flag("--version", "sxml " SXML_VERSION_LABEL);
+    application.set_version_flag("--version", command::version_text);
+    application
+        .add_flag_callback("--describe",
+                           [&application] {
+                               std::puts(command::describe(application).c_str());
+                               throw CLI::Success();
+                           })
+        ->group("");  // hidden: for the build
     application.require_subcommand(1);
     application.footer(
         "`sxml SUBCOMMAND --help` shows the options of a subcommand and an example.");

@@ -1,0 +1,13 @@
+// Versions of the libraries that the host uses, as the running process has them.
+#pragma once
+
+#include <string>
+
+#include "host/runtime/memory_report.h"
+
+namespace host {
+
+// Of PCRE2: "10.42 2022-12-11".
+RUNTIME_API std::string regex_library_version();
+
+}  // namespace host

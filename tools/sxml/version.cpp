@@ -1,0 +1,22 @@
+#include "tools/sxml/version.h"
+
+#include <expat.h>
+#include <gnu/libc-version.h>
+
+#include "host/runtime/library_versions.h"
+
+namespace command {
+
+std::string version_text() {
+    const auto line = [](const std::string& name, const std::string& version) {
+        return "\n  " + name + " " + version;
+    };
+    std::string expat = XML_ExpatVersion();  // "expat_2.5.0"
+    expat.erase(0, expat.find('_') + 1);
+    return "sxml " SXML_VERSION_LABEL "\nruns with" + line("Expat", expat) +
+           line("PCRE2", host::regex_library_version()) +
+           line("glibc", std::string(gnu_get_libc_version()) + " (iconv)") +
+           line("libcurl", "when a web address is fetched");
+}
+
+}  // namespace command
