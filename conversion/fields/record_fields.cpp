@@ -1,6 +1,7 @@
 #include "conversion/fields/record_fields.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "records/description.h"
 #include "records/field_types.h"
@@ -29,6 +30,14 @@ FieldKind field_kind(const XfdItem& item) {
     return display ? FieldKind::display_number : FieldKind::other_number;
 }
 
+Problem endless_variants(const Xfd& xfd) {
+    Place place;
+    place.file = xfd.name;
+    return {Cause::layout, std::move(place),
+            "the record's variants stand in for each other in circles",
+            "give each variant a condition of its own (`*> sxml: when ...`)"};
+}
+
 }  // namespace
 
 void evaluate_conditions(Xfd& xfd, const void* record) {
@@ -47,12 +56,7 @@ Result<RecordFields> RecordFields::of(const Xfd& xfd) {
         const int end = std::min(result.end_of_item(index), std::max(scanned, 1));
         RecordLayout layout = result.layout_at(index, end);
         std::vector<int> path;
-        if (!result.collect(index, path, layout.fields)) {
-            return Problem{Cause::layout,
-                           {.file = xfd.name},
-                           "the record's variants stand in for each other in circles",
-                           "give each variant a condition of its own (`*> sxml: when ...`)"};
-        }
+        if (!result.collect(index, path, layout.fields)) return endless_variants(xfd);
         result.layouts_.push_back(std::move(layout));
     }
     return result;
