@@ -34,6 +34,7 @@ int run(int argc, char** argv) {
     command::add_layout_command(application);
     command::add_compile_command(application);
     command::add_dtd_command(application);
+    command::add_dump_command(application);
     command::add_schema_command(application);
     command::add_cob_command(application);
     command::add_rewrite_command(application);
