@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "conversion/session/document_settings.h"
 #include "host/dispatch_table.h"
 #include "records/numbers.h"
 
@@ -39,6 +40,7 @@ Result<std::unique_ptr<OutputDocument>> OutputDocument::open(
     const Options& options) {
     const Result<const host::Module*> module = xml_module();
     if (!module) return module.problem();
+    if (Done problem = check_document_settings(characters)) return *problem;
     Result<RecordFields> fields = RecordFields::of(description.xfd());
     if (!fields) return fields.problem();
     std::unique_ptr<OutputDocument> document(

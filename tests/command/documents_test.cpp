@@ -106,6 +106,33 @@ TEST_F(DocumentsTest, KeepTheirContentsAndAreStable) {
     }
 }
 
+// In whatever encoding a document is written back, a comment says the same.
+TEST_F(DocumentsTest, KeepTheirComments) {
+    const auto document = [](const std::string& encoding, const std::string& text) {
+        return "<?xml version='1.0' encoding='" + encoding + "'?><!--" + text + "--><a><!--p" +
+               text + "--><b><!--q" + text + "--></b><!--r" + text + "--></a>";
+    };
+    const std::string utf8 = "\xC3\xA9\xC3\xBC";
+    const struct {
+        std::string bytes;
+        const char* comment;
+    } cases[] = {
+        {document("UTF-8", utf8), "\xC3\xA9\xC3\xBC"},
+        {document("ISO-8859-1", "\xE9\xFC"), "\xE9\xFC"},
+        {utf16(document("UTF-16", "e")), "e"},
+    };
+    for (const auto& c : cases) {
+        write_file("in.xml", c.bytes);
+        EXPECT_EQ(sxml({"rewrite", "in.xml", "out.xml"}).err, "");
+        const std::string out = read_file("out.xml");
+        for (const char* number : {" ", "p", "q", "r"})
+            EXPECT_NE(out.find(number + std::string(c.comment)), std::string::npos) << out;
+        const std::string shown =
+            run({"xmllint", "--xpath", "string(//comment()[contains(., 'q')])", "out.xml"}).out;
+        EXPECT_NE(shown.find(c.comment[0] == 'e' ? "e" : utf8), std::string::npos) << shown;
+    }
+}
+
 TEST_F(DocumentsTest, ComeFromAnywhereAndGoAnywhere) {
     write_file("in.xml", ORDERS);
     write_file("<?xml odd", ORDERS);

@@ -54,6 +54,36 @@ Record length: 9 to 25 bytes
 )");
 }
 
+// A condition is shown at the outermost item that it holds for, and where another one joins it.
+TEST_F(LayoutTest, TableShowsEachConditionOnce) {
+    write_file("cond.cpy",
+               "       01  C.\n           05  K PIC X.\n      *> sxml: when K = \"A\"\n"
+               "           05  P.\n               10  P1 PIC X.\n               10  Q.\n"
+               "                   15  Q1 PIC X.\n      *> sxml: when P1 = \"x\"\n"
+               "                   15  Q2 PIC X.\n                   15  Q3 REDEFINES Q2 PIC X.\n"
+               "               10  T OCCURS 2.\n                   15  T1 PIC X.\n"
+               "      *> sxml: when K = \"B\"\n           05  R REDEFINES P PIC X(5).\n");
+    const Outcome outcome = sxml({"layout", "cond.cpy"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(
+        outcome.out,
+        R"(Offset  Length  Level  Name      Element  Picture  Usage    Occurs  Redefines  Condition
+     0       6  01     C         c
+     0       1  05       K       k        X        DISPLAY
+     1       5  05       P       p                                             K = "A"
+     1       1  10         P1    p1       X        DISPLAY
+     2       2  10         Q     q
+     2       1  15           Q1  q1       X        DISPLAY
+     3       1  15           Q2  q2       X        DISPLAY                     K = "A" AND P1 = "x"
+     3       1  15           Q3  q3       X        DISPLAY          Q2         K = "A" AND NOT (P1 = "x")
+     4       1  10         T     t                          2
+     4       1  15           T1  t1       X        DISPLAY
+     1       5  05       R       r        X(5)     DISPLAY          P          K = "B"
+
+Record length: 6 bytes
+)");
+}
+
 // A description file stands for its copybook.
 TEST_F(LayoutTest, DescriptionFilesGiveTheSameDocument) {
     write_file("l.dat", "A40000037Ann                           20010101" +

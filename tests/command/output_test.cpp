@@ -183,6 +183,45 @@ TEST_F(OutputTest, SettingsShapeTheDocument) {
 }
 
 // The environment sets what the command line does not.
+// A setting that would make a document that no parser accepts is refused by name, where it counts.
+TEST_F(OutputTest, SettingsMayNotSpoilTheDocument) {
+    const std::string bad = "s\xFF.xsd";
+    const struct {
+        std::vector<std::string> settings;
+        const char* refused;  // null: it is not
+    } cases[] = {
+        {{"SXML_CREATE_STYLE=SCHEMA", "SXML_SCHEMA_NAME=" + bad}, "SXML_SCHEMA_NAME"},
+        {{"SXML_CREATE_STYLE=SCHEMA", "SXML_SCHEMA_NAME=\x01.xsd"}, "SXML_SCHEMA_NAME"},
+        {{"SXML_CREATE_STYLE=SCHEMA", "SXML_SCHEMA_NAME=" + bad, "SXML_ENCODING=ISO-8859-1"},
+         nullptr},
+        {{"SXML_CREATE_STYLE=SCHEMA", "SXML_SCHEMA_NAME=" + bad, "SXML_ENCODING=US-ASCII"},
+         "SXML_SCHEMA_NAME"},
+        {{"SXML_CREATE_STYLE=SCHEMA", "SXML_SCHEMA_NAME=\xC3\xA9?>.xsd"}, nullptr},
+        {{"SXML_SCHEMA_NAME=" + bad}, nullptr},
+        {{"SXML_STYLESHEET_TYPE=text/xsl", "SXML_STYLESHEET_HREF=a?>b"}, "SXML_STYLESHEET_HREF"},
+        {{"SXML_STYLESHEET_TYPE=\xE9", "SXML_STYLESHEET_HREF=a"}, "SXML_STYLESHEET_TYPE"},
+        {{"SXML_STYLESHEET_TYPE=text/xsl", "SXML_STYLESHEET_HREF=\xC3\xA9.xsl"}, nullptr},
+        {{"SXML_STYLESHEET_HREF=a?>b"}, nullptr},
+    };
+    for (const auto& c : cases) {
+        write_file("out.xml", "as it was");
+        std::filesystem::remove(bad);
+        std::vector<std::string> more;
+        for (const std::string& setting : c.settings) more.insert(more.end(), {"--set", setting});
+        const Outcome outcome = convert("w.dat", "out.xml", more);
+        if (c.refused == nullptr) {
+            EXPECT_EQ(outcome.status, 0) << outcome.err;
+            EXPECT_EQ(run({"xmllint", "--noout", "out.xml"}).status, 0) << c.settings[0];
+            continue;
+        }
+        EXPECT_NE(outcome.status, 0) << c.settings.back();
+        EXPECT_NE(outcome.err.find(std::string("sxml: ") + c.refused + ": "), std::string::npos)
+            << outcome.err;
+        EXPECT_EQ(read_file("out.xml"), "as it was");
+        EXPECT_FALSE(std::filesystem::exists(bad));
+    }
+}
+
 TEST_F(OutputTest, SettingsComeFromTheEnvironmentToo) {
     setenv("SXML_ENCODING", "iso-8859-1", 1);
     setenv("SXML_CREATE_STYLE", "NONE", 1);

@@ -173,6 +173,20 @@ TEST_F(CobolTest, DocumentsFromTheWebAreRead) {
     EXPECT_TRUE(fs::is_empty("private"));
 }
 
+// A setting that would make a document that no parser accepts.
+TEST_F(CobolTest, SettingsMayNotSpoilTheDocument) {
+    compile_for_xml(PROGRAMS + "names.cbl", "names");
+    set("SXML_PATH", PROGRAMS);
+    set("SXML_STYLESHEET_TYPE", "text/xsl");
+    set("SXML_STYLESHEET_HREF", "a?>b");
+    write_file("spoiled.xml", "as it was");
+    const Outcome outcome = run_program({"./names", "spoiled.xml"});
+    EXPECT_EQ(outcome.out.find("spoiled.xml 00"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.out.find("00\n"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.err.find("SXML_STYLESHEET_HREF: "), std::string::npos) << outcome.err;
+    EXPECT_EQ(read_file("spoiled.xml"), "as it was");
+}
+
 // An attribute is no declaration, and a chain of entities that would overflow the stack is told.
 TEST_F(CobolTest, DocumentsAreNotTakenForWhatTheyAreNot) {
     set("SXML_PATH", PROGRAMS);

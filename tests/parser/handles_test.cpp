@@ -156,6 +156,19 @@ TEST_F(Handles, AnswersWhatTheDocumentHolds) {
     xml.xml_free_parser(plain);
 }
 
+// Comments are kept as Expat gives them, inside and outside of elements, whatever the other texts
+// are kept in.
+TEST_F(Handles, KeepsCommentsInUtf8) {
+    const std::uint32_t parser = open(
+        "<?xml version='1.0' encoding='ISO-8859-1'?><!--\xE9--><a k='\xE9'><!--\xE9-->\xE9</a>",
+        WHOLE);
+    const std::uint32_t root = xml.xml_parser_root(parser);
+    EXPECT_STREQ(xml.xml_top_comments(parser, nullptr), "\xC3\xA9");
+    EXPECT_STREQ(xml.xml_element_comments(root, nullptr), "\xC3\xA9");
+    EXPECT_STREQ(xml.xml_element_value(root, nullptr), "\xE9");
+    xml.xml_free_parser(parser);
+}
+
 TEST_F(Handles, ConvertsNames) {
     const char* const expected[] = {"A-b_C", "a_b_c", "A_b_C", "A-b_C"};
     for (std::uint32_t mode = 0; mode < 4; ++mode) {

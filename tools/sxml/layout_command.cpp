@@ -63,7 +63,8 @@ std::vector<Column> columns() {
     };
 }
 
-// Leaves a condition out where the enclosing group has the same one.
+// Leaves a condition out where the enclosing group has the same one. A group without one of its own
+// has that of the group around it.
 void thin_out_conditions(std::vector<Row>& rows, const std::vector<int>& row_depths) {
     std::vector<std::string> enclosing;  // of each open group
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -71,6 +72,7 @@ void thin_out_conditions(std::vector<Row>& rows, const std::vector<int>& row_dep
         std::string condition = rows[i].condition;
         const bool repeated = !enclosing.empty() && enclosing.back() == condition;
         if (repeated) rows[i].condition.clear();
+        if (condition.empty() && !enclosing.empty()) condition = enclosing.back();
         enclosing.push_back(std::move(condition));
     }
 }

@@ -55,4 +55,17 @@ ParsedDocument::ParsedDocument(const XmlApi& api, const conversion::DocumentSour
     fail(*problem);
 }
 
+void ParsedDocument::for_each_element(const std::function<void(std::uint32_t)>& visit) const {
+    const std::uint32_t root = api_.xml_parser_root(parser_);
+    for (std::uint32_t element = root; element != 0;) {
+        visit(element);
+        std::uint32_t next = api_.xml_first_child(element);
+        while (next == 0 && element != root) {
+            next = api_.xml_next_sibling(element);
+            if (next == 0) element = api_.xml_parent(element);
+        }
+        element = next;
+    }
+}
+
 }  // namespace command

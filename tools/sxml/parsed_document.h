@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "conversion/documents/document_source.h"
 #include "host/runtime/module.h"
@@ -25,6 +26,9 @@ class ParsedDocument {
 
     const XmlApi& api() const { return api_; }
     std::uint32_t parser() const { return parser_; }
+
+    // Calls `visit` with each element, in document order, which may change but not release it.
+    void for_each_element(const std::function<void(std::uint32_t)>& visit) const;
 
   private:
     const XmlApi& api_;

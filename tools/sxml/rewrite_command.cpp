@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "conversion/texts/utf8.h"
+#include "host/encoding.h"
 #include "host/runtime/streams.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
@@ -40,6 +42,34 @@ std::string name_in_comment(const std::string& file) {
     return name;
 }
 
+bool is_latin1(const ParsedDocument& document) {
+    const char* const encoding = document.api().xml_parser_encoding(document.parser());
+    return encoding != nullptr && host_encoding_code(encoding) == HOST_ENCODING_LATIN1;
+}
+
+std::string latin1_of(std::string_view utf8) {
+    std::string text;
+    while (!utf8.empty()) {
+        const conversion::Utf8Character next = conversion::first_character(utf8);
+        text += static_cast<char>(next.code);  // the document had no others
+        utf8.remove_prefix(next.length);
+    }
+    return text;
+}
+
+// The module keeps comments in UTF-8, and writes those inside elements as they are.
+void convert_comments(const ParsedDocument& document) {
+    const XmlApi& api = document.api();
+    document.for_each_element([&api](std::uint32_t element) {
+        std::uint64_t length = 0;
+        const char* const text = api.xml_element_comments(element, &length);
+        if (text == nullptr) return;
+        const std::string converted = latin1_of({text, length});
+        api.xml_clear_comments(element);
+        if (api.xml_add_comment(element, converted.c_str()) == 0) throw std::bad_alloc();
+    });
+}
+
 void write_document(const ParsedDocument& document, const std::string& name,
                     const std::string& shown_name) {
     if (document.api().xml_write_document(document.parser(), name.c_str()) == 0) {
@@ -61,6 +91,7 @@ void rewrite(const RewriteOptions& options) {
     const auto input = value_of(conversion::DocumentSource::open(options.in));
     AtomicOutput output(options.out);
     const ParsedDocument document(api, input, WRITABLE);
+    if (is_latin1(document)) convert_comments(document);
     if (output.write_name() == "-") return write_document(document, "-", output.shown_name());
     const host::OutputName name(name_in_comment(output.file()), output.write_name());
     write_document(document, name.name(), options.out);

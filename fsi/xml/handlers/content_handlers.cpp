@@ -9,9 +9,7 @@
 #include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/instructions.h"
-#include "fsi/xml/handlers/latin1.h"
 #include "fsi/xml/handlers/trace_message.h"
-#include "host/memory.h"
 #include "host/strings.h"
 
 namespace {
@@ -22,19 +20,10 @@ std::uint32_t ensure_string(std::uint32_t& string, const char* description, std:
     return string;
 }
 
-// A comment inside an element is written back with the element, so it is kept in the encoding of
-// the element's own texts.
+// Comments are kept in UTF-8, also in documents whose other texts are not.
 void keep_element_comment(XmlParser& parser, const char* text) {
-    const std::size_t length = std::strlen(text);
-    if (!ensure_string(parser.pending_comments, "XML Comments for element", length + 1)) return;
-    if (!stores_latin1(parser)) {
+    if (ensure_string(parser.pending_comments, "XML Comments for element", std::strlen(text) + 1))
         host_string_add_entry(parser.pending_comments, text, HANDLERS_SOURCE, __LINE__);
-        return;
-    }
-    char* copy = latin1_copy(text, length, "Temporary data buffer");
-    if (!copy) return;
-    host_string_add_entry(parser.pending_comments, copy, HANDLERS_SOURCE, __LINE__);
-    host_free(copy, HANDLERS_SOURCE, __LINE__, 0);
 }
 
 // Makes a text that a caller has appended an entry, so that it stays before the comments that are
