@@ -29,20 +29,49 @@ enum class Usage {
     binary_long,
     binary_double,
     float_short,
-    float_long
+    float_long,
+    double_byte  // DISPLAY-1
 };
 
-enum class Category { numeric, alphabetic, alphanumeric, edited, national, national_edited };
+// Whether items of this usage have a PICTURE, that is, whether their size follows from one.
+constexpr bool takes_picture(Usage usage) {
+    switch (usage) {
+        case Usage::comp_1:
+        case Usage::comp_2:
+        case Usage::index:
+        case Usage::pointer:
+        case Usage::binary_char:
+        case Usage::binary_short:
+        case Usage::binary_long:
+        case Usage::binary_double:
+        case Usage::float_short:
+        case Usage::float_long:
+            return false;
+        default:
+            return true;
+    }
+}
+
+enum class Category {
+    numeric,
+    alphabetic,
+    alphanumeric,
+    edited,
+    national,
+    national_edited,
+    double_byte
+};
 
 // A PICTURE, analysed.
 struct Picture {
     std::string text;  // as written, upper case
     Category category = Category::alphanumeric;
     bool is_signed = false;
-    int digits = 0;     // digit positions stored (9 and, for edited items, digit places)
-    int scale = 0;      // power of ten of the last stored digit: -2 for 9(5)V99, 3 for 99PPP
-    int leading_p = 0;  // P positions before the digits (VPP99): scale counts them
-    int length = 0;     // character positions in DISPLAY (without a separate sign)
+    int digits = 0;            // digit positions stored (9 and, for edited items, digit places)
+    int scale = 0;             // power of ten of the last stored digit: -2 for 9(5)V99, 3 for 99PPP
+    char stored_point = '\0';  // of a number: the point or comma stored in it, as in S9(3).99
+    int leading_p = 0;         // P positions before the digits (VPP99): scale counts them
+    int length = 0;            // character positions in DISPLAY (without a separate sign)
     Place place;
 };
 

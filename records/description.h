@@ -21,6 +21,8 @@ enum class NameCase { lower = 0, upper = 1, unchanged = 2 };  // values of 4GL_C
 NameCase configured_name_case();
 enum class BinarySize { by_digits_1248, by_digits_248 };  // cobc's default, and 2-4-8
 enum class RecordEncoding { ascii, ebcdic };              // of DISPLAY digits and signs
+// What to do with data after a table with DEPENDING ON, which moves as the table's size changes.
+enum class MovingData { refused, fixed };  // fixed: the table always takes its full size
 
 struct LayoutOptions {
     NameCase name_case = NameCase::lower;
@@ -29,6 +31,7 @@ struct LayoutOptions {
     bool filler = false;          // give FILLER items elements, too (filler_1, filler_2 ...)
     bool ebcdic_sign = false;     // overpunched signs follow EBCDIC's convention
     RecordEncoding encoding = RecordEncoding::ascii;
+    MovingData moving_data = MovingData::refused;
     std::string name;  // of the description; empty: the FD's or the file's
 };
 

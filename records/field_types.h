@@ -59,9 +59,11 @@ enum FieldFlag : std::uint8_t {
     FIELD_EBCDIC_SIGN =
         1,               // overpunch and digits of a DISPLAY field follow EBCDIC's zone convention
     FIELD_TRUNCATE = 2,  // binary: values are cut to the picture's digits when stored
-    FIELD_EBCDIC_TEXT = 4,      // a DISPLAY field holds EBCDIC characters (digits F0 to F9)
-    FIELD_DECIMAL_COMMA = 8,    // the conventions' decimal point is a comma
-    FIELD_BLANK_WHEN_ZERO = 16  // zero is stored as blanks
+    FIELD_EBCDIC_TEXT = 4,       // a DISPLAY field holds EBCDIC characters (digits F0 to F9)
+    FIELD_DECIMAL_COMMA = 8,     // the conventions' decimal point is a comma
+    FIELD_BLANK_WHEN_ZERO = 16,  // zero is stored as blanks
+    FIELD_STORED_POINT = 32,     // a DISPLAY field holds its decimal point: S9(3).99
+    FIELD_STORED_COMMA = 64      // the same, a comma
 };
 
 inline FieldExtra field_extra(const XfdDataDesc& data) {

@@ -81,6 +81,7 @@ FieldForm character_form(const Node& node, const Picture& picture) {
             form.type = ALPHANUMERIC;
     }
     if (node.usage == Usage::national) form.type = NATIONAL;
+    if (node.usage == Usage::double_byte) form.type = ALPHANUMERIC;
     if (node.source->justified && form.type != NATIONAL) form.type = JUSTIFIED;
     return form;
 }
@@ -107,6 +108,8 @@ FieldForm display_form(const Node& node, const Picture& picture, const LayoutOpt
     form.type = display_type(node, picture.is_signed);
     form.stored_digits = picture.digits;
     describe_text(form, picture.digits, picture.scale);
+    if (picture.stored_point == '.') form.flags |= FIELD_STORED_POINT;
+    if (picture.stored_point == ',') form.flags |= FIELD_STORED_COMMA;
     if (options.ebcdic_sign) form.flags |= FIELD_EBCDIC_SIGN;
     if (options.encoding == RecordEncoding::ebcdic) form.flags |= FIELD_EBCDIC_TEXT;
     return form;
@@ -153,6 +156,7 @@ FieldForm form_of(const Node& node, const LayoutOptions& options) {
         case Usage::comp_6:
             return packed_form(node, picture);
         case Usage::national:
+        case Usage::double_byte:
             return character_form(node, picture);
         default:
             return display_form(node, picture, options);
@@ -214,6 +218,8 @@ const char* usage_name(Usage usage) {
             return "FLOAT-SHORT";
         case Usage::float_long:
             return "FLOAT-LONG";
+        case Usage::double_byte:
+            return "DISPLAY-1";
     }
     return "";
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <map>
 
+#include "records/layout/forms.h"
+
 namespace records {
 namespace {
 
@@ -25,24 +27,6 @@ int smallest_binary_size(int digits) {
     return FEWEST[std::clamp(digits, 0, 19)];
 }
 
-bool has_picture(Usage usage) {
-    switch (usage) {
-        case Usage::comp_1:
-        case Usage::comp_2:
-        case Usage::index:
-        case Usage::pointer:
-        case Usage::binary_char:
-        case Usage::binary_short:
-        case Usage::binary_long:
-        case Usage::binary_double:
-        case Usage::float_short:
-        case Usage::float_long:
-            return false;
-        default:
-            return true;
-    }
-}
-
 // Size of an item whose usage alone decides it.
 int fixed_size(Usage usage) {
     switch (usage) {
@@ -58,6 +42,19 @@ int fixed_size(Usage usage) {
         default:
             return 8;
     }
+}
+
+// Whether SYNCHRONIZED moves items of this usage.
+bool is_aligned(Usage usage) {
+    return usage != Usage::display && usage != Usage::comp_3 && usage != Usage::comp_6 &&
+           usage != Usage::national && usage != Usage::double_byte;
+}
+
+bool is_two_bytes_each(const Node& node, const Picture& picture) {
+    return node.usage == Usage::national || node.usage == Usage::double_byte ||
+           picture.category == Category::national ||
+           picture.category == Category::national_edited ||
+           picture.category == Category::double_byte;
 }
 
 class Placer {
@@ -116,9 +113,36 @@ class Placer {
         }
     }
 
+    // Tables with DEPENDING ON have one size here. Where others do not, what follows them moves.
+    void check_moving_data(const Node& root) {
+        if (options_.moving_data == MovingData::refused) check_moving_data(root, nullptr, nullptr);
+    }
+
     bool failed() const { return too_deep_ || too_long_; }
 
   private:
+    // `next`: what follows the item; `around`: the innermost table that it lies in. Or null.
+    void check_moving_data(const Node& node, const Node* next, const Node* around) {
+        const std::optional<Occurs>& occurs = node.source->occurs;
+        if (occurs && !occurs->depending_on.empty() && (next != nullptr || around != nullptr)) {
+            const std::string name = item_name(*node.source);
+            diagnostics_.error(
+                occurs->place,
+                (around != nullptr
+                     ? name + " has DEPENDING ON and lies in the table " +
+                           item_name(*around->source) + ", whose entries then differ in length"
+                     : item_name(*next->source) + " comes after the table " + name +
+                           ", whose DEPENDING ON moves it") +
+                    "; this is not supported. If every record holds the whole table, used or not, "
+                    "give --odo fixed");
+        }
+        if (node.occurs > 1) around = &node;
+        for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
+            check_moving_data(**child, next, around);
+            if ((*child)->redefined < 0) next = child->get();
+        }
+    }
+
     int occurrences(const DataItem& item, int depth) {
         if (!item.occurs) return 1;
         if (depth == 1) {
@@ -192,27 +216,16 @@ class Placer {
     // Bytes that a synchronized item is aligned to; 1 for all others.
     int own_alignment(const Node& node) {
         if (!node.source->synchronized || node.is_group()) return 1;
-        switch (node.usage) {
-            case Usage::display:
-            case Usage::comp_3:
-            case Usage::comp_6:
-            case Usage::national:
-                return 1;
-            default: {
-                const int size = static_cast<int>(elementary_size(node));
-                return size == 2 || size == 4 || size == 8 ? size : 1;
-            }
-        }
+        if (!is_aligned(node.usage)) return 1;
+        const int size = static_cast<int>(elementary_size(node));
+        return size == 2 || size == 4 || size == 8 ? size : 1;
     }
 
     // A synchronized group of binary usage that is as long as a binary item is aligned like one, as
     // cobc does it: what follows moves, and the group's own place; its items stay where they are.
     void align_group(Node& group) {
-        if (group.usage == Usage::display || group.usage == Usage::comp_3 ||
-            group.usage == Usage::comp_6 || group.usage == Usage::national) {
-            return;
-        }
-        const std::int64_t size = has_picture(group.usage) ? group.size : fixed_size(group.usage);
+        if (!is_aligned(group.usage)) return;
+        const std::int64_t size = takes_picture(group.usage) ? group.size : fixed_size(group.usage);
         if (size != 2 && size != 4 && size != 8) return;
         group.offset = (group.offset + size - 1) / size * size;
         entry_alignment_ = std::max(entry_alignment_, size);
@@ -231,16 +244,20 @@ class Placer {
 
     std::int64_t elementary_size(const Node& node) {
         const DataItem& item = *node.source;
-        if (!has_picture(node.usage)) return fixed_size(node.usage);
+        check_sign(node);
+        if (!takes_picture(node.usage)) {
+            if (item.picture) {
+                report_once(item, item_name(item) + " cannot have a PICTURE, since its usage is " +
+                                      usage_name(node.usage) + "; leave one of them out");
+            }
+            return fixed_size(node.usage);
+        }
         if (!item.picture) {
             report_once(item, item_name(item) + " has neither a PICTURE nor items below it");
             return 1;
         }
         const Picture& picture = *item.picture;
-        if (node.usage == Usage::national || picture.category == Category::national ||
-            picture.category == Category::national_edited) {
-            return 2 * static_cast<std::int64_t>(picture.length);
-        }
+        if (is_two_bytes_each(node, picture)) return 2 * std::int64_t{picture.length};
         if (picture.category != Category::numeric) return character_size(node, picture);
         switch (node.usage) {
             case Usage::binary:
@@ -255,6 +272,28 @@ class Placer {
                 return (picture.digits + 1) / 2;
             default:
                 return picture.length + (picture.is_signed && node.sign_separate ? 1 : 0);
+        }
+    }
+
+    // What SIGN says of an item itself, not of a group around it, must have a sign to be said of.
+    void check_sign(const Node& node) {
+        const DataItem& item = *node.source;
+        if (item.sign_leading) {
+            const bool is_text = node.usage == Usage::display || node.usage == Usage::national;
+            if (!item.picture || !item.picture->is_signed) {
+                report_once(item, "the SIGN clause of " + item_name(item) +
+                                      " needs a PICTURE with S; add the S, or leave SIGN out");
+            } else if (!is_text) {
+                report_once(item, "the SIGN clause of " + item_name(item) +
+                                      " does not go with usage " + usage_name(node.usage) +
+                                      "; leave it out, or use DISPLAY");
+            }
+        }
+        const bool is_display = node.usage == Usage::display;
+        if (item.picture && item.picture->stored_point != '\0' && !is_display) {
+            report_once(item, "PICTURE " + item.picture->text +
+                                  " stores its decimal point and so goes with usage DISPLAY only; "
+                                  "write V for a point that is not stored");
         }
     }
 
@@ -308,6 +347,7 @@ std::unique_ptr<Node> place_record(const DataItem& record, const LayoutOptions& 
     if (placer.failed()) return nullptr;
     placer.place(*root, 0);
     if (placer.failed()) return nullptr;
+    placer.check_moving_data(*root);
     return root;
 }
 

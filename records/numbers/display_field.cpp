@@ -1,6 +1,7 @@
 // DISPLAY numbers: one character a digit, the sign overpunched on a digit or a character of its
 // own, in ASCII or EBCDIC.
 #include <algorithm>
+#include <array>
 
 #include "records/numbers/decimals.h"
 #include "records/numbers/fields.h"
@@ -14,10 +15,12 @@ struct Characters {
     std::uint8_t blank;
     std::uint8_t plus;
     std::uint8_t minus;
+    std::uint8_t point;
+    std::uint8_t comma;
 };
 
-constexpr Characters ASCII{'0', ' ', '+', '-'};
-constexpr Characters EBCDIC{0xF0, 0x40, 0x4E, 0x60};
+constexpr Characters ASCII{'0', ' ', '+', '-', '.', ','};
+constexpr Characters EBCDIC{0xF0, 0x40, 0x4E, 0x60, 0x4B, 0x6B};
 
 Characters characters_of(const Field& field) {
     return field.has(FIELD_EBCDIC_TEXT) ? EBCDIC : ASCII;
@@ -108,9 +111,75 @@ bool is_blank(const Field& field, const Characters& characters) {
                        [&](std::uint8_t byte) { return byte == characters.blank; });
 }
 
+// A field that holds its decimal point, taken apart: the other bytes, and the point.
+class PointedField {
+  public:
+    explicit PointedField(const Field& field) : field_(field), plain_(field) {
+        const auto length = static_cast<std::size_t>(field.length);
+        const int point = places_of(field).end - 1 + std::min(field.scale, 0);
+        if (length > bytes_.size() || point < 0 || point >= field.length) return;
+        point_ = field.bytes + point;
+        std::copy(field.bytes + point + 1, field.bytes + length,
+                  std::copy(field.bytes, point_, bytes_.begin()));
+        plain_.bytes = bytes_.data();
+        plain_.length = field.length - 1;
+        plain_.flags &= ~POINT_FLAGS;
+    }
+    PointedField(const PointedField&) = delete;
+    PointedField& operator=(const PointedField&) = delete;
+
+    static bool is_pointed(const Field& field) { return (field.flags & POINT_FLAGS) != 0; }
+    bool is_usable() const { return point_ != nullptr; }
+    // The field without its point.
+    const Field& plain() const { return plain_; }
+    bool has_point() const { return *point_ == expected(); }
+    // Puts what has been stored without the point back, with it.
+    void put_back() const {
+        const bool blank = is_blank(plain_, characters_of(field_));
+        const std::uint8_t point = blank ? characters_of(field_).blank : expected();
+        const auto before = point_ - field_.bytes;
+        std::copy_n(bytes_.begin(), before, field_.bytes);
+        *point_ = point;
+        std::copy_n(bytes_.begin() + before, plain_.length - before, point_ + 1);
+    }
+
+  private:
+    static constexpr unsigned POINT_FLAGS = FIELD_STORED_POINT | FIELD_STORED_COMMA;
+    static constexpr std::size_t LONGEST = 64;  // more than any picture gives
+
+    std::uint8_t expected() const {
+        const Characters characters = characters_of(field_);
+        return field_.has(FIELD_STORED_COMMA) ? characters.comma : characters.point;
+    }
+
+    const Field& field_;
+    Field plain_;
+    std::array<std::uint8_t, LONGEST> bytes_;  // of plain_
+    std::uint8_t* point_ = nullptr;            // in the field
+};
+
+bool read_pointed(const Field& field, Decimal& out) {
+    set_zero(out);
+    const PointedField pointed(field);
+    if (!pointed.is_usable()) return false;
+    const bool valid = read_display(pointed.plain(), out);
+    const bool may_be_blank = field.has(FIELD_BLANK_WHEN_ZERO);
+    return valid &&
+           (pointed.has_point() || (may_be_blank && is_blank(field, characters_of(field))));
+}
+
+bool store_pointed(const Field& field, const Decimal& number) {
+    const PointedField pointed(field);
+    if (!pointed.is_usable()) return false;
+    const bool kept = store_display(pointed.plain(), number);
+    pointed.put_back();
+    return kept;
+}
+
 }  // namespace
 
 bool read_display(const Field& field, Decimal& out) {
+    if (PointedField::is_pointed(field)) return read_pointed(field, out);
     set_zero(out);
     const Characters characters = characters_of(field);
     const Places places = places_of(field);
@@ -151,6 +220,7 @@ bool read_display(const Field& field, Decimal& out) {
 }
 
 bool store_display(const Field& field, const Decimal& number) {
+    if (PointedField::is_pointed(field)) return store_pointed(field, number);
     const Characters characters = characters_of(field);
     const Places places = places_of(field);
     if (places.end <= places.first) return false;

@@ -1,5 +1,6 @@
 #include "records/source/clause_parser.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <optional>
@@ -323,6 +324,8 @@ void ClauseParser::parse_depending_on() {
     }
     occurs.depending_on = cursor_.peek().text;
     cursor_.advance();
+    // Without TO the table has one occurrence at least.
+    if (occurs.min == occurs.max) occurs.min = std::min(1, occurs.max);
     while ((cursor_.at_word("OF") || cursor_.at_word("IN")) && cursor_.at(WordKind::word, 1)) {
         occurs.depending_on_of.push_back(cursor_.peek(1).text);
         cursor_.advance();

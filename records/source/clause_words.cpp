@@ -34,7 +34,7 @@ constexpr std::array<std::pair<std::string_view, Clause>, 22> CLAUSE_WORDS = {
      {"IS", Clause::is},
      {"ARE", Clause::is}}};
 
-constexpr std::array<std::pair<std::string_view, Usage>, 47> USAGE_WORDS = {
+constexpr std::array<std::pair<std::string_view, Usage>, 48> USAGE_WORDS = {
     {{"DISPLAY", Usage::display},
      {"BINARY", Usage::binary},
      {"COMP", Usage::binary},
@@ -57,6 +57,7 @@ constexpr std::array<std::pair<std::string_view, Usage>, 47> USAGE_WORDS = {
      {"COMP-X", Usage::comp_x},
      {"COMPUTATIONAL-X", Usage::comp_x},
      {"NATIONAL", Usage::national},
+     {"DISPLAY-1", Usage::double_byte},
      {"INDEX", Usage::index},
      {"POINTER", Usage::pointer},
      {"PROCEDURE-POINTER", Usage::pointer},
@@ -99,7 +100,7 @@ bool is_unsupported_usage(const Token& token) {
     const auto numbered = [&](std::string_view family) {
         return word.size() > family.size() && word.starts_with(family);
     };
-    return word == "DISPLAY-1" || word == "OBJECT" || word == "HANDLE" || numbered("COMP-") ||
+    return word == "OBJECT" || word == "HANDLE" || numbered("COMP-") ||
            numbered("COMPUTATIONAL-") || numbered("FLOAT-") || numbered("BINARY-");
 }
 

@@ -45,10 +45,12 @@ class Compilation {
         source_.decimal_point_is_comma = context_.decimal_point_is_comma;
         source_.currency = context_.currency;
         const bool found = options_.fd.empty() ? take_only_choice() : take_chosen();
-        if (!found) return std::nullopt;
-        if (!source_.records.empty()) return std::move(source_);
-        if (!diagnostics_.has_errors()) fail("there is no data description in it");
-        return std::nullopt;
+        if (found && source_.records.empty() && !diagnostics_.has_errors()) {
+            fail("there is no data description in it");
+        }
+        if (diagnostics_.has_errors()) manipulator.report_disputed_formats();
+        if (!found || source_.records.empty()) return std::nullopt;
+        return std::move(source_);
     }
 
   private:
@@ -59,7 +61,19 @@ class Compilation {
         return false;
     }
 
+    // Takes the one record of the range: what it redefines stays behind, and with it the clause.
+    void take_record(TokenRange range) {
+        take(range, [](DataItem& item) {
+            if (item.level == 1) item.redefines.clear();
+        });
+    }
+
     void take(TokenRange range) {
+        take(range, [](DataItem&) {});
+    }
+
+    template <typename Adapt>
+    void take(TokenRange range, const Adapt& adapt) {
         TokenCursor cursor(tokens_, range.begin, range.end);
         // A bare copybook lends its own name; below an FD, the copybook that was copied does.
         const bool is_bare = !structure_.is_program && source_.name.empty();
@@ -69,7 +83,10 @@ class Compilation {
         const std::string& file = *sources_.file(inclusion).name;
         RecordBuilder builder(source_.records, implied_record_name(file), context_);
         while (!cursor.at_end()) {
-            if (auto entry = parse_entry(cursor, context_)) builder.add(std::move(*entry));
+            auto entry = parse_entry(cursor, context_);
+            if (!entry) continue;
+            if (entry->item) adapt(*entry->item);
+            builder.add(std::move(*entry));
         }
     }
 
@@ -107,7 +124,7 @@ class Compilation {
         for (const RecordArea& area : structure_.areas) {
             for (const RecordSpan& record : area.records) {
                 if (record.name != wanted) continue;
-                take(record.tokens);
+                take_record(record.tokens);
                 return true;
             }
         }
@@ -150,7 +167,7 @@ class Compilation {
         if (count > 1) {
             return fail("there is no FD but several records, choose one: " + all_names());
         }
-        take(only->tokens);
+        take_record(only->tokens);
         return true;
     }
 

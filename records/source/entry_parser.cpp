@@ -25,19 +25,47 @@ bool is_strong(const Token& token) {
            clause == Clause::occurs || clause == Clause::value;
 }
 
-// Many words that begin clauses are also used as names: "05 VALUE PIC 9(5).", "05 INDEX." A word is
-// a name when it could not begin its clause where it stands.
-bool is_name_here(const TokenCursor& cursor) {
+// Whether a PICTURE clause follows between `ahead` and the entry's period.
+bool has_picture_clause(const TokenCursor& cursor, std::size_t ahead) {
+    for (; cursor.index() + ahead < cursor.end(); ++ahead) {
+        const Token& token = cursor.peek(ahead);
+        const bool is_next_entry = token.first_on_line && level_number(token) != 0;
+        if (token.kind == WordKind::period || is_next_entry) return false;
+        if (clause_of(token) == Clause::picture) return true;
+    }
+    return false;
+}
+
+// A usage that takes no PICTURE, and yet a PICTURE for it, in this entry or in the first below it:
+// "05 FLOAT PIC X(4)."
+bool cannot_be_usage(const TokenCursor& cursor, int level) {
+    if (takes_picture(*usage_of(cursor.peek()))) return false;
+    if (!cursor.at(WordKind::period, 1)) return has_picture_clause(cursor, 1);
+    const int next = level_number(cursor.peek(2));
+    return next > level && next <= 49 && has_picture_clause(cursor, 3);
+}
+
+bool is_usage_name_here(const TokenCursor& cursor, int level) {
     const Token& token = cursor.peek();
     const Token& next = cursor.peek(1);
-    switch (clause_of(token)) {
+    const Clause clause = clause_of(next);
+    if (clause == Clause::usage || clause == Clause::usage_word) return true;
+    if (cannot_be_usage(cursor, level)) return true;
+    if (is_one_of(token, {"INDEX", "POINTER", "DISPLAY-1"})) {
+        return next.kind == WordKind::period || is_strong(next);
+    }
+    return next.kind == WordKind::period && is_one_of(token, {"DISPLAY", "NATIONAL"});
+}
+
+// Many words that begin clauses are also used as names: "05 VALUE PIC 9(5).", "05 INDEX." A word is
+// a name when it could not begin its clause where it stands. `level`: of the entry.
+bool is_name_here(const TokenCursor& cursor, int level) {
+    const Token& next = cursor.peek(1);
+    switch (clause_of(cursor.peek())) {
         case Clause::none:
             return true;
-        case Clause::usage_word: {
-            const bool can_be_name = is_one_of(token, {"INDEX", "POINTER", "DISPLAY", "NATIONAL"});
-            if (next.kind == WordKind::period) return can_be_name;
-            return is_strong(next) && is_one_of(token, {"INDEX", "POINTER"});
-        }
+        case Clause::usage_word:
+            return is_usage_name_here(cursor, level);
         default:
             return next.kind == WordKind::period || is_strong(next);
     }
@@ -167,8 +195,9 @@ class EntryParser {
 
     void parse_item_name(const Entry& entry, DataItem& item) {
         if (cursor_.take_word("FILLER")) return;
-        const bool can_be_unnamed = cursor_.at(WordKind::period) || cursor_.at_end() ||
-                                    (cursor_.at(WordKind::word) && !is_name_here(cursor_));
+        const bool can_be_unnamed =
+            cursor_.at(WordKind::period) || cursor_.at_end() ||
+            (cursor_.at(WordKind::word) && !is_name_here(cursor_, entry.level));
         if (can_be_unnamed) {
             item.place = context_.sources.place(entry.start.position);
             return;

@@ -71,6 +71,7 @@ class PictureAnalyser {
     bool take_count(Run& run);
     bool check_length();
     bool classify();
+    bool is_signed_with_point() const;
     bool numeric();
     bool scale_with_p();
     bool numeric_edited();
@@ -124,15 +125,10 @@ bool PictureAnalyser::take_symbol(Run& run) {
         run.symbol = c == '.' ? ',' : '.';
         return true;
     }
-    if (std::string_view("9XANSVPZ*+-,./0BE").find(c) != std::string_view::npos) return true;
-    if (c == 'G') {
-        return fail(run.offset,
-                    "pictures of G (double-byte characters) are not supported; "
-                    "describe the bytes with X, two for each character");
-    }
+    if (std::string_view("9XANGSVPZ*+-,./0BE").find(c) != std::string_view::npos) return true;
     return fail(run.offset,
                 std::string("'") + c +
-                    "' is no picture symbol; expected 9 X A N S V P or an editing symbol");
+                    "' is not a picture symbol; expected 9 X A N G S V P or an editing symbol");
 }
 
 bool PictureAnalyser::take_count(Run& run) {
@@ -169,11 +165,13 @@ bool PictureAnalyser::classify() {
         if (has_any("B0/")) return characters(Category::national_edited, "NB0/", "N");
         return characters(Category::national, "N", "N");
     }
+    if (has('G')) return characters(Category::double_byte, "GB", "G");
     if (has_any("XA")) {
         if (has_any("B0/")) return characters(Category::edited, "XA9B0/", "X or A");
         if (has_any("X9")) return characters(Category::alphanumeric, "XA9", "X or A");
         return characters(Category::alphabetic, "A", "A");
     }
+    if (is_signed_with_point()) return numeric();
     for (const Run& run : runs_) {
         if (std::string_view("9SVP").find(run.symbol) == std::string_view::npos) {
             return numeric_edited();
@@ -193,9 +191,18 @@ bool PictureAnalyser::characters(Category category, std::string_view allowed, co
     return true;
 }
 
+// S9(3).99: a number with a sign, as some compilers take it, with the point stored in its place.
+bool PictureAnalyser::is_signed_with_point() const {
+    return has('S') && count('.') == 1 &&
+           std::all_of(runs_.begin(), runs_.end(), [](const Run& run) {
+               return std::string_view("S9.").find(run.symbol) != std::string_view::npos;
+           });
+}
+
 bool PictureAnalyser::numeric() {
     Picture& picture = result_.picture;
     picture.category = Category::numeric;
+    if (has('.')) picture.stored_point = options_.decimal_point_is_comma ? ',' : '.';
     picture.is_signed = has('S');
     if (count('S') > 1 || (has('S') && runs_.front().symbol != 'S')) {
         return fail(last("S"), "S stands once, as the first symbol");
@@ -208,7 +215,7 @@ bool PictureAnalyser::numeric() {
     if (has('P')) return scale_with_p();
     bool after_point = false;
     for (const Run& run : runs_) {
-        if (run.symbol == 'V') after_point = true;
+        if (run.symbol == 'V' || run.symbol == '.') after_point = true;
         if (run.symbol == '9' && after_point) picture.scale -= static_cast<int>(run.count);
     }
     return true;

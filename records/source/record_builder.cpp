@@ -76,9 +76,10 @@ void RecordBuilder::check_level(const Entry& entry, const DataItem& parent) {
         return;
     }
     if (parent.children.empty() || parent.children.front()->level == entry.level) return;
-    context_.error(entry.start, "level " + level_text(entry.level) +
-                                    " fits no group: expected level " +
-                                    level_text(parent.children.front()->level));
+    // Some compilers take it, as an item of the group that it would be in by its number.
+    context_.warning(entry.start, "level " + level_text(entry.level) + " follows level " +
+                                      level_text(parent.children.front()->level) + " in " +
+                                      name_of(parent) + "; it is taken as an item of that group");
 }
 
 // The item redefined is the last one at this level that is no redefinition itself, or one of the

@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::size_t SEQUENCE_WIDTH = 6;
 constexpr std::size_t LONGEST_CARD = 80;
-constexpr std::size_t LINES_LOOKED_AT = 2000;
 
 enum class Evidence { none, fixed, free, beyond_card };
 
@@ -38,8 +37,20 @@ bool is_number(std::string_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), is_digit);
 }
 
+// A comment in free format, and in fixed format too if column 7 says so: "*******" from column 1.
+bool is_comment_in_both(std::string_view line) {
+    return line.front() == '*' && line.size() > SEQUENCE_WIDTH &&
+           (line[SEQUENCE_WIDTH] == '*' || line[SEQUENCE_WIDTH] == '/');
+}
+
+// A sequence number in columns 73 to 80, after the text.
+bool is_numbered_card(std::string_view line) {
+    return line.size() == LONGEST_CARD && is_number(line.substr(FIXED_MARGIN));
+}
+
 // The line has text in columns 1 to 6: a sequence number or a mark, or COBOL text in free format.
 Evidence judge_sequence_area(std::string_view line, std::string_view trimmed) {
+    if (is_comment_in_both(line)) return Evidence::none;
     if (trimmed.starts_with("*") || starts_with_level(trimmed)) return Evidence::free;
     std::string_view area = without_leading_blanks(line.substr(0, SEQUENCE_WIDTH));
     while (area.ends_with(' ')) area.remove_suffix(1);
@@ -59,11 +70,12 @@ Evidence judge(std::string_view line) {
     const std::size_t start = line.size() - trimmed.size();
     if (start < SEQUENCE_WIDTH) return judge_sequence_area(line, trimmed);
     if (start == SEQUENCE_WIDTH) return judge_indicator(trimmed);
+    if (is_numbered_card(line)) return Evidence::fixed;
     if (line.size() > LONGEST_CARD && !trimmed.starts_with("*")) return Evidence::beyond_card;
     return Evidence::none;
 }
 
-// Behind such a line the format is known.
+// After such a line the format is known.
 bool switches_format(std::string_view line) {
     const std::string_view text = without_leading_blanks(line);
     return (text.starts_with(">>") || text.starts_with("$")) && format_directive(text).has_value();
@@ -71,30 +83,22 @@ bool switches_format(std::string_view line) {
 
 }  // namespace
 
-std::optional<SourceFormat> detect_source_format(const SourceFile& file) {
+FormatFinding detect_source_format(const SourceFile& file) {
     int fixed = 0;
     int free = 0;
     int beyond = 0;
-    const std::size_t count = std::min(file.lines.size(), LINES_LOOKED_AT);
-    for (std::size_t i = 0; i < count && !switches_format(file.lines[i]); ++i) {
-        switch (judge(file.lines[i])) {
-            case Evidence::none:
-                break;
-            case Evidence::fixed:
-                ++fixed;
-                break;
-            case Evidence::free:
-                ++free;
-                break;
-            case Evidence::beyond_card:
-                ++beyond;
-                break;
-        }
+    for (const std::string_view line : file.lines) {
+        if (switches_format(line)) break;
+        const Evidence evidence = judge(line);
+        fixed += evidence == Evidence::fixed ? 1 : 0;
+        free += evidence == Evidence::free ? 1 : 0;
+        beyond += evidence == Evidence::beyond_card ? 1 : 0;
     }
-    if (free > fixed) return SourceFormat::free;
-    if (beyond > 0) return SourceFormat::variable;
-    if (fixed > 0) return SourceFormat::fixed;
-    return std::nullopt;
+    const bool is_disputed = fixed > 0 && free > 0;
+    if (free > fixed) return {SourceFormat::free, is_disputed};
+    if (beyond > 0) return {SourceFormat::variable, is_disputed};
+    if (fixed > 0) return {SourceFormat::fixed, is_disputed};
+    return {};
 }
 
 }  // namespace records

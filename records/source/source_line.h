@@ -28,9 +28,13 @@ SourceLine read_source_line(std::string_view line, SourceFormat format, bool deb
 // nothing when it says something else.
 std::optional<SourceFormat> format_directive(std::string_view content);
 
-// Tells fixed, free and variable format apart by looking at the lines of a file. Nothing when the
-// lines fit any of them.
+struct FormatFinding {
+    std::optional<SourceFormat> format;  // nothing when the lines fit any format
+    bool is_disputed = false;            // some lines tell another format
+};
+
+// Tells fixed, free and variable format apart by what most lines of a file show.
 struct SourceFile;
-std::optional<SourceFormat> detect_source_format(const SourceFile& file);
+FormatFinding detect_source_format(const SourceFile& file);
 
 }  // namespace records

@@ -21,6 +21,8 @@ class TextManipulator {
     // Gives the words of the file after COPY, REPLACE and EXEC, up to the PROCEDURE DIVISION.
     // Mistakes stand in the words as `broken`, to be reported where that text matters.
     std::vector<TextWord> expand(std::shared_ptr<const SourceFile> file);
+    // Notes how to choose the format of each file whose lines did not agree on it.
+    void report_disputed_formats() const;
 
   private:
     using Words = std::vector<TextWord>;
@@ -42,6 +44,7 @@ class TextManipulator {
     TextArena& arena_;
     Diagnostics& diagnostics_;
     CopyLibrary library_;
+    std::vector<std::pair<std::shared_ptr<const std::string>, SourceFormat>> disputed_;
     std::vector<std::string> open_files_;  // being expanded, outermost first
     std::size_t words_left_;
     std::size_t bytes_left_;  // of the files read, each inclusion counted

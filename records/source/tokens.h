@@ -29,6 +29,7 @@ class TokenCursor {
 
     bool at_end() const { return at_ >= end_; }
     std::size_t index() const { return at_; }
+    std::size_t end() const { return end_; }
     void move_to(std::size_t index) { at_ = index; }
     void advance() { at_ += at_ < end_ ? 1 : 0; }
     const Token& peek(std::size_t ahead = 0) const {

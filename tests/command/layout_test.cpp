@@ -84,6 +84,29 @@ Record length: 6 bytes
 )");
 }
 
+// What comes after a table of varying size moves: the user says that it does not.
+TEST_F(LayoutTest, DataAfterTablesOfVaryingSizeIsRefusedOrFixed) {
+    write_file("moved.cpy",
+               "       01  M.\n           05  N PIC 9.\n"
+               "           05  T PIC X OCCURS 4 DEPENDING ON N.\n           05  Z PIC X.\n");
+    const Outcome refused = sxml({"layout", "moved.cpy"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find("give --odo fixed"), std::string::npos) << refused.err;
+    const Outcome fixed = sxml({"layout", "moved.cpy", "--odo", "fixed"});
+    EXPECT_EQ(fixed.err, "");
+    EXPECT_NE(fixed.out.find("Record length: 6 bytes"), std::string::npos) << fixed.out;
+}
+
+// Numbers with a point stored in them go both ways.
+TEST_F(LayoutTest, StoredPointsAreReadAndWritten) {
+    write_file("pointed.cpy", "       01  P.\n           05  A PIC S9(3).99.\n");
+    write_file("p.dat", "001.5p012.34");
+    EXPECT_EQ(sxml({"to-xml", "p.dat", "p.xml", "-l", "pointed.cpy"}).err, "");
+    EXPECT_NE(read_file("p.xml").find("<a>-1.50</a>"), std::string::npos) << read_file("p.xml");
+    EXPECT_EQ(sxml({"from-xml", "p.xml", "q.dat", "-l", "pointed.cpy"}).err, "");
+    EXPECT_EQ(read_file("q.dat"), "001.5p012.34");
+}
+
 // A description file stands for its copybook.
 TEST_F(LayoutTest, DescriptionFilesGiveTheSameDocument) {
     write_file("l.dat", "A40000037Ann                           20010101" +

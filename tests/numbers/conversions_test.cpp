@@ -40,6 +40,10 @@ constexpr FieldSpec LEADING{DISPLAY_SIGN_LEADING, 3, 0, 3};
 constexpr FieldSpec SEPARATE{DISPLAY_SIGN_TRAILING_SEPARATE, 3, 0, 4};
 constexpr FieldSpec BLANK_ZERO{DISPLAY_UNSIGNED, 3, 0, 3, FIELD_BLANK_WHEN_ZERO};
 constexpr FieldSpec COMMA{DISPLAY_SIGN_TRAILING, 4, -2, 4, FIELD_DECIMAL_COMMA};
+constexpr FieldSpec POINT{DISPLAY_SIGN_TRAILING, 3, -2, 4, FIELD_STORED_POINT};
+constexpr FieldSpec POINT_SEPARATE{DISPLAY_SIGN_TRAILING_SEPARATE, 3, -1, 5, FIELD_STORED_COMMA};
+constexpr FieldSpec POINT_EBCDIC{DISPLAY_SIGN_LEADING, 2, -2, 3,
+                                 FIELD_STORED_POINT | FIELD_EBCDIC_TEXT | FIELD_BLANK_WHEN_ZERO};
 constexpr FieldSpec FRACTION{PACKED_SIGNED, 2, -2, 2};
 constexpr FieldSpec PACKED_7_2{PACKED_SIGNED, 7, -2, 4};
 constexpr FieldSpec PACKED_4{PACKED_SIGNED, 4, 0, 3};
@@ -73,6 +77,11 @@ const StoreCase STORE_CASES[] = {
     {DISPLAY_5, "1e99999999999999999999", "3030303030", false},
     {DISPLAY_5, "1e-99999999999999999999", "3030303030", true},
     {DISPLAY_5, "9876543", "3736353433", false},
+    {POINT, "-1.2", "312E3270", true},
+    {POINT, "31.239", "312E3233", false},
+    {POINT_SEPARATE, "-12.3", "31322C332D", true},
+    {POINT_EBCDIC, "0.12", "4BC1F2", true},
+    {POINT_EBCDIC, "0", "404040", true},
     {DISPLAY_5, "-12", "3030303132", false},
     {DISPLAY_5, "", "3030303030", false},
     {DISPLAY_5, "   ", "3030303030", false},
@@ -159,6 +168,10 @@ const ReadCase READ_CASES[] = {
     {DISPLAY_5, "3141323F33", "11203", false},
     {DISPLAY_5, "FFFFFFFFFF", "0", false},
     {DISPLAY_5, "3132333474", "12344", false},
+    {POINT, "312E3270", "-1.20", true},
+    {POINT, "31323334", "1.34", false},
+    {POINT_EBCDIC, "4BD1F2", "-.12", true},
+    {POINT_EBCDIC, "404040", "0.00", true},
     {BLANK_ZERO, "202020", "0", true},
     {BLANK_ZERO, "202031", "1", false},
     {MONEY, "3030303132", "0.12", true},

@@ -368,6 +368,52 @@ TEST(CobcLayout, EveryClause) {
     judge(std::string(EVERY_CLAUSE) + COUNTED, descriptions, "every", "");
 }
 
+// What cobc refuses is refused, and what it takes is taken. `standard` is cobc's.
+TEST(CobcLayout, SameClausesAreRefused) {
+    if (!has_cobc()) GTEST_SKIP() << "cobc is not installed";
+    const struct {
+        const char* items;
+        const char* standard = "default";
+    } cases[] = {
+        {"05 T PIC X OCCURS 9 DEPENDING N."},
+        {"05 T PIC X OCCURS 0 TO 9 DEPENDING N. 05 A PIC X."},
+        {"05 G. 10 T PIC X OCCURS 9 DEPENDING N. 10 U REDEFINES T PIC X. 05 A PIC X."},
+        {"05 G OCCURS 2. 10 T PIC X OCCURS 9 DEPENDING N."},
+        {"05 A PIC 9(4) SIGN LEADING."},
+        {"05 A PIC 9(4) SIGN TRAILING SEPARATE."},
+        {"05 A PIC +9(4) SIGN LEADING."},
+        {"05 A PIC X SIGN LEADING SEPARATE."},
+        {"05 A PIC S9(4) COMP-3 SIGN LEADING."},
+        {"05 A COMP-1 SIGN LEADING."},
+        {"05 G SIGN LEADING SEPARATE. 10 A PIC 9. 10 B PIC S9 COMP-3. 10 C PIC X."},
+        {"05 A PIC 9(4) BINARY-LONG."},
+        {"05 A PIC X(4) COMP-2."},
+        {"05 G POINTER. 10 A PIC X(4)."},
+        {"05 A PIC X. 03 B PIC X.", "mf"},
+        {"05 G. 10 A PIC X. 07 B PIC X.", "mf"},
+        {"05 A PIC X. 03 B PIC X. 05 C PIC X.", "mf"},
+        {"05 FLOAT PIC X.", "cobol85"},
+        {"05 DOUBLE PIC X(4) OCCURS 2.", "cobol85"},
+        {"05 BINARY-INT PIC 9(4).", "ibm"},
+        {"05 UNSIGNED-CHAR PIC X."},
+    };
+    const fs::path folder = fs::path(SXML_BUILD_DIR) / "tests" / "probe_refused";
+    fs::create_directories(folder);
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.items);
+        const std::string record = std::string("01 R.\n05 N PIC 9.\n") + each.items + "\n";
+        std::ofstream(folder / "probe.cob")
+            << "IDENTIFICATION DIVISION.\nPROGRAM-ID. PROBE.\nDATA DIVISION.\n"
+               "WORKING-STORAGE SECTION.\n"
+            << record << "PROCEDURE DIVISION.\n    STOP RUN.\n";
+        const std::string command = "cd '" + folder.string() +
+                                    "' && cobc -fsyntax-only -free -std=" + each.standard +
+                                    " probe.cob > log 2>&1";
+        const bool is_taken = std::system(command.c_str()) == 0;
+        EXPECT_EQ(layout_tests::compile(record).description.has_value(), is_taken);
+    }
+}
+
 // A file of copybooks/ as cobc takes it: what it does not know, or not there, is blanked out.
 std::string copybook_text(const std::string& file) {
     std::ifstream in(fs::path(SXML_SOURCE_DIR) / "tests" / "records" / "copybooks" / file);

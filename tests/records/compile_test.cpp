@@ -55,6 +55,14 @@ const Case CASES[] = {
      "rec 0+26\n a 0+2 t9 5.0\n b 2+2 t11 5.0\n c 4+1 t12 3.0\n d 5+8 t12 20.0\n"
      " e 13+4 t11 10.0\n f 17+4 t11 10.0\n g 21+3 t10 8.0\n h 24+2 t11 5.-1\n",
      ""},
+    {"an item of a lower level number than the first of its group",
+     "01 REC.\n 05 A PIC X.\n 03 G.\n 10 B PIC X.\n 05 C PIC X.",
+     "rec 0+3\n a 0+1 t15\n g 1+2\n  b 1+1 t15\n  c 2+1 t15\n",
+     "warning: level 03 follows level 05 in REC"},
+    {"points that are stored, and double-byte characters",
+     "01 REC.\n 05 A PIC S9(3).99.\n 05 B PIC S9.9 SIGN LEADING SEPARATE.\n 05 C PIC G(3).\n"
+     " 05 D PIC G DISPLAY-1.",
+     "rec 0+18\n a 0+6 t2 5.-2\n b 6+4 t5 2.-1\n c 10+6 t15\n d 16+2 t15\n", ""},
     {"kinds of characters",
      "01 REC.\n 05 A PIC A(2).\n 05 B PIC Z9.9.\n 05 C PIC X(2) JUST.\n 05 D PIC N(2).\n"
      " 05 E POINTER.\n*> sxml: hex\n 05 F PIC 9(4) COMP.\n*> sxml: hide\n 05 G PIC X.\n",
@@ -156,6 +164,16 @@ TEST(Compile, ErrorsNamePlaceAndRemedy) {
         {"01 R.\n 05 A PIC X.\n 05 B REDEFINES C PIC X.", "3:17: error: no item C of level 5"},
         {"01 R.\n 05 A PIC 9(19) COMP.", "at most 18 digits"},
         {"01 R.\n 05 A PIC X COMP-3.", "is not numeric"},
+        {"01 R.\n 05 A PIC X(9) COMP-1.", "A cannot have a PICTURE, since its usage is COMP-1"},
+        {"01 R.\n 05 G INDEX.\n 10 A PIC 9.", "A cannot have a PICTURE, since its usage is INDEX"},
+        {"01 R.\n 05 A PIC 9 SIGN LEADING SEPARATE.", "needs a PICTURE with S; add the S"},
+        {"01 R.\n 05 A PIC S9 COMP-3 SIGN LEADING.", "does not go with usage COMP-3"},
+        {"01 R.\n 05 A PIC S9.9 COMP-3.", "goes with usage DISPLAY only"},
+        {"01 R.\n 05 N PIC 9.\n 05 G.\n 10 T PIC X OCCURS 4 DEPENDING N.\n 05 Z PIC X.",
+         "4:13: error: Z comes after the table T, whose DEPENDING ON moves it; this is not "
+         "supported. If every record holds the whole table, used or not, give --odo fixed"},
+        {"01 R.\n 05 N PIC 9.\n 05 G OCCURS 2.\n 10 T PIC X OCCURS 4 DEPENDING N.",
+         "T has DEPENDING ON and lies in the table G"},
         {"01 R.\n 05 FILLER PIC X.", "no field of the record gives an element"},
         {"01 R.\n*> sxml: when Z = 1\n 05 A PIC X.", "no item or condition name Z"},
         {"01 R.\n*> sxml: when A\n 05 A PIC X.", "is no condition name"},
@@ -233,9 +251,15 @@ TEST(Compile, LengthFollowsTheCounter) {
     for (const auto& each : cases) {
         EXPECT_EQ(description.used_length(each.record, each.length), each.used) << each.record;
     }
-    // A table that does not end the record takes its full room.
-    const Description inner =
-        described("01 R.\n 05 N PIC 9.\n 05 T PIC X OCCURS 1 TO 4 DEPENDING ON N.\n 05 Z PIC X.");
+    const Description from_one =
+        described("01 R.\n 05 N PIC 9.\n 05 T PIC X OCCURS 4 DEPENDING N.");
+    EXPECT_EQ(from_one.min_record_length(), 2);
+    EXPECT_EQ(from_one.used_length("2abcd", 5), 3);
+    // A table that does not end the record takes its full room, if the user says so.
+    LayoutOptions full;
+    full.moving_data = MovingData::fixed;
+    const Description inner = described(
+        "01 R.\n 05 N PIC 9.\n 05 T PIC X OCCURS 1 TO 4 DEPENDING ON N.\n 05 Z PIC X.", full);
     EXPECT_EQ(inner.used_length("1abcdZ", 6), 6);
 }
 

@@ -52,6 +52,17 @@ TEST(Copybook, FilesGiveTheirTrees) {
     }
 }
 
+// A record that redefines another can be chosen like any.
+TEST(Copybook, ARedefinitionIsTakenAlone) {
+    CopybookOptions options;
+    options.fd = "B";
+    EXPECT_EQ(
+        compile_text("data division.\n01 a pic x.\n01 b redefines a.\n 05 c pic x.\n"
+                     " 05 d redefines c pic 9.\n",
+                     options),
+        "1 B\n  5 C PIC X [alnum length 1]\n  5 D REDEFINES C PIC 9 [num digits 1 length 1]\n");
+}
+
 TEST(Copybook, UnreadableFilesAreReported) {
     EXPECT_EQ(compile_file("/no/such/file.cpy"),
               "nothing\n/no/such/file.cpy: error: cannot read the file: "

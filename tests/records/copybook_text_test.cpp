@@ -36,6 +36,13 @@ TEST(SourceText, FormatIsFoundOut) {
         "      DATA DIVISION.\n WORKING-STORAGE SECTION.\n 01 A.\n  05 B PIC X.\n",
         "01 A. *> sxml without a colon\n>>D 05 C PIC X.\n05 B PIC X.\n",
         "\t01\tA.\n\t\t05 B\tPIC X.\n",
+        // Stars from column 1 to 7 and beyond are a comment in both formats.
+        "***********\n      * COMMENT\n***********\n***********\n       01 A.\n           05 B PIC "
+        "X.\n",
+        "***********\n01 A.\n***********\n05 B PIC X.\n",
+        // Numbers in columns 73 to 80 are on cards; one stray line is not.
+        "       01 A." + blanks(60) + "00000100\n" + "           05 B PIC X." + blanks(50) +
+            "00000200\n* STRAY\n",
         "01 A.\r\n05 B PIC X.\r\n\x1a",
         "01 A;\n\f05 B, PIC X.\n",
     };
@@ -48,6 +55,21 @@ TEST(SourceText, FormatIsFoundOut) {
         }
         EXPECT_EQ(compile_text(text), expected) << text;
     }
+}
+
+// Lines that tell different formats: when reading fails, the message says how to choose.
+TEST(SourceText, DisputedFormatIsToldWithTheRemedy) {
+    const std::string free = "* A\n* B\n      * C\n       01 A.\n      - PIC X.\n* D\n";
+    EXPECT_NE(compile_text(free).find("test.cpy: note: most lines look like free format, but some "
+                                      "like fixed; to read columns 8 to 72 only, give --format "
+                                      "fixed\n"),
+              std::string::npos)
+        << compile_text(free);
+    const std::string fixed = "000100 01 A.\n000200     05 B PIC Q.\n05 C PIC X.\n";
+    EXPECT_NE(compile_text(fixed).find("give --format free"), std::string::npos);
+    CopybookOptions chosen;
+    chosen.format = SourceFormat::fixed;
+    EXPECT_EQ(compile_text(fixed, chosen).find("note:"), std::string::npos);
 }
 
 TEST(SourceText, OptionsChooseTheFormat) {

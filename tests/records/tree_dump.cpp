@@ -5,10 +5,11 @@ namespace records {
 namespace {
 
 constexpr const char* USAGES[] = {
-    "DISPLAY",      "BINARY",      "COMP-1",        "COMP-2",      "COMP-3",    "COMP-5",
-    "COMP-6",       "COMP-X",      "NATIONAL",      "INDEX",       "POINTER",   "BINARY-CHAR",
-    "BINARY-SHORT", "BINARY-LONG", "BINARY-DOUBLE", "FLOAT-SHORT", "FLOAT-LONG"};
-constexpr const char* CATEGORIES[] = {"num", "alpha", "alnum", "edited", "nat", "nat-edited"};
+    "DISPLAY",      "BINARY",      "COMP-1",        "COMP-2",      "COMP-3",     "COMP-5",
+    "COMP-6",       "COMP-X",      "NATIONAL",      "INDEX",       "POINTER",    "BINARY-CHAR",
+    "BINARY-SHORT", "BINARY-LONG", "BINARY-DOUBLE", "FLOAT-SHORT", "FLOAT-LONG", "DISPLAY-1"};
+constexpr const char* CATEGORIES[] = {"num", "alpha",      "alnum",      "edited",
+                                      "nat", "nat-edited", "double-byte"};
 constexpr const char* RELATIONS[] = {"=", "<>", "<", "<=", ">", ">="};
 
 std::string dump_literal(const Literal& literal) {
@@ -38,6 +39,7 @@ std::string dump_picture(const Picture& picture) {
     if (picture.is_signed) out += " signed";
     if (picture.digits > 0) out += " digits " + std::to_string(picture.digits);
     if (picture.scale != 0) out += " scale " + std::to_string(picture.scale);
+    if (picture.stored_point != '\0') out += std::string(" point ") + picture.stored_point;
     if (picture.leading_p != 0) out += " p " + std::to_string(picture.leading_p);
     return out + " length " + std::to_string(picture.length) + "]";
 }

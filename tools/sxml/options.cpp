@@ -19,6 +19,11 @@ const std::map<std::string, records::BinarySize> BINARY_SIZES = {
     {"2-4-8", records::BinarySize::by_digits_248},
 };
 
+const std::map<std::string, records::MovingData> MOVING_DATA = {
+    {"fixed", records::MovingData::fixed},
+    {"refuse", records::MovingData::refused},
+};
+
 // An option whose value is one of the names of `values`.
 template <typename Value>
 void add_choice(CLI::App& command, const std::string& name, Value& variable,
@@ -59,6 +64,10 @@ void add_description_options(CLI::App& command, LayoutOptions& options) {
     command.add_flag_callback(
         "--no-truncate", [&layout] { layout.binary_truncate = false; },
         "binary items hold all that fits their bytes, whatever their picture says");
+    add_choice(
+        command, "--odo", layout.moving_data, MOVING_DATA,
+        "tables with DEPENDING ON that do not end the record: refuse them (default), or take "
+        "them as full in every record");
     command.add_flag("--ebcdic-sign", layout.ebcdic_sign,
                      "signs overpunched in DISPLAY numbers follow EBCDIC");
     command.add_flag("--filler", layout.filler, "give FILLER items elements, too");
