@@ -57,13 +57,6 @@ FieldForm native_form(std::int64_t size, bool is_signed) {
     return form;
 }
 
-FieldForm opaque_form() {
-    FieldForm form;
-    form.type = OPAQUE;
-    form.hex = true;
-    return form;
-}
-
 FieldForm character_form(const Node& node, const Picture& picture) {
     FieldForm form;
     switch (picture.category) {
@@ -164,6 +157,13 @@ FieldForm form_of(const Node& node, const LayoutOptions& options) {
 }
 
 }  // namespace
+
+FieldForm opaque_form() {
+    FieldForm form;
+    form.type = OPAQUE;
+    form.hex = true;
+    return form;
+}
 
 void set_forms(Node& root, const LayoutOptions& options, Diagnostics& diagnostics) {
     for_each(root, [&](Node& node) {

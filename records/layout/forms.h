@@ -8,6 +8,9 @@ namespace records {
 // Sets the form of every field below (and including) the item.
 void set_forms(Node& root, const LayoutOptions& options, Diagnostics& diagnostics);
 
+// Bytes of any meaning, written as hexadecimal digits.
+FieldForm opaque_form();
+
 // Short name of a usage as `sxml layout` shows it.
 const char* usage_name(Usage usage);
 

@@ -229,6 +229,7 @@ class Reader {
     }
 
     void check_length(const Key& key, FieldType type, std::int32_t length) {
+        if (length == 0) key.member("length").error("must be at least 1 for this type");
         const bool binary = type >= BINARY_SIGNED && type <= NATIVE_UNSIGNED;
         if (binary && length > 8) key.member("length").error("must be at most 8 for this type");
         if (type == FLOAT_NATIVE && length != 4 && length != 8) {
@@ -330,7 +331,10 @@ class Reader {
 
     void read_place(const Key& key, ModelItem& item, const Surroundings& inside) {
         item.offset = static_cast<std::int32_t>(key.integer("offset", 0, model_.record_length));
-        item.length = static_cast<std::int32_t>(key.integer("length", 1, model_.record_length));
+        // A field of no bytes marks the records of its layout.
+        const bool may_be_empty = !item.group && key.has("condition");
+        item.length = static_cast<std::int32_t>(
+            key.integer("length", may_be_empty ? 0 : 1, model_.record_length));
         const std::int64_t end = inside.last_shift + item.offset + item.length;
         if (end <= model_.record_length) return;
         key.member("offset").error("and length end at byte " + std::to_string(end) +

@@ -28,6 +28,7 @@ std::unique_ptr<Node> clone(const Node& node, Node* parent) {
     copy->redefined = node.redefined;
     copy->form = node.form;
     copy->name = node.name;
+    copy->is_left_over = node.is_left_over;
     copy->own_test = node.own_test;
     copy->condition = node.condition;
     for (const auto& child : node.children) copy->children.push_back(clone(*child, copy.get()));

@@ -34,6 +34,7 @@ struct Node {
     // In XML.
     FieldForm form;
     std::string name;              // empty: no element
+    bool is_left_over = false;     // a variant of a place that has none in this layout
     std::optional<Test> own_test;  // what must hold for this item, beside its parents' tests
     int condition = 0;
 

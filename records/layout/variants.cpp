@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <span>
 
+#include "records/layout/forms.h"
 #include "records/layout/names.h"
 #include "records/layout/placement.h"
 
@@ -140,6 +141,7 @@ std::unique_ptr<Node> with_variant(const Node& layout, const std::vector<Node*>&
         Node* own = counterpart(layout, *copy, variant);
         const std::optional<Test> test = std::move(own->own_test);
         own->own_test.reset();
+        own->is_left_over = kept == nullptr;
         if (variant != kept) {
             remove_elements(*own);
         } else if (test) {
@@ -196,6 +198,17 @@ bool split(std::unique_ptr<Node> layout, const LayoutOptions& options, Layouts& 
     return true;
 }
 
+// A layout that is the only one is taken for every record.
+void drop_test(Node& layout, Diagnostics& diagnostics) {
+    if (layout.own_test) {
+        diagnostics.warning(layout.source->place,
+                            item_name(*layout.source) +
+                                " is the only record layout described; its condition is not "
+                                "tested, and every record is taken for one");
+    }
+    layout.own_test.reset();
+}
+
 // True when a layout has an element that only its own records have.
 bool has_own_field(const Node& layout) {
     bool found = false;
@@ -232,7 +245,7 @@ std::size_t choose_layouts(Layouts& layouts, const NameScope& scope, const Layou
                           [](const auto& layout) { return layout->source->when.has_value(); });
     const auto described = static_cast<std::size_t>(first_undescribed - layouts.begin());
     if (described <= 1) {
-        if (described == 1) layouts[0]->own_test.reset();
+        if (described == 1) drop_test(*layouts[0], diagnostics);
         return described;
     }
     Layouts result;
@@ -415,23 +428,68 @@ class FieldConditions {
     Diagnostics& diagnostics_;
 };
 
-// A layout of which every record has every field would be taken always. Unused space tells it from
-// the others: it is empty in a document, but belongs to this layout alone.
-void describe_unused_space(Node& layout, Diagnostics& diagnostics) {
-    Node* unused = nullptr;
-    for_each(layout, [&unused](Node& node) {
-        if (unused == nullptr && is_unused_space(node)) unused = &node;
+// What is written for a layout of which nothing but shared fields is described: an element that
+// stands for no bytes.
+const DataItem& marker() {
+    static const DataItem item = [] {
+        DataItem filler;
+        filler.level = 2;
+        return filler;
+    }();
+    return item;
+}
+
+// The largest variant of the first place for which the layout has none; null when there is none.
+Node* left_over_place(Node& layout) {
+    Node* found = nullptr;
+    for_each(layout, [&found](Node& node) {
+        if (!node.is_left_over || node.occurs > 1) return;
+        if (found == nullptr || (node.offset == found->offset && node.size > found->size)) {
+            found = &node;
+        }
     });
-    if (unused == nullptr) {
-        diagnostics.warning(layout.source->place,
-                            item_name(*layout.source) +
-                                " has no field beside those that tell the record layouts apart; "
-                                "its records cannot be told from those of later layouts: put it "
-                                "last, or give it a FILLER");
-        return;
+    return found;
+}
+
+bool holds_text(const FieldForm& form) {
+    const bool is_binary =
+        form.hex || (is_numeric_type(form.type) && form.type > DISPLAY_SIGN_LEADING_SEPARATE);
+    return !is_binary && form.type != OPAQUE;
+}
+
+// Text, when all variants that may be there are.
+FieldForm left_over_form(const Node& layout, const Node& place) {
+    bool is_text = true;
+    for_each(layout, [&](const Node& node) {
+        if (!node.is_left_over || node.offset != place.offset) return;
+        for_each(node, [&](const Node& each) {
+            if (!each.is_group() && !holds_text(each.form)) is_text = false;
+        });
+    });
+    return is_text ? FieldForm{} : opaque_form();
+}
+
+// A layout of which every record has every field would be taken always. A field of its own tells it
+// from the others: its unused space, the bytes of a variant that is not known, or else no bytes.
+void describe_own_field(Node& layout) {
+    Node* field = nullptr;
+    for_each(layout, [&field](Node& node) {
+        if (field == nullptr && is_unused_space(node)) field = &node;
+    });
+    if (field == nullptr) {
+        field = left_over_place(layout);
+        if (field == nullptr) {
+            layout.children.push_back(std::make_unique<Node>());
+            field = layout.children.back().get();
+            field->source = &marker();
+            field->parent = &layout;
+        } else {
+            field->form = left_over_form(layout, *field);
+            field->children.clear();
+        }
     }
-    unused->name = "filler";
-    unused->condition = layout.condition;
+    field->name = "filler";
+    field->condition = layout.condition;
 }
 
 }  // namespace
@@ -443,8 +501,10 @@ std::vector<Condition> number_conditions(const Layouts& layouts, std::size_t des
     FieldConditions fields(numberer, std::span(layouts).first(described), diagnostics);
     for (std::size_t i = 0; i < described; ++i) {
         fields.assign(*layouts[i]);
-        if (described > 1 && i + 1 < described && !has_own_field(*layouts[i])) {
-            describe_unused_space(*layouts[i], diagnostics);
+        // What is left of all records needs no mark.
+        const bool takes_rest = i + 1 == described && !layouts[i]->source->when;
+        if (described > 1 && !takes_rest && !has_own_field(*layouts[i])) {
+            describe_own_field(*layouts[i]);
         }
     }
     return std::move(numberer.conditions);

@@ -115,6 +115,27 @@ const Case CASES[] = {
      "*> sxml: when T = 'T'\n01 TRL.\n 05 T PIC X.\n 05 FILLER PIC X(3).\n"
      "*> sxml: when DT = 'D'\n01 DTL.\n 05 DT PIC X.\n 05 DA PIC X.",
      "trl 0+4\n t 0+1 t15\n filler 1+3 t15 c1\ndtl 0+2\n dt 0+1 t15\n da 1+1 t15 c2\n", ""},
+    {"records of no known variant keep the bytes of its place, so that later layouts are found",
+     "*> sxml: when T = 'H'\n01 HDR.\n 05 T PIC X.\n 05 K PIC X.\n*> sxml: when K = '1'\n"
+     " 05 V PIC X(2).\n*> sxml: when K = '2'\n 05 W REDEFINES V.\n 10 W-1 PIC 9(3).\n"
+     "*> sxml: when DT = 'D'\n01 DTL.\n 05 DT PIC X.\n 05 DX PIC X.",
+     "hdr 0+5\n t 0+1 t15\n k 1+1 t15\n v 2+2 t15 c1\nhdr_w 0+5\n t 0+1 t15\n k 1+1 t15\n w 2+3\n"
+     "  w_1 2+3 t1 3.0 c2\nhdr_other 0+5\n t 0+1 t15\n k 1+1 t15\n filler 2+3 t15 c3\n"
+     "dtl 0+2\n dt 0+1 t15\n dx 1+1 t15 c4\n",
+     "W (3 bytes) is longer"},
+    {"bytes of variants that are not text are hexadecimal",
+     "*> sxml: when T = 'H'\n01 HDR.\n 05 T PIC X.\n*> sxml: when T > 'H'\n 05 V PIC 9(3) COMP-3.\n"
+     "*> sxml: when DT = 'D'\n01 DTL.\n 05 DT PIC X.\n 05 DX PIC X.",
+     "hdr 0+3\n t 0+1 t15\n v 1+2 t7 3.0 c1\nhdr_other 0+3\n t 0+1 t15\n filler 1+2 t19 hex c2\n"
+     "dtl 0+2\n dt 0+1 t15\n dx 1+1 t15 c3\n",
+     ""},
+    {"layouts of the tested field alone are marked, the last one, too",
+     "*> sxml: when T = 'T'\n01 TRL.\n 05 T PIC X.\n*> sxml: when DT = 'D'\n01 DTL.\n"
+     " 05 DT PIC X.",
+     "trl 0+1\n t 0+1 t15\n filler 0+0 t15 c1\ndtl 0+1\n dt 0+1 t15\n filler 0+0 t15 c2\n", ""},
+    {"a condition of the only layout is not tested", "*> sxml: when T = 'T'\n01 TRL.\n 05 T PIC X.",
+     "trl 0+1\n t 0+1 t15\n",
+     "TRL is the only record layout described; its condition is not tested"},
     {"unused space in the place of the tested field is described as that field",
      "*> sxml: when T = 1\n01 HDR.\n 05 T PIC 9.\n 05 H PIC X.\n*> sxml: when T = 2\n01 DTL.\n"
      " 05 G.\n 10 FILLER PIC X.\n 10 D PIC X.",
