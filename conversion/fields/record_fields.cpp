@@ -1,6 +1,7 @@
 #include "conversion/fields/record_fields.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "records/description.h"
@@ -57,13 +58,15 @@ Result<RecordFields> RecordFields::of(const Xfd& xfd) {
         RecordLayout layout = result.layout_at(index, end);
         std::vector<int> path;
         if (!result.collect(index, path, layout.fields)) return endless_variants(xfd);
+        std::copy_if(layout.fields.begin(), layout.fields.end(), std::back_inserter(layout.texts),
+                     [](const Field& field) { return field.kind == FieldKind::text; });
         result.layouts_.push_back(std::move(layout));
     }
     return result;
 }
 
 RecordLayout RecordFields::layout_at(int index, int end) const {
-    RecordLayout layout{xfd_->items[index].name, index, end, 0, {}, {}};
+    RecordLayout layout{xfd_->items[index].name, index, end, 0, {}, {}, {}};
     layout.length = std::max(xfd_->items[index].data.length, 0);
     for (int i = index + 1; i < end; ++i) {
         const std::int16_t condition = xfd_->items[i].condition;

@@ -34,6 +34,7 @@ struct RecordLayout {
     std::int32_t length;                   // bytes
     std::vector<std::int16_t> conditions;  // all that must hold in its records
     std::vector<Field> fields;             // those that are written, variants resolved
+    std::vector<Field> texts;              // of these, those of kind text
 };
 
 // Evaluates all conditions of a description on a record; the results are kept in the description.

@@ -241,7 +241,7 @@ bool InputDocument::convert(std::int32_t index, std::string_view& text) {
 // picture says.
 void InputDocument::place(const XfdItem& item, std::string_view text) {
     const auto size = static_cast<std::size_t>(item.data.length);
-    const std::size_t moved = texts_->fitting(text, size);
+    const std::size_t moved = text.size() <= size ? text.size() : texts_->fitting(text, size);
     std::uint8_t* const target = record_.data() + item.offset;
     std::fill(std::copy_n(text.begin(), moved, target), target + size, characters_->space());
     if (!is_aligned(item)) return;

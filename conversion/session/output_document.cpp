@@ -131,8 +131,8 @@ void OutputDocument::complete_cut_field() {
 }
 
 Done OutputDocument::check_texts() const {
-    for (const Field& field : chosen().fields) {
-        if (field.kind != FieldKind::text || !is_written(field)) continue;
+    for (const Field& field : chosen().texts) {
+        if (!is_written(field)) continue;
         std::optional<TextProblem> problem =
             text_check_.check(record_ + field.offset, field.length);
         if (!problem) continue;

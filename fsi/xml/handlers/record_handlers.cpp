@@ -63,7 +63,7 @@ void start_in_record(void* expat, const char* name, const char** attributes) {
     std::uint32_t stored = tree.names.names[written].stored_as;
     if (!stored) stored = stored_number(parser, tree.names, written);
     if (!stored || !start_record_element(tree, stored)) return stop_out_of_memory(parser);
-    for (; tree.notes_unused && *attributes; attributes += 2) note_attribute(tree, *attributes);
+    for (; *attributes && tree.notes_unused; attributes += 2) note_attribute(tree, *attributes);
     if (parser.depth == 2) start_record(parser);
     choose_text_handler(parser, kept_text);
 }

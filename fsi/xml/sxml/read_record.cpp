@@ -136,12 +136,14 @@ bool is_used(RecordTree& tree, std::uint32_t number) {
 
 // Texts of white space are no data.
 bool has_unused_text(const XmlFile& file, std::uint32_t number) {
-    const RecordElement& element = file.input_items->tree.elements[number];
+    InputItems& items = *file.input_items;
+    const RecordElement& element = items.tree.elements[number];
+    if (element.has_other_text || element.is_moved) return element.has_other_text;
     const char* text = nullptr;
     std::size_t length = 0;
-    if (element.has_other_text) return true;
-    return !element.is_moved && element.has_text && find_text(file, number, &text, &length) &&
-           length > 0;
+    const RecordText result =
+        get_record_text(items.tree, number, items.text_encoding, &text, &length);
+    return result != RecordText::NONE && length > 0;
 }
 
 // Tells the host of the record's elements when one of them holds something that went into no field.

@@ -25,7 +25,7 @@ struct RecordWriter {
     const ItemTags& tags;
     const char* record;
     std::uint32_t record_length;
-    const HostRecordHandler* handler;
+    const HostRecordHandler* text_giver;  // null: texts are as in the record
     RecordOutput output;
 };
 
@@ -108,21 +108,18 @@ std::int32_t text_encoding(const Xfd& xfd, int type) {
     return HOST_ENCODING_NONE;
 }
 
-// The text of a character field: as it is in the record, or as the host gives it.
-std::string_view text_of(const RecordWriter& writer, std::int32_t index) {
-    const HostRecordHandler* const handler = writer.handler;
-    if (handler == nullptr || handler->text == nullptr) {
-        return field_bytes(writer, writer.xfd.items[index]);
-    }
+// A text that the host gives in place of that in the record.
+std::string_view given_text(const RecordWriter& writer, const XfdItem& field) {
     std::size_t length = 0;
-    const char* const text = handler->text(handler->context, index, &length);
+    const auto index = static_cast<std::int32_t>(&field - writer.xfd.items);
+    const char* const text = writer.text_giver->text(writer.text_giver->context, index, &length);
     return {text, length};
 }
 
-bool write_characters(RecordWriter& writer, std::int32_t index) {
-    const XfdItem& field = writer.xfd.items[index];
+bool write_characters(RecordWriter& writer, const XfdItem& field) {
     if (host_trace_on != 0) host_trace(0, 2, "Writing character data");
-    const std::string_view bytes = text_of(writer, index);
+    const std::string_view bytes =
+        writer.text_giver == nullptr ? field_bytes(writer, field) : given_text(writer, field);
     const XmlTextSpan span = {bytes.data(), bytes.size(),
                               text_encoding(writer.xfd, field.data.type)};
     return writer.output.write_text(span);
@@ -142,7 +139,7 @@ bool write_xml_data(RecordWriter& writer, std::int32_t index) {
     } else if (is_numeric_type(field.data.type)) {
         written = write_number(writer, field);
     } else {
-        written = write_characters(writer, index);
+        written = write_characters(writer, field);
     }
     if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
     return written;
@@ -247,9 +244,11 @@ int xml_swrite(XmlFile* file, const void* record, std::uint32_t length) {
         *host_file_error() = HOST_FILE_UNSUPPORTED;
         return 0;
     }
+    const HostRecordHandler* const handler = file->handler;
+    const bool gives_texts = handler != nullptr && handler->text != nullptr;
     RecordWriter writer = {
         *file->xfd, *file->item_tags, static_cast<const char*>(record),
-        length,     file->handler,    RecordOutput(file->out, file->out_encoding)};
+        length,     gives_texts ? handler : nullptr,    RecordOutput(file->out, file->out_encoding)};
     const std::uint32_t start = writer.output.position();
     *host_file_error() = HOST_FILE_OK;
     if (host_trace_on != 0) host_trace(1, 1, "xml_swrite, %d", static_cast<int>(length));
