@@ -29,7 +29,7 @@ class TextCheck {
     // The first problem of a text. Allowed are the characters that XML 1.0 allows, and NUL bytes
     // that fill up the end of the text.
     std::optional<TextProblem> check(const std::uint8_t* text, std::int32_t length) const {
-        std::uint8_t seen = 0;
+        unsigned seen = 0;
         std::int32_t i = 0;
         for (; i + 4 <= length; i += 4) {
             seen |= special_[text[i]] | special_[text[i + 1]] | special_[text[i + 2]] |

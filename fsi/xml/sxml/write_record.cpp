@@ -246,9 +246,12 @@ int xml_swrite(XmlFile* file, const void* record, std::uint32_t length) {
     }
     const HostRecordHandler* const handler = file->handler;
     const bool gives_texts = handler != nullptr && handler->text != nullptr;
-    RecordWriter writer = {
-        *file->xfd, *file->item_tags, static_cast<const char*>(record),
-        length,     gives_texts ? handler : nullptr,    RecordOutput(file->out, file->out_encoding)};
+    RecordWriter writer = {*file->xfd,
+                           *file->item_tags,
+                           static_cast<const char*>(record),
+                           length,
+                           gives_texts ? handler : nullptr,
+                           RecordOutput(file->out, file->out_encoding)};
     const std::uint32_t start = writer.output.position();
     *host_file_error() = HOST_FILE_OK;
     if (host_trace_on != 0) host_trace(1, 1, "xml_swrite, %d", static_cast<int>(length));
