@@ -32,6 +32,10 @@ constexpr const char* COLUMN_CASE = "4GL_COLUMN_CASE";
 constexpr const char* COLUMN_CASE_ALIAS = "SXML_COLUMN_CASE";
 constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS, "SXML_PATH", "SXML_FD",
                                           "SXML_FETCH_LIMIT"};
+// Those of programs that embed the host: which files are XML, what is said, and SXML_LAYOUT_name
+// for the layout of each file.
+constexpr const char* PROGRAM_VARIABLES[] = {"SXML_FILES", "SXML_VERBOSE"};
+constexpr std::string_view LAYOUT_PREFIX = "SXML_LAYOUT_";
 // Read from the environment when the process starts: in a settings file they come too late.
 constexpr const char* ENVIRONMENT_ONLY[] = {"SXML_CONFIG", "SXML_TRACE", "SXML_TRACE_FILE",
                                             "SXML_HOST_LEAKS", "SXML_MODULE"};
@@ -106,7 +110,7 @@ void read_file() {
     for (SettingsLine& line : read_settings_file(file)) {
         const std::string origin = std::string(file) + ":" + std::to_string(line.line);
         if (contains(ENVIRONMENT_ONLY, line.name)) {
-            std::fprintf(stderr, "%s: %s is read from the environment only\n", origin.c_str(),
+            std::fprintf(stderr, "sxml: %s: %s is read from the environment only\n", origin.c_str(),
                          line.name.c_str());
             continue;
         }
@@ -120,7 +124,8 @@ void check_file_names() {
     config->are_names_checked = true;
     for (const auto& [name, value] : config->file_values) {
         if (name.starts_with(OWN_PREFIX) && !is_known_setting(name)) {
-            std::fprintf(stderr, "%s: unknown setting %s\n", value.origin.c_str(), name.c_str());
+            std::fprintf(stderr, "sxml: %s: unknown setting %s\n", value.origin.c_str(),
+                         name.c_str());
         }
     }
 }
@@ -145,8 +150,8 @@ std::optional<UserValue> user_value(const Entry& entry) {
 void report_value(Entry& entry) {
     if (entry.is_reported) return;
     entry.is_reported = true;
-    std::fprintf(stderr, "%s: %s: \"%s\" is not %s\n", entry.origin.c_str(), entry.name.c_str(),
-                 entry.text.c_str(), expected_values(entry.setting).c_str());
+    std::fprintf(stderr, "sxml: %s: %s: \"%s\" is not %s\n", entry.origin.c_str(),
+                 entry.name.c_str(), entry.text.c_str(), expected_values(entry.setting).c_str());
 }
 
 void apply_default(Entry& entry) {
@@ -268,8 +273,16 @@ void refresh_environment() {
     }
 }
 
+std::vector<std::string> known_settings() {
+    std::vector<std::string> names(std::begin(HOST_VARIABLES), std::end(HOST_VARIABLES));
+    for (const auto& [name, setting] : config->declared) names.push_back(name);
+    std::ranges::sort(names);
+    return names;
+}
+
 bool is_known_setting(const std::string& name) {
-    return config->declared.contains(name) || contains(HOST_VARIABLES, name);
+    return config->declared.contains(name) || contains(HOST_VARIABLES, name) ||
+           contains(PROGRAM_VARIABLES, name) || name.starts_with(LAYOUT_PREFIX);
 }
 
 }  // namespace host

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/runtime/memory_report.h"
 
@@ -25,7 +26,10 @@ RUNTIME_API void reload_config();
 // before it opens a file; changes made while a file is open wait for the next open.
 RUNTIME_API void refresh_environment();
 
-// True when a declared setting or a variable of the host has this name.
+// The settings that a program can be given: those that are declared and the variables of the host,
+// in order. What only the environment can say is not among them.
+RUNTIME_API std::vector<std::string> known_settings();
+// True for those, and for the settings of programs that embed the host.
 RUNTIME_API bool is_known_setting(const std::string& name);
 
 }  // namespace host

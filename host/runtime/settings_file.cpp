@@ -43,8 +43,8 @@ std::vector<SettingsLine> read_settings_file(const std::string& file) {
         if (content.empty() || content.starts_with('#')) continue;
         SettingsLine line = parse_line(content, number);
         if (line.name.empty()) {
-            std::fprintf(stderr, "%s:%d: a setting's name is missing before \"=\"\n", file.c_str(),
-                         number);
+            std::fprintf(stderr, "sxml: %s:%d: a setting's name is missing before \"=\"\n",
+                         file.c_str(), number);
             continue;
         }
         lines.push_back(std::move(line));

@@ -7,6 +7,7 @@
 #include "records/source/entry_parser.h"
 #include "records/source/program_structure.h"
 #include "records/source/record_builder.h"
+#include "records/source/source_hints.h"
 #include "records/source/text_case.h"
 #include "records/source/text_manipulation.h"
 
@@ -198,6 +199,22 @@ class Compilation {
     RecordSource source_;
 };
 
+std::optional<RecordSource> compile(std::string text, const std::string& name,
+                                    const CopybookOptions& options, Diagnostics& diagnostics) {
+    if (looks_like_ebcdic(text)) {
+        Place place;
+        place.file = std::make_shared<const std::string>(name);
+        diagnostics.error(
+            std::move(place),
+            "the text is in EBCDIC; convert it to ASCII first (`dd conv=ascii cbs=80` "
+            "when its lines are 80 bytes without line ends, iconv otherwise)");
+        return std::nullopt;
+    }
+    auto source = Compilation(options, diagnostics).parse(std::move(text), name);
+    if (diagnostics.has_errors()) add_source_hints(options.format, diagnostics);
+    return source;
+}
+
 }  // namespace
 
 std::optional<RecordSource> parse_copybook_file(const std::string& file,
@@ -211,13 +228,13 @@ std::optional<RecordSource> parse_copybook_file(const std::string& file,
         diagnostics.error(std::move(place), "cannot read the file: " + why);
         return std::nullopt;
     }
-    return Compilation(options, diagnostics).parse(std::move(*text), file);
+    return compile(std::move(*text), file, options, diagnostics);
 }
 
 std::optional<RecordSource> parse_copybook_text(std::string_view text, const std::string& name,
                                                 const CopybookOptions& options,
                                                 Diagnostics& diagnostics) {
-    return Compilation(options, diagnostics).parse(std::string(text), name);
+    return compile(std::string(text), name, options, diagnostics);
 }
 
 }  // namespace records

@@ -10,7 +10,8 @@ struct UsageCase {
     const char* name;
     std::vector<std::string> words;
     int status;
-    std::vector<std::string> said;  // all in standard error, or, with status 0, in standard output
+    std::vector<std::string> said;                      // all in standard output or standard error
+    std::pair<const char*, const char*> variable = {};  // of the environment
 };
 
 void PrintTo(const UsageCase& one, std::ostream* out) {
@@ -24,11 +25,22 @@ TEST_P(UsageTest, EndsWithStatusAndMessage) {
     write_file("line.cpy", COPYBOOK);
     write_file("bad.cpy", "       01  R.\n           05  F PIC Q(4).\n");
     write_file("words", "abcdefgh");
+    write_file("two.cbl",
+               "       FILE SECTION.\n       FD  A.\n       01  R PIC X.\n       FD  B.\n"
+               "       01  S PIC X.\n");
+    write_file("long.cpy",
+               "       01  R.\n" + std::string(50, ' ') + "05  FIELD-NAME   PIC X(4).\n");
+    write_file("late.cpy", "       01  R.\n       * the word\n           05  F PIC X.\n");
+    write_file("ebcdic.cpy", run({"iconv", "-t", "cp037"}, COPYBOOK).out);
+    write_file("rdw", std::string("\0\x08\0\0aaaa\0\x06\0\0aa\0\x08\0\0aaaa", 22));
     const std::vector<std::string> before = files();
+    const auto& [variable, value] = expected.variable;
+    if (variable != nullptr) setenv(variable, value, 1);
     const Outcome outcome = sxml(expected.words);
+    if (variable != nullptr) unsetenv(variable);
     EXPECT_EQ(outcome.status, expected.status) << outcome.err;
+    const std::string said = outcome.out + outcome.err;
     for (const std::string& text : expected.said) {
-        const std::string& said = expected.status == 0 ? outcome.out : outcome.err;
         EXPECT_NE(said.find(text), std::string::npos) << "missing: " << text << "\nin: " << said;
     }
     EXPECT_EQ(files(), before);
@@ -48,9 +60,67 @@ const std::vector<UsageCase> CASES = {
     {"compile_help", {"compile", "--help"}, 0, {"Example:\n  sxml compile orders.cpy"}},
     {"dtd_help", {"dtd", "--help"}, 0, {"Example:\n  sxml dtd orders.cpy"}},
     {"schema_help", {"schema", "--help"}, 0, {"Example:\n  sxml schema orders.cpy"}},
-    {"nothing", {}, 2, {"subcommand is required"}},
-    {"unknown_subcommand", {"to-json"}, 2, {"to-json"}},
-    {"no_layout", {"to-xml", "words", "words.xml"}, 2, {"--layout is required"}},
+    {"version_in_short", {"-V"}, 0, {"sxml 1."}},
+    {"version_of_a_subcommand", {"tree", "--version"}, 0, {"sxml 1."}},
+    {"help_by_name", {"help"}, 0, {"to-xml", "tree"}},
+    {"help_of_a_subcommand", {"help", "tree"}, 0, {"Usage: sxml tree", "URL (required)"}},
+    {"required_options_look_so", {"dtd", "--help"}, 0, {"(.xfd) (required)"}},
+    {"help_of_nothing",
+     {"help", "tre"},
+     2,
+     {"sxml: there is no subcommand tre; did you mean tree?"}},
+    {"nothing", {}, 2, {"subcommand is required; `sxml --help` lists the subcommands"}},
+    {"unknown_subcommand",
+     {"to-json"},
+     2,
+     {"sxml: there is no subcommand to-json; `sxml --help` lists them"}},
+    {"no_layout",
+     {"to-xml", "words", "words.xml"},
+     2,
+     {"sxml: to-xml: --layout is required; `sxml to-xml --help` shows the options"}},
+    {"misspelt_option",
+     {"to-xml", "words", "words.xml", "--layuot", "line.cpy"},
+     2,
+     {"sxml: to-xml: there is no option --layuot; did you mean --layout?; `sxml to-xml --help`"}},
+    {"misspelt_version", {"--versoin"}, 2, {"sxml: there is no option --versoin; did you mean"}},
+    {"one_word_too_many", {"tree", "words", "more"}, 2, {"sxml: tree: more is one word too many"}},
+    {"encoding_by_setting",
+     to_xml({"--set", "SXML_ENCODING=UTF-16"}),
+     2,
+     {"sxml: SXML_ENCODING UTF-16"}},
+    {"fetch_limit", to_xml({"--set", "X=1"}), 2, {"\n  SXML_FETCH_LIMIT"}},
+    {"several_fds",
+     {"layout", "two.cbl"},
+     1,
+     {"choose one",
+      "sxml: two.cbl: there is no usable record layout; choose the FD or record with "
+      "--fd NAME"}},
+    {"copybook_in_ebcdic",
+     {"layout", "ebcdic.cpy"},
+     1,
+     {"ebcdic.cpy: error: the text is in EBCDIC"}},
+    {"copybook_beyond_column_72",
+     {"layout", "long.cpy"},
+     1,
+     {"long.cpy:2:73: note: in fixed format text ends in column 72"}},
+    {"comment_in_column_8",
+     {"layout", "late.cpy"},
+     1,
+     {"late.cpy:2:", "note: the * of a comment stands in column 7, this one in column 8"}},
+    {"records_with_length_headers",
+     {"to-xml", "rdw", "words.xml", "--layout", "line.cpy"},
+     1,
+     {"sxml: rdw: record 1, byte offset 0: each record begins with its length"}},
+    {"no_settings_file",
+     {"layout", "line.cpy"},
+     1,
+     {"sxml: SXML_CONFIG: none: No such file or directory"},
+     {"SXML_CONFIG", "none"}},
+    {"date_that_is_none",
+     {"to-xml", "words", "/dev/null", "--layout", "line.cpy"},
+     0,
+     {"sxml: SOURCE_DATE_EPOCH=yesterday in the environment is no number of seconds since 1970"},
+     {"SOURCE_DATE_EPOCH", "yesterday"}},
     {"one_file", {"to-xml", "words", "--layout", "line.cpy"}, 2, {"XML is required"}},
     {"unknown_format", to_xml({"--format", "loose"}), 2, {"--format", "loose"}},
     {"unknown_setting",
@@ -60,10 +130,7 @@ const std::vector<UsageCase> CASES = {
       "\n  4GL_COLUMN_CASE"}},
     {"setting_without_value", to_xml({"--set", "SXML_ENCODING"}), 2, {"NAME=VALUE"}},
     {"setting_of_wrong_kind", to_xml({"--set", "SXML_CREATE_STYLE=RNG"}), 2, {"DTD", "SCHEMA"}},
-    {"schema_without_name",
-     to_xml({"--set", "SXML_CREATE_STYLE=SCHEMA"}),
-     2,
-     {"--set SXML_SCHEMA_NAME=FILE"}},
+    {"schema_without_name", to_xml({"--set", "SXML_CREATE_STYLE=SCHEMA"}), 2, {"--schema FILE"}},
     {"schema_over_document",
      to_xml({"--set", "SXML_CREATE_STYLE=SCHEMA", "--set", "SXML_SCHEMA_NAME=./words.xml"}),
      2,

@@ -70,15 +70,15 @@ TEST_F(Config, FilesAreReadAndSlipsReported) {
         {"SXML_COLUMN_CASE=5\n", "none 'UTF-8' 1 1 5", ""},
         {"\xEF\xBB\xBFSXML_TEST_TEXT x\n", "'x' 'UTF-8' 1 1 0", ""},
         {"\nSXML_TEST_FLAG maybe\nSXML_TEST_STYLE 7\n", "none 'UTF-8' 1 1 0",
-         ":3: SXML_TEST_STYLE: \"7\" is not one of DTD, SCHEMA, NONE\n"
-         ":2: SXML_TEST_FLAG: \"maybe\" is not yes or no\n"},
+         "sxml: :3: SXML_TEST_STYLE: \"7\" is not one of DTD, SCHEMA, NONE\n"
+         "sxml: :2: SXML_TEST_FLAG: \"maybe\" is not yes or no\n"},
         {"4GL_COLUMN_CASE 40000\n", "none 'UTF-8' 1 1 0",
-         ":1: 4GL_COLUMN_CASE: \"40000\" is not a whole number\n"},
-        {"SXML_TSET_FLAG no\nOTHER x\n", "none 'UTF-8' 1 1 0",
-         ":1: unknown setting SXML_TSET_FLAG\n"},
-        {"= no\n", "none 'UTF-8' 1 1 0", ":1: a setting's name is missing before \"=\"\n"},
+         "sxml: :1: 4GL_COLUMN_CASE: \"40000\" is not a whole number\n"},
+        {"SXML_TSET_FLAG no\nOTHER x\nSXML_FILES *\nSXML_LAYOUT_a a.cpy\nSXML_FETCH_LIMIT 5\n",
+         "none 'UTF-8' 1 1 0", "sxml: :1: unknown setting SXML_TSET_FLAG\n"},
+        {"= no\n", "none 'UTF-8' 1 1 0", "sxml: :1: a setting's name is missing before \"=\"\n"},
         {"SXML_TRACE 3\n", "none 'UTF-8' 1 1 0",
-         ":1: SXML_TRACE is read from the environment only\n"},
+         "sxml: :1: SXML_TRACE is read from the environment only\n"},
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.file);
@@ -136,7 +136,7 @@ TEST_F(Config, ValuesMaySetBeforeTheirSettingIsDeclared) {
     testing::internal::CaptureStderr();
     host_register_settings(late, 2, 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "set by the program: SXML_TEST_LATE_BAD: \"never\" is not yes or no\n");
+              "sxml: set by the program: SXML_TEST_LATE_BAD: \"never\" is not yes or no\n");
     testing::internal::CaptureStderr();
     EXPECT_EQ(host_config_flag("SXML_TEST_LATE", 7), 0);
     EXPECT_EQ(host_config_flag("SXML_TEST_LATE_BAD", 7), 1);
@@ -164,7 +164,7 @@ TEST_F(Config, AChangedEnvironmentIsSeenAtTheNextOpen) {
             testing::internal::CaptureStderr();
             EXPECT_EQ(values(), std::string("'") + what + "' 'program' 1 1 2");
             EXPECT_EQ(testing::internal::GetCapturedStderr(),
-                      "environment: SXML_TEST_FLAG: \"maybe\" is not yes or no\n");
+                      "sxml: environment: SXML_TEST_FLAG: \"maybe\" is not yes or no\n");
         }
         open();
         EXPECT_EQ(values(), before);

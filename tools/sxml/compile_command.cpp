@@ -20,9 +20,9 @@ struct CompileOptions {
 };
 
 void compile_layout(const CompileOptions& options) {
+    RunFiles files;
     load_module();  // it declares the settings
     apply_settings(options.layout.settings);
-    RunFiles files;
     files.writes(options.output);
     const records::Description description =
         LayoutSource(options.layout).load(records::RecordEncoding::ascii, files);

@@ -47,10 +47,10 @@ std::string declarations(const std::string& type) {
 }
 
 void print_dtd(const DtdOptions& options) {
+    RunFiles files;
     const host::Module& module = load_module();
     apply_settings(options.layout.settings);
     force_setting("SXML_CREATE_STYLE", "DTD");
-    RunFiles files;
     files.writes("-");
     const records::Description description =
         LayoutSource(options.layout).load(records::RecordEncoding::ascii, files);

@@ -58,15 +58,17 @@ RecordRange record_range(const std::string& text) {
 }
 
 void dump_records(const DumpOptions& options) {
+    RunFiles files;
     const RecordRange range = record_range(options.wanted);
     value_of(conversion::xml_module());  // it declares the settings
     apply_settings(options.layout.settings);
     const CharacterSet characters =
         find_character_set(options.encoding.empty() ? "utf-8" : options.encoding, "--encoding");
-    RunFiles files;
     files.reads(options.records);
+    files.writes("-");
     records::Description description =
         LayoutSource(options.layout).load(record_encoding(characters), files);
+    files.check();
     conversion::ByteSource source = value_of(conversion::ByteSource::open(options.records));
     const auto reader = conversion::read_records(
         options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed, source,

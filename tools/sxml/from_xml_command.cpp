@@ -47,11 +47,11 @@ std::optional<CharacterSet> character_set(const FromXmlOptions& options) {
 }
 
 void convert_from_xml(const FromXmlOptions& options) {
+    RunFiles files;
     load_module();
     apply_settings(options.layout.settings);
     const auto source = value_of(conversion::DocumentSource::open(options.xml));
     const std::optional<CharacterSet> characters = character_set(options);
-    RunFiles files;
     files.reads(source.file());
     files.writes(options.records);
     const auto encoding =

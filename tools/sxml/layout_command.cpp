@@ -128,9 +128,9 @@ std::string length_line(const records::Description& description) {
 }
 
 void show_layout(const LayoutOptions& options) {
+    RunFiles files;
     load_module();  // it declares the settings
     apply_settings(options.settings);
-    RunFiles files;
     files.writes("-");
     const records::Description description =
         LayoutSource(options).load(records::RecordEncoding::ascii, files);

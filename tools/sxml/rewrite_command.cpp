@@ -83,9 +83,9 @@ void write_document(const ParsedDocument& document, const std::string& name,
 }
 
 void rewrite(const RewriteOptions& options) {
+    RunFiles files;
     const host::Module& module = load_module();
     const XmlApi api = xml_api(module);
-    RunFiles files;
     files.writes(options.out);  // over the document that was read, if need be
     files.check();
     const auto input = value_of(conversion::DocumentSource::open(options.in));

@@ -1,5 +1,6 @@
 #include "tools/sxml/run_files.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 
@@ -31,7 +32,10 @@ std::string path_of(const std::string& name) {
 
 RunFiles::RunFiles() {
     const std::string settings = value_of_variable("SXML_CONFIG");
-    if (!settings.empty()) reads(settings);
+    if (!settings.empty()) {
+        if (!platform::state_of(settings)) fail_file("SXML_CONFIG: " + settings, errno);
+        reads(settings);
+    }
     const std::string trace = value_of_variable("SXML_TRACE_FILE");
     if (!trace.empty() && std::atoi(value_of_variable("SXML_TRACE").c_str()) > 0) writes(trace);
 }

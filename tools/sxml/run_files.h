@@ -11,7 +11,8 @@ namespace command {
 
 class RunFiles {
   public:
-    // Knows of the settings file and of the trace, which the environment names.
+    // Knows of the settings file and of the trace, which the environment names. Throws Failure when
+    // there is no such settings file. To be made before the module is loaded, which reads it.
     RunFiles();
 
     // "-" is standard input. Addresses on the web and what does not exist do not matter.

@@ -17,9 +17,9 @@ namespace command {
 namespace {
 
 void print_schema(const LayoutOptions& options) {
+    RunFiles files;
     const host::Module& module = load_module();
     apply_settings(options.settings);
-    RunFiles files;
     files.writes("-");
     const records::Description description =
         LayoutSource(options).load(records::RecordEncoding::ascii, files);

@@ -1,7 +1,5 @@
 #include "tools/sxml/settings.h"
 
-#include <array>
-
 #include "host/config.h"
 #include "host/runtime/settings.h"
 #include "tools/sxml/errors.h"
@@ -10,16 +8,9 @@ namespace command {
 
 namespace {
 
-constexpr std::array KNOWN_SETTINGS = {
-    "SXML_CREATE_STYLE",          "SXML_CREATE_SCHEMA", "SXML_SCHEMA_NAME",
-    "SXML_SCHEMA_NAMESPACE_DATA", "SXML_SCHEMA_DOC",    "SXML_STYLESHEET_TYPE",
-    "SXML_STYLESHEET_HREF",       "SXML_ENCODING",      "SXML_IGNORE_EMPTY_DATA",
-    "SXML_EXACT_TABLE_MATCH",     "4GL_COLUMN_CASE",
-};
-
 std::string known_settings() {
     std::string list;
-    for (const char* name : KNOWN_SETTINGS) {
+    for (const std::string& name : host::known_settings()) {
         list += "\n  ";
         list += name;
     }

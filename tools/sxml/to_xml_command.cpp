@@ -1,8 +1,13 @@
 // sxml to-xml: turns a record file into an XML document.
 
 #include <CLI/CLI.hpp>
+#include <array>
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "host/config.h"
 #include "tools/sxml/commands.h"
@@ -27,6 +32,7 @@ struct ToXmlOptions {
     std::string xml;
     LayoutOptions layout;
     std::string encoding;
+    std::string schema;
     bool lines = false;
 };
 
@@ -37,33 +43,67 @@ CharacterSet character_set(const ToXmlOptions& options) {
     return find_character_set(configured.empty() ? "utf-8" : configured, "SXML_ENCODING");
 }
 
-// Whether a schema is written beside the document.
-bool writes_schema() {
-    return create_style() == CreateStyle::schema && !setting_text("SXML_SCHEMA_NAME").empty() &&
-           host_config_flag("SXML_CREATE_SCHEMA", 0) != 0;
+// The name of a schema in a document: a reference relative to where the document is, or to the
+// current folder for one without a place.
+std::string schema_reference(const std::string& schema, const std::string& document) {
+    namespace fs = std::filesystem;
+    const fs::path folder =
+        document == "-" ? fs::current_path() : fs::absolute(document).parent_path();
+    const fs::path reference =
+        fs::weakly_canonical(fs::absolute(schema)).lexically_relative(fs::weakly_canonical(folder));
+    std::string escaped;
+    for (const char c : reference.string()) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool is_plain =
+            std::isalnum(byte) != 0 || std::string_view("/-._~").find(c) != std::string_view::npos;
+        std::array<char, 4> code{};
+        std::snprintf(code.data(), code.size(), "%%%02X", static_cast<unsigned>(byte));
+        escaped += is_plain ? std::string(1, c) : code.data();
+    }
+    return escaped;
 }
 
-// With SXML_CREATE_STYLE=SCHEMA the schema is a file of its own. It is written first, under a
-// temporary name of its own, and the document only refers to it.
+// The schema of a document: a file of its own, which the document names.
+struct SchemaChoice {
+    std::string file;       // to be written; empty: none is
+    std::string reference;  // how the document names it; empty: it does not
+};
+
+// --schema comes before what the settings say. Throws Failure for a schema without a name.
+SchemaChoice choose_schema(const ToXmlOptions& options) {
+    if (!options.schema.empty()) {
+        return {options.schema, schema_reference(options.schema, options.xml)};
+    }
+    if (create_style() != CreateStyle::schema) return {};
+    const std::string name = setting_text("SXML_SCHEMA_NAME");
+    if (name.empty()) {
+        fail_usage(
+            "SXML_CREATE_STYLE is SCHEMA, and the schema has no name: give it one with "
+            "--schema FILE");
+    }
+    return {host_config_flag("SXML_CREATE_SCHEMA", 0) != 0 ? name : std::string(), name};
+}
+
+// The schema is written first, under a temporary name of its own, and the document only refers to
+// it.
 class SchemaBesideDocument {
   public:
-    SchemaBesideDocument(const host::Module& module, const records::Description& description) {
-        if (create_style() != CreateStyle::schema) return;
-        const std::string name = setting_text("SXML_SCHEMA_NAME");
-        if (name.empty()) {
-            fail_usage("SXML_CREATE_STYLE is SCHEMA: --set SXML_SCHEMA_NAME=FILE names the schema");
-        }
+    SchemaBesideDocument(const host::Module& module, const SchemaChoice& choice,
+                         const records::Description& description) {
+        if (choice.reference.empty()) return;
         if ((description.xfd().flags & XFD_SEVERAL_LAYOUTS) != 0) {
-            warn(name +
+            warn(choice.reference +
                  ": the layout has several records; the schema's top element knows the "
                  "first one only");
         }
-        if (!writes_schema()) return;
-        output_.emplace(name);
-        records::bind_description(&description);
-        write_schema_file(module, *output_);
+        force_setting("SXML_CREATE_STYLE", "SCHEMA");
+        if (!choice.file.empty()) {
+            output_.emplace(choice.file);
+            records::bind_description(&description);
+            write_schema_file(module, *output_);
+        }
         force_setting("SXML_CREATE_SCHEMA", "no");
-        force_setting("SXML_SCHEMA_NAME", name);
+        force_setting("SXML_SCHEMA_NAME", choice.reference);
     }
 
     void commit() {
@@ -91,20 +131,21 @@ void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
 }
 
 void convert_to_xml(const ToXmlOptions& options) {
+    RunFiles files;
     const host::Module& module = load_module();
     apply_settings(options.layout.settings);
     const CharacterSet characters = character_set(options);
     force_setting("SXML_ENCODING", characters.declared_name());
-    RunFiles files;
     files.reads(options.records);
     files.writes(options.xml);
-    if (writes_schema()) files.writes(setting_text("SXML_SCHEMA_NAME"));
+    const SchemaChoice schema_choice = choose_schema(options);
+    if (!schema_choice.file.empty()) files.writes(schema_choice.file);
     const records::Description description =
         LayoutSource(options.layout).load(record_encoding(characters), files);
     files.check();
     conversion::ByteSource source = value_of(conversion::ByteSource::open(options.records));
     AtomicOutput output(options.xml);
-    SchemaBesideDocument schema(module, description);
+    SchemaBesideDocument schema(module, schema_choice, description);
     RecordConversion conversion(source, description, characters, output);
     check_lines(options, characters, conversion.fields());
     conversion.run(options.lines ? conversion::RecordFormat::lines
@@ -133,11 +174,15 @@ void add_to_xml_command(CLI::App& application) {
                      "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
                      "code page such as cp037 ...")
         ->option_text("NAME");
+    command
+        ->add_option(
+            "--schema", options->schema,
+            "write the XML Schema to this file and name it in the document, which then has no DTD")
+        ->option_text("FILE");
     command->footer(
         "Example:\n"
         "  sxml to-xml orders.dat orders.xml --layout orders.cpy\n"
-        "  sxml to-xml orders.dat orders.xml --layout orders.cpy \\\n"
-        "      --set SXML_CREATE_STYLE=SCHEMA --set SXML_SCHEMA_NAME=orders.xsd\n"
+        "  sxml to-xml orders.dat orders.xml --layout orders.cpy --schema orders.xsd\n"
         "  sxml to-xml - - --layout orders.cpy --encoding cp037 < orders.ebc > orders.xml");
     command->callback([options] { convert_to_xml(*options); });
 }

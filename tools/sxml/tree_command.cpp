@@ -20,9 +20,9 @@ struct TreeOptions {
 };
 
 void print_tree(const TreeOptions& options) {
+    RunFiles files;
     const host::Module& module = load_module();
     const XmlApi api = xml_api(module);
-    RunFiles files;
     files.reads(options.in);
     files.writes("-");
     files.check();

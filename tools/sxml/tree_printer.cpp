@@ -3,7 +3,6 @@
 #include <strings.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdio>
 
 #include "tools/sxml/errors.h"
@@ -67,7 +66,8 @@ bool add_special(std::string& line, unsigned code) {
 }  // namespace
 
 TreePrinter::TreePrinter(const ParsedDocument& document, Texts texts)
-    : api_(document.api()),
+    : output_(value_of(conversion::ByteSink::open("-"))),
+      api_(document.api()),
       root_(api_.xml_parser_root(document.parser())),
       shorten_(texts == Texts::shortened) {
     const char* encoding = api_.xml_parser_encoding(document.parser());
@@ -90,7 +90,7 @@ void TreePrinter::print() {
         element = next;
     }
     flush();
-    if (std::fflush(stdout) != 0) fail_file("standard output", errno);
+    check(output_.close());
 }
 
 void TreePrinter::print_element(std::uint32_t element, std::size_t level) {
@@ -156,9 +156,7 @@ void TreePrinter::add_text(std::string_view text) {
 }
 
 void TreePrinter::flush() {
-    if (std::fwrite(lines_.data(), 1, lines_.size(), stdout) != lines_.size()) {
-        fail_file("standard output", errno);
-    }
+    check(output_.write(lines_.data(), lines_.size()));
     lines_.clear();
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "conversion/formats/byte_sink.h"
 #include "tools/sxml/parsed_document.h"
 
 namespace command {
@@ -26,6 +27,7 @@ class TreePrinter {
     void add_text(std::string_view text);
     void flush();
 
+    conversion::ByteSink output_;
     const XmlApi& api_;
     std::uint32_t root_;
     bool latin1_;  // the texts are in ISO-8859-1, else in UTF-8
