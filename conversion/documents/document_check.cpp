@@ -85,6 +85,23 @@ void XMLCALL stop_at_element(void* parser, const XML_Char*, const XML_Char**) {
     XML_StopParser(static_cast<XML_Parser>(parser), XML_FALSE);
 }
 
+// Expat's lines count from 1, its columns from 0. The older functions are as wide as a long.
+#ifdef SXML_HAS_XML_GetCurrentLineNumber64
+std::uint64_t current_line(XML_Parser parser) {
+    return XML_GetCurrentLineNumber64(parser);
+}
+std::uint64_t current_column(XML_Parser parser) {
+    return XML_GetCurrentColumnNumber64(parser);
+}
+#else
+std::uint64_t current_line(XML_Parser parser) {
+    return XML_GetCurrentLineNumber(parser);
+}
+std::uint64_t current_column(XML_Parser parser) {
+    return XML_GetCurrentColumnNumber(parser);
+}
+#endif
+
 }  // namespace
 
 Done check_document(const std::string& file, const std::string& shown_name) {
@@ -98,8 +115,8 @@ Done check_document(const std::string& file, const std::string& shown_name) {
     if (notes.depth == EntityDepth::NO_MEMORY) throw std::bad_alloc();
     Place place;
     place.file = shown_name;
-    place.line = XML_GetCurrentLineNumber(parser.get());
-    place.column = XML_GetCurrentColumnNumber(parser.get()) + 1;
+    place.line = current_line(parser.get());
+    place.column = current_column(parser.get()) + 1;
     const bool is_too_deep = notes.depth == EntityDepth::TOO_DEEP;
     return Problem{
         Cause::document, place,

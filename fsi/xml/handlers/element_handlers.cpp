@@ -118,14 +118,14 @@ void suspend(const XmlParser& parser) {
 
 void start_record(XmlParser& parser) {
     parser.state |= XMLPS_RECORD_STARTED;
-    parser.record_start = XML_GetCurrentByteIndex(parser.expat);
+    parser.record_start = current_byte_index(parser);
 }
 
 // For all that comes from an entity, Expat tells the place of the reference to it: a record that
 // ends where it starts lies in an entity's text, where Expat must not be suspended.
 bool end_record(XmlParser& parser) {
     parser.state |= XMLPS_RECORD_ENDED;
-    if (XML_GetCurrentByteIndex(parser.expat) == parser.record_start) return false;
+    if (current_byte_index(parser) == parser.record_start) return false;
     suspend(parser);
     return true;
 }

@@ -108,7 +108,7 @@ bool resume(XmlParser& parser) {
 
 // Bytes given to Expat that it has not used yet: the beginning of an unfinished token.
 std::uint64_t unused_bytes(const XmlParser& parser) {
-    const XML_Index used = XML_GetCurrentByteIndex(parser.expat);
+    const std::int64_t used = current_byte_index(parser);
     return used < 0 ? parser.bytes_fed : parser.bytes_fed - static_cast<std::uint64_t>(used);
 }
 

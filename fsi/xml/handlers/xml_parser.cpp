@@ -18,8 +18,6 @@
 #if defined(__GNUC__) && !defined(_WIN32)
 extern "C" __attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser,
                                                                         XML_Bool enabled);
-#elif XML_MAJOR_VERSION > 2 || (XML_MAJOR_VERSION == 2 && XML_MINOR_VERSION >= 6)
-#define SXML_HAS_REPARSE_DEFERRAL
 #endif
 
 namespace {
@@ -29,7 +27,7 @@ namespace {
 void turn_off_reparse_deferral(XML_Parser expat) {
 #if defined(__GNUC__) && !defined(_WIN32)
     if (XML_SetReparseDeferralEnabled) XML_SetReparseDeferralEnabled(expat, XML_FALSE);
-#elif defined(SXML_HAS_REPARSE_DEFERRAL)
+#elif defined(SXML_HAS_XML_SetReparseDeferralEnabled)
     XML_SetReparseDeferralEnabled(expat, XML_FALSE);
 #else
     static_cast<void>(expat);
@@ -92,6 +90,14 @@ void free_instructions(XmlParser& parser) {
 }
 
 }  // namespace
+
+std::int64_t current_byte_index(const XmlParser& parser) {
+#ifdef SXML_HAS_XML_GetCurrentByteIndex64
+    return XML_GetCurrentByteIndex64(parser.expat);
+#else
+    return XML_GetCurrentByteIndex(parser.expat);
+#endif
+}
 
 XmlParser* create_empty_parser() {
     return static_cast<XmlParser*>(host_alloc(sizeof(XmlParser), HOST_BLOCK_ZEROED, HANDLERS_SOURCE,

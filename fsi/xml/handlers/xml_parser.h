@@ -89,13 +89,17 @@ struct XmlParser {
     EarlyEvent* first_early;      // events that were kept, see early_events.h; null when none
     EarlyEvent* last_early;
     std::size_t early_size;     // bytes that were kept since there were none
-    XML_Index record_start;     // where the record asked for last starts in the input
+    std::int64_t record_start;  // where the record asked for last starts in the input
     EntityReferences entities;  // see entity_limit.h, as for the next one
     EntityDeclaration declaration;
     std::int32_t missing;  // once the input has ended: Expat's code for what the document
                            // lacks, 0 when it is complete
     RecordTree* record;    // see record_handlers.h; not owned, null for the element tree
 };
+
+// Where in the input, in bytes from its start, the event that Expat tells of begins; negative
+// before the first.
+std::int64_t current_byte_index(const XmlParser& parser);
 
 constexpr std::size_t XML_READ_SIZE = 32000;
 
