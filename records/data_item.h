@@ -72,6 +72,7 @@ struct Picture {
     char stored_point = '\0';  // of a number: the point or comma stored in it, as in S9(3).99
     int leading_p = 0;         // P positions before the digits (VPP99): scale counts them
     int length = 0;            // character positions in DISPLAY (without a separate sign)
+    int national = 0;          // N positions, of `length`
     Place place;
 };
 

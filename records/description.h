@@ -23,10 +23,13 @@ enum class BinarySize { by_digits_1248, by_digits_248 };  // cobc's default, and
 enum class RecordEncoding { ascii, ebcdic };              // of DISPLAY digits and signs
 // What to do with data after a table with DEPENDING ON, which moves as the table's size changes.
 enum class MovingData { refused, fixed };  // fixed: the table always takes its full size
+// Bytes of PIC N and USAGE NATIONAL: two for each character, or as cobc 3.1 and 3.2 count them.
+enum class NationalSize { two_bytes, cobc_3_1, cobc_3_2 };
 
 struct LayoutOptions {
     NameCase name_case = NameCase::lower;
     BinarySize binary_size = BinarySize::by_digits_1248;
+    NationalSize national_size = NationalSize::two_bytes;
     bool binary_truncate = true;  // cobc's default
     bool filler = false;          // give FILLER items elements, too (filler_1, filler_2 ...)
     bool ebcdic_sign = false;     // overpunched signs follow EBCDIC's convention

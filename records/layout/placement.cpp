@@ -50,11 +50,23 @@ bool is_aligned(Usage usage) {
            usage != Usage::national && usage != Usage::double_byte;
 }
 
-bool is_two_bytes_each(const Node& node, const Picture& picture) {
+bool is_of_wide_characters(const Node& node, const Picture& picture) {
     return node.usage == Usage::national || node.usage == Usage::double_byte ||
            picture.category == Category::national ||
            picture.category == Category::national_edited ||
            picture.category == Category::double_byte;
+}
+
+// For cobc an N has two bytes and any other position one; cobc 3.1 does not look at the usage, cobc
+// 3.2 doubles the size for it.
+std::int64_t wide_size(const Node& node, const Picture& picture, NationalSize rule) {
+    const std::int64_t length = picture.length;
+    const bool is_double_byte =
+        node.usage == Usage::double_byte || picture.category == Category::double_byte;
+    if (is_double_byte || rule == NationalSize::two_bytes) return 2 * length;
+    const std::int64_t size = length + picture.national;
+    if (rule == NationalSize::cobc_3_2) return node.usage == Usage::national ? 2 * size : size;
+    return size + (picture.is_signed && node.sign_separate ? 1 : 0);
 }
 
 class Placer {
@@ -257,7 +269,9 @@ class Placer {
             return 1;
         }
         const Picture& picture = *item.picture;
-        if (is_two_bytes_each(node, picture)) return 2 * std::int64_t{picture.length};
+        if (is_of_wide_characters(node, picture)) {
+            return wide_size(node, picture, options_.national_size);
+        }
         if (picture.category != Category::numeric) return character_size(node, picture);
         switch (node.usage) {
             case Usage::binary:

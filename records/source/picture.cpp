@@ -157,6 +157,7 @@ bool PictureAnalyser::check_length() {
     if (length > MAX_LENGTH) return fail(0, "the picture has more than 268435456 positions");
     if (length == 0) return fail(0, "the picture has no character position");
     result_.picture.length = static_cast<int>(length);
+    result_.picture.national = static_cast<int>(counts_['N']);
     return true;
 }
 

@@ -23,6 +23,14 @@ bool has_cobc() {
     return std::system("cobc --version > /dev/null 2>&1") == 0;
 }
 
+// Sizes as this compiler counts them.
+LayoutOptions options_of_cobc() {
+    LayoutOptions options;
+    const bool is_3_1 = std::system("cobc --version | grep -q '(GnuCOBOL) 3\\.1\\.'") == 0;
+    options.national_size = is_3_1 ? NationalSize::cobc_3_1 : NationalSize::cobc_3_2;
+    return options;
+}
+
 // An item as a COBOL program refers to it.
 struct Probe {
     std::string reference;    // qualified name
@@ -296,7 +304,7 @@ void judge_random(BinarySize rule, const std::string& name, const std::string& o
     const int count = number_from("SXML_TEST_LAYOUTS", RANDOM_LAYOUTS / 2);
     const auto seed = static_cast<std::uint32_t>(number_from("SXML_TEST_SEED", 20261));
     std::cout << count << " random layouts, SXML_TEST_SEED=" << seed << "\n";
-    LayoutOptions layout;
+    LayoutOptions layout = options_of_cobc();
     layout.binary_size = rule;
     std::string records;
     std::vector<Description> descriptions;
@@ -345,6 +353,13 @@ constexpr const char* EVERY_CLAUSE =
     "  05 FS USAGE FLOAT-SHORT.\n"
     "  05 FL USAGE FLOAT-LONG SYNC.\n"
     "  05 PP USAGE POINTER.\n"
+    "  05 NAT-N PIC N(3) USAGE NATIONAL.\n"
+    "  05 NAT-EDITED PIC NNBN.\n"
+    "  05 NAT-GROUP NATIONAL.\n"
+    "    10 NG-1 PIC NN/N.\n"
+    "    10 NG-2 PIC 9(3)V9.\n"
+    "    10 NG-3 PIC S9(3) SIGN TRAILING SEPARATE.\n"
+    "    10 NG-4 PIC X(3).\n"
     "  05 ORIGINAL PIC X(6).\n"
     "  05 FIRST-V REDEFINES ORIGINAL.\n"
     "    10 FV-1 PIC X(2).\n"
@@ -363,8 +378,8 @@ constexpr const char* COUNTED =
 TEST(CobcLayout, EveryClause) {
     if (!has_cobc()) GTEST_SKIP() << "cobc is not installed";
     std::vector<Description> descriptions;
-    descriptions.push_back(layout_tests::described(EVERY_CLAUSE));
-    descriptions.push_back(layout_tests::described(COUNTED));
+    descriptions.push_back(layout_tests::described(EVERY_CLAUSE, options_of_cobc()));
+    descriptions.push_back(layout_tests::described(COUNTED, options_of_cobc()));
     judge(std::string(EVERY_CLAUSE) + COUNTED, descriptions, "every", "");
 }
 
@@ -422,6 +437,7 @@ std::string copybook_text(const std::string& file) {
     std::string text = out.str();
     for (const std::string word :
          {"EJECT", "SKIP2", " any length", " is global", " value -1.5e3",
+          " values \"abc\" & \"def\"",
           // cobc adds redefinitions to the length of a record with a counter.
           "2 to", "depending on u1 of big"}) {
         for (std::size_t at = 0; (at = text.find(word, at)) != std::string::npos;) {
@@ -444,7 +460,7 @@ TEST(CobcLayout, Copybooks) {
         const std::string text = copybook_text(file);
         Diagnostics diagnostics;
         const auto source = parse_copybook_text(text, file, {}, diagnostics);
-        auto description = compile_description(*source, {}, diagnostics);
+        auto description = compile_description(*source, options_of_cobc(), diagnostics);
         ASSERT_TRUE(description) << diagnostics.text();
         descriptions.push_back(std::move(*description));
         records += std::string(">>SOURCE FORMAT IS ") + format + "\n" + text +

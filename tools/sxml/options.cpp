@@ -24,6 +24,12 @@ const std::map<std::string, records::MovingData> MOVING_DATA = {
     {"refuse", records::MovingData::refused},
 };
 
+const std::map<std::string, records::NationalSize> NATIONAL_SIZES = {
+    {"2", records::NationalSize::two_bytes},
+    {"cobc-3.1", records::NationalSize::cobc_3_1},
+    {"cobc-3.2", records::NationalSize::cobc_3_2},
+};
+
 // An option whose value is one of the names of `values`.
 template <typename Value>
 void add_choice(CLI::App& command, const std::string& name, Value& variable,
@@ -61,6 +67,8 @@ void add_description_options(CLI::App& command, LayoutOptions& options) {
     records::LayoutOptions& layout = options.layout;
     add_choice(command, "--binary-size", layout.binary_size, BINARY_SIZES,
                "bytes that binary items may take (default: 1-2-4-8)");
+    add_choice(command, "--national-size", layout.national_size, NATIONAL_SIZES,
+               "bytes of a NATIONAL character, or the rule of a cobc (default: 2)");
     command.add_flag_callback(
         "--no-truncate", [&layout] { layout.binary_truncate = false; },
         "binary items hold all that fits their bytes, whatever their picture says");
