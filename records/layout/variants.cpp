@@ -50,7 +50,7 @@ Test both(const Test& first, const Test& second) {
     return all;
 }
 
-void note_taken(const Node& taken, const std::vector<Node*>& others, const char* what,
+void note_taken(const Node& taken, std::span<Node* const> others, const char* what,
                 Diagnostics& diagnostics) {
     std::string names;
     for (const Node* other : others) {
@@ -70,7 +70,7 @@ void choose_among(const std::vector<Node*>& sharing, const char* what, Diagnosti
         (node->own_test ? tested : untested).push_back(node);
     }
     if (untested.empty()) return;
-    const std::vector<Node*> others(untested.begin() + 1, untested.end());
+    const std::span<Node* const> others = std::span(untested).subspan(1);
     if (!others.empty()) note_taken(*untested.front(), others, what, diagnostics);
     for (Node* other : others) remove_elements(*other);
     if (!tested.empty()) untested.front()->own_test = none_of(tested);
