@@ -6,6 +6,7 @@
 
 #include "gnucobol/adapter.h"
 #include "gnucobol/file_name.h"
+#include "gnucobol/known_runtime.h"
 #include "gnucobol/report.h"
 
 namespace {
@@ -36,6 +37,10 @@ class ErrnoKeeper {
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) int sxml_extfh(unsigned char* opcode, FCD3* fcd) {
+    if (!gnucobol::is_known_runtime()) {
+        gnucobol::set_status(*fcd, gnucobol::Status::permanent_error);
+        return 0;
+    }
     const gnucobol::Operation operation = gnucobol::operation_of(opcode);
     {
         // The runtime takes an error number that it finds later for that of its own last call.

@@ -1,6 +1,7 @@
 // COBOL programs with plain files and with XML documents.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -9,6 +10,16 @@
 namespace {
 
 namespace fs = std::filesystem;
+
+// Not a CobolTest: it runs where those are skipped.
+TEST_F(CommandTest, OtherRuntimesAreRefused) {
+    if (has_known_runtime()) GTEST_SKIP() << "skipped: needs another libcob than 3.1";
+    ASSERT_EQ(sxml({"cob", PROGRAMS + "statuses.cbl", "-o", "statuses"}).status, 0);
+    const Outcome outcome = run({"./statuses", "missing.xml"});
+    EXPECT_TRUE(outcome.out.starts_with("missing.xml: open 30\n")) << outcome.out;
+    EXPECT_TRUE(outcome.err.starts_with("sxml: libcob 3.")) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+}
 
 TEST_F(CobolTest, SamplesDisplayTheSameWithPlainFilesAndWithXml) {
     const std::vector<std::string> files = {"ORDERS", "CUSTOMERS", "CHANGES",

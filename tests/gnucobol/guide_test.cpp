@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "tests/command/command_run.h"
+#include "tests/gnucobol/cobol_test.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ std::vector<Block> blocks_of(const std::string& guide) {
 }
 
 // `cobol FILE` and `xml FILE` give files; `sh` is run, and `text` behind it is what it prints.
-TEST_F(CommandTest, TheGuideDoesWhatItSays) {
+TEST_F(CobolTest, TheGuideDoesWhatItSays) {
     std::string script = "PATH=" SXML_BUILD_DIR "/bin:$PATH\nset -e\n";
     std::string expected;
     for (const Block& block : blocks_of(read_file(SXML_SOURCE_DIR "/docs/cobol.md"))) {
