@@ -82,8 +82,7 @@ int main(int argc, char** argv) {
     XML_SetElementHandler(parser, on_start, on_end);
     XML_SetCharacterDataHandler(parser, on_text);
     if (parse(parser, in) != XML_STATUS_OK) {
-        fprintf(stderr, "from_xml_expat: %s: line %lu: %s\n", argv[1],
-                (unsigned long)XML_GetCurrentLineNumber(parser),
+        fprintf(stderr, "from_xml_expat: %s: %s\n", argv[1],
                 XML_ErrorString(XML_GetErrorCode(parser)));
         return 1;
     }
