@@ -9,7 +9,8 @@ namespace records {
 namespace {
 
 bool condition_holds(const DescriptionData& data, int condition, const std::uint8_t* record) {
-    const RecordTest& test = data.block.tests->tests[static_cast<std::size_t>(condition - 1)];
+    const ConditionEvaluator& test =
+        data.block.tests->tests[static_cast<std::size_t>(condition - 1)];
     const std::vector<std::int32_t> first_occurrence{0};
     return test.holds(record, first_occurrence);
 }

@@ -8,8 +8,8 @@
 
 #include "host/record_description.h"
 #include "records/description.h"
+#include "records/layout/condition_evaluator.h"
 #include "records/layout/model.h"
-#include "records/layout/record_test.h"
 
 namespace records {
 
@@ -18,9 +18,9 @@ namespace records {
 struct ConditionSet {
     struct Numbered {
         std::size_t condition;             // index into `tests` and Model::conditions
-        std::vector<std::int32_t> shifts;  // as RecordTest::holds takes them
+        std::vector<std::int32_t> shifts;  // as ConditionEvaluator::holds takes them
     };
-    std::vector<RecordTest> tests;
+    std::vector<ConditionEvaluator> tests;
     std::vector<std::size_t> first_number;  // of each condition, from 0
     std::vector<Numbered> numbered;
 };

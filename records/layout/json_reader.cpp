@@ -1,5 +1,6 @@
 #include <set>
 
+#include "records/layout/condition_check.h"
 #include "records/layout/description_data.h"
 #include "records/layout/json_keys.h"
 #include "records/layout/json_words.h"

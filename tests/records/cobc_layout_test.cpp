@@ -9,19 +9,18 @@
 #include <random>
 #include <sstream>
 
+#include "tests/records/cobc_program.h"
 #include "tests/records/layout_fixture.h"
 
 namespace {
 
 using namespace records;
+using layout_tests::has_cobc;
+using layout_tests::run_cobc;
 namespace fs = std::filesystem;
 using Row = Description::Row;
 
 constexpr int RANDOM_LAYOUTS = 300;
-
-bool has_cobc() {
-    return std::system("cobc --version > /dev/null 2>&1") == 0;
-}
 
 // Sizes as this compiler counts them.
 LayoutOptions options_of_cobc() {
@@ -125,26 +124,10 @@ std::string program_of(const std::string& records, const std::vector<Description
            "    DISPLAY FUNCTION TRIM(PROBE-D) ' ' FUNCTION TRIM(PROBE-L).\n";
 }
 
-// What the compiler's program says, line by line; nothing when it does not compile.
-std::vector<std::string> run_probe(const std::string& program, const std::string& name,
-                                   const std::string& options) {
-    const fs::path folder = fs::path(SXML_BUILD_DIR) / "tests" / ("probe_" + name);
-    fs::create_directories(folder);
-    std::ofstream(folder / "probe.cob") << program;
-    const std::string in_folder = "cd '" + folder.string() + "' && ";
-    const std::string compile = in_folder + "cobc -x -free -w " + options + " probe.cob > log 2>&1";
-    EXPECT_EQ(std::system(compile.c_str()), 0) << "see " << (folder / "log");
-    EXPECT_EQ(std::system((in_folder + "./probe > out").c_str()), 0);
-    std::ifstream out(folder / "out");
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(out, line);) lines.push_back(line);
-    return lines;
-}
-
 void judge(const std::string& records, const std::vector<Description>& descriptions,
            const std::string& name, const std::string& options) {
     const std::vector<std::string> said =
-        run_probe(program_of(records, descriptions), name, options);
+        run_cobc(program_of(records, descriptions), name, options);
     std::size_t line = 0;
     int wrong = 0;
     for (const Description& description : descriptions) {

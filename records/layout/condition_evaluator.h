@@ -12,20 +12,27 @@
 
 namespace records {
 
-// What is wrong with a condition, or empty. An item's bytes must lie in the record in every
-// occurrence, literals must be what their kind says and fit the item they are compared with.
-std::string condition_problem(const Condition& condition, std::int32_t record_length);
-
 // A test with its literals converted, in the record's encoding. Testing allocates nothing.
-class RecordTest {
+class ConditionEvaluator {
   public:
-    RecordTest(const Test& test, bool ebcdic);
+    ConditionEvaluator(const Test& test, bool ebcdic);
     // `shifts[t]`: bytes by which an operand that shares t tables with the condition lies behind
     // its first occurrence.
     bool holds(const std::uint8_t* record, const std::vector<std::int32_t>& shifts) const;
 
   private:
-    enum class Kind { bytes, byte_equal, numbers, is_class, all_of, any_of, none_of };
+    // digits: of a number, with a text; above_all: the literal is larger than the item can be.
+    enum class Kind {
+        bytes,
+        byte_equal,
+        digits,
+        above_all,
+        numbers,
+        is_class,
+        all_of,
+        any_of,
+        none_of
+    };
     struct Part {
         Kind kind = Kind::bytes;
         Expression::Relation relation = Expression::Relation::equal;

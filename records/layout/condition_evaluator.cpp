@@ -1,214 +1,22 @@
-#include "records/layout/record_test.h"
-
-#include <iconv.h>
+#include "records/layout/condition_evaluator.h"
 
 #include <algorithm>
 #include <cstring>
+
+#include "records/layout/code_page.h"
+#include "records/layout/comparison.h"
 
 namespace records {
 namespace {
 
 using Relation = Expression::Relation;
 
-struct CodePage {
-    std::array<std::uint8_t, 256> to_ebcdic{};
-    std::array<std::uint8_t, 256> to_ascii{};
-};
-
-// The translation between ISO-8859-1 and EBCDIC code page 037.
-CodePage make_code_page() {
-    CodePage page;
-    const iconv_t converter = iconv_open("IBM037", "ISO-8859-1");
-    const bool is_open = reinterpret_cast<std::intptr_t>(converter) != -1;
-    for (int i = 0; i < 256; ++i) {
-        const auto code = static_cast<std::uint8_t>(i);
-        char from = static_cast<char>(code);
-        char to = from;
-        char* in = &from;
-        char* out = &to;
-        std::size_t in_left = 1;
-        std::size_t out_left = 1;
-        if (is_open) {
-            iconv(converter, &in, &in_left, &out, &out_left);
-        }
-        page.to_ebcdic[code] = static_cast<std::uint8_t>(to);
-        page.to_ascii[static_cast<std::uint8_t>(to)] = code;
-    }
-    if (is_open) iconv_close(converter);
-    return page;
-}
-
-const CodePage& code_page() {
-    static const CodePage page = make_code_page();
-    return page;
-}
-
-// Texts of a source in UTF-8 as ISO-8859-1, which the code page is told from; a text that is no
-// UTF-8 or has other characters is taken as ISO-8859-1 already.
-std::string latin_1(const std::string& text) {
-    std::string latin;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<std::uint8_t>(text[i]);
-        if (byte < 0x80) {
-            latin += text[i];
-            continue;
-        }
-        const int next = i + 1 < text.size() ? static_cast<std::uint8_t>(text[i + 1]) : 0;
-        if ((byte != 0xC2 && byte != 0xC3) || (next & 0xC0) != 0x80) return text;
-        latin += static_cast<char>((byte << 6 | (next & 0x3F)) & 0xFF);
-        ++i;
-    }
-    return latin;
-}
-
-std::string in_encoding(std::string text, bool ebcdic) {
-    if (!ebcdic) return text;
-    text = latin_1(text);
-    for (char& c : text) {
-        c = static_cast<char>(code_page().to_ebcdic[static_cast<std::uint8_t>(c)]);
-    }
-    return text;
-}
-
-int hex_value(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
-std::string bytes_of_hex(const std::string& digits) {
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
-        bytes += static_cast<char>(hex_value(digits[i]) * 16 + hex_value(digits[i + 1]));
-    }
-    return bytes;
-}
-
-// The byte that a figurative constant consists of; -1 for a name that is none.
-int figurative_byte(const std::string& name, bool ebcdic) {
-    const auto character = [ebcdic](char c) {
-        return static_cast<int>(static_cast<std::uint8_t>(in_encoding({c}, ebcdic)[0]));
-    };
-    if (name == "SPACE") return character(' ');
-    if (name == "ZERO") return character('0');
-    if (name == "QUOTE") return character('"');
-    if (name == "HIGH-VALUE") return 0xFF;
-    return name == "LOW-VALUE" || name == "NULL" ? 0 : -1;
-}
-
-bool is_number(const std::string& text) {
-    const std::size_t start = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
-    bool digit = false;
-    bool point = false;
-    for (std::size_t i = start; i < text.size(); ++i) {
-        if (text[i] == '.' && !point) {
-            point = true;
-        } else if (text[i] >= '0' && text[i] <= '9') {
-            digit = true;
-        } else {
-            return false;
-        }
-    }
-    return digit;
-}
-
-bool is_numeric(const Operand& item) {
-    return is_numeric_type(item.form.type);
-}
-
-bool is_display(const Operand& item) {
-    return item.form.type >= DISPLAY_UNSIGNED && item.form.type <= DISPLAY_SIGN_LEADING_SEPARATE;
-}
-
-std::string digits_only(const std::string& number) {
-    std::string digits;
+// A number as a text is compared with it: its digits, after a minus sign.
+std::string characters_of(const std::string& number) {
+    std::string digits(number.starts_with('-') ? "-" : "");
     std::copy_if(number.begin(), number.end(), std::back_inserter(digits),
                  [](char c) { return c >= '0' && c <= '9'; });
     return digits;
-}
-
-// True when both sides are compared as numbers; otherwise their characters are compared.
-bool compares_numbers(const Test& test) {
-    if (!is_numeric(test.left)) return false;
-    switch (test.right.kind) {
-        case Operand::Kind::item:
-            return is_numeric(test.right);
-        case Operand::Kind::number:
-            return true;
-        case Operand::Kind::figurative:
-            return test.right.value == "ZERO";
-        case Operand::Kind::text:
-            return !is_display(test.left);
-        default:
-            return false;
-    }
-}
-
-// What an operand's place must fit: the record, in every table that the condition lies in.
-struct Bounds {
-    std::int64_t record_length;
-    std::vector<std::int64_t> last_shift;  // of the last occurrence, by number of tables
-};
-
-std::string item_problem(const Operand& item, const Bounds& bounds) {
-    if (item.kind != Operand::Kind::item) return "the left side must be an item";
-    if (item.tables < 0 || static_cast<std::size_t>(item.tables) >= bounds.last_shift.size()) {
-        return item.value + " lies in more tables than its condition";
-    }
-    const std::int64_t shift = bounds.last_shift[static_cast<std::size_t>(item.tables)];
-    if (item.offset < 0 || item.length <= 0 ||
-        item.offset + shift + item.length > bounds.record_length) {
-        return item.value + " does not lie in the record";
-    }
-    return {};
-}
-
-std::string comparison_problem(const Test& test, const Bounds& bounds) {
-    const Operand& right = test.right;
-    switch (right.kind) {
-        case Operand::Kind::item:
-            return item_problem(right, bounds);
-        case Operand::Kind::number:
-            return is_number(right.value) ? "" : "\"" + right.value + "\" is no number";
-        case Operand::Kind::figurative:
-            return figurative_byte(right.value, false) >= 0
-                       ? ""
-                       : "\"" + right.value + "\" is no figurative constant";
-        case Operand::Kind::hex: {
-            const bool pairs = right.value.size() % 2 == 0 && !right.value.empty() &&
-                               std::all_of(right.value.begin(), right.value.end(),
-                                           [](char c) { return hex_value(c) >= 0; });
-            return pairs ? "" : "X\"" + right.value + "\" must be pairs of hexadecimal digits";
-        }
-        case Operand::Kind::all:
-            return right.value.empty() ? "ALL needs a text of at least one character" : "";
-        case Operand::Kind::text:
-            if (compares_numbers(test) && !is_number(right.value)) {
-                return "\"" + right.value + "\" cannot be compared with the number " +
-                       test.left.value;
-            }
-            return {};
-    }
-    return {};
-}
-
-std::string problem_of(const Test& test, const Bounds& bounds, int depth, std::size_t& parts) {
-    if (depth > MAX_TEST_DEPTH || ++parts > MAX_TEST_PARTS) {
-        return "the condition is nested too deep or has too many parts";
-    }
-    if (test.kind == Test::Kind::comparison || test.kind == Test::Kind::class_test) {
-        std::string left = item_problem(test.left, bounds);
-        if (!left.empty() || test.kind == Test::Kind::class_test) return left;
-        return comparison_problem(test, bounds);
-    }
-    if (test.operands.empty()) return "the condition has an empty part";
-    if (test.kind == Test::Kind::logical_not && test.operands.size() != 1) {
-        return "NOT takes one condition";
-    }
-    for (const Test& each : test.operands) {
-        std::string problem = problem_of(each, bounds, depth + 1, parts);
-        if (!problem.empty()) return problem;
-    }
-    return {};
 }
 
 bool relation_holds(Relation relation, int order) {
@@ -284,12 +92,37 @@ Decimal number_at(const Operand& item, Bytes bytes) {
     return number;
 }
 
-std::uint8_t ascii(std::uint8_t c, bool ebcdic) {
-    return ebcdic ? code_page().to_ascii[c] : c;
-}
-
 bool is_ascii_digit(std::uint8_t c) {
     return c >= '0' && c <= '9';
+}
+
+constexpr std::size_t MAX_DIGITS_SHOWN = MAX_DIGITS_DESCRIBED;
+using ShownDigits = std::array<std::uint8_t, MAX_DIGITS_SHOWN>;
+
+// The digits of the item's picture, as the record's encoding has them.
+Bytes shown_digits(const Operand& item, Bytes bytes, bool ebcdic, ShownDigits& room) {
+    const Decimal number = number_at(item, bytes);
+    const auto size =
+        std::min(static_cast<std::size_t>(std::max(item.form.stored_digits, 1)), room.size());
+    const int zero = ebcdic ? 0xF0 : '0';
+    std::fill_n(room.begin(), size, static_cast<std::uint8_t>(zero));
+    const auto count = std::min(static_cast<std::size_t>(number.count), size);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint8_t digit = number.digits[static_cast<std::size_t>(number.count) - 1 - i];
+        room[size - 1 - i] = static_cast<std::uint8_t>(zero + digit);
+    }
+    return {room.data(), size};
+}
+
+// COBOL compares a text of digits only that is too large for a DISPLAY number as a number.
+bool is_above_all(const Operand& item, const std::string& text) {
+    const bool is_digits = !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+        return is_ascii_digit(static_cast<std::uint8_t>(c));
+    });
+    if (!is_display(item) || !is_digits) return false;
+    const std::size_t first = std::min(text.find_first_not_of('0'), text.size());
+    const int integer_digits = item.form.stored_digits + item.form.stored_scale;
+    return static_cast<int>(text.size() - first) > integer_digits;
 }
 
 // A digit that carries the sign, as cobc writes them or in EBCDIC's convention.
@@ -306,7 +139,7 @@ bool is_display_number(const Operand& item, Bytes bytes) {
     const bool leading = type == DISPLAY_SIGN_LEADING || type == DISPLAY_SIGN_LEADING_SEPARATE;
     const std::size_t sign = leading ? 0 : bytes.length - 1;
     for (std::size_t i = 0; i < bytes.length; ++i) {
-        const std::uint8_t c = ascii(bytes.data[i], ebcdic);
+        const std::uint8_t c = ascii_of(bytes.data[i], ebcdic);
         if (i != sign || type == DISPLAY_UNSIGNED) {
             if (!is_ascii_digit(c)) return false;
         } else if (type == DISPLAY_SIGN_TRAILING || type == DISPLAY_SIGN_LEADING) {
@@ -339,7 +172,7 @@ bool is_of_class(Expression::Class tested, const Operand& item, Bytes bytes, boo
         return !packed || is_packed_number(item, bytes);
     }
     return std::all_of(text.data, text.data + text.length, [&](std::uint8_t byte) {
-        const std::uint8_t c = ascii(byte, ebcdic);
+        const std::uint8_t c = ascii_of(byte, ebcdic);
         if (tested == Expression::Class::numeric) return is_ascii_digit(c);
         return c == ' ' || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
     });
@@ -347,19 +180,10 @@ bool is_of_class(Expression::Class tested, const Operand& item, Bytes bytes, boo
 
 }  // namespace
 
-std::string condition_problem(const Condition& condition, std::int32_t record_length) {
-    Bounds bounds{record_length, {0}};
-    for (const ConditionTable& table : condition.tables) {
-        bounds.last_shift.push_back(bounds.last_shift.back() +
-                                    static_cast<std::int64_t>(table.occurs - 1) * table.stride);
-    }
-    std::size_t parts = 0;
-    return problem_of(condition.test, bounds, 1, parts);
-}
+ConditionEvaluator::ConditionEvaluator(const Test& test, bool ebcdic)
+    : ebcdic_(ebcdic), root_(build(test)) {}
 
-RecordTest::RecordTest(const Test& test, bool ebcdic) : ebcdic_(ebcdic), root_(build(test)) {}
-
-RecordTest::Part RecordTest::build(const Test& test) const {
+ConditionEvaluator::Part ConditionEvaluator::build(const Test& test) const {
     Part part;
     part.relation = test.relation;
     part.class_tested = test.class_tested;
@@ -385,7 +209,7 @@ RecordTest::Part RecordTest::build(const Test& test) const {
     return part;
 }
 
-void RecordTest::build_comparison(const Test& test, Part& part) const {
+void ConditionEvaluator::build_comparison(const Test& test, Part& part) const {
     const Operand& right = test.right;
     part.right = right;
     part.pad = static_cast<std::uint8_t>(in_encoding(" ", ebcdic_)[0]);
@@ -397,6 +221,11 @@ void RecordTest::build_comparison(const Test& test, Part& part) const {
         if (right.kind != Operand::Kind::figurative) parse_number(right.value, *part.number);
         return;
     }
+    if (right.kind == Operand::Kind::text && is_numeric(part.left)) {
+        part.kind = is_above_all(part.left, right.value) ? Kind::above_all
+                    : shows_digits(part.left)            ? Kind::digits
+                                                         : Kind::bytes;
+    }
     switch (right.kind) {
         case Operand::Kind::item:
             return;
@@ -407,23 +236,25 @@ void RecordTest::build_comparison(const Test& test, Part& part) const {
             part.constant = static_cast<char>(figurative_byte(right.value, ebcdic_));
             break;
         case Operand::Kind::number:
-            part.constant = in_encoding(digits_only(right.value), ebcdic_);
+            part.constant = in_encoding(characters_of(right.value), ebcdic_);
             break;
         default:
             part.constant = in_encoding(right.value, ebcdic_);
     }
     const bool equality = test.relation == Relation::equal || test.relation == Relation::not_equal;
-    if (part.left.length == 1 && part.constant.size() == 1 && equality) {
+    const bool is_byte = part.left.length == 1 && part.constant.size() == 1;
+    if (part.kind == Kind::bytes && is_byte && equality) {
         part.kind = Kind::byte_equal;
     }
 }
 
-bool RecordTest::holds(const std::uint8_t* record, const std::vector<std::int32_t>& shifts) const {
+bool ConditionEvaluator::holds(const std::uint8_t* record,
+                               const std::vector<std::int32_t>& shifts) const {
     return holds(root_, record, shifts, ebcdic_);
 }
 
-bool RecordTest::holds(const Part& part, const std::uint8_t* record,
-                       const std::vector<std::int32_t>& shifts, bool ebcdic) {
+bool ConditionEvaluator::holds(const Part& part, const std::uint8_t* record,
+                               const std::vector<std::int32_t>& shifts, bool ebcdic) {
     const auto each = [&](const Part& inner) { return holds(inner, record, shifts, ebcdic); };
     switch (part.kind) {
         case Kind::all_of:
@@ -435,6 +266,7 @@ bool RecordTest::holds(const Part& part, const std::uint8_t* record,
         default:
             break;
     }
+    if (part.kind == Kind::above_all) return relation_holds(part.relation, -1);
     const Bytes left = bytes_at(part.left, record, shifts);
     if (part.kind == Kind::byte_equal) {
         const bool same = left.data[0] == static_cast<std::uint8_t>(part.constant[0]);
@@ -459,6 +291,11 @@ bool RecordTest::holds(const Part& part, const std::uint8_t* record,
         part.right.kind == Operand::Kind::figurative || part.right.kind == Operand::Kind::all;
     const Bytes constant{reinterpret_cast<const std::uint8_t*>(part.constant.data()),
                          part.constant.size()};
+    if (part.kind == Kind::digits) {
+        ShownDigits room;
+        const Bytes digits = shown_digits(part.left, left, ebcdic, room);
+        return relation_holds(part.relation, compare_padded(digits, constant, part.pad));
+    }
     return relation_holds(part.relation, repeated ? compare_repeated(left, part.constant)
                                                   : compare_padded(left, constant, part.pad));
 }
