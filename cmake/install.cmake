@@ -6,7 +6,7 @@ include(CMakePackageConfigHelpers)
 set(sxml_modules ${CMAKE_INSTALL_LIBDIR}/sxml)  # what is loaded, never linked
 set(sxml_share ${CMAKE_INSTALL_DATADIR}/sxml)
 
-set(sxml_linked_libraries sxml_host sxml_cob)
+set(sxml_linked_libraries sxml_host sxml_cob sxml_records_api)
 set_target_properties(${sxml_linked_libraries} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} INSTALL_RPATH "$ORIGIN")
 set_target_properties(sxml PROPERTIES INSTALL_RPATH "$ORIGIN/..")
@@ -27,7 +27,7 @@ install(FILES include/sxml/sxml_extfh.h DESTINATION ${sxml_modules})  # for cobc
 # pkg-config and CMake packages, which name everything by its place relative to their own.
 file(RELATIVE_PATH from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 file(RELATIVE_PATH from_cmake /${CMAKE_INSTALL_LIBDIR}/cmake/sxml /)
-foreach(package sxml-api)
+foreach(package sxml-api sxml-records)
     configure_file(cmake/${package}.pc.in ${CMAKE_BINARY_DIR}/packages/${package}.pc @ONLY)
     install(FILES ${CMAKE_BINARY_DIR}/packages/${package}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
@@ -37,6 +37,9 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/packages/sxml-config-versio
 install(FILES ${CMAKE_BINARY_DIR}/packages/sxml-config.cmake
     ${CMAKE_BINARY_DIR}/packages/sxml-config-version.cmake
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/sxml)
+
+# For Python, whose version does not matter. Debian looks here by itself, others by PYTHONPATH.
+install(DIRECTORY python/sxml DESTINATION lib/python3/dist-packages PATTERN __pycache__ EXCLUDE)
 
 # Samples and pages.
 install(DIRECTORY examples gnucobol/samples DESTINATION ${sxml_share})

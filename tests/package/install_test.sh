@@ -18,7 +18,7 @@ mkdir "$scratch/work"
 cd "$scratch/work"
 
 echo "== the libraries: names, and where they look for others"
-for name in host cob; do
+for name in host cob records; do
     library=$prefix/lib/libsxml_$name.so
     LC_ALL=C readelf -d "$library" | grep -q "SONAME.*\[libsxml_$name\.so\.1\]" || fail "SONAME of $library"
 done
@@ -60,16 +60,30 @@ flags=$(pkg-config --cflags --libs sxml-api)
 eval "cc -o build_tree '$examples/build_tree.c' $flags -Wl,-rpath,'$prefix/lib'" 2>cc.log || fail "$(cat cc.log)"
 ./build_tree "$(pkg-config --variable=module sxml-api | sed 's/\\//g')" tree.xml >tree.txt
 xmllint --noout tree.xml
+flags=$(pkg-config --cflags --libs sxml-records)
+eval "cc -Wall -Werror -o list_balances '$examples/list_balances.c' $flags -Wl,-rpath,'$prefix/lib'" 2>cc.log ||
+    fail "$(cat cc.log)"
+for file in "$examples/custfile.dat" custfile.xml; do
+    [ "$(./list_balances "$examples/custfile.cpy" "$file" balance | tail -1)" = "sum: -7645 hundredths" ] ||
+        fail "list_balances does not sum $file"
+done
 cat >CMakeLists.txt <<'TEXT'
 cmake_minimum_required(VERSION 3.22)
 project(user C)
 find_package(sxml 1.0 REQUIRED)
 add_executable(sum_field ${EXAMPLES}/sum_field.c)
-target_link_libraries(sum_field PRIVATE sxml::api)
+target_link_libraries(sum_field PRIVATE sxml::api sxml::records)
 file(WRITE ${CMAKE_BINARY_DIR}/module "${SXML_MODULE}")
 TEXT
 cmake -S . -B user -D CMAKE_PREFIX_PATH="$prefix" -D EXAMPLES="$examples" >cmake.log 2>&1 || fail "$(cat cmake.log)"
 cmake --build user >cmake.log 2>&1 || fail "$(cat cmake.log)"
 user/sum_field "$(cat user/module)" custfile.xml balance | grep -qx '2 records, sum of balance: [-0-9.]*' ||
     fail "sum_field does not sum"
+
+echo "== Python"
+PYTHONPATH=$prefix/lib/python3/dist-packages /usr/bin/python3 -B - "$examples" <<'TEXT' || fail "Python"
+import sys, sxml
+with sxml.open(sys.argv[1] + "/custfile.dat", sys.argv[1] + "/custfile.cpy") as customers:
+    assert [record["cust_name"] for record in customers] == ["Smith", "A<B&C"]
+TEXT
 echo "install_test: passed"

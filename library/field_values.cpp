@@ -1,0 +1,216 @@
+#include "library/field_values.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "conversion/texts/utf8.h"
+#include "records/alignment.h"
+#include "records/field_types.h"
+
+namespace library {
+
+namespace {
+
+constexpr std::string_view HEXADECIMAL = "0123456789ABCDEF";
+
+XfdDataDesc field_at(const XfdItem& item, std::uint8_t* record) {
+    XfdDataDesc field = item.data;
+    field.address = record + item.offset;
+    return field;
+}
+
+std::string hexadecimal(const std::uint8_t* bytes, std::int32_t length) {
+    std::string text;
+    for (std::int32_t i = 0; i < length; ++i) {
+        text += HEXADECIMAL[bytes[i] >> 4];
+        text += HEXADECIMAL[bytes[i] & 0xF];
+    }
+    return text;
+}
+
+// The value of a hexadecimal digit; 16 for another character.
+unsigned digit_value(char c) {
+    if (c >= 'a' && c <= 'f') c = static_cast<char>(c - 'a' + 'A');
+    return static_cast<unsigned>(std::min(HEXADECIMAL.find(c), HEXADECIMAL.size()));
+}
+
+Complaint set_binary(const XfdItem& item, std::uint8_t* record, std::string_view text) {
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
+        const unsigned high = digit_value(text[i]);
+        const unsigned low = digit_value(text[i + 1]);
+        if (high > 0xF || low > 0xF) return "takes hexadecimal digits";
+        bytes.push_back(static_cast<std::uint8_t>(high << 4 | low));
+    }
+    const auto size = static_cast<std::size_t>(item.data.length);
+    if (text.size() != 2 * size) return "takes " + std::to_string(2 * size) + " hexadecimal digits";
+    std::copy(bytes.begin(), bytes.end(), record + item.offset);
+    return {};
+}
+
+}  // namespace
+
+bool is_binary(const XfdItem& item) {
+    return item.format == XFD_FORMAT_BINARY;
+}
+bool is_number(const XfdItem& item) {
+    return !is_binary(item) && is_numeric_type(item.data.type);
+}
+bool is_float(const XfdItem& item) {
+    return is_number(item) && item.data.type == records::FLOAT_NATIVE;
+}
+
+Complaint FieldValues::get_text(const XfdItem& item, const std::uint8_t* record,
+                                std::string& text) const {
+    text.clear();
+    if (is_binary(item)) {
+        text = hexadecimal(record + item.offset, item.data.length);
+        return {};
+    }
+    if (!is_number(item)) return get_characters(item, record, text);
+    records::Decimal number;
+    Complaint complaint = get_number(item, record, number);
+    if (complaint.empty()) text = number_text(number, std::max(0, -int{item.data.scale}));
+    return complaint;
+}
+
+Complaint FieldValues::get_characters(const XfdItem& item, const std::uint8_t* record,
+                                      std::string& text) const {
+    const std::uint8_t* const bytes = record + item.offset;
+    auto size = static_cast<std::size_t>(item.data.length);
+    while (size > 0 && (bytes[size - 1] == characters_.space() || bytes[size - 1] == 0)) --size;
+    for (std::size_t i = 0; i < size; ++i) {
+        if (characters_.is_utf8()) {
+            const std::size_t width =
+                bytes[i] < 0x80 ? 1 : conversion::utf8_character_length(bytes + i, size - i);
+            if (width == 0) return "holds X'" + hexadecimal(bytes + i, 1) + "', which is not UTF-8";
+            text.append(reinterpret_cast<const char*>(bytes) + i, width);
+            i += width - 1;
+            continue;
+        }
+        const std::int32_t code = characters_.characters()[bytes[i]];
+        if (code < 0) {
+            return "holds X'" + hexadecimal(bytes + i, 1) + "', which is no character of " +
+                   characters_.name();
+        }
+        conversion::append_utf8(static_cast<char32_t>(code), text);
+    }
+    return {};
+}
+
+Complaint FieldValues::get_number(const XfdItem& item, const std::uint8_t* record,
+                                  records::Decimal& number) {
+    if (!is_number(item)) return "is not a numeric field";
+    const XfdDataDesc field = field_at(item, const_cast<std::uint8_t*>(record));
+    if (records::decode_field(field, number)) return {};
+    return "holds no valid number: X'" + hexadecimal(record + item.offset, item.data.length) + "'";
+}
+
+Complaint FieldValues::set_text(const XfdItem& item, std::uint8_t* record,
+                                std::string_view text) const {
+    if (is_binary(item)) return set_binary(item, record, text);
+    if (!is_number(item)) return set_characters(item, record, text);
+    records::Decimal number;
+    if (!records::parse_number(text, number)) return "takes a number, not " + std::string(text);
+    return set_number(item, record, number);
+}
+
+Complaint FieldValues::set_characters(const XfdItem& item, std::uint8_t* record,
+                                      std::string_view text) const {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (bytes[i] < 0x80) continue;
+        const std::size_t width = conversion::utf8_character_length(bytes + i, text.size() - i);
+        if (width == 0) return "takes a text in UTF-8";
+        i += width - 1;
+    }
+    std::string converted;
+    if (from_utf8_.converts()) {
+        const auto lost = from_utf8_.convert(text, converted);
+        if (lost) {
+            std::string character;
+            conversion::append_utf8(*lost, character);
+            return "cannot hold " + character + ", which is not in " + characters_.name();
+        }
+        text = converted;
+    }
+    const auto size = static_cast<std::size_t>(item.data.length);
+    if (text.size() > size) {
+        return "has " + std::to_string(size) + " bytes, the text " + std::to_string(text.size());
+    }
+    std::uint8_t* const target = record + item.offset;
+    std::fill(std::copy(text.begin(), text.end(), target), target + size, characters_.space());
+    const records::FieldEdges edges = records::field_extra(item.data).edges;
+    if (edges.is_right == 0 && edges.blanks == 0) return {};
+    if (!characters_.is_ebcdic()) {
+        records::align_field(item, record);
+    } else if (item.data.type == records::JUSTIFIED) {
+        std::rotate(target, target + text.size(), target + size);
+    }
+    return {};
+}
+
+Complaint FieldValues::set_number(const XfdItem& item, std::uint8_t* record,
+                                  const records::Decimal& number) {
+    if (!is_number(item)) return "is not a numeric field";
+    std::uint8_t* const target = record + item.offset;
+    const std::vector<std::uint8_t> before(target, target + item.data.length);
+    const XfdDataDesc field = field_at(item, record);
+    records::Decimal stored;
+    const bool is_exact = records::encode_field(number, field) &&
+                          records::decode_field(field, stored) &&
+                          (is_float(item) || records::compare(number, stored) == 0);
+    if (is_exact) return {};
+    std::copy(before.begin(), before.end(), target);
+    return "cannot hold " + number_text(number, 0) + " exactly";
+}
+
+std::string number_text(const records::Decimal& number, int decimals) {
+    std::string digits;
+    for (int i = 0; i < number.count; ++i)
+        digits += static_cast<char>('0' + number.digits[static_cast<std::size_t>(i)]);
+    if (number.count == 0) digits = "0";
+    int scale = number.count == 0 ? 0 : number.scale;
+    if (scale > -decimals) {
+        digits.append(static_cast<std::size_t>(scale + decimals), '0');
+        scale = -decimals;
+    }
+    const auto after_point = static_cast<std::size_t>(-scale);
+    if (digits.size() <= after_point) digits.insert(0, after_point + 1 - digits.size(), '0');
+    const std::size_t first =
+        std::min(digits.find_first_not_of('0'), digits.size() - after_point - 1);
+    digits.erase(0, first);
+    if (after_point > 0) digits.insert(digits.size() - after_point, 1, '.');
+    const bool is_negative = number.negative && digits.find_first_not_of("0.") != std::string::npos;
+    return is_negative ? "-" + digits : digits;
+}
+
+records::Decimal decimal_of(std::int64_t value, int decimals) {
+    records::Decimal number;
+    const std::string text = std::to_string(value);
+    number.negative = text.front() == '-';
+    for (const char c : text.substr(number.negative ? 1 : 0)) {
+        number.digits[static_cast<std::size_t>(number.count++)] =
+            static_cast<std::uint8_t>(c - '0');
+    }
+    if (value == 0) number.count = 0;
+    number.scale = -decimals;
+    return number;
+}
+
+bool scaled_value(const records::Decimal& number, int& decimals, std::int64_t& value) {
+    const std::string text = number_text(number, decimals);
+    const std::size_t point = text.find('.');
+    std::string digits = text;
+    if (point != std::string::npos) digits.erase(point, 1);
+    constexpr std::size_t MOST_DIGITS = 18;
+    const std::size_t sign = digits.front() == '-' ? 1 : 0;
+    const std::size_t first = digits.find_first_not_of('0', sign);
+    if (first != std::string::npos && digits.size() - first > MOST_DIGITS) return false;
+    decimals = point == std::string::npos ? 0 : static_cast<int>(text.size() - point - 1);
+    value = std::stoll(digits);
+    return true;
+}
+
+}  // namespace library

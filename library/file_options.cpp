@@ -1,0 +1,117 @@
+#include "library/file_options.h"
+
+#include <functional>
+#include <map>
+#include <string_view>
+
+namespace library {
+
+namespace {
+
+using conversion::BlankFill;
+using conversion::Done;
+using conversion::Problem;
+using conversion::RecordFormat;
+
+template <class Value>
+using Choices = std::map<std::string, Value, std::less<>>;
+
+const Choices<bool> YES_OR_NO = {{"no", false}, {"yes", true}};
+const Choices<bool> KINDS = {{"document", true}, {"records", false}};
+const Choices<RecordFormat> FORMATS = {{"fixed", RecordFormat::fixed},
+                                       {"lines", RecordFormat::lines}};
+const Choices<BlankFill> FILLS = {{"by-type", BlankFill::by_type},
+                                  {"keep", BlankFill::keep},
+                                  {"spaces", BlankFill::spaces},
+                                  {"zeros", BlankFill::zeros}};
+const Choices<records::SourceFormat> SOURCE_FORMATS = {
+    {"detect", records::SourceFormat::detect},
+    {"fixed", records::SourceFormat::fixed},
+    {"free", records::SourceFormat::free},
+    {"variable", records::SourceFormat::variable}};
+const Choices<records::BinarySize> BINARY_SIZES = {{"1-2-4-8", records::BinarySize::by_digits_1248},
+                                                   {"2-4-8", records::BinarySize::by_digits_248}};
+
+Problem wrong(const std::string& what, const std::string& remedy) {
+    Problem problem{conversion::Cause::usage, {}, what, remedy};
+    return problem;
+}
+
+// Sets `variable` to the choice that `value` names.
+template <class Variable, class Value>
+Done choose(std::string_view name, std::string_view value, const Choices<Value>& choices,
+            Variable& variable) {
+    const auto found = choices.find(value);
+    if (found != choices.end()) {
+        variable = found->second;
+        return std::nullopt;
+    }
+    std::string names;
+    for (const auto& choice : choices) names += (names.empty() ? "" : ", ") + choice.first;
+    return wrong("the option " + std::string(name) + " cannot be " + std::string(value),
+                 "it takes one of " + names);
+}
+
+bool is_setting(std::string_view name) {
+    return name.starts_with("SXML_") || name.starts_with("4GL_");
+}
+
+// The options that take any text. False when it is none of them.
+bool take_text(std::string_view name, const std::string& value, FileOptions& options) {
+    if (name == "encoding") {
+        options.encoding = value;
+    } else if (name == "fd") {
+        options.copybook.fd = value;
+    } else if (name == "copy-path") {
+        options.copybook.copy_path.push_back(value);
+    } else if (name == "name") {
+        options.layout.name = value;
+    } else if (is_setting(name)) {
+        options.settings.emplace_back(name, value);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+Done take(std::string_view name, const std::string& value, FileOptions& options) {
+    if (take_text(name, value, options)) return std::nullopt;
+    if (name == "kind") return choose(name, value, KINDS, options.is_document);
+    if (name == "format") return choose(name, value, FORMATS, options.format);
+    if (name == "buffer") return choose(name, value, FILLS, options.fill);
+    if (name == "source-format") {
+        return choose(name, value, SOURCE_FORMATS, options.copybook.format);
+    }
+    if (name == "binary-size") return choose(name, value, BINARY_SIZES, options.layout.binary_size);
+    if (name == "debugging-lines") {
+        return choose(name, value, YES_OR_NO, options.copybook.debugging_lines);
+    }
+    if (name == "ebcdic-sign") return choose(name, value, YES_OR_NO, options.layout.ebcdic_sign);
+    if (name == "filler") return choose(name, value, YES_OR_NO, options.layout.filler);
+    if (name == "no-truncate") {
+        bool is_off = false;
+        Done problem = choose(name, value, YES_OR_NO, is_off);
+        options.layout.binary_truncate = !is_off;
+        return problem;
+    }
+    return wrong("there is no option " + std::string(name), "sxml/records.h lists the options");
+}
+
+}  // namespace
+
+conversion::Result<FileOptions> read_options(const char* const* options) {
+    FileOptions result;
+    for (; options != nullptr && *options != nullptr; ++options) {
+        const std::string_view text = *options;
+        const std::size_t equals = text.find('=');
+        if (equals == std::string_view::npos) {
+            return wrong("the option " + std::string(text) + " has no value",
+                         "write it as NAME=VALUE");
+        }
+        Done problem = take(text.substr(0, equals), std::string(text.substr(equals + 1)), result);
+        if (problem) return *std::move(problem);
+    }
+    return result;
+}
+
+}  // namespace library

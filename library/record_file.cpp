@@ -1,0 +1,396 @@
+#include "library/record_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "conversion/session/module.h"
+#include "host/runtime/settings.h"
+
+namespace library {
+
+namespace {
+
+using conversion::Cause;
+using conversion::CharacterSet;
+using conversion::Done;
+using conversion::FieldFate;
+using conversion::Place;
+using conversion::Problem;
+using conversion::Result;
+
+Problem problem_of(Cause cause, const std::string& file, const std::string& what,
+                   const std::string& remedy) {
+    Place place;
+    place.file = file;
+    return {cause, std::move(place), what, remedy};
+}
+
+bool ends_in_xml(const std::string& name) {
+    constexpr std::string_view SUFFIX = ".xml";
+    if (name.size() < SUFFIX.size()) return false;
+    return std::equal(
+        SUFFIX.begin(), SUFFIX.end(), name.end() - SUFFIX.size(),
+        [](char expected, char c) { return c == expected || c == expected - 'a' + 'A'; });
+}
+
+// What the compiler of copybooks says, without the newline at its end.
+std::string text_of(const records::Diagnostics& diagnostics) {
+    std::string text = diagnostics.text();
+    while (text.ends_with('\n')) text.pop_back();
+    return text;
+}
+
+}  // namespace
+
+// Settings belong to the process. They are set while a call of their file runs, and no longer.
+class RecordFile::Settings {
+  public:
+    explicit Settings(const FileOptions& options) : options_(options) {
+        for (const auto& [name, value] : options.settings) host::set_config(name, value);
+    }
+    ~Settings() {
+        for (const auto& entry : options_.settings) host::set_config(entry.first, std::nullopt);
+    }
+    Settings(const Settings&) = delete;
+    Settings& operator=(const Settings&) = delete;
+
+    // Tries all values. A problem names the first that cannot be.
+    static Done check(const FileOptions& options) {
+        Done found;
+        for (const auto& [name, value] : options.settings) {
+            std::string problem = "there is no such setting";
+            const bool is_good =
+                host::is_known_setting(name) && host::set_config(name, value, &problem);
+            host::set_config(name, std::nullopt);
+            if (is_good || found) continue;
+            found = problem_of(Cause::setting, "", name + ": " + problem,
+                               "docs/file-interface.md lists the settings");
+        }
+        return found;
+    }
+
+  private:
+    const FileOptions& options_;
+};
+
+Result<std::unique_ptr<RecordFile>> RecordFile::open(const std::string& layout,
+                                                     const Target& target, FileOptions options) {
+    if (const auto module = conversion::xml_module(); !module) return module.problem();
+    if (Done problem = Settings::check(options)) return *std::move(problem);
+    Result<CharacterSet> characters =
+        CharacterSet::find(options.encoding.empty() ? "utf-8" : options.encoding);
+    if (!characters) return characters.problem();
+    options.layout.encoding =
+        characters->is_ebcdic() ? records::RecordEncoding::ebcdic : records::RecordEncoding::ascii;
+    if (target.direction == Direction::write) {
+        options.settings.emplace_back("SXML_ENCODING", characters->declared_name());
+    }
+    const Settings settings(options);
+    options.layout.name_case = records::configured_name_case();
+    records::Diagnostics diagnostics;
+    std::optional<records::Description> description =
+        records::load_description(layout, options.copybook, options.layout, diagnostics);
+    if (!description) return problem_of(Cause::layout, "", text_of(diagnostics), "");
+    Result<conversion::RecordFields> fields = conversion::RecordFields::of(description->xfd());
+    if (!fields) return fields.problem();
+    std::unique_ptr<RecordFile> file(new RecordFile(*std::move(description), *std::move(characters),
+                                                    *std::move(fields), options, target));
+    if (Done problem = file->open_file()) return *std::move(problem);
+    if (!diagnostics.all().empty()) file->warnings_.push_back(text_of(diagnostics));
+    return file;
+}
+
+RecordFile::RecordFile(records::Description description, CharacterSet characters,
+                       conversion::RecordFields fields, FileOptions options, Target target)
+    : description_(std::move(description)),
+      characters_(std::move(characters)),
+      options_(std::move(options)),
+      target_(std::move(target)),
+      fields_(std::move(fields)),
+      names_(description_.xfd()),
+      values_(characters_),
+      blank_(description_.xfd(), description_.record_length(), conversion::BlankFill::by_type,
+             characters_.space()),
+      record_(static_cast<std::size_t>(description_.record_length())) {
+    clear();
+}
+
+RecordFile::~RecordFile() {
+    const Settings settings(options_);
+    if (output_ && !is_finished_ && replacement_->is_direct()) output_->abandon();
+    output_.reset();
+}
+
+bool RecordFile::is_document() const {
+    return options_.is_document.value_or(conversion::is_url(target_.name) ||
+                                         ends_in_xml(target_.name));
+}
+
+Done RecordFile::open_file() {
+    if (target_.direction == Direction::none) return std::nullopt;
+    if (target_.direction == Direction::write) return open_output();
+    if (is_document()) return open_input_document();
+    Result<conversion::ByteSource> source = conversion::ByteSource::open(target_.name);
+    if (!source) return source.problem();
+    source_.emplace(*std::move(source));
+    reader_ = conversion::read_records(options_.format, *source_, record_.size());
+    return std::nullopt;
+}
+
+Done RecordFile::open_input_document() {
+    Result<conversion::DocumentSource> source = conversion::DocumentSource::open(target_.name);
+    if (!source) return source.problem();
+    document_source_.emplace(*std::move(source));
+    auto document = conversion::InputDocument::open(
+        description_, &characters_,
+        {document_source_->file(), document_source_->name(), options_.fill});
+    if (!document) return document.problem();
+    input_ = *std::move(document);
+    return std::nullopt;
+}
+
+Done RecordFile::open_output() {
+    auto replacement = platform::Replacement::begin(target_.name);
+    if (!replacement) return conversion::system_problem(target_.name, errno);
+    replacement_.emplace(*std::move(replacement));
+    if (is_document()) {
+        auto document = conversion::OutputDocument::open(
+            description_, characters_, {replacement_->write_name(), target_.name, {}});
+        if (!document) return document.problem();
+        output_ = *std::move(document);
+        return std::nullopt;
+    }
+    Result<conversion::ByteSink> sink =
+        conversion::ByteSink::open(replacement_->write_name(), target_.name);
+    if (!sink) return sink.problem();
+    sink_.emplace(*std::move(sink));
+    writer_ = conversion::write_records(options_.format, *sink_);
+    return std::nullopt;
+}
+
+Result<bool> RecordFile::read() {
+    warnings_.clear();
+    if (!input_ && !reader_) {
+        return problem_of(Cause::usage, target_.name, "is not open for reading",
+                          "open it with the mode r");
+    }
+    const Settings settings(options_);
+    Result<bool> outcome = input_ ? read_document() : read_record_file();
+    if (!outcome || !*outcome) return outcome;
+    ++number_;
+    evaluate();
+    return outcome;
+}
+
+Result<bool> RecordFile::read_document() {
+    Result<bool> outcome = input_->read();
+    if (!outcome || !*outcome) return outcome;
+    std::ranges::copy(input_->record(), record_.begin());
+    if (!input_->is_of_a_layout()) {
+        warnings_.emplace_back("none of the record layouts' conditions holds");
+    }
+    for (const conversion::FieldTrouble& trouble : input_->troubles()) {
+        const std::string field = "field " + fields_.name(trouble.item) + ": ";
+        if (trouble.fate == FieldFate::no_number) {
+            warnings_.push_back(field + "no number that fits the field: '" + trouble.text + "'");
+        } else if (trouble.fate == FieldFate::lost_character) {
+            warnings_.push_back(field + "a character of '" + trouble.text + "' is not in " +
+                                characters_.name());
+        } else {
+            warnings_.push_back(field + "a text of " + std::to_string(trouble.whole) +
+                                " bytes was cut to fit into " + std::to_string(trouble.size));
+        }
+    }
+    return outcome;
+}
+
+Result<bool> RecordFile::read_record_file() {
+    Result<std::optional<conversion::Record>> next = reader_->next();
+    if (!next) return next.problem();
+    if (!*next) return false;
+    const conversion::Record& record = **next;
+    const std::size_t length = std::min(record.length, record_.size());
+    const auto end = std::copy_n(record.data, length, record_.begin());
+    std::fill(end, record_.end(), characters_.space());
+    return true;
+}
+
+Done RecordFile::write() {
+    warnings_.clear();
+    if ((!output_ && !writer_) || is_finished_) {
+        return problem_of(Cause::usage, target_.name, "is not open for writing",
+                          "open it with the mode w, and write before sxml_finish");
+    }
+    const Settings settings(options_);
+    Done problem = output_ ? output_->write(record_.data(), description_.record_length())
+                           : writer_->add(record_);
+    if (!problem && output_) problem = conversion::take_write_failure();
+    if (problem) {
+        problem->place.file = target_.name;
+        problem->place.record = number_ + 1;
+        return problem;
+    }
+    ++number_;
+    if (output_) {
+        for (const conversion::Field* field : output_->outcome().bad_numbers) {
+            warnings_.push_back("field " + fields_.name(field->item) +
+                                " held no valid number and came out repaired");
+        }
+    }
+    clear();
+    return std::nullopt;
+}
+
+Done RecordFile::finish() {
+    if (!replacement_ || is_finished_) return std::nullopt;
+    const Settings settings(options_);
+    is_finished_ = true;
+    Done problem;
+    if (output_) {
+        output_->close();
+        output_.reset();
+        problem = conversion::take_write_failure();
+    } else {
+        problem = writer_->close();
+    }
+    if (problem) {
+        problem->place.file = target_.name;
+        return problem;
+    }
+    const int error = replacement_->commit();
+    if (error != 0) return conversion::system_problem(target_.name, error);
+    return std::nullopt;
+}
+
+Result<int> RecordFile::find(std::string_view name) {
+    std::vector<int> found = names_.find(name);
+    if (found.size() > 1) {
+        std::vector<int> of_record;
+        std::ranges::copy_if(found, std::back_inserter(of_record),
+                             [this](int field) { return applies(field); });
+        if (of_record.size() == 1) found = of_record;
+    }
+    if (found.size() == 1) return found.front();
+    if (found.empty()) {
+        return problem_of(
+            Cause::not_found, "", "there is no field " + std::string(name),
+            "`sxml layout` lists the fields; those of a table take subscripts, as in phone(2)");
+    }
+    return problem_of(Cause::not_found, "",
+                      "there are several fields " + std::string(name) + ": " +
+                          names_.path(found[0]) + ", " + names_.path(found[1]),
+                      "name the group as well");
+}
+
+// Evaluates the conditions, and blanks the fields of those that have come to hold.
+void RecordFile::evaluate() {
+    Xfd& xfd = description_.xfd();
+    conversion::evaluate_conditions(xfd, record_.data());
+    held_.resize(static_cast<std::size_t>(xfd.condition_count));
+    for (std::size_t i = 0; i < held_.size(); ++i) held_[i] = (xfd.conditions[i].is_true & 1) != 0;
+}
+
+// Fields of a condition are blanked when it comes to hold, but for what the program has set.
+void RecordFile::note_set(const XfdItem& item) {
+    std::fill_n(is_set_.begin() + item.offset, item.data.length, std::uint8_t{1});
+    if (held_.empty()) return;
+    const std::vector<bool> before = held_;
+    evaluate();
+    for (std::size_t i = 0; i < held_.size(); ++i) {
+        if (!held_[i] || before[i]) continue;
+        const std::vector<std::uint8_t> set = record_;
+        blank_.add_condition(static_cast<int>(i) + 1, record_.data());
+        for (std::size_t byte = 0; byte < set.size(); ++byte) {
+            if (is_set_[byte] != 0) record_[byte] = set[byte];
+        }
+    }
+}
+
+bool RecordFile::applies(int field) {
+    const Xfd& xfd = description_.xfd();
+    conversion::evaluate_conditions(description_.xfd(), record_.data());
+    const std::vector<conversion::RecordLayout>& layouts = fields_.layouts();
+    if (layouts.empty()) return false;
+    const conversion::RecordLayout& layout = layouts[fields_.choose(xfd).value_or(0)];
+    const std::int32_t length =
+        description_.used_length(record_.data(), description_.record_length());
+    const std::int32_t index = names_.index(field);
+    return std::ranges::any_of(layout.fields, [&](const conversion::Field& one) {
+        return one.item == index && conversion::holds_data(one, xfd, length);
+    });
+}
+
+Problem RecordFile::field_problem(int field, const Complaint& complaint) const {
+    Place place;
+    place.file = target_.name;
+    place.record = number_;
+    place.field = names_.name(field);
+    return {Cause::record, std::move(place), "the field " + complaint, ""};
+}
+
+Done RecordFile::missing_field(int field) const {
+    if (names_.item(field) != nullptr) return std::nullopt;
+    return problem_of(Cause::usage, "", "there is no field number " + std::to_string(field),
+                      "sxml_field_count tells how many there are");
+}
+
+Done RecordFile::get_text(int field, std::string& text) const {
+    if (Done problem = missing_field(field)) return problem;
+    const Complaint complaint = values_.get_text(*names_.item(field), record_.data(), text);
+    if (complaint.empty()) return std::nullopt;
+    return field_problem(field, complaint);
+}
+
+Done RecordFile::get_number(int field, records::Decimal& number) const {
+    if (Done problem = missing_field(field)) return problem;
+    const Complaint complaint =
+        FieldValues::get_number(*names_.item(field), record_.data(), number);
+    if (complaint.empty()) return std::nullopt;
+    return field_problem(field, complaint);
+}
+
+Done RecordFile::set_text(int field, std::string_view text) {
+    if (Done problem = missing_field(field)) return problem;
+    const XfdItem& item = *names_.item(field);
+    const Complaint complaint = values_.set_text(item, record_.data(), text);
+    if (!complaint.empty()) return field_problem(field, complaint);
+    note_set(item);
+    return std::nullopt;
+}
+
+Done RecordFile::set_number(int field, const records::Decimal& number) {
+    if (Done problem = missing_field(field)) return problem;
+    const XfdItem& item = *names_.item(field);
+    const Complaint complaint = FieldValues::set_number(item, record_.data(), number);
+    if (!complaint.empty()) return field_problem(field, complaint);
+    note_set(item);
+    return std::nullopt;
+}
+
+void RecordFile::clear() {
+    blank_.begin(record_.data());
+    is_set_.assign(record_.size(), 0);
+    held_.assign(static_cast<std::size_t>(description_.xfd().condition_count), false);
+    evaluate();
+    for (std::size_t i = 0; i < held_.size(); ++i) {
+        if (held_[i]) blank_.add_condition(static_cast<int>(i) + 1, record_.data());
+    }
+}
+
+Done RecordFile::set_record(std::span<const std::uint8_t> record) {
+    if (record.size() > record_.size()) {
+        return problem_of(Cause::record, "",
+                          "a record of " + std::to_string(record.size()) +
+                              " bytes is longer than the " + std::to_string(record_.size()) +
+                              " of the layout",
+                          "");
+    }
+    clear();
+    std::ranges::copy(record, record_.begin());
+    is_set_.assign(record_.size(), 1);
+    evaluate();
+    return std::nullopt;
+}
+
+}  // namespace library
