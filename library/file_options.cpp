@@ -32,6 +32,13 @@ const Choices<records::SourceFormat> SOURCE_FORMATS = {
 const Choices<records::BinarySize> BINARY_SIZES = {{"1-2-4-8", records::BinarySize::by_digits_1248},
                                                    {"2-4-8", records::BinarySize::by_digits_248}};
 
+const Choices<records::MovingData> MOVING_DATA = {{"fixed", records::MovingData::fixed},
+                                                  {"refuse", records::MovingData::refused}};
+const Choices<records::NationalSize> NATIONAL_SIZES = {
+    {"2", records::NationalSize::two_bytes},
+    {"cobc-3.1", records::NationalSize::cobc_3_1},
+    {"cobc-3.2", records::NationalSize::cobc_3_2}};
+
 Problem wrong(const std::string& what, const std::string& remedy) {
     Problem problem{conversion::Cause::usage, {}, what, remedy};
     return problem;
@@ -83,6 +90,10 @@ Done take(std::string_view name, const std::string& value, FileOptions& options)
         return choose(name, value, SOURCE_FORMATS, options.copybook.format);
     }
     if (name == "binary-size") return choose(name, value, BINARY_SIZES, options.layout.binary_size);
+    if (name == "national-size") {
+        return choose(name, value, NATIONAL_SIZES, options.layout.national_size);
+    }
+    if (name == "odo") return choose(name, value, MOVING_DATA, options.layout.moving_data);
     if (name == "debugging-lines") {
         return choose(name, value, YES_OR_NO, options.copybook.debugging_lines);
     }

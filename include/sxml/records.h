@@ -52,9 +52,10 @@ typedef struct SxmlFile SxmlFile;
  *   encoding       the character set of the records' text, as with `sxml to-xml --encoding`;
  *                  without it UTF-8
  *   format         fixed (default) or lines: the form of a record file
- *   fd, copy-path, source-format, name, binary-size, debugging-lines, no-truncate, ebcdic-sign,
- *   filler         as the options of the command; copy-path may be given several times; the last
- *                  four take yes or no
+ *   fd, copy-path, source-format, name, binary-size, national-size, odo, debugging-lines,
+ *   no-truncate, ebcdic-sign, filler
+ *                  as the options of the command (source-format is its --format); copy-path may be
+ *                  given several times; the last four take yes or no
  *   buffer         by-type (default), spaces, zeros or keep: as `sxml from-xml --buffer`
  * and every setting, such as SXML_CREATE_STYLE=NONE.
  * Result: a handle, to be given back with sxml_close, also when opening has failed: sxml_problem is

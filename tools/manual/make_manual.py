@@ -71,6 +71,7 @@ class Page:
         others = [other for other in others if other != self.reference()]
         self.heading("See also", [".BR " + other + (" ," if other != others[-1] else "") for other in others])
         text = re.sub(r"\n\.PP(?=\n\.(?:SH|SS|PP|TP|IP))", "", "\n".join(roff.wrapped(self.lines)))
+        text = re.sub(r"(\n\.S[HS] .*)\n\.PP(?=\n)", r"\1", text)
         (folder / f"{self.name}.{self.section}").write_text(text + "\n", encoding="utf-8")
 
 
