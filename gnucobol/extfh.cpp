@@ -34,13 +34,18 @@ class ErrnoKeeper {
     int saved_ = errno;
 };
 
+// SORT and MERGE of a runtime that is not known come here.
+int pass_by(unsigned char* opcode, FCD3& fcd) {
+    if (!gnucobol::is_document(fcd)) return EXTFH(opcode, &fcd);
+    gnucobol::say_refused();
+    gnucobol::set_status(fcd, gnucobol::Status::permanent_error);
+    return 0;
+}
+
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) int sxml_extfh(unsigned char* opcode, FCD3* fcd) {
-    if (!gnucobol::is_known_runtime()) {
-        gnucobol::set_status(*fcd, gnucobol::Status::permanent_error);
-        return 0;
-    }
+    if (!gnucobol::is_known_runtime()) return pass_by(opcode, *fcd);
     const gnucobol::Operation operation = gnucobol::operation_of(opcode);
     {
         // The runtime takes an error number that it finds later for that of its own last call.

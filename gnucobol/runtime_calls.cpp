@@ -4,11 +4,10 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
-#include <exception>
 #include <vector>
 
 #include "gnucobol/fcd.h"
-#include "gnucobol/file_name.h"
+#include "gnucobol/known_runtime.h"
 
 #define SXML_EXPORT __attribute__((visibility("default")))
 
@@ -19,15 +18,6 @@ namespace {
 bool is_sequential(const cob_file* file) {
     return file->organization == COB_ORG_SEQUENTIAL ||
            file->organization == COB_ORG_LINE_SEQUENTIAL;
-}
-
-bool is_xml(const cob_file* file) {
-    try {
-        return is_sequential(file) &&
-               gnucobol::is_xml_file(gnucobol::mapped_name(gnucobol::assigned_name(*file)));
-    } catch (const std::exception&) {
-        return false;
-    }
 }
 
 bool has_succeeded(const cob_file* file) {
@@ -57,7 +47,7 @@ void write_sorted(cob_file* sort_file, const std::vector<cob_file*>& files) {
 extern "C" SXML_EXPORT void sxml_cob_close(cob_file* file, cob_field* status, int option,
                                            int is_implicit) {
     const bool is_open = file->open_mode != COB_OPEN_CLOSED && file->open_mode != COB_OPEN_LOCKED;
-    if (is_open && is_sequential(file)) {
+    if (is_open && is_sequential(file) && gnucobol::is_known_runtime()) {
         cob_extfh_close(sxml_extfh, file, status, option, is_implicit);
     } else {
         cob_close(file, status, option, is_implicit);
@@ -66,10 +56,11 @@ extern "C" SXML_EXPORT void sxml_cob_close(cob_file* file, cob_field* status, in
 
 // SORT and MERGE: hands the records of a file over.
 extern "C" SXML_EXPORT void sxml_cob_file_sort_using(cob_file* sort_file, cob_file* file) {
-    if (!is_xml(file)) {
+    if (!gnucobol::is_document(*file)) {
         cob_file_sort_using(sort_file, file);
         return;
     }
+    if (!gnucobol::is_known_runtime()) return gnucobol::refuse(*file, nullptr);
     cob_extfh_open(sxml_extfh, file, COB_OPEN_INPUT, 0, nullptr);
     if (file->open_mode != COB_OPEN_INPUT) return;
     for (;;) {
@@ -89,10 +80,11 @@ extern "C" SXML_EXPORT void sxml_cob_file_sort_giving(cob_file* sort_file, std::
     va_start(arguments, count);
     for (cob_file*& file : files) file = va_arg(arguments, cob_file*);
     va_end(arguments);
-    if (count == 1 && !is_xml(files.front())) {
+    if (count == 1 && !gnucobol::is_document(*files.front())) {
         cob_file_sort_giving(sort_file, 1, files.front());
         return;
     }
+    if (!gnucobol::is_known_runtime()) return gnucobol::refuse(*files.front(), nullptr);
     for (cob_file* const file : files) {
         cob_extfh_open(sxml_extfh, file, COB_OPEN_OUTPUT, 0, nullptr);
     }

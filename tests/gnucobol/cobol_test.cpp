@@ -1,7 +1,6 @@
 // COBOL programs with plain files and with XML documents.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -17,8 +16,10 @@ TEST_F(CommandTest, OtherRuntimesAreRefused) {
     ASSERT_EQ(sxml({"cob", PROGRAMS + "statuses.cbl", "-o", "statuses"}).status, 0);
     const Outcome outcome = run({"./statuses", "missing.xml"});
     EXPECT_TRUE(outcome.out.starts_with("missing.xml: open 30\n")) << outcome.out;
-    EXPECT_TRUE(outcome.err.starts_with("sxml: libcob 3.")) << outcome.err;
-    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    // The runtime may have warnings of its own.
+    const std::size_t line = outcome.err.find("sxml: libcob 3.");
+    ASSERT_NE(line, std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.err.find("sxml: ", line + 1), std::string::npos) << outcome.err;
 }
 
 TEST_F(CobolTest, SamplesDisplayTheSameWithPlainFilesAndWithXml) {
