@@ -45,3 +45,9 @@ install(DIRECTORY python/sxml DESTINATION lib/python3/dist-packages PATTERN __py
 install(DIRECTORY examples gnucobol/samples DESTINATION ${sxml_share})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+# All that is installed, for who does not need the tests.
+add_custom_target(product DEPENDS sxml_command sxml sxml_api ${sxml_linked_libraries})
+if(TARGET manual)
+    add_dependencies(product manual)
+endif()

@@ -80,16 +80,16 @@ SXML_RECORDS_API void sxml_close(SxmlFile* file);
 
 /* ---- What went wrong ---- */
 
-/* The last failure: "FILE:LINE:COLUMN: what; remedy" or "FILE: record N, field F, byte offset B ...".
- * Empty when there was none. Valid until the next call with the handle, as all texts are. */
+/* The last failure: "FILE:LINE:COLUMN: what; remedy" or "FILE: record N, field F, byte offset B
+ * ...". Empty when there was none. Valid until the next call with the handle, as all texts are. */
 SXML_RECORDS_API const char* sxml_problem(const SxmlFile* file);
 
 enum SxmlCause {
     SXML_NO_PROBLEM = 0,
-    SXML_USAGE = 1,      /* an argument, an option or the order of the calls */
-    SXML_SETTING = 2,    /* the value of a setting */
-    SXML_LAYOUT = 3,     /* the record description */
-    SXML_NOT_FOUND = 4,  /* there is no such file, or field */
+    SXML_USAGE = 1,     /* an argument, an option or the order of the calls */
+    SXML_SETTING = 2,   /* the value of a setting */
+    SXML_LAYOUT = 3,    /* the record description */
+    SXML_NOT_FOUND = 4, /* there is no such file, or field */
     SXML_NOT_PERMITTED = 5,
     SXML_BUSY = 6,
     SXML_NO_SPACE = 7,
@@ -106,9 +106,9 @@ SXML_RECORDS_API int64_t sxml_problem_line(const SxmlFile* file);
 SXML_RECORDS_API int64_t sxml_problem_column(const SxmlFile* file);
 SXML_RECORDS_API int64_t sxml_problem_offset(const SxmlFile* file);
 
-/* After opening, what the compiler of copybooks says about the layout. Then what became of the record
- * that was read or written last, where it is not just what was asked for: a text that was cut, a
- * number that was repaired. `index` counts from 0; null after the last. */
+/* After opening, what the compiler of copybooks says about the layout. Then what became of the
+ * record that was read or written last, where it is not just what was asked for: a text that was
+ * cut, a number that was repaired. `index` counts from 0; null after the last. */
 SXML_RECORDS_API const char* sxml_warning(const SxmlFile* file, int index);
 
 /* ---- Fields ---- */
