@@ -13,7 +13,7 @@ enum FieldType : std::int16_t {
     TEXT = 0,  // the text form that numbers are converted to and from
     DISPLAY_UNSIGNED = 1,
     DISPLAY_SIGN_TRAILING = 2,           // overpunched on the last digit
-    DISPLAY_SIGN_TRAILING_SEPARATE = 3,  // + or - behind the digits
+    DISPLAY_SIGN_TRAILING_SEPARATE = 3,  // + or - after the digits
     DISPLAY_SIGN_LEADING = 4,            // overpunched on the first digit
     DISPLAY_SIGN_LEADING_SEPARATE = 5,   // + or - before the digits
     PACKED_SIGNED = 6,                   // COMP-3, sign nibble C or D
@@ -33,7 +33,7 @@ enum FieldType : std::int16_t {
     ENCODED_TEXT = 40  // characters in XfdConventions::field_encoding
 };
 
-// Where the characters of a JUSTIFIED or edited field stand that are no blanks; all 0: at its
+// Where the characters of a JUSTIFIED or edited field stand that are not blanks; all 0: at its
 // start.
 struct FieldEdges {
     std::uint8_t is_right;  // they end at the field's end rather than begin at its start

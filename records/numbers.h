@@ -31,7 +31,7 @@ bool decode_field(const XfdDataDesc& data, Decimal& out);
 bool encode_field(const Decimal& number, const XfdDataDesc& data);
 
 // Reads a number from text: blanks around, sign, digits, decimal point, exponent. False (and one
-// data exception counted, value zero) when the text is no number.
+// data exception counted, value zero) when the text is not a number.
 bool parse_number(std::string_view text, Decimal& out);
 
 // -1, 0 or 1, comparing values exactly (a negative zero equals zero).

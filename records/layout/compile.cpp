@@ -129,7 +129,7 @@ class Compiler {
             !is_numeric_type(counter.node->form.type) || !tables_of(*counter.node).empty()) {
             diagnostics_.warning(occurs.place,
                                  "the counter " + occurs.depending_on +
-                                     " is no number in the record; the table is taken at its "
+                                     " is not a number in the record; the table is taken at its "
                                      "maximum");
             return;
         }

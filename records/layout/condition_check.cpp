@@ -33,11 +33,11 @@ std::string comparison_problem(const Test& test, const Bounds& bounds) {
         case Operand::Kind::item:
             return item_problem(right, bounds);
         case Operand::Kind::number:
-            return is_number(right.value) ? "" : "\"" + right.value + "\" is no number";
+            return is_number(right.value) ? "" : "\"" + right.value + "\" is not a number";
         case Operand::Kind::figurative:
             return figurative_byte(right.value, false) >= 0
                        ? ""
-                       : "\"" + right.value + "\" is no figurative constant";
+                       : "\"" + right.value + "\" is not a figurative constant";
         case Operand::Kind::hex: {
             const bool pairs = right.value.size() % 2 == 0 && !right.value.empty() &&
                                std::all_of(right.value.begin(), right.value.end(),

@@ -16,7 +16,7 @@ namespace records {
 class ConditionEvaluator {
   public:
     ConditionEvaluator(const Test& test, bool ebcdic);
-    // `shifts[t]`: bytes by which an operand that shares t tables with the condition lies behind
+    // `shifts[t]`: bytes by which an operand that shares t tables with the condition lies after
     // its first occurrence.
     bool holds(const std::uint8_t* record, const std::vector<std::int32_t>& shifts) const;
 

@@ -138,7 +138,7 @@ class Flattener {
     XfdItem flattened(const ModelItem& item, int level, std::int32_t shift) const {
         XfdItem result{};
         result.offset = item.offset + shift;
-        // A group is written when it starts within the record or at its end: the entry behind the
+        // A group is written when it starts within the record or at its end: the entry after the
         // last one in use would be, and be empty. Its second byte tells whether it is there.
         if (item.group && ends_record(item)) ++result.offset;
         result.data.length = item.length;

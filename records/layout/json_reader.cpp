@@ -14,7 +14,7 @@ using json::Key;
 constexpr std::int64_t MAX_SCALE = 127;
 constexpr std::size_t MAX_MODEL_ITEMS = 1'000'000;
 
-// The tables around an item, with the bytes by which the last occurrence lies behind the first.
+// The tables around an item, with the bytes by which the last occurrence lies after the first.
 struct Surroundings {
     std::vector<ConditionTable> tables;
     std::int64_t last_shift = 0;

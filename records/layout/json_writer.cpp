@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Bytes that are no UTF-8 cannot stand in JSON; names that hold them are for show only.
+// Bytes that are not UTF-8 cannot stand in JSON; names that hold them are for show only.
 std::string dumped(const Json& value) {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -9,7 +9,7 @@
 namespace records {
 namespace {
 
-// Larger files are no description files; reading stops there.
+// Larger files are not description files; reading stops there.
 constexpr std::uintmax_t MAX_FILE_SIZE = std::uintmax_t{256} * 1024 * 1024;
 
 std::optional<std::string> contents(const std::string& file, Diagnostics& diagnostics) {

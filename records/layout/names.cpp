@@ -132,7 +132,7 @@ void set_name_from_directive(Node& node, const LayoutOptions& options, Diagnosti
     if (!is_xml_name(item.xml_name)) {
         node.name = xml_name(item.xml_name, options.name_case);
         diagnostics.warning(item.place, "\"" + item.xml_name +
-                                            "\" is no usable XML name (letters, digits, - _ . , "
+                                            "\" is not a usable XML name (letters, digits, - _ . , "
                                             "a letter or _ first, not xml...); it becomes " +
                                             node.name);
         return;

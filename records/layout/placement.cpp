@@ -245,7 +245,7 @@ class Placer {
 
     // Fills an entry of a table up, so that the next one is aligned alike. As cobc does it: to the
     // alignment found last (a group without synchronized items, coming after them, undoes it), and
-    // with the slack bytes before the entry's last field rather than behind it.
+    // with the slack bytes before the entry's last field rather than after it.
     void fill_up(Node& entry) {
         const std::int64_t past = entry.size % entry_alignment_;
         if (past == 0) return;

@@ -187,7 +187,7 @@ class Resolver {
         if (found.node == nullptr) return std::nullopt;
         if (found.condition == nullptr || found.condition->values.empty()) {
             return error(expression, qualified(expression.name) +
-                                         " is no condition name (level 88); compare it with a "
+                                         " is not a condition name (level 88); compare it with a "
                                          "value");
         }
         return values_test(*found.condition, operand_of(*found.node, at_));

@@ -31,7 +31,7 @@ constexpr int NOWHERE = -1;
 // Where digits and sign lie in the field.
 struct Places {
     int first;      // of the digits
-    int end;        // behind the digits
+    int end;        // after the digits
     int overpunch;  // the digit that carries the sign, or NOWHERE
     int separate;   // the sign character, or NOWHERE
 };
@@ -58,7 +58,7 @@ struct SignedDigit {
     bool valid;
 };
 
-// The low half of a byte as a digit, as good a guess as there is for one that is no digit.
+// The low half of a byte as a digit, as good a guess as there is for one that is not a digit.
 SignedDigit repaired_digit(unsigned byte) {
     const unsigned low = byte & 0xF;
     return {low <= 9 ? low : 0, false, false};
@@ -87,7 +87,7 @@ unsigned overpunch_byte(unsigned digit, bool negative, const Field& field) {
 }
 
 // Takes the digits from `first` up to `end` into an empty number if all of them are simple digits,
-// as they nearly always are; looks at them without a branch for each. Gives the place behind the
+// as they nearly always are; looks at them without a branch for each. Gives the place after the
 // digits taken, or `first`.
 int take_plain_digits(const Field& field, int first, int end, unsigned zero, Decimal& out) {
     const std::uint8_t* digit = field.bytes + first;

@@ -43,7 +43,7 @@ bool store_packed(const Field& field, const Decimal& number);
 bool store_binary(const Field& field, const Decimal& number);
 bool store_float(const Field& field, const Decimal& number);
 
-// Any kind, by type. A type that is no numeric field of ours reads as zero and stores nothing.
+// Any kind, by type. A type that is not one of our numeric fields reads as zero and stores nothing.
 bool read_field(const Field& field, Decimal& out);
 bool store_field(const Field& field, const Decimal& number);
 

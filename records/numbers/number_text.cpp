@@ -44,7 +44,7 @@ bool take_integer(const char* c, const char* end, Decimal& out) {
     return all;
 }
 
-// Takes the digits behind the point; those that do not fit are cut. Gives the power of ten of the
+// Takes the digits after the point; those that do not fit are cut. Gives the power of ten of the
 // last one taken.
 std::int64_t take_decimals(const char* decimals, const char* end, Decimal& out) {
     const char* c = out.count == 0 ? skip_zeros(decimals, end) : decimals;

@@ -8,8 +8,8 @@
 
 namespace records::numbers {
 
-// Reads a number; the decimal point is "." or `point`. False and zero when the text is no number;
-// false and the low-order MAX_DIGITS digits when its integer part has more than these.
+// Reads a number; the decimal point is "." or `point`. False and zero when the text is not a
+// number; false and the low-order MAX_DIGITS digits when its integer part has more than these.
 bool parse_text(std::string_view text, char point, Decimal& out);
 
 // Writes a number with exactly `decimals` decimals (lower digits are cut), blanks filling the rest.

@@ -13,7 +13,7 @@ constexpr unsigned UNSIGNED = 0xF;
 
 // Half bytes are numbered from 0, the high half of the first byte.
 struct Places {
-    std::int64_t end;    // behind the digits
+    std::int64_t end;    // after the digits
     std::int64_t first;  // of the digits of the picture; those before it are unused
 };
 
@@ -66,7 +66,7 @@ bool read_packed(const Field& field, Decimal& out) {
 bool store_packed(const Field& field, const Decimal& number) {
     if (field.length == 0) return false;
     const Places places = places_of(field);
-    // The digits with an unused zero before them and one for the sign behind them, so that they
+    // The digits with an unused zero before them and one for the sign after them, so that they
     // can be taken in pairs.
     std::array<std::uint8_t, Decimal::MAX_DIGITS + 2> digits;
     const int lead = static_cast<int>(places.first % 2);

@@ -192,12 +192,12 @@ void ClauseParser::parse_usage() {
     parse_usage_word();
 }
 
-// The item's size is not known, so nothing behind it would be read from the right place.
+// The item's size is not known, so nothing after it would be read from the right place.
 void ClauseParser::parse_unsupported_usage() {
     context_.error(cursor_.peek(),
                    "usage " + cursor_.peek().text +
                        " is not supported; describe the bytes of the item with PIC X(n), and with "
-                       "the directive \"hex\" before it when they are no text");
+                       "the directive \"hex\" before it when they are not text");
     while (!cursor_.at_end() && !looks_like_entry(cursor_) && !cursor_.at(WordKind::period)) {
         cursor_.advance();
     }

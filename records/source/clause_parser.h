@@ -38,13 +38,13 @@ std::optional<Usage> usage_of(const Token& token);
 // Is the word a usage that some compilers know, or looks like one, but has no layout here?
 bool is_unsupported_usage(const Token& token);
 
-// Reads clauses into an item until something that is no clause.
+// Reads clauses into an item until something that is not a clause.
 class ClauseParser {
   public:
     ClauseParser(TokenCursor& cursor, ParseContext& context, DataItem& item)
         : cursor_(cursor), context_(context), item_(item) {}
 
-    // Stands behind the entry's period afterwards, or where the next entry seems to begin.
+    // Stands after the entry's period then, or where the next entry seems to begin.
     void parse();
 
   private:

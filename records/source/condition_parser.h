@@ -10,7 +10,7 @@
 
 namespace records {
 
-// Reads a condition that starts at the cursor, inside a directive, and leaves the cursor behind it.
+// Reads a condition that starts at the cursor, inside a directive, and leaves the cursor after it.
 // It goes on in the next directive line while it is not complete, or when that line begins with AND
 // or OR. After a mistake it is reported and nothing is given.
 std::optional<Expression> parse_condition(TokenCursor& cursor, ParseContext& context);

@@ -62,7 +62,7 @@ class Compilation {
         return false;
     }
 
-    // Takes the one record of the range: what it redefines stays behind, and with it the clause.
+    // Takes the one record of the range: what it redefines is not taken, nor the clause.
     void take_record(TokenRange range) {
         take(range, [](DataItem& item) {
             if (item.level == 1) item.redefines.clear();

@@ -75,7 +75,7 @@ class DirectiveParser {
         result_.xml_name = name.raw;
     }
 
-    // The cursor goes behind the line, which should be at its end.
+    // The cursor goes after the line, which should be at its end.
     void finish_line() {
         cursor_.take(WordKind::period);
         if (!failed_ && !cursor_.at_end() && !cursor_.at(WordKind::directive_end)) {

@@ -18,7 +18,7 @@ bool is_one_of(const Token& token, std::initializer_list<std::string_view> words
     return false;
 }
 
-// Clauses that begin with one word only and need something behind it that is no such word.
+// Clauses that begin with one word only and need something after it that is no such word.
 bool is_strong(const Token& token) {
     const Clause clause = clause_of(token);
     return clause == Clause::picture || clause == Clause::redefines || clause == Clause::usage ||
@@ -114,7 +114,7 @@ class EntryParser {
         if (token.kind != WordKind::broken) skip_entry();
     }
 
-    // To behind the period, or to where another entry seems to begin.
+    // To after the period, or to where another entry seems to begin.
     void skip_entry() {
         while (!cursor_.at_end() && !looks_like_entry(cursor_)) {
             if (cursor_.take(WordKind::period)) return;

@@ -19,11 +19,11 @@ struct Entry {
 };
 
 // True where a data description entry seems to begin although no period came before: a level number
-// at the start of a line with a word behind it.
+// at the start of a line with a word after it.
 bool looks_like_entry(const TokenCursor& cursor);
 
-// Reads the entry at the cursor and leaves the cursor behind it, also after mistakes. Nothing for
-// entries that describe no data (levels 66 and 78, constants) and for what is no entry at all.
+// Reads the entry at the cursor and leaves the cursor after it, also after mistakes. Nothing for
+// entries that describe no data (levels 66 and 78, constants) and for what is not an entry at all.
 std::optional<Entry> parse_entry(TokenCursor& cursor, ParseContext& context);
 
 // Level number at the token: 1 to 49, 66, 77, 78, 88; 0 when it is none.

@@ -17,7 +17,7 @@ std::string_view figurative_name(std::string_view word);
 // prefix asks for digits that are not there.
 std::optional<Literal> read_quoted_literal(std::string_view text, std::string& why);
 
-// A numeric literal with a '.' as its point; nothing when the text is no number.
+// A numeric literal with a '.' as its point; nothing when the text is not a number.
 std::optional<std::string> read_number(std::string_view text, bool decimal_point_is_comma);
 
 }  // namespace records

@@ -222,8 +222,8 @@ bool PictureAnalyser::numeric() {
     return true;
 }
 
-// P stands in one run: before the digits (the point is before it) or behind them (the point is
-// behind it), with or without V on its outer side.
+// P stands in one run: before the digits (the point is before it) or after them (the point is
+// after it), with or without V on its outer side.
 bool PictureAnalyser::scale_with_p() {
     Picture& picture = result_.picture;
     std::string order;
@@ -240,7 +240,7 @@ bool PictureAnalyser::scale_with_p() {
         picture.scale = p;
         return true;
     }
-    return fail(first("P"), "P stands in one place: before all digits or behind all digits");
+    return fail(first("P"), "P stands in one place: before all digits or after all digits");
 }
 
 // A sign or currency symbol that stands more than once floats: all but one are digit places.

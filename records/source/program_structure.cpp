@@ -160,7 +160,7 @@ class StructureFinder {
                std::find(WORDS.begin(), WORDS.end(), token.text) != WORDS.end();
     }
 
-    // 0 for what is no number that a record can have.
+    // 0 for what is not a number that a record can have.
     static int record_size(const Token& token) {
         constexpr std::size_t MAX_DIGITS = 9;
         const bool is_size = token.kind == WordKind::word && is_integer(token.text) &&
@@ -204,7 +204,7 @@ class StructureFinder {
         }
     }
 
-    // To behind the period, or to where the next sentence seems to begin without one.
+    // To after the period, or to where the next sentence seems to begin without one.
     void skip_sentence() {
         if (std::exchange(went_on_, false)) return;
         while (!cursor_.at_end()) {

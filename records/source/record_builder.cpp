@@ -82,7 +82,7 @@ void RecordBuilder::check_level(const Entry& entry, const DataItem& parent) {
                                       name_of(parent) + "; it is taken as an item of that group");
 }
 
-// The item redefined is the last one at this level that is no redefinition itself, or one of the
+// The item redefined is the last one at this level that is not a redefinition itself, or one of the
 // redefinitions of it.
 void RecordBuilder::check_redefines(const Entry& entry,
                                     const std::vector<std::unique_ptr<DataItem>>& siblings) {

@@ -13,7 +13,8 @@
 namespace records {
 
 // A place, small enough to be kept with every word. `inclusion` says which inclusion of a file it
-// is in, so the way through COPY can be told. Lines and columns count from 1; line 0 is no place.
+// is in, so the way through COPY can be told. Lines and columns count from 1; line 0 is not a
+// place.
 struct Position {
     std::uint32_t inclusion = 0;
     std::uint32_t line = 0;

@@ -274,7 +274,7 @@ void TextManipulator::report_exhausted(const Replacer* replacer, const TextWord&
     break_at(word, "REPLACE has too much to compare and was stopped", out);
 }
 
-// Reads the REPLACE statement at `at`; gives the index behind it.
+// Reads the REPLACE statement at `at`; gives the index after it.
 std::size_t TextManipulator::read_replace(const Words& words, std::size_t at, Words& out,
                                           std::unique_ptr<Replacer>& replacer) {
     const bool is_off = is_word(words, at + 1, "OFF") || is_word(words, at + 1, "LAST");

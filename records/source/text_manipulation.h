@@ -1,5 +1,5 @@
 // The text of a compilation: one file with everything that COPY brings in, replaced and cleaned of
-// what is no COBOL data description.
+// what is not a COBOL data description.
 #pragma once
 
 #include <memory>

@@ -54,7 +54,7 @@ std::optional<Literal> parse_simple(TokenCursor& cursor, ParseContext& context) 
     return literal;
 }
 
-// Puts the literal behind "&" at the end of another.
+// Puts the literal after "&" at the end of another.
 void concatenate(Literal& first, Literal second) {
     const bool both_hex = first.kind == Literal::Kind::hex && second.kind == Literal::Kind::hex;
     if (!both_hex) {
@@ -102,7 +102,7 @@ std::optional<Literal> parse_constant(TokenCursor& cursor, ParseContext& context
     return literal;
 }
 
-// Numbers with commas but no blanks between them: "1,2,3" where the point is no comma.
+// Numbers with commas but no blanks between them: "1,2,3" where the point is not a comma.
 bool take_comma_list(TokenCursor& cursor, ParseContext& context, std::vector<LiteralRange>& out) {
     const Token& token = cursor.peek();
     if (context.decimal_point_is_comma || token.kind != WordKind::word) return false;

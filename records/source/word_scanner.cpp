@@ -119,7 +119,7 @@ std::optional<TextWord> WordScanner::begin_directive() {
     return take(WordKind::directive_begin, DIRECTIVE_SIGN.size());
 }
 
-// At "*>": skips the rest of the line. A directive behind other text is a mistake worth telling.
+// At "*>": skips the rest of the line. A directive after other text is a mistake worth telling.
 std::optional<TextWord> WordScanner::scan_comment() {
     const std::string_view comment = without_leading_blanks(line_.content.substr(at_ + 2));
     TextWord word = take(WordKind::broken, line_.content.size() - at_);
@@ -222,7 +222,7 @@ TextWord WordScanner::scan_word() {
     return word;
 }
 
-// Reads from `at_`, behind the opening quote, to the closing quote or the end of the line. True
+// Reads from `at_`, after the opening quote, to the closing quote or the end of the line. True
 // when the literal was closed.
 bool WordScanner::scan_literal_part(std::string& text, char quote) {
     while (at_ < line_.content.size()) {

@@ -28,7 +28,8 @@ const Case CASES[] = {
      "  c 5+1 t15 1/2\n t 6+5 2/2\n  b 6+2 t1 2.0 2/2 1/2\n  b 8+2 t1 2.0 2/2 2/2\n"
      "  c 10+1 t15 2/2\n d 11+1 t15\n",
      ""},
-    {"a table of one occurrence is no dimension", "01 REC.\n 05 T OCCURS 1.\n 10 A PIC X OCCURS 2.",
+    {"a table of one occurrence is not a dimension",
+     "01 REC.\n 05 T OCCURS 1.\n 10 A PIC X OCCURS 2.",
      "rec 0+2\n t 0+2\n  a 0+1 t15 1/2\n  a 1+1 t15 2/2\n", ""},
     {"entries that a counter leaves out do not even start at the record's end",
      "01 REC.\n 05 N PIC 9.\n 05 T OCCURS 1 TO 2 DEPENDING ON N.\n 10 A PIC X(2).",
@@ -81,7 +82,7 @@ const Case CASES[] = {
     {"fields beside each other differ, whatever they are called",
      "01 REC.\n 05 A PIC X.\n 05 A PIC X.\n 05.\n 10 A PIC X.",
      "rec 0+3\n a 0+1 t15\n rec_a 1+1 t15\n rec_a_2 2+1 t15\n", "another item is called a"},
-    {"names that are no XML names",
+    {"names that are not XML names",
      "01 REC.\n 05 1ST-NAME PIC X.\n 05 XML-ID PIC X.\n*> sxml: name Customer-Name\n 05 A PIC X.",
      "rec 0+3\n _1st_name 0+1 t15\n _xml_id 1+1 t15\n customer_name 2+1 t15\n",
      "would not read back"},
@@ -197,7 +198,7 @@ TEST(Compile, ErrorsNamePlaceAndRemedy) {
          "T has DEPENDING ON and lies in the table G"},
         {"01 R.\n 05 FILLER PIC X.", "no field of the record gives an element"},
         {"01 R.\n*> sxml: when Z = 1\n 05 A PIC X.", "no item or condition name Z"},
-        {"01 R.\n*> sxml: when A\n 05 A PIC X.", "is no condition name"},
+        {"01 R.\n*> sxml: when A\n 05 A PIC X.", "is not a condition name"},
         {"01 R.\n*> sxml: when N = 'X'\n 05 N PIC 9 COMP.", "cannot be compared with the number"},
         {"01 R.\n*> sxml: when A = 1\n 05 G.\n 10 B PIC X.\n 05 H.\n 10 A PIC X.\n 05 I.\n 10 A "
          "PIC X.",

@@ -24,7 +24,7 @@ std::string bytes(std::initializer_list<int> values) {
 
 struct Case {
     const char* field;      // the clauses of F
-    const char* condition;  // over F, and G PIC 9(3) COMP-3 behind it
+    const char* condition;  // over F, and G PIC 9(3) COMP-3 after it
     std::string yes;        // records of which it holds,
     std::string no;         // and does not
 };

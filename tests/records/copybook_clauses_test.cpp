@@ -70,7 +70,7 @@ TEST(Picture, MistakesAreShownWhereTheyAre) {
         {"9S9", "at 1: S stands once, as the first symbol"},
         {"SS9", "at 0: S stands once, as the first symbol"},
         {"9V9V9", "at 3: V stands at most once"},
-        {"9P9", "at 1: P stands in one place: before all digits or behind all digits"},
+        {"9P9", "at 1: P stands in one place: before all digits or after all digits"},
         {"SV", "at 0: the picture has no character position"},
         {"X(0)", "at 2: a symbol must be repeated at least once"},
         {"X(", "at 1: expected a closing parenthesis"},
@@ -215,7 +215,7 @@ TEST(Entry, ClausesAreTakenInAnyForm) {
 TEST(Entry, MistakesInClausesNameTheRemedy) {
     const std::string usage =
         " is not supported; describe the bytes of the item with PIC X(n), and "
-        "with the directive \"hex\" before it when they are no text";
+        "with the directive \"hex\" before it when they are not text";
     const std::pair<const char*, std::string> cases[] = {
         {"pic 9(4) comp-9", "usage COMP-9" + usage},
         {"float-decimal-34", "usage FLOAT-DECIMAL-34" + usage},

@@ -24,7 +24,7 @@ TEST(SourceText, FormatIsFoundOut) {
         "   100 01 A.\n   200     05 B PIC X.\n",
         "CR1987 01 A.\nCR1987     05 B PIC X.\n",
         "      *COMMENT\n       01 A." + blanks(60) + "COLUMN73\n           05 B PIC X.\n",
-        // Behind column 80 there is no card: the margin does not hold.
+        // After column 80 there is no card: the margin does not hold.
         "       01 A.\n           05 B" + blanks(69) + "PIC X.\n",
         "      *COMMENT\n       01 A.\n           05 B" + blanks(70) + "PIC X.\n",
         "       01 A.\n*> COMMENT IN COLUMN 1\n         05 B\n  PIC\n   X.\n",
