@@ -138,6 +138,36 @@ TEST_F(OutputTest, SchemaAndDocumentAppearTogether) {
     EXPECT_NE(read_file("w2.xml").find("SchemaLocation=\"none/w.xsd\">"), std::string::npos);
 }
 
+// The way from the document to its schema, whatever the current folder is.
+TEST_F(OutputTest, SchemasAreNamedFromTheDocument) {
+    std::filesystem::create_directories("docs/2026");
+    std::filesystem::create_directory("a schema");
+    const struct {
+        const char* document;
+        const char* schema;
+        const char* reference;
+    } cases[] = {
+        {"w.xml", "w.xsd", "w.xsd"},
+        {"docs/w.xml", "./w.xsd", "../w.xsd"},
+        {"docs/2026/w.xml", "docs/w.xsd", "../w.xsd"},
+        {"w.xml", "docs/w.xsd", "docs/w.xsd"},
+        {"docs/w.xml", "a schema/\xC3\xA9.xsd", "../a%20schema/%C3%A9.xsd"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(convert("w.dat", c.document, {"--schema", c.schema}).err, "") << c.reference;
+        const std::string document = read_file(c.document);
+        EXPECT_NE(document.find("SchemaLocation=\"" + std::string(c.reference) + "\""),
+                  std::string::npos)
+            << document;
+        EXPECT_EQ(document.find("DOCTYPE"), std::string::npos);
+        EXPECT_EQ(run({"xmllint", "--noout", "--schema", c.schema, c.document}).status, 0);
+    }
+    EXPECT_NE(convert("w.dat", "-", {"--schema", "docs/w.xsd"}).out.find("=\"docs/w.xsd\""),
+              std::string::npos);
+    EXPECT_EQ(convert("bad.dat", "w2.xml", {"--schema", "w2.xsd"}).status, 1);
+    EXPECT_FALSE(std::filesystem::exists("w2.xsd"));
+}
+
 // Waits, for a few seconds at most, until a file whose name starts so is there.
 bool appears(const std::string& start) {
     for (int tries = 0; tries < 500; ++tries) {

@@ -77,7 +77,7 @@ void add_from_xml_command(CLI::App& application) {
     auto options = std::make_shared<FromXmlOptions>();
     command
         ->add_option("XML", options->xml,
-                     "the document: a file, an http: URL, - for standard input")
+                     "the document: a file, a web address, - for standard input")
         ->required()
         ->option_text(" ");
     command

@@ -106,7 +106,7 @@ void add_rewrite_command(CLI::App& application) {
     auto options = std::make_shared<RewriteOptions>();
     command
         ->add_option("IN", options->in,
-                     "the document: a file, - for standard input, or an http: URL")
+                     "the document: a file, - for standard input, or a web address")
         ->required()
         ->option_text(" ");
     command->add_option("OUT", options->out, "the document to write, - for standard output")

@@ -41,7 +41,7 @@ void add_tree_command(CLI::App& application) {
     auto options = std::make_shared<TreeOptions>();
     command
         ->add_option("IN", options->in,
-                     "the document: a file, - for standard input, or an http: URL")
+                     "the document: a file, - for standard input, or a web address")
         ->required()
         ->option_text(" ");
     command->add_flag("--full", options->full, "do not shorten long values and attributes");
