@@ -10,6 +10,7 @@
 #include "host/runtime/memory_report.h"
 #include "host/runtime/streams.h"
 #include "sxml/xml_api.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -32,8 +33,8 @@ void require(bool holds, const char* what) {
 }
 
 std::string scratch_file() {
-    static const std::string name = "/tmp/parser_api_fuzz_" + std::to_string(std::rand());
-    return name;
+    static const ScratchFolder folder;
+    return folder.file("input");
 }
 
 // The input as a file: documents that do not begin as a text in memory must are read from one.

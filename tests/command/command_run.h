@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "tests/support/scratch_folder.h"
 
 struct Outcome {
     int status;  // exit status; 128 + n when ended by signal n
@@ -26,13 +29,11 @@ class CommandTest : public testing::Test {
     // The command with these words behind its name.
     static Outcome sxml(std::vector<std::string> words, const std::string& input = "",
                         const std::string& output = "");
-    static void write_file(const std::string& name, const std::string& text);
-    static std::string read_file(const std::string& name);
     // Names of all files in the folder, hidden ones included, in order.
     static std::vector<std::string> files();
 
     static const std::string EXAMPLES;  // folder of the sample programs
 
   private:
-    std::string folder_;
+    std::unique_ptr<ScratchFolder> folder_;
 };

@@ -78,8 +78,7 @@ const host::Module& ModuleTest::module() {
 
 void ModuleTest::SetUp() {
     setenv("SOURCE_DATE_EPOCH", "1795003200", 1);  // 2026-11-18
-    folder_ = (std::filesystem::temp_directory_path() / "sxml-module-XXXXXX").string();
-    ASSERT_NE(mkdtemp(folder_.data()), nullptr);
+    folder_ = std::make_unique<ScratchFolder>();
     names_looked_up.clear();
     refuse_lookups(0);
     forget_live_bytes();
@@ -90,7 +89,7 @@ void ModuleTest::TearDown() {
     unset_all();
     descriptions.clear();
     conditions_are_compiled = false;
-    std::filesystem::remove_all(folder_);
+    folder_.reset();
     EXPECT_TRUE(host::live_blocks().empty()) << host::leak_report();
     EXPECT_EQ(descriptions_out, 0);
     EXPECT_EQ(host::damaged_blocks(), 0U);

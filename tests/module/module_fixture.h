@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 
 #include "host/errors.h"
 #include "host/runtime/module.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/support/xfd_builder.h"
 
 // One read: its result, the file error code, the record.
@@ -32,7 +34,7 @@ class ModuleTest : public ::testing::Test {
     void TearDown() override;  // fails when blocks are live or descriptions not given back
 
     const host::Module& module();
-    std::string path(std::string_view file) const { return folder_ + "/" + std::string(file); }
+    std::string path(std::string_view file) const { return folder_->file(file); }
     void set(const std::string& setting, const char* value);  // null unsets
     void unset_all();
     // What is found under the name of a data file.
@@ -64,6 +66,6 @@ class ModuleTest : public ::testing::Test {
     static void expect_valid(const std::string& judge_arguments);
 
   private:
-    std::string folder_;
+    std::unique_ptr<ScratchFolder> folder_;
     std::vector<std::string> settings_;
 };

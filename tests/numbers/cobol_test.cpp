@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "tests/numbers/number_field.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -188,14 +189,9 @@ class CobolJudge : public testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
         if (std::system("command -v cobc >/dev/null 2>&1") != 0) GTEST_SKIP() << "cobc is missing";
-        std::string name = (std::filesystem::temp_directory_path() / "numbers-XXXXXX").string();
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        folder_ = name;
     }
-    void TearDown() override {
-        if (!folder_.empty()) std::filesystem::remove_all(folder_);
-    }
-    std::filesystem::path folder_;
+    const ScratchFolder scratch_;
+    const std::filesystem::path& folder_ = scratch_.path();
 };
 
 TEST_P(CobolJudge, SeesTheSameNumbers) {

@@ -7,6 +7,7 @@
 #include "host/errors.h"
 #include "host/runtime/streams.h"
 #include "tests/elements/element_test.h"
+#include "tests/support/scratch_folder.h"
 
 // Everything a document can be asked for, entities expanded.
 constexpr std::uint32_t EVERYTHING =
@@ -33,24 +34,14 @@ inline std::string text_or_null(const char* text) {
 // own.
 class ParserTest : public ElementTest {
   protected:
-    void SetUp() override {
-        ElementTest::SetUp();
-        std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        for (char& c : name)
-            if (c == '/') c = '_';
-        folder = std::filesystem::temp_directory_path() /
-                 ("parser_test_" + std::to_string(getpid()) + "_" + name);
-        std::filesystem::create_directories(folder);
-    }
     void TearDown() override {
         host::limit_read_size(0);
-        std::filesystem::remove_all(folder);
         ElementTest::TearDown();
     }
 
     std::string file_with(std::string_view bytes, const std::string& name = "in.xml") const {
-        std::string path = folder / name;
-        std::ofstream(path, std::ios::binary) << bytes;
+        std::string path = scratch_.file(name);
+        write_file(path, bytes);
         return path;
     }
 
@@ -59,5 +50,6 @@ class ParserTest : public ElementTest {
         return xml.xml_open_file(file_with(bytes).c_str(), options, 0);
     }
 
-    std::filesystem::path folder;
+    const ScratchFolder scratch_;
+    const std::filesystem::path& folder = scratch_.path();
 };

@@ -3,10 +3,9 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <fstream>
-#include <sstream>
 
 #include "tests/records/compile_text.h"
+#include "tests/support/scratch_folder.h"
 
 namespace records {
 namespace {
@@ -16,13 +15,6 @@ struct FileCase {
     const char* fd;
     const char* expected;
 };
-
-std::string contents(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
 
 TEST(Copybook, FilesGiveTheirTrees) {
     // Messages name files as they were opened, so the test goes where they are.
@@ -48,7 +40,7 @@ TEST(Copybook, FilesGiveTheirTrees) {
         CopybookOptions options;
         options.fd = test.fd;
         options.copy_path = {"copylib"};
-        EXPECT_EQ(compile_file(test.file, options), contents(test.expected)) << test.expected;
+        EXPECT_EQ(compile_file(test.file, options), read_file(test.expected)) << test.expected;
     }
 }
 

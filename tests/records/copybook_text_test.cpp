@@ -1,11 +1,10 @@
 // Source formats, comments, continuation, COPY and REPLACE.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "tests/records/compile_text.h"
+#include "tests/support/scratch_folder.h"
 
 namespace records {
 namespace {
@@ -95,21 +94,16 @@ TEST(SourceText, OptionsChooseTheFormat) {
 class Copy : public testing::Test {
   protected:
     Copy() {
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("copybook_test_" + std::to_string(::getpid()));
         std::filesystem::create_directories(folder_ / "first" / "Lib");
         std::filesystem::create_directories(folder_ / "second");
         options_.copy_path = {folder_ / "first", folder_ / "second"};
     }
-    ~Copy() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
     void write(const std::string& file, const std::string& text) {
-        std::ofstream(folder_ / file, std::ios::binary) << text;
+        write_file(scratch_.file(file), text);
     }
 
-    std::filesystem::path folder_;
+    const ScratchFolder scratch_;
+    const std::filesystem::path& folder_ = scratch_.path();
     CopybookOptions options_;
 };
 

@@ -1,37 +1,6 @@
 #include "tests/runtime/scratch.h"
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
-
-namespace fs = std::filesystem;
-
-ScratchFolder::ScratchFolder() {
-    std::string name = (fs::temp_directory_path() / "sxml-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder");
-    path_ = name;
-}
-
-ScratchFolder::~ScratchFolder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-}
-
-std::size_t ScratchFolder::size() const {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(path_), fs::directory_iterator()));
-}
-
-std::string read_file(const std::string& name) {
-    std::ifstream input(name, std::ios::binary);
-    std::ostringstream text;
-    text << input.rdbuf();
-    return text.str();
-}
-
-void write_file(const std::string& name, const std::string& text) {
-    std::ofstream(name, std::ios::binary) << text;
-}
 
 Environment::Environment(const char* name, const char* value) : name_(name) {
     if (const char* before = std::getenv(name); before != nullptr) before_ = before;

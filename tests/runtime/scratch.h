@@ -3,29 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <optional>
 #include <random>
 #include <string>
 
-// A folder that goes when the object does.
-class ScratchFolder {
-  public:
-    ScratchFolder();
-    ~ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    std::string file(const std::string& name) const { return (path_ / name).string(); }
-    // Number of files in it.
-    std::size_t size() const;
-
-  private:
-    std::filesystem::path path_;
-};
-
-std::string read_file(const std::string& name);
-void write_file(const std::string& name, const std::string& text);
+#include "tests/support/scratch_folder.h"
 
 // Sets an environment variable (or takes it away) while the object lives.
 class Environment {
