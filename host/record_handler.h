@@ -16,7 +16,6 @@ struct HostRecordElement {
     const char* name;      // valid during the call
     bool has_unused_text;  // text other than white space that went into no field
     bool has_attributes;   // other than declarations of namespaces; they never go into fields
-    bool is_of_field;      // a field of the description is called so
 };
 
 // Functions get `context`. None of them may throw.
@@ -32,6 +31,8 @@ struct HostRecordHandler {
 
     // Reading. The encoding of the texts (a HostEncoding code), set by the module with each record.
     std::int32_t text_encoding;
+    // How much of the document has been parsed, in bytes, set like that.
+    std::int64_t parsed_bytes;
     // Whether an element must carry as many numbers as its item has dimensions, in place
     // of SXML_EXACT_TABLE_MATCH; the host may change it at any time.
     std::int32_t exact_table_match;

@@ -30,6 +30,16 @@ bool can_be_read_again(const std::string& file) {
     return state && state->kind == platform::FileKind::regular;
 }
 
+// Names that programs and documents spell alike but for case and hyphens.
+std::string folded(std::string_view name) {
+    std::string text(name);
+    for (char& c : text) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+        if (c == '-') c = '_';
+    }
+    return text;
+}
+
 bool is_ascii(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -72,7 +82,10 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
     handler_.context = this;
     handler_.test_condition = &test_condition;
     handler_.store = &store;
-    if (options.notes_unused) handler_.unused = &note_element;
+    if (options.notes_unused) {
+        handler_.unused = &note_element;
+        collect_names(description.xfd());
+    }
     if (options_.shown_name.empty()) options_.shown_name = options_.file;
 }
 
@@ -260,11 +273,38 @@ void InputDocument::note_trouble(FieldTrouble trouble) {
 void InputDocument::note_element(void* document, const HostRecordElement* element) {
     auto& self = *static_cast<InputDocument*>(document);
     try {
-        self.elements_.push_back({element->name, element->parent, element->has_unused_text,
-                                  element->has_attributes, element->is_of_field});
+        self.elements_.push_back(
+            {element->name, element->parent, element->has_unused_text, element->has_attributes});
     } catch (const std::bad_alloc&) {
         self.is_out_of_memory_ = true;
     }
+}
+
+RecordLocator* InputDocument::locator() {
+    if (!locator_ && can_be_read_again(options_.file)) {
+        locator_ = std::make_unique<RecordLocator>(options_.file);
+    }
+    return locator_.get();
+}
+
+Place InputDocument::place_of(std::uint32_t element) {
+    Place place;
+    place.file = options_.shown_name;
+    place.record = count_;
+    if (locator() == nullptr) return place;
+    if (const auto position = locator_->position(count_, element)) {
+        place.line = position->line;
+        place.column = position->column;
+    }
+    return place;
+}
+
+std::string InputDocument::source_text() {
+    return locator() != nullptr ? locator_->text(count_) : std::string();
+}
+
+std::string InputDocument::source_encoding() {
+    return locator() != nullptr ? locator_->encoding() : "UTF-8";
 }
 
 std::string InputDocument::path_of(std::size_t element) const {
@@ -277,19 +317,50 @@ std::string InputDocument::path_of(std::size_t element) const {
     return path;
 }
 
-void InputDocument::collect_unused() {
-    for (std::size_t i = 0; i < elements_.size(); ++i) {
-        const Element& element = elements_[i];
-        const auto number = static_cast<std::uint32_t>(i + 1);
-        if (element.has_text) {
-            const bool is_surplus = element.is_of_field;
-            unused_.push_back({is_surplus ? UnusedData::Kind::surplus : UnusedData::Kind::text,
-                               path_of(i), number});
-        }
-        if (element.has_attributes) {
-            unused_.push_back({UnusedData::Kind::attributes, path_of(i), number});
+void InputDocument::collect_names(const Xfd& xfd) {
+    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
+        const XfdItem& item = xfd.items[i];
+        const bool is_field = item.condition != XFD_GROUP;
+        names_[folded(item.name)] |= is_field;
+        if (!is_field) continue;
+        std::vector<std::int16_t>& known = conditions_[item.name];
+        if (std::find(known.begin(), known.end(), item.condition) == known.end()) {
+            known.push_back(item.condition);
         }
     }
+}
+
+void InputDocument::collect_unused() {
+    for (std::size_t i = 0; i < elements_.size(); ++i) {
+        if (elements_[i].has_text) unused_.push_back(unused_text(i));
+        if (!elements_[i].has_attributes) continue;
+        unused_.push_back({UnusedData::Kind::attributes, UnusedData::Hint::attribute, path_of(i),
+                           static_cast<std::uint32_t>(i + 1)});
+    }
+}
+
+UnusedData InputDocument::unused_text(std::size_t element) const {
+    const std::string& name = elements_[element].name;
+    const auto is_field = [this](std::string_view each) {
+        const auto found = names_.find(folded(each));
+        return found != names_.end() && found->second;
+    };
+    UnusedData data{UnusedData::Kind::text, UnusedData::Hint::none, path_of(element),
+                    static_cast<std::uint32_t>(element + 1)};
+    const std::uint32_t parent = elements_[element].parent;
+    if (const auto found = conditions_.find(name); found != conditions_.end()) {
+        const bool is_present = std::any_of(
+            found->second.begin(), found->second.end(),
+            [this](std::int16_t each) { return condition_holds(*module_file_.xfd, each); });
+        data.kind = is_present ? UnusedData::Kind::surplus : UnusedData::Kind::absent;
+        const bool is_deeper = parent > 1 && names_.count(folded(elements_[parent - 1].name)) == 0;
+        if (is_deeper) data.hint = UnusedData::Hint::level;
+    } else if (is_field(name)) {
+        data.hint = UnusedData::Hint::spelling;
+    } else if (is_field(std::string_view(name).substr(name.find(':') + 1))) {
+        data.hint = UnusedData::Hint::prefix;
+    }
+    return data;
 }
 
 }  // namespace conversion

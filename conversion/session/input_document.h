@@ -6,8 +6,10 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
+#include "conversion/documents/record_locator.h"
 #include "conversion/fields/blank_record.h"
 #include "conversion/fields/record_fields.h"
 #include "conversion/fields/single_entry.h"
@@ -44,9 +46,19 @@ struct UnusedData {
     enum class Kind : std::uint8_t {
         text,     // no field is called like the element
         surplus,  // a field is, but it does not take this element: there are more than it holds
+        absent,   // a field is, but not one of this record, whose conditions do not hold
         attributes
     };
+    // What is likely.
+    enum class Hint : std::uint8_t {
+        none,
+        spelling,   // a field's name differs in case or hyphens only
+        prefix,     // without its prefix it would be a field's name
+        attribute,  // fields take elements only
+        level       // the records are one level deeper in the document
+    };
     Kind kind;
+    Hint hint;
     std::string path;      // from below the record's element, as in "address/street"; the record's
                            // own name for itself
     std::uint32_t number;  // of the element among the record's elements, from 1
@@ -74,6 +86,8 @@ class InputDocument {
     InputDocument& operator=(const InputDocument&) = delete;
 
     const RecordFields& fields() const { return fields_; }
+    // Of the document, in messages.
+    const std::string& shown_name() const { return options_.shown_name; }
     // Of the records; known once a text has been read.
     const CharacterSet& characters() const {
         return characters_ != nullptr ? *characters_ : own_characters_;
@@ -97,6 +111,16 @@ class InputDocument {
     FieldFate fate(std::int32_t item) const { return fates_[static_cast<std::size_t>(item)]; }
     const std::vector<FieldTrouble>& troubles() const { return troubles_; }
     const std::vector<UnusedData>& unused_data() const { return unused_; }
+    // Where an element of the record stands, as place in the document. Line and column are missing
+    // when the document came through a pipe. Costs a parse of the document up to there. Throws
+    // std::bad_alloc.
+    Place place_of(std::uint32_t element);
+    // The record as it stands in the document, in the encoding of its RecordLocator; empty when it
+    // came through a pipe. Throws std::bad_alloc.
+    std::string source_text();
+    std::string source_encoding();
+    // How much of the document has been parsed, in bytes.
+    std::uint64_t parsed_bytes() const { return static_cast<std::uint64_t>(handler_.parsed_bytes); }
 
   private:
     InputDocument(const host::Module& module, const records::Description& description,
@@ -112,16 +136,18 @@ class InputDocument {
     bool convert(std::int32_t index, std::string_view& text);
     void place(const XfdItem& item, std::string_view text);
     void note_trouble(FieldTrouble trouble);
+    void collect_names(const Xfd& xfd);
     void collect_unused();
     std::string path_of(std::size_t element) const;
+    UnusedData unused_text(std::size_t element) const;
     Problem reading_problem() const;
+    RecordLocator* locator();
 
     struct Element {
         std::string name;
         std::uint32_t parent;
         bool has_text;
         bool has_attributes;
-        bool is_of_field;
     };
 
     const host::Module& module_;
@@ -148,6 +174,9 @@ class InputDocument {
     std::vector<FieldTrouble> troubles_;
     std::vector<Element> elements_;
     std::vector<UnusedData> unused_;
+    std::unordered_map<std::string, bool> names_;  // as folded(); of fields: true
+    std::unordered_map<std::string, std::vector<std::int16_t>> conditions_;  // of fields, by name
+    std::unique_ptr<RecordLocator> locator_;
     bool is_out_of_memory_ = false;  // in a function that the module called
     std::string converted_;
 };

@@ -24,10 +24,11 @@ void keep_until_exit(XmlFile* file) {
 }  // namespace
 
 OutputDocument::OutputDocument(const host::Module& module, const records::Description& description,
-                               const CharacterSet& characters, RecordFields fields)
+                               const CharacterSet& characters, bool is_strict, RecordFields fields)
     : module_(module),
       description_(description),
       characters_(characters),
+      is_strict_(is_strict),
       fields_(std::move(fields)),
       text_check_(characters) {
     handler_.context = this;
@@ -43,8 +44,8 @@ Result<std::unique_ptr<OutputDocument>> OutputDocument::open(
     if (Done problem = check_document_settings(characters)) return *problem;
     Result<RecordFields> fields = RecordFields::of(description.xfd());
     if (!fields) return fields.problem();
-    std::unique_ptr<OutputDocument> document(
-        new OutputDocument(**module, description, characters, *std::move(fields)));
+    std::unique_ptr<OutputDocument> document(new OutputDocument(
+        **module, description, characters, options.is_strict, *std::move(fields)));
     const Result<ModuleFile> opened = open_module_file(
         **module, {options.file, options.shown_name, XML_OPEN_OUTPUT, options.document_element},
         description, document->handler_);
@@ -92,6 +93,9 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     choose(layout);
     if (outcome_.length < description_.record_length()) complete_cut_field();
     if (Done problem = check_texts()) return problem;
+    if (is_strict_) {
+        if (Done problem = check_strictly()) return problem;
+    }
     if (handler_.text != nullptr) {
         translated_.resize(static_cast<std::size_t>(description_.record_length()));
     }
@@ -107,6 +111,7 @@ void OutputDocument::choose(std::optional<std::size_t> layout) {
     const std::optional<std::size_t> by_conditions = fields_.choose(xfd);
     outcome_.is_of_a_layout = layout || by_conditions;
     outcome_.layout = layout.value_or(by_conditions.value_or(0));
+    outcome_.would_fit_with_spaces = !outcome_.is_of_a_layout && fits_with_spaces();
     if (!layout) return;
     for (const std::int16_t condition : chosen().conditions) {
         xfd.conditions[condition - 1].is_true |= 1;
@@ -144,7 +149,32 @@ Done OutputDocument::check_texts() const {
     return std::nullopt;
 }
 
+// Programs pad fields with NUL bytes, where the literal of a condition is padded with spaces.
+bool OutputDocument::fits_with_spaces() {
+    std::vector<std::uint8_t> padded(record_, record_ + description_.record_length());
+    std::replace(padded.begin(), padded.end(), std::uint8_t{0}, characters_.space());
+    Xfd& xfd = *module_file_.xfd;
+    evaluate_conditions(xfd, padded.data());
+    const bool fits = fields_.choose(xfd).has_value();
+    evaluate_conditions(xfd, record_);
+    return fits;
+}
+
+Done OutputDocument::check_strictly() {
+    if (!outcome_.is_of_a_layout) {
+        return Problem{Cause::record, {}, "none of the record layouts' conditions holds", {}};
+    }
+    find_bad_numbers();
+    if (outcome_.bad_numbers.empty()) return std::nullopt;
+    const Field& field = *outcome_.bad_numbers.front();
+    Place place;
+    place.field = fields_.name(field.item);
+    place.in_record = static_cast<std::uint32_t>(field.offset);
+    return Problem{Cause::record, std::move(place), "not a valid number", {}};
+}
+
 void OutputDocument::find_bad_numbers() {
+    outcome_.bad_numbers.clear();
     for (const Field& field : chosen().fields) {
         if (!is_number(field.kind) || !is_written(field)) continue;
         XfdDataDesc data = module_file_.xfd->items[field.item].data;

@@ -25,12 +25,15 @@ class OutputDocument {
         std::string file;              // its name on the disk
         std::string shown_name;        // in messages; empty: as `file`
         std::string document_element;  // empty: the description's name
+        // A record of no layout, or with a number that is not valid, is a problem and not written.
+        bool is_strict = false;
     };
     // What became of the record written last.
     struct Outcome {
-        bool is_of_a_layout = true;  // false: no layout's conditions hold
-        std::size_t layout = 0;      // that it was written as
-        std::int32_t length = 0;     // bytes of it that were written
+        bool is_of_a_layout = true;          // false: no layout's conditions hold
+        bool would_fit_with_spaces = false;  // but one would, were the record's NUL bytes spaces
+        std::size_t layout = 0;              // that it was written as
+        std::int32_t length = 0;             // bytes of it that were written
         // Numeric fields without a valid number, which came out repaired (docs/numbers.md).
         std::vector<const Field*> bad_numbers;
     };
@@ -66,7 +69,7 @@ class OutputDocument {
 
   private:
     OutputDocument(const host::Module& module, const records::Description& description,
-                   const CharacterSet& characters, RecordFields fields);
+                   const CharacterSet& characters, bool is_strict, RecordFields fields);
     static std::int32_t choose_layout(void* document);
     static const char* translate_text(void* document, std::int32_t index, std::size_t* length);
 
@@ -74,6 +77,8 @@ class OutputDocument {
     void complete_cut_field();
     Done check_texts() const;
     void find_bad_numbers();
+    bool fits_with_spaces();
+    Done check_strictly();
     const RecordLayout& chosen() const { return fields_.layouts()[outcome_.layout]; }
     bool is_written(const Field& field) const {
         return holds_data(field, *module_file_.xfd, outcome_.length);
@@ -82,6 +87,7 @@ class OutputDocument {
     const host::Module& module_;
     const records::Description& description_;
     const CharacterSet& characters_;
+    bool is_strict_;
     RecordFields fields_;
     TextCheck text_check_;
     HostRecordHandler handler_{};

@@ -91,7 +91,7 @@ TEST_F(CommandTest, EbcdicFieldsThatHoldNoNumberAreNamed) {
                             "\xF1\xF2\xC1\xF4\xD5\xF0\xF0\xF7\x60\xF1\xF2\x12\x3D");
     const Outcome outcome = sxml({"to-xml", "m.dat", "m.xml", "-l", "m.cpy", "--encoding=cp037"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_NE(outcome.err.find("m.dat: record 2, field amount (byte offset 23) holds no valid "
+    EXPECT_NE(outcome.err.find("m.dat: record 2, field amount, byte offset 23: not a valid "
                                "number: X'F1F2C1F4D5'"),
               std::string::npos)
         << outcome.err;
@@ -162,7 +162,7 @@ TEST_F(CommandTest, EbcdicFieldsThatShareBytesAreTakenFromTheRecord) {
     EXPECT_NE(apart.out.find("<word>ab</word>"), std::string::npos) << apart.out;
     write_file("v.dat", "\x12\x3D\xD5\x81\x82\xC2");
     const Outcome both = sxml(words);
-    EXPECT_NE(both.err.find("v.dat: record 2, field amount (byte offset 3) holds no valid number"),
+    EXPECT_NE(both.err.find("v.dat: record 2, field amount, byte offset 3: not a valid number"),
               std::string::npos)
         << both.err;
     EXPECT_NE(both.out.find("<word>ab</word>\r\n  <amount>818</amount>"), std::string::npos);

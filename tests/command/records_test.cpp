@@ -167,7 +167,7 @@ const std::vector<RecordCase> FIXED = {
      {},
      0,
      A_ITEM + item("ab", "810", "x", "y"),
-     {"warning: items.dat: record 2, field amount (byte offset 15) holds no valid number: "
+     {"warning: items.dat: record 2, field amount, byte offset 15: not a valid number: "
       "X'78213F'",
       "1 numeric field held"}},
 };

@@ -29,71 +29,151 @@ std::string character_name(char32_t character) {
     return text.data();
 }
 
+const char* hint_text(conversion::UnusedData::Hint hint) {
+    using Hint = conversion::UnusedData::Hint;
+    switch (hint) {
+        case Hint::spelling:
+            return "a field's name differs in case or hyphens only; `*> sxml: name ...` in the "
+                   "copybook gives it this name";
+        case Hint::prefix:
+            return "without its prefix it would be a field's name; `*> sxml: name ...` in the "
+                   "copybook gives a field this name";
+        case Hint::attribute:
+            return "fields take the texts of elements, not attributes";
+        case Hint::level:
+            return "the records seem to be one level deeper in the document: each child of the "
+                   "document element is taken for a record";
+        default:
+            return "";
+    }
+}
+
+const char* description_of(conversion::UnusedData::Kind kind) {
+    using Kind = conversion::UnusedData::Kind;
+    switch (kind) {
+        case Kind::attributes:
+            return "attributes went into no field";
+        case Kind::surplus:
+            return "the text went into no field; there are more such elements than the field takes";
+        case Kind::absent:
+            return "the text went into no field; by its conditions the record does not have the "
+                   "field of this name";
+        default:
+            return "the text went into no field; no field has this name";
+    }
+}
+
+std::string path_of(const conversion::UnusedData& data) {
+    const bool is_attributes = data.kind == conversion::UnusedData::Kind::attributes;
+    return is_attributes ? data.path + "/@*" : data.path;
+}
+
 }  // namespace
 
-DocumentConversion::DocumentConversion(conversion::InputDocument& document, std::string name,
-                                       conversion::RecordWriter& store)
-    : document_(document), name_(std::move(name)), store_(store) {}
+DocumentConversion::DocumentConversion(conversion::InputDocument& document,
+                                       std::optional<std::uint64_t> size,
+                                       conversion::RecordWriter& store, RunReport& report,
+                                       RejectFile& rejects)
+    : document_(document), size_(size), store_(store), report_(report), rejects_(rejects) {}
 
 void DocumentConversion::run() {
-    Progress progress(std::nullopt);
+    Progress progress(size_);
     while (value_of(document_.read())) {
         convert();
         if (document_.count() % RECORDS_BETWEEN_LOOKS == 0) {
-            progress.update(document_.count(), document_.count() * document_.record().size());
+            progress.update(document_.count(), document_.parsed_bytes());
         }
     }
-    finish();
+    rejects_.finish_document();
+    report_.sum_up();
+    check_use();
     check(store_.close());
 }
 
 void DocumentConversion::convert() {
-    for (const conversion::FieldTrouble& trouble : document_.troubles()) report(trouble);
-    if (!document_.is_of_a_layout()) report_layout();
+    report_.count_record();
+    if (document_.filled_length() > 0) has_filled_ = true;
+    if (const auto problem = problem_of_record()) return reject(*problem);
     conversion::Done problem = store_.add(document_.record());
     if (!problem) return;
-    if (problem->cause == conversion::Cause::record) {
-        problem->place.file = name_;
-        problem->place.record = document_.count();
+    if (problem->cause != conversion::Cause::record) fail(*problem);
+    problem->place.file = document_.shown_name();
+    problem->place.record = document_.count();
+    reject(*problem);
+}
+
+// Why the record cannot be converted, if it cannot; what it loses is reported.
+std::optional<conversion::Problem> DocumentConversion::problem_of_record() {
+    for (const conversion::FieldTrouble& trouble : document_.troubles()) {
+        if (auto problem = problem_of(trouble)) return problem;
     }
-    fail(*problem);
+    for (const conversion::UnusedData& data : document_.unused_data()) {
+        if (auto problem = problem_of(data)) return problem;
+    }
+    if (document_.is_of_a_layout() || !report_.count(Finding::no_layout)) return std::nullopt;
+    conversion::Problem problem = problem_at(-1, "none of the record layouts' conditions holds");
+    return found(Finding::no_layout, std::move(problem));
 }
 
-std::string DocumentConversion::place() const {
-    return name_ + ": record " + std::to_string(document_.count());
+conversion::Problem DocumentConversion::problem_at(std::int32_t item, std::string what) const {
+    conversion::Problem problem{conversion::Cause::record, {}, std::move(what), {}};
+    problem.place.file = document_.shown_name();
+    problem.place.record = document_.count();
+    if (item >= 0) problem.place.field = document_.fields().name(item);
+    return problem;
 }
 
-std::string DocumentConversion::place(std::int32_t item) const {
-    return place() + ", field " + document_.fields().name(item) + ": ";
+// A finding that was counted: named, or why the record is not converted.
+std::optional<conversion::Problem> DocumentConversion::found(Finding finding,
+                                                             conversion::Problem problem) {
+    if (report_.is_strict()) return problem;
+    report_.name(finding, problem);
+    return std::nullopt;
 }
 
-void DocumentConversion::report(const conversion::FieldTrouble& trouble) {
+std::optional<conversion::Problem> DocumentConversion::problem_of(
+    const conversion::FieldTrouble& trouble) {
     switch (trouble.fate) {
         case FieldFate::lost_character:
-            fail(place(trouble.item) + "its character " + character_name(trouble.character) +
-                 " is not in " + document_.characters().name());
+            return problem_at(trouble.item, "its character " + character_name(trouble.character) +
+                                                " is not in " + document_.characters().name());
         case FieldFate::no_number:
-            if (!lost_numbers_.wants_next()) return;
-            warn(place(trouble.item) + "no number that fits the field: " + quoted(trouble.text));
-            return;
+            if (!report_.count(Finding::lost_number)) return std::nullopt;
+            return found(Finding::lost_number,
+                         problem_at(trouble.item,
+                                    "not a number that fits the field: " + quoted(trouble.text)));
         default:
-            if (!cut_.wants_next()) return;
-            warn(place(trouble.item) + "a text of " + std::to_string(trouble.whole) +
-                 " bytes was cut to fit into " + std::to_string(trouble.size) + ": " +
-                 quoted(trouble.text));
+            if (!report_.count(Finding::cut_text)) return std::nullopt;
+            return found(Finding::cut_text,
+                         problem_at(trouble.item, "a text of " + std::to_string(trouble.whole) +
+                                                      " bytes was cut to fit into " +
+                                                      std::to_string(trouble.size) + ": " +
+                                                      quoted(trouble.text)));
     }
 }
 
-void DocumentConversion::report_layout() {
-    if (!strangers_.wants_next()) return;
-    warn(place() + ": none of the record layouts' conditions holds");
+std::optional<conversion::Problem> DocumentConversion::problem_of(
+    const conversion::UnusedData& data) {
+    const std::string path = path_of(data);
+    report_.count_unused(path, hint_text(data.hint));
+    if (!report_.count(Finding::unused_data)) return std::nullopt;
+    conversion::Problem problem{conversion::Cause::record,
+                                document_.place_of(data.number),
+                                path + ": " + description_of(data.kind),
+                                {}};
+    return found(Finding::unused_data, std::move(problem));
 }
 
-void DocumentConversion::finish() const {
-    lost_numbers_.sum_up(name_, "text", " of numeric fields that cannot be stored there");
-    cut_.sum_up(name_, "text", " cut to the length of the field");
-    strangers_.sum_up(name_, "record",
-                      " of no layout; only the fields that all layouts have were filled");
+void DocumentConversion::reject(const conversion::Problem& problem) {
+    if (!rejects_.is_wanted()) fail(problem);
+    if (report_.count(Finding::rejected)) report_.name(Finding::rejected, problem);
+    rejects_.add(document_, problem);
+}
+
+void DocumentConversion::check_use() const {
+    if (has_filled_ || report_.counted(Finding::unused_data) == 0) return;
+    fail(document_.shown_name() +
+         ": no field of any record was filled; does the layout describe this document?");
 }
 
 }  // namespace command

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <string>
 
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
-#include "tools/sxml/field_warnings.h"
+#include "tools/sxml/reject_file.h"
+#include "tools/sxml/run_report.h"
 
 namespace command {
 
@@ -15,28 +16,31 @@ namespace command {
 // says. Everything given must outlive this.
 class DocumentConversion {
   public:
-    // `name`: of the document, in messages.
-    DocumentConversion(conversion::InputDocument& document, std::string name,
-                       conversion::RecordWriter& store);
+    // `size`: of the document, in bytes, when known.
+    DocumentConversion(conversion::InputDocument& document, std::optional<std::uint64_t> size,
+                       conversion::RecordWriter& store, RunReport& report, RejectFile& rejects);
 
     // Converts all records and closes the store. Throws Failure where the document ends too early
-    // or is not well-formed, for a record that cannot be stored, and when there is no room.
+    // or is not well-formed, for a record that cannot be stored, unless it can be rejected, when
+    // there is no room, and when no field was filled at all.
     void run();
 
   private:
     void convert();
-    void report(const conversion::FieldTrouble& trouble);
-    void report_layout();
-    void finish() const;
-    std::string place() const;
-    std::string place(std::int32_t item) const;
+    std::optional<conversion::Problem> problem_of_record();
+    std::optional<conversion::Problem> problem_of(const conversion::FieldTrouble& trouble);
+    std::optional<conversion::Problem> problem_of(const conversion::UnusedData& data);
+    std::optional<conversion::Problem> found(Finding finding, conversion::Problem problem);
+    void reject(const conversion::Problem& problem);
+    conversion::Problem problem_at(std::int32_t item, std::string what) const;
+    void check_use() const;
 
     conversion::InputDocument& document_;
-    std::string name_;
+    std::optional<std::uint64_t> size_;
     conversion::RecordWriter& store_;
-    FieldWarnings lost_numbers_;
-    FieldWarnings cut_;
-    FieldWarnings strangers_;  // records of no layout
+    RunReport& report_;
+    RejectFile& rejects_;
+    bool has_filled_ = false;  // any field
 };
 
 }  // namespace command

@@ -7,6 +7,7 @@
 
 #include "conversion/documents/document_source.h"
 #include "conversion/formats/record_format.h"
+#include "platform/files.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
@@ -31,6 +32,7 @@ struct FromXmlOptions {
     std::string encoding;
     bool lines = false;
     BlankFill fill = BlankFill::by_type;
+    ReportOptions report;
 };
 
 const std::map<std::string, BlankFill> BUFFER_FILLS = {
@@ -46,27 +48,45 @@ std::optional<CharacterSet> character_set(const FromXmlOptions& options) {
     return characters;
 }
 
+// Size of a regular file.
+std::optional<std::uint64_t> size_of(const std::string& file) {
+    const auto state = platform::state_of(file);
+    const bool is_regular = state && state->kind == platform::FileKind::regular;
+    return is_regular ? std::optional(state->size) : std::nullopt;
+}
+
+// Result: the exit status.
+int convert_document(const FromXmlOptions& options, const conversion::DocumentSource& source,
+                     RunFiles& files, RunReport& report) {
+    const std::optional<CharacterSet> characters = character_set(options);
+    files.reads(source.file());
+    files.writes(options.records);
+    note_outputs(options.report, files);
+    const auto encoding =
+        characters ? record_encoding(*characters) : records::RecordEncoding::ascii;
+    const records::Description description = LayoutSource(options.layout).load(encoding, files);
+    files.check();
+    report.allow_writing();
+    AtomicOutput output(options.records);
+    conversion::ByteSink sink = output.open();
+    const auto store = conversion::write_records(
+        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed, sink);
+    const auto document = value_of(
+        conversion::InputDocument::open(description, characters ? &*characters : nullptr,
+                                        {source.file(), source.name(), options.fill, true}));
+    RejectFile rejects(options.report);
+    DocumentConversion(*document, size_of(source.file()), *store, report, rejects).run();
+    output.commit();
+    return rejects.count() > 0 ? EXIT_REJECTED : 0;
+}
+
 void convert_from_xml(const FromXmlOptions& options) {
     RunFiles files;
     load_module();
     apply_settings(options.layout.settings);
     const auto source = value_of(conversion::DocumentSource::open(options.xml));
-    const std::optional<CharacterSet> characters = character_set(options);
-    files.reads(source.file());
-    files.writes(options.records);
-    const auto encoding =
-        characters ? record_encoding(*characters) : records::RecordEncoding::ascii;
-    const records::Description description = LayoutSource(options.layout).load(encoding, files);
-    files.check();
-    AtomicOutput output(options.records);
-    conversion::ByteSink sink = output.open();
-    const auto store = conversion::write_records(
-        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed, sink);
-    const auto document =
-        value_of(conversion::InputDocument::open(description, characters ? &*characters : nullptr,
-                                                 {source.file(), source.name(), options.fill}));
-    DocumentConversion(*document, source.name(), *store).run();
-    output.commit();
+    run_with_report(options.report, source.name(),
+                    [&](RunReport& report) { return convert_document(options, source, files, report); });
 }
 
 }  // namespace
@@ -100,6 +120,7 @@ void add_from_xml_command(CLI::App& application) {
             "or keep what the record before held (default: spaces in characters, zero in numbers)")
         ->check(CLI::IsMember({"spaces", "zeros", "keep"}))
         ->option_text("spaces|zeros|keep");
+    add_report_options(*command, options->report);
     command->footer(
         "Example:\n"
         "  sxml from-xml orders.xml orders.dat --layout orders.cpy\n"

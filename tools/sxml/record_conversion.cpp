@@ -23,33 +23,37 @@ std::string hexadecimal(const std::uint8_t* bytes, std::int32_t length) {
     return text;
 }
 
-std::unique_ptr<conversion::OutputDocument> open_document(
-    const records::Description& description, const conversion::CharacterSet& characters,
-    const AtomicOutput& output) {
-    return value_of(conversion::OutputDocument::open(
-        description, characters, {output.write_name(), output.shown_name(), {}}));
-}
+constexpr const char* NUL_HINT =
+    "its NUL bytes keep a condition from holding whose literal is padded with spaces; compare with "
+    "LOW-VALUES as well, or fill the field with spaces";
 
 }  // namespace
 
-RecordConversion::RecordConversion(conversion::ByteSource& source,
+RecordConversion::RecordConversion(conversion::ByteSource& source, conversion::RecordFormat format,
                                    const records::Description& description,
                                    const conversion::CharacterSet& characters,
-                                   const AtomicOutput& output)
+                                   const AtomicOutput& output, RunReport& report,
+                                   RejectFile& rejects)
     : source_(source),
+      format_(format),
       description_(description),
       output_(output),
-      document_(open_document(description, characters, output)) {}
+      report_(report),
+      rejects_(rejects),
+      document_(value_of(conversion::OutputDocument::open(
+          description, characters,
+          {output.write_name(), output.shown_name(), {}, report.is_strict()}))) {}
 
 RecordConversion::~RecordConversion() {
     if (document_ && output_.is_direct()) document_->abandon();
 }
 
-void RecordConversion::run(conversion::RecordFormat format) {
+void RecordConversion::run() {
     const auto record_length = static_cast<std::size_t>(description_.record_length());
-    const auto reader = conversion::read_records(format, source_, record_length);
+    const auto reader = conversion::read_records(format_, source_, record_length);
     Progress progress(source_.size());
     while (const std::optional<conversion::Record> record = value_of(reader->next())) {
+        report_.count_record();
         convert(*record);
         if (record->number % RECORDS_BETWEEN_LOOKS == 0) {
             progress.update(record->number, record->file_offset);
@@ -59,41 +63,55 @@ void RecordConversion::run(conversion::RecordFormat format) {
     check_written({&output_});
     document_.reset();
     check_written({&output_});
-    finish();
+    rejects_.finish_records();
+    report_.sum_up();
 }
 
 void RecordConversion::convert(const conversion::Record& record) {
     conversion::Done problem = document_->write(record.data, description_.record_length());
-    if (problem) {
-        conversion::Place& place = problem->place;
-        place.file = source_.name();
-        place.record = record.number;
-        if (place.in_record) place.byte_offset = record.file_offset + *place.in_record;
-        if (problem->remedy == conversion::NAME_THE_CHARACTER_SET) {
-            problem->remedy =
-                "if the text is in another character set, name it: --encoding iso-8859-1, "
-                "--encoding cp037";
-        }
-        fail(*problem);
+    if (problem) return reject(record, *std::move(problem));
+    const conversion::OutputDocument::Outcome& outcome = document_->outcome();
+    for (const conversion::Field* field : outcome.bad_numbers) report_number(record, *field);
+    if (!outcome.is_of_a_layout) report_layout(record);
+}
+
+void RecordConversion::reject(const conversion::Record& record, conversion::Problem problem) {
+    conversion::Place& place = problem.place;
+    place.file = source_.name();
+    place.record = record.number;
+    if (place.in_record) place.byte_offset = record.file_offset + *place.in_record;
+    if (problem.remedy == conversion::NAME_THE_CHARACTER_SET) {
+        problem.remedy =
+            "if the text is in another character set, name it: --encoding iso-8859-1, "
+            "--encoding cp037";
     }
-    for (const conversion::Field* field : document_->outcome().bad_numbers) {
-        report_number(record, *field);
-    }
+    if (problem.cause != conversion::Cause::record || !rejects_.is_wanted()) fail(problem);
+    if (report_.count(Finding::rejected)) report_.name(Finding::rejected, problem);
+    rejects_.add({record.data, record.length}, format_);
 }
 
 void RecordConversion::report_number(const conversion::Record& record,
                                      const conversion::Field& field) {
-    if (!bad_numbers_.wants_next()) return;
-    warn(source_.name() + ": record " + std::to_string(record.number) + ", field " +
-         fields().name(field.item) + " (byte offset " +
-         std::to_string(record.file_offset + static_cast<std::uint64_t>(field.offset)) +
-         ") holds no valid number: X'" + hexadecimal(record.data + field.offset, field.length) +
-         "'");
+    if (!report_.count(Finding::bad_number)) return;
+    conversion::Problem problem{conversion::Cause::record, {}, {}, {}};
+    problem.place.file = source_.name();
+    problem.place.record = record.number;
+    problem.place.field = fields().name(field.item);
+    problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(field.offset);
+    problem.what =
+        "not a valid number: X'" + hexadecimal(record.data + field.offset, field.length) + "'";
+    report_.name(Finding::bad_number, problem);
 }
 
-void RecordConversion::finish() const {
-    bad_numbers_.sum_up(source_.name(), "numeric field",
-                        " held no valid number and came out repaired");
+void RecordConversion::report_layout(const conversion::Record& record) {
+    if (!report_.count(Finding::no_layout)) return;
+    conversion::Problem problem{conversion::Cause::record, {}, {}, {}};
+    problem.place.file = source_.name();
+    problem.place.record = record.number;
+    problem.place.byte_offset = record.file_offset;
+    problem.what = "none of the record layouts' conditions holds";
+    if (document_->outcome().would_fit_with_spaces) problem.remedy = NUL_HINT;
+    report_.name(Finding::no_layout, problem);
 }
 
 }  // namespace command

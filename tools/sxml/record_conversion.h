@@ -8,7 +8,8 @@
 #include "conversion/session/output_document.h"
 #include "records/description.h"
 #include "tools/sxml/atomic_output.h"
-#include "tools/sxml/field_warnings.h"
+#include "tools/sxml/reject_file.h"
+#include "tools/sxml/run_report.h"
 
 namespace command {
 
@@ -17,8 +18,10 @@ namespace command {
 class RecordConversion {
   public:
     // Opens the document. Throws Failure.
-    RecordConversion(conversion::ByteSource& source, const records::Description& description,
-                     const conversion::CharacterSet& characters, const AtomicOutput& output);
+    RecordConversion(conversion::ByteSource& source, conversion::RecordFormat format,
+                     const records::Description& description,
+                     const conversion::CharacterSet& characters, const AtomicOutput& output,
+                     RunReport& report, RejectFile& rejects);
     // Without a complete run, a document that readers can see already gets no end tag.
     ~RecordConversion();
     RecordConversion(const RecordConversion&) = delete;
@@ -26,19 +29,23 @@ class RecordConversion {
 
     const conversion::RecordFields& fields() const { return document_->fields(); }
     // Converts all records and closes the document. Throws Failure for a record that cannot become
-    // part of a well-formed document, and when something could not be stored.
-    void run(conversion::RecordFormat format);
+    // part of a well-formed document, unless it can be rejected, and when something could not be
+    // stored.
+    void run();
 
   private:
     void convert(const conversion::Record& record);
+    void reject(const conversion::Record& record, conversion::Problem problem);
     void report_number(const conversion::Record& record, const conversion::Field& field);
-    void finish() const;
+    void report_layout(const conversion::Record& record);
 
     conversion::ByteSource& source_;
+    conversion::RecordFormat format_;
     const records::Description& description_;
     const AtomicOutput& output_;
+    RunReport& report_;
+    RejectFile& rejects_;
     std::unique_ptr<conversion::OutputDocument> document_;
-    FieldWarnings bad_numbers_;
 };
 
 }  // namespace command

@@ -34,6 +34,7 @@ struct ToXmlOptions {
     std::string encoding;
     std::string schema;
     bool lines = false;
+    ReportOptions report;
 };
 
 // The character set of the records: --encoding, or what SXML_ENCODING says (UTF-8 unless set).
@@ -89,10 +90,10 @@ SchemaChoice choose_schema(const ToXmlOptions& options) {
 class SchemaBesideDocument {
   public:
     SchemaBesideDocument(const host::Module& module, const SchemaChoice& choice,
-                         const records::Description& description) {
+                         const records::Description& description, const RunReport& report) {
         if (choice.reference.empty()) return;
         if ((description.xfd().flags & XFD_SEVERAL_LAYOUTS) != 0) {
-            warn(choice.reference +
+            report.warn_of(choice.reference +
                  ": the layout has several records; the schema's top element knows the "
                  "first one only");
         }
@@ -115,7 +116,7 @@ class SchemaBesideDocument {
 };
 
 void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
-                 const conversion::RecordFields& fields) {
+                 const conversion::RecordFields& fields, const RunReport& report) {
     if (!options.lines) return;
     if (characters.is_ebcdic()) {
         fail_usage("--line: records in " + characters.name() + " are of fixed length");
@@ -123,35 +124,49 @@ void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
     for (const conversion::RecordLayout& layout : fields.layouts()) {
         for (const conversion::Field& field : layout.fields) {
             if (field.kind == FieldKind::text || field.kind == FieldKind::display_number) continue;
-            warn("--line: field " + fields.name(field.item) +
-                 " is binary; a byte in it that looks like a line end would cut its record");
+            report.warn_of(
+                "--line: field " + fields.name(field.item) +
+                " is binary; a byte in it that looks like a line end would cut its record");
             return;
         }
     }
 }
 
-void convert_to_xml(const ToXmlOptions& options) {
-    RunFiles files;
-    const host::Module& module = load_module();
-    apply_settings(options.layout.settings);
+// Result: the exit status.
+int convert_records(const ToXmlOptions& options, const host::Module& module, RunFiles& files,
+                    RunReport& report) {
     const CharacterSet characters = character_set(options);
     force_setting("SXML_ENCODING", characters.declared_name());
     files.reads(options.records);
     files.writes(options.xml);
     const SchemaChoice schema_choice = choose_schema(options);
     if (!schema_choice.file.empty()) files.writes(schema_choice.file);
+    note_outputs(options.report, files);
     const records::Description description =
         LayoutSource(options.layout).load(record_encoding(characters), files);
     files.check();
+    report.allow_writing();
     conversion::ByteSource source = value_of(conversion::ByteSource::open(options.records));
     AtomicOutput output(options.xml);
-    SchemaBesideDocument schema(module, schema_choice, description);
-    RecordConversion conversion(source, description, characters, output);
-    check_lines(options, characters, conversion.fields());
-    conversion.run(options.lines ? conversion::RecordFormat::lines
-                                 : conversion::RecordFormat::fixed);
+    SchemaBesideDocument schema(module, schema_choice, description, report);
+    RejectFile rejects(options.report);
+    const auto format =
+        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed;
+    RecordConversion conversion(source, format, description, characters, output, report, rejects);
+    check_lines(options, characters, conversion.fields(), report);
+    conversion.run();
     schema.commit();
     output.commit();
+    return rejects.count() > 0 ? EXIT_REJECTED : 0;
+}
+
+void convert_to_xml(const ToXmlOptions& options) {
+    RunFiles files;
+    const host::Module& module = load_module();
+    apply_settings(options.layout.settings);
+    const std::string name = options.records == "-" ? "standard input" : options.records;
+    run_with_report(options.report, name,
+                    [&](RunReport& report) { return convert_records(options, module, files, report); });
 }
 
 }  // namespace
@@ -179,6 +194,7 @@ void add_to_xml_command(CLI::App& application) {
             "--schema", options->schema,
             "write the XML Schema to this file and name it in the document, which then has no DTD")
         ->option_text("FILE");
+    add_report_options(*command, options->report);
     command->footer(
         "Example:\n"
         "  sxml to-xml orders.dat orders.xml --layout orders.cpy\n"

@@ -155,12 +155,8 @@ void report_unused(const XmlFile& file) {
     if (number > tree.last_element) return;
     for (number = 1; number <= tree.last_element; ++number) {
         const RecordElement& element = tree.elements[number];
-        const HostRecordElement told = {number,
-                                        element.parent,
-                                        name_text(tree.names, element.name),
-                                        has_unused_text(file, number),
-                                        element.has_attributes,
-                                        element.keeps_text};
+        const HostRecordElement told = {number, element.parent, name_text(tree.names, element.name),
+                                        has_unused_text(file, number), element.has_attributes};
         file.handler->unused(file.handler->context, &told);
     }
 }
@@ -184,7 +180,10 @@ bool parse_record(const XmlFile& file) {
     deliver_records(*parser, traced ? nullptr : &tree);
     if (SxmlParser_parse_record(file.parser) == 0) return false;
     file.input_items->text_encoding = text_encoding(*parser);
-    if (file.handler != nullptr) file.handler->text_encoding = text_encoding(*parser);
+    if (file.handler != nullptr) {
+        file.handler->text_encoding = text_encoding(*parser);
+        file.handler->parsed_bytes = XML_GetCurrentByteIndex(parser->expat);
+    }
     if (host_trace_on > DUMP_ABOVE) dump_record(file);
     if (!traced) {
         complete_record(tree);

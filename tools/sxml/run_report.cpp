@@ -1,0 +1,139 @@
+#include "tools/sxml/run_report.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/errors.h"
+
+namespace command {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// How a kind of findings is called in the file for programs, and what the sum says of it.
+struct Wording {
+    const char* key;
+    const char* thing;  // in the singular
+    const char* rest;
+};
+
+constexpr std::array<Wording, FINDINGS> WORDINGS = {{
+    {"bad_numbers", "numeric field", " held no valid number and came out repaired"},
+    {"lost_numbers", "text", " of numeric fields that cannot be stored there"},
+    {"cut_texts", "text", " cut to the length of the field"},
+    {"records_of_no_layout", "record",
+     " of no layout; only the fields that all layouts have were taken"},
+    {"unused", "text or attribute list", " went into no field"},
+    {"rejected", "record", " rejected"},
+}};
+
+Json place_of(const conversion::Problem& problem) {
+    const conversion::Place& place = problem.place;
+    Json json;
+    if (place.record != 0) json["record"] = place.record;
+    if (!place.field.empty()) json["field"] = place.field;
+    if (place.byte_offset) json["byte_offset"] = *place.byte_offset;
+    if (place.line != 0) json["line"] = place.line;
+    if (place.column != 0) json["column"] = place.column;
+    json["what"] = problem.what;
+    return json;
+}
+
+}  // namespace
+
+void add_report_options(CLI::App& command, ReportOptions& options) {
+    command
+        .add_option("--rejects", options.rejects,
+                    "write records that cannot be converted to this file and go on (exit status 3)")
+        ->option_text("FILE");
+    command
+        .add_option("--max-rejects", options.max_rejects,
+                    "give up when more records than this cannot be converted")
+        ->option_text("N");
+    command.add_flag("--strict", options.is_strict, "fail where there would be a warning");
+    command.add_flag("--quiet", options.is_quiet, "print no warnings, only how many there were");
+    command.add_option("--report", options.report, "write counts and places to this file, as JSON")
+        ->option_text("FILE");
+}
+
+void note_outputs(const ReportOptions& options, RunFiles& files) {
+    if (!options.rejects.empty()) files.writes(options.rejects);
+    if (!options.report.empty()) files.writes(options.report);
+}
+
+RunReport::RunReport(const ReportOptions& options, std::string name)
+    : options_(options), name_(std::move(name)) {}
+
+void RunReport::name(Finding finding, const conversion::Problem& problem) {
+    const auto kind = static_cast<std::size_t>(finding);
+    if (named_[kind].size() < NAMED_AT_MOST) named_[kind].push_back(problem);
+    if (!options_.is_quiet && counts_[kind] <= NAMED_AT_MOST) warn(message_of(problem));
+}
+
+void RunReport::warn_of(const std::string& message) const {
+    if (options_.is_strict) fail(message);
+    if (!options_.is_quiet) warn(message);
+}
+
+void RunReport::count_unused(const std::string& path, const std::string& hint) {
+    UnusedPath& unused = unused_[path];
+    ++unused.count;
+    if (unused.hint.empty()) unused.hint = hint;
+}
+
+void RunReport::sum_up() const {
+    for (std::size_t kind = 0; kind < FINDINGS; ++kind) {
+        const std::uint64_t count = counts_[kind];
+        if (count == 0) continue;
+        const Wording& wording = WORDINGS[kind];
+        std::string text = name_ + ": " + std::to_string(count) + " " + wording.thing +
+                           (count == 1 ? "" : "s") + wording.rest;
+        if (count > NAMED_AT_MOST && !options_.is_quiet) {
+            text += "; the first " + std::to_string(NAMED_AT_MOST) + " are named above";
+        }
+        warn(text);
+    }
+    for (const auto& [path, unused] : unused_) {
+        warn(name_ + ": " + path + ": " + std::to_string(unused.count) + " not used" +
+             (unused.hint.empty() ? "" : "; " + unused.hint));
+    }
+}
+
+void RunReport::write(int status, const std::string& failure) const {
+    if (options_.report.empty() || !may_write_) return;
+    Json json;
+    json["input"] = name_;
+    json["status"] = status;
+    json["failure"] = failure.empty() ? Json() : Json(failure);
+    json["records"] = records_;
+    for (std::size_t kind = 0; kind < FINDINGS; ++kind) {
+        Json places = Json::array();
+        for (const conversion::Problem& problem : named_[kind]) places.push_back(place_of(problem));
+        json[WORDINGS[kind].key] = {{"count", counts_[kind]}, {"first", std::move(places)}};
+    }
+    Json paths = Json::object();
+    for (const auto& [path, unused] : unused_) paths[path] = unused.count;
+    json["unused"]["paths"] = std::move(paths);
+    // What is not UTF-8 in a text of the input must not keep the report from being written.
+    const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
+    write_output(options_.report, text + "\n");
+}
+
+void run_with_report(const ReportOptions& options, const std::string& name,
+                     const std::function<int(RunReport&)>& run) {
+    RunReport report(options, name);
+    int status = 0;
+    try {
+        status = run(report);
+    } catch (const Failure& failure) {
+        report.write(failure.status(), failure.what());
+        throw;
+    }
+    report.write(status, "");
+    if (status != 0) throw Failure("", status);
+}
+
+}  // namespace command

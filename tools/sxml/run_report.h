@@ -1,0 +1,106 @@
+// What a run did not do as it was asked: named as it happens, summed up at the end, and told to
+// programs in a file.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "conversion/problem.h"
+#include "tools/sxml/run_files.h"
+
+namespace CLI {
+class App;
+}
+
+namespace command {
+
+constexpr int EXIT_REJECTED = 3;  // done, but for records that were rejected
+
+struct ReportOptions {
+    std::string
+        rejects;  // the file for records that cannot be converted; empty: the first ends the run
+    std::uint64_t max_rejects = std::numeric_limits<std::uint64_t>::max();
+    bool is_strict = false;  // what would be a warning fails
+    bool is_quiet = false;   // no warnings, only the sums
+    std::string report;      // the file for programs; empty: none
+};
+
+// Adds --rejects, --max-rejects, --strict, --quiet and --report. `options` must live until the
+// command line has been parsed.
+void add_report_options(CLI::App& command, ReportOptions& options);
+
+// Notes the files that the options name as outputs.
+void note_outputs(const ReportOptions& options, RunFiles& files);
+
+enum class Finding : std::uint8_t {
+    bad_number,   // a field without a valid number
+    lost_number,  // a text that is not a number that fits the field
+    cut_text,     // a text longer than its field
+    no_layout,    // a record of none of the layouts
+    unused_data,  // of a document: went into no field
+    rejected      // a record that was not converted
+};
+constexpr std::size_t FINDINGS = 6;
+
+class RunReport {
+  public:
+    // `options` must outlive this. `name`: of the input, in messages.
+    RunReport(const ReportOptions& options, std::string name);
+
+    // Counts a finding. True when its details are wanted: they are named, or they fail the run or
+    // the record.
+    bool count(Finding finding) {
+        const std::uint64_t number = ++counts_[static_cast<std::size_t>(finding)];
+        return options_.is_strict || number <= NAMED_AT_MOST;
+    }
+    // Names a finding that was counted, unless warnings are not wanted.
+    void name(Finding finding, const conversion::Problem& problem);
+    bool is_strict() const { return options_.is_strict; }
+    // Warns of something that concerns the run as a whole; fails when that is asked for.
+    void warn_of(const std::string& message) const;
+    void count_record() { ++records_; }
+    // The run's files have been checked: the report replaces no input.
+    void allow_writing() { may_write_ = true; }
+
+    // Text or attributes at this path went into no field; `hint` may be empty.
+    void count_unused(const std::string& path, const std::string& hint);
+
+    // A line for each kind of findings, and one for each path that was not used.
+    void sum_up() const;
+    // Writes the file for programs, if one is wanted. `failure`: why the run failed; empty: it did
+    // not. Throws Failure.
+    void write(int status, const std::string& failure) const;
+
+    std::uint64_t counted(Finding finding) const {
+        return counts_[static_cast<std::size_t>(finding)];
+    }
+
+  private:
+    static constexpr std::uint64_t NAMED_AT_MOST = 10;
+    struct UnusedPath {
+        std::uint64_t count = 0;
+        std::string hint;
+    };
+
+    const ReportOptions& options_;
+    std::string name_;
+    bool may_write_ = false;
+    std::uint64_t records_ = 0;
+    std::array<std::uint64_t, FINDINGS> counts_{};
+    std::array<std::vector<conversion::Problem>, FINDINGS> named_;
+    std::map<std::string, UnusedPath> unused_;
+};
+
+// Makes a run, which gives its exit status, and writes its report, also when it fails. `name`: of
+// the input, in messages. Throws Failure, without a message when the run gives another status than
+// 0.
+void run_with_report(const ReportOptions& options, const std::string& name,
+                     const std::function<int(RunReport&)>& run);
+
+}  // namespace command
