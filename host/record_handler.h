@@ -41,6 +41,9 @@ struct HostRecordHandler {
     void (*test_condition)(void* context, std::int32_t number);
     // Stores an element's text, `length` bytes, in the field of the item at `index`.
     void (*store)(void* context, std::int32_t index, const char* text, std::size_t length);
+    // Told that the record has no element for the field of the item at `index`, which is one that
+    // it should have; null for a host that does not want to know.
+    void (*missing)(void* context, std::int32_t index);
     // Told of all elements of a record when something in one of them was not used; null for a host
     // that does not want to know.
     void (*unused)(void* context, const HostRecordElement* element);

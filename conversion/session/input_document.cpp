@@ -71,6 +71,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       takes_any_record_(fields_.takes_any_record()),
       follows_entries_(host_config_string(EXACT_TABLE_MATCH, nullptr) == nullptr),
       exact_table_match_(host_config_flag(EXACT_TABLE_MATCH, 1)),
+      description_(description),
       record_length_(description.record_length()),
       characters_(characters),
       own_characters_(*CharacterSet::find("utf-8")),
@@ -78,12 +79,15 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
              characters != nullptr ? characters->space() : std::uint8_t{' '}),
       single_entry_(description),
       record_(static_cast<std::size_t>(record_length_)),
-      fates_(static_cast<std::size_t>(description.xfd().item_count)) {
+      fates_(static_cast<std::size_t>(description.xfd().item_count)),
+      has_had_data_(fates_.size()),
+      missing_(fates_.size()) {
     handler_.context = this;
     handler_.test_condition = &test_condition;
     handler_.store = &store;
     if (options.notes_unused) {
         handler_.unused = &note_element;
+        handler_.missing = &note_missing;
         collect_names(description.xfd());
     }
     if (options_.shown_name.empty()) options_.shown_name = options_.file;
@@ -121,6 +125,7 @@ void InputDocument::begin_record() {
     troubles_.clear();
     elements_.clear();
     unused_.clear();
+    without_element_.clear();
     is_of_a_layout_ = takes_any_record_;
     filled_length_ = 0;
     handler_.exact_table_match = exact_table_match_;
@@ -136,6 +141,7 @@ Result<bool> InputDocument::read() {
         ++count_;
         filled_length_ = result - 1;
         if (!elements_.empty()) collect_unused();
+        if (!without_element_.empty()) count_missing();
         return true;
     }
     has_ended_ = true;
@@ -185,6 +191,7 @@ void InputDocument::store(void* document, std::int32_t index, const char* text,
         return;
     }
     fate = FieldFate::filled;
+    self.has_had_data_[static_cast<std::size_t>(index)] = 1;
     try {
         if (is_numeric_type(item.data.type)) {
             self.store_number(index, {text, length});
@@ -270,6 +277,37 @@ void InputDocument::note_trouble(FieldTrouble trouble) {
     troubles_.push_back(std::move(trouble));
 }
 
+void InputDocument::note_missing(void* document, std::int32_t index) {
+    auto& self = *static_cast<InputDocument*>(document);
+    try {
+        self.without_element_.push_back(index);
+    } catch (const std::bad_alloc&) {
+        self.is_out_of_memory_ = true;
+    }
+}
+
+// Fields of other layouts are not missing, nor entries that the counter of a table does not count.
+void InputDocument::count_missing() {
+    const std::optional<std::size_t> chosen = layout();
+    if (!chosen) return;
+    const RecordLayout& own = fields_.layouts()[*chosen];
+    const std::int32_t used = description_.used_length(record_.data(), record_length_);
+    for (const std::int32_t item : without_element_) {
+        const bool is_own = item >= own.first_item && item < own.end_item;
+        const bool is_used = module_file_.xfd->items[item].offset < used;
+        if (is_own && is_used) ++missing_[static_cast<std::size_t>(item)];
+    }
+}
+
+std::vector<InputDocument::Missing> InputDocument::missing() const {
+    std::vector<Missing> result;
+    for (std::size_t i = 0; i < missing_.size(); ++i) {
+        if (missing_[i] == 0 || has_had_data_[i] == 0) continue;
+        result.push_back({static_cast<std::int32_t>(i), missing_[i]});
+    }
+    return result;
+}
+
 void InputDocument::note_element(void* document, const HostRecordElement* element) {
     auto& self = *static_cast<InputDocument*>(document);
     try {
@@ -321,6 +359,7 @@ void InputDocument::collect_names(const Xfd& xfd) {
     for (std::int32_t i = 0; i < xfd.item_count; ++i) {
         const XfdItem& item = xfd.items[i];
         const bool is_field = item.condition != XFD_GROUP;
+        if (item.level == 1 && !is_field) continue;
         names_[folded(item.name)] |= is_field;
         if (!is_field) continue;
         std::vector<std::int16_t>& known = conditions_[item.name];

@@ -119,6 +119,13 @@ class InputDocument {
     // came through a pipe. Throws std::bad_alloc.
     std::string source_text();
     std::string source_encoding();
+    // Of all records read so far, when unused data is wanted: the fields that some records have
+    // data for and others have no element for.
+    struct Missing {
+        std::int32_t item;
+        std::uint64_t records;  // without such an element
+    };
+    std::vector<Missing> missing() const;
     // How much of the document has been parsed, in bytes.
     std::uint64_t parsed_bytes() const { return static_cast<std::uint64_t>(handler_.parsed_bytes); }
 
@@ -127,6 +134,7 @@ class InputDocument {
                   const CharacterSet* characters, const Options& options, RecordFields fields);
     static void test_condition(void* document, std::int32_t number);
     static void store(void* document, std::int32_t index, const char* text, std::size_t length);
+    static void note_missing(void* document, std::int32_t index);
     static void note_element(void* document, const HostRecordElement* element);
 
     void begin_record();
@@ -138,6 +146,7 @@ class InputDocument {
     void note_trouble(FieldTrouble trouble);
     void collect_names(const Xfd& xfd);
     void collect_unused();
+    void count_missing();
     std::string path_of(std::size_t element) const;
     UnusedData unused_text(std::size_t element) const;
     Problem reading_problem() const;
@@ -156,6 +165,7 @@ class InputDocument {
     bool takes_any_record_;
     bool follows_entries_;  // the user has not chosen how tables are matched
     std::int32_t exact_table_match_;
+    const records::Description& description_;
     std::int32_t record_length_;
     const CharacterSet* characters_;
     CharacterSet own_characters_;
@@ -172,6 +182,9 @@ class InputDocument {
     std::int32_t filled_length_ = 0;
     std::vector<FieldFate> fates_;
     std::vector<FieldTrouble> troubles_;
+    std::vector<std::uint8_t> has_had_data_;     // by item, in any record
+    std::vector<std::int32_t> without_element_;  // items
+    std::vector<std::uint64_t> missing_;         // by item: records without an element
     std::vector<Element> elements_;
     std::vector<UnusedData> unused_;
     std::unordered_map<std::string, bool> names_;  // as folded(); of fields: true

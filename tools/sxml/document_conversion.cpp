@@ -85,6 +85,9 @@ void DocumentConversion::run() {
         }
     }
     rejects_.finish_document();
+    for (const conversion::InputDocument::Missing& missing : document_.missing()) {
+        report_.note_missing(document_.fields().name(missing.item), missing.records);
+    }
     report_.sum_up();
     check_use();
     check(store_.close());

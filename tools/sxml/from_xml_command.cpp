@@ -85,8 +85,9 @@ void convert_from_xml(const FromXmlOptions& options) {
     load_module();
     apply_settings(options.layout.settings);
     const auto source = value_of(conversion::DocumentSource::open(options.xml));
-    run_with_report(options.report, source.name(),
-                    [&](RunReport& report) { return convert_document(options, source, files, report); });
+    run_with_report(options.report, source.name(), [&](RunReport& report) {
+        return convert_document(options, source, files, report);
+    });
 }
 
 }  // namespace

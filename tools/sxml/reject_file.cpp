@@ -6,12 +6,12 @@ namespace command {
 
 namespace {
 
-// Two hyphens may not stand in a comment, nor one at its end.
+// Two hyphens may not stand in a comment.
 std::string comment_text(std::string text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         const bool is_control = static_cast<unsigned char>(text[at]) < 0x20;
         if (is_control) text[at] = ' ';
-        if (text[at] == '-') text.insert(++at, " ");
+        if (text[at] == '-' && text.compare(at + 1, 1, "-") == 0) text.insert(at + 1, " ");
     }
     return text;
 }

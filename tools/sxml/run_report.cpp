@@ -1,6 +1,7 @@
 #include "tools/sxml/run_report.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -100,6 +101,27 @@ void RunReport::sum_up() const {
         warn(name_ + ": " + path + ": " + std::to_string(unused.count) + " not used" +
              (unused.hint.empty() ? "" : "; " + unused.hint));
     }
+    if (missing_.empty()) return;
+    say("sxml: note: " + name_ +
+        ": fields without an element in some records, which are blank there: " + missing_text() +
+        "\n");
+}
+
+void RunReport::note_missing(const std::string& field, std::uint64_t records) {
+    missing_.emplace_back(field, records);
+}
+
+std::string RunReport::missing_text() const {
+    constexpr std::size_t MOST_NAMED = 10;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(missing_.size(), MOST_NAMED); ++i) {
+        text += (i == 0 ? "" : ", ") + missing_[i].first + " (" +
+                std::to_string(missing_[i].second) + ")";
+    }
+    if (missing_.size() > MOST_NAMED) {
+        text += " and " + std::to_string(missing_.size() - MOST_NAMED) + " more fields";
+    }
+    return text;
 }
 
 void RunReport::write(int status, const std::string& failure) const {
@@ -117,6 +139,9 @@ void RunReport::write(int status, const std::string& failure) const {
     Json paths = Json::object();
     for (const auto& [path, unused] : unused_) paths[path] = unused.count;
     json["unused"]["paths"] = std::move(paths);
+    Json missing = Json::object();
+    for (const auto& [field, records] : missing_) missing[field] = records;
+    json["missing"] = std::move(missing);
     // What is not UTF-8 in a text of the input must not keep the report from being written.
     const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
     write_output(options_.report, text + "\n");

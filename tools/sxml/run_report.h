@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "conversion/problem.h"
@@ -71,6 +72,10 @@ class RunReport {
     // Text or attributes at this path went into no field; `hint` may be empty.
     void count_unused(const std::string& path, const std::string& hint);
 
+    // A field had no element in so many records, and data in others. Not a warning: documents may
+    // leave out what is empty.
+    void note_missing(const std::string& field, std::uint64_t records);
+
     // A line for each kind of findings, and one for each path that was not used.
     void sum_up() const;
     // Writes the file for programs, if one is wanted. `failure`: why the run failed; empty: it did
@@ -82,6 +87,8 @@ class RunReport {
     }
 
   private:
+    std::string missing_text() const;
+
     static constexpr std::uint64_t NAMED_AT_MOST = 10;
     struct UnusedPath {
         std::uint64_t count = 0;
@@ -95,6 +102,7 @@ class RunReport {
     std::array<std::uint64_t, FINDINGS> counts_{};
     std::array<std::vector<conversion::Problem>, FINDINGS> named_;
     std::map<std::string, UnusedPath> unused_;
+    std::vector<std::pair<std::string, std::uint64_t>> missing_;
 };
 
 // Makes a run, which gives its exit status, and writes its report, also when it fails. `name`: of

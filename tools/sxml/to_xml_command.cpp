@@ -94,8 +94,8 @@ class SchemaBesideDocument {
         if (choice.reference.empty()) return;
         if ((description.xfd().flags & XFD_SEVERAL_LAYOUTS) != 0) {
             report.warn_of(choice.reference +
-                 ": the layout has several records; the schema's top element knows the "
-                 "first one only");
+                           ": the layout has several records; the schema's top element knows the "
+                           "first one only");
         }
         force_setting("SXML_CREATE_STYLE", "SCHEMA");
         if (!choice.file.empty()) {
@@ -165,8 +165,9 @@ void convert_to_xml(const ToXmlOptions& options) {
     const host::Module& module = load_module();
     apply_settings(options.layout.settings);
     const std::string name = options.records == "-" ? "standard input" : options.records;
-    run_with_report(options.report, name,
-                    [&](RunReport& report) { return convert_records(options, module, files, report); });
+    run_with_report(options.report, name, [&](RunReport& report) {
+        return convert_records(options, module, files, report);
+    });
 }
 
 }  // namespace

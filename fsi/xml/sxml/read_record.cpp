@@ -78,6 +78,9 @@ std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record
     if (host_trace_on != 0) host_trace(1, 2, "read_xml_data %d (%s)", index, field.name);
     RecordTree& tree = file.input_items->tree;
     const std::uint32_t element = find_element(file, index);
+    if (element == 0 && file.handler != nullptr && file.handler->missing != nullptr) {
+        file.handler->missing(file.handler->context, index);
+    }
     const char* text = nullptr;
     std::size_t length = 0;
     if (element == 0 || !find_text(file, element, &text, &length) || !lies_in_record(field)) {

@@ -1,0 +1,249 @@
+// What a conversion loses is told, and records that cannot be converted can be put aside.
+
+#include <random>
+
+#include "tests/command/command_run.h"
+
+namespace {
+
+const std::string COPYBOOK =
+    "       01  ITEM.\n"
+    "           05  CODE-ID PIC X(4).\n"
+    "           05  AMOUNT PIC S9(3).\n"
+    "           05  WHERE.\n"
+    "               10  CITY PIC X(6).\n"
+    "           05  TAG PIC X(2) OCCURS 2.\n";
+
+const std::string WHOLE =
+    "<item><code_id>AB</code_id><amount>12</amount><where><city>Bonn</city></where><tag>a</tag>"
+    "<tag>b</tag></item>\n";
+
+struct LossCase {
+    const char* name;
+    std::string document;
+    int status;
+    std::vector<std::string> said;
+};
+
+void PrintTo(const LossCase& one, std::ostream* out) {
+    *out << one.name;
+}
+
+class LossTest : public CommandTest, public testing::WithParamInterface<LossCase> {};
+
+TEST_P(LossTest, IsTold) {
+    const LossCase& expected = GetParam();
+    write_file("i.cpy", COPYBOOK);
+    write_file("d.xml", expected.document);
+    const Outcome outcome = sxml({"from-xml", "d.xml", "d.dat", "-l", "i.cpy"});
+    EXPECT_EQ(outcome.status, expected.status) << outcome.err;
+    for (const std::string& text : expected.said) {
+        EXPECT_NE(outcome.err.find(text), std::string::npos) << text << "\nin: " << outcome.err;
+    }
+    const Outcome strict = sxml({"from-xml", "d.xml", "s.dat", "-l", "i.cpy", "--strict"});
+    EXPECT_EQ(strict.status, 1) << strict.err;
+    const Outcome quiet = sxml({"from-xml", "d.xml", "-", "-l", "i.cpy", "--quiet"});
+    EXPECT_EQ(quiet.err.find("record 1"), std::string::npos) << quiet.err;
+    EXPECT_NE(quiet.err, "");
+}
+
+const LossCase LOSSES[] = {
+    {"another kind of document",
+     "<html><head><title>T</title></head><body><p>text</p></body></html>",
+     1,
+     {"d.xml:1:13: record 1: title: the text went into no field; no field has this name",
+      "d.xml: no field of any record was filled; does the layout describe this document?"}},
+    {"prefixes",
+     "<d>\n<a:item><a:code_id>AB</a:code_id></a:item></d>",
+     1,
+     {"d.xml:2:9: record 1: a:code_id: ", "a:code_id: 1 not used; without its prefix"}},
+    {"attributes",
+     "<d><item code_id=\"AB\" amount=\"2\"/></d>",
+     1,
+     {"d.xml:1:4: record 1: item/@*: attributes went into no field", "not attributes"}},
+    {"a level deeper",
+     "<d><batch>" + WHOLE + WHOLE + "</batch></d>",
+     1,
+     {"item/code_id: 2 not used; the records seem to be one level deeper"}},
+    {"misspelt",
+     "<d>" + WHOLE + "<item><code_id>C</code_id><ammount>1</ammount></item></d>",
+     0,
+     {"d.xml:2:27: record 2: ammount: the text went into no field; no field has this name",
+      "d.xml: ammount: 1 not used\n",
+      "fields without an element in some records, which are blank there: amount (1), city (1)"}},
+    {"twice",
+     "<d><item><code_id>A</code_id><amount>1</amount><amount>2</amount></item></d>",
+     0,
+     {"record 1: amount: the text went into no field; there are more", "amount: 2 not used"}},
+    {"too many rows",
+     "<d><item><tag>a</tag><tag>b</tag><tag>c</tag></item></d>",
+     0,
+     {"d.xml:1:34: record 1: tag: the text went into no field; there are more"}},
+    {"text in a group",
+     "<d><item><code_id>A</code_id><where>Bonn</where></item></d>",
+     0,
+     {"record 1: where: the text went into no field"}},
+    {"wide characters",
+     "\xFF\xFE" +
+         [] {
+             std::string wide;
+             for (const char c :
+                  std::string("<d>\n<item><code_id>A</code_id><x>1</x></item></d>")) {
+                 wide += {c, '\0'};
+             }
+             return wide;
+         }(),
+     0,
+     {"d.xml:2:", "record 1: x: the text went into no field"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, LossTest, testing::ValuesIn(LOSSES), [](const auto& instance) {
+    std::string name = instance.param.name;
+    for (char& c : name) c = c == ' ' ? '_' : c;
+    return name;
+});
+
+TEST_F(CommandTest, RecordsOfDocumentsAreRejected) {
+    write_file("i.cpy", COPYBOOK);
+    const std::string bad = "<item><code_id>\xE2\x82\xAC</code_id><!-- c --></item>";
+    write_file("d.xml", "<d>" + WHOLE + bad + WHOLE + bad + "</d>");
+    std::vector<std::string> words = {"from-xml", "d.xml",      "d.dat",      "-l",
+                                      "i.cpy",    "--encoding", "iso-8859-1", "--rejects",
+                                      "bad.xml",  "--report",   "r.json"};
+    const Outcome outcome = sxml(words);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_NE(outcome.err.find("d.xml: 2 records rejected\n"), std::string::npos) << outcome.err;
+    EXPECT_EQ(read_file("d.dat"), "AB  012Bonn  a b AB  012Bonn  a b ");
+    const std::string why =
+        ", field code_id: its character U+20AC is not in iso-8859-1 -->\n" + bad + "\n";
+    EXPECT_EQ(read_file("bad.xml"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<rejected>\n"
+              "<!-- d.xml: record 2" +
+                  why + "<!-- d.xml: record 4" + why + "</rejected>\n");
+    const std::string report = read_file("r.json");
+    for (const std::string part : {"\"status\": 3", "\"records\": 4", "\"field\": \"code_id\""}) {
+        EXPECT_NE(report.find(part), std::string::npos) << part << report;
+    }
+    EXPECT_EQ(run({"python3", "-m", "json.tool", "r.json"}).status, 0);
+    // What was rejected is a document that can be converted once its fault is mended.
+    EXPECT_EQ(sxml({"from-xml", "bad.xml", "again.dat", "-l", "i.cpy"}).status, 0);
+    EXPECT_EQ(read_file("again.dat").size(), 2 * 17U);
+    words.insert(words.end(), {"--max-rejects", "1"});
+    EXPECT_EQ(sxml(words).status, 1);
+    // No option names a file that is read.
+    words = {"from-xml", "d.xml", "d.dat", "-l", "i.cpy", "--rejects", "d.xml"};
+    EXPECT_EQ(sxml(words).status, 2);
+    words[6] = "bad.xml";
+    words.insert(words.end(), {"--report", "i.cpy"});
+    EXPECT_EQ(sxml(words).status, 2);
+    EXPECT_EQ(read_file("i.cpy"), COPYBOOK);
+}
+
+TEST_F(CommandTest, RecordsOfFilesAreRejected) {
+    write_file("i.cpy", COPYBOOK);
+    const std::string good = "AB  012Bonn  a b ";
+    const std::string bad = "\x01   012Bonn  a b ";
+    const std::string doubtful = "CD  0x2Bonn  a b ";
+    write_file("d.dat", good + bad + doubtful + good);
+    const Outcome outcome =
+        sxml({"to-xml", "d.dat", "d.xml", "-l", "i.cpy", "--rejects", "bad.dat", "--quiet"});
+    EXPECT_EQ(outcome.status, 3) << outcome.err;
+    EXPECT_EQ(outcome.err,
+              "sxml: warning: d.dat: 1 numeric field held no valid number and came out repaired\n"
+              "sxml: warning: d.dat: 1 record rejected\n");
+    EXPECT_EQ(read_file("bad.dat"), bad);
+    const Outcome strict =
+        sxml({"to-xml", "d.dat", "s.xml", "-l", "i.cpy", "--rejects", "bad.dat", "--strict"});
+    EXPECT_EQ(strict.status, 3) << strict.err;
+    EXPECT_EQ(read_file("bad.dat"), bad + doubtful);
+    sxml({"from-xml", "s.xml", "s.dat", "-l", "i.cpy"});
+    EXPECT_EQ(read_file("s.dat"), good + good);
+    EXPECT_EQ(sxml({"to-xml", "d.dat", "s.xml", "-l", "i.cpy", "--strict"}).status, 1);
+}
+
+TEST_F(CommandTest, RecordsOfNoLayoutAreNamedOnTheWayOut) {
+    write_file("k.cpy",
+               "      *> sxml: when KIND OF A = \"A\"\n"
+               "       01  A.\n"
+               "           05  KIND PIC X(2).\n"
+               "           05  WORD PIC X(3).\n"
+               "      *> sxml: when KIND OF B = \"BB\"\n"
+               "       01  B.\n"
+               "           05  KIND PIC X(2).\n"
+               "           05  SUM-OF PIC 9(3).\n");
+    write_file("k.dat", "A abcBB123XXxyz" + std::string("A\0abc", 5));
+    const Outcome outcome = sxml({"to-xml", "k.dat", "-", "-l", "k.cpy"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.out.find("<word>abc</word>"), std::string::npos);
+    for (const std::string said :
+         {"k.dat: record 3, byte offset 10: none of the record layouts' conditions holds\n",
+          "k.dat: record 4, byte offset 15: none of the record layouts' conditions holds; its NUL "
+          "bytes keep a condition from holding",
+          "k.dat: 2 records of no layout; "}) {
+        EXPECT_NE(outcome.err.find(said), std::string::npos) << said << outcome.err;
+    }
+    EXPECT_EQ(sxml({"to-xml", "k.dat", "-", "-l", "k.cpy", "--strict"}).status, 1);
+}
+
+// A document with one change, made by chance.
+std::string changed(std::string document, std::mt19937& random) {
+    std::vector<std::string> lines;
+    while (!document.empty()) {
+        const std::size_t end = document.find('\n') + 1;
+        lines.push_back(document.substr(0, end));
+        document.erase(0, end);
+    }
+    const auto pick = [&random](std::size_t count) { return random() % count; };
+    std::vector<std::size_t> fields;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const bool is_field = lines[i].find("</") != std::string::npos && lines[i][1] == ' ';
+        if (is_field && lines[i].find('>') + 1 < lines[i].find("</")) fields.push_back(i);
+    }
+    const std::size_t at = fields[pick(fields.size())];
+    std::string& line = lines[at];
+    const std::size_t open = line.find('<');
+    const std::size_t text = line.find('>');
+    const std::size_t close = line.find("</");
+    switch (pick(6)) {
+        case 0:  // renamed
+            line.insert(close + 2, "x").insert(open + 1, "x");
+            break;
+        case 1: {  // moved; rows of a table in another order are other data, not a loss
+            if (line.find("<tag>") != std::string::npos) break;
+            const std::string moved = line;
+            line.clear();
+            lines[fields[pick(fields.size())]].insert(0, moved);
+            break;
+        }
+        case 2:  // doubled
+            line += line;
+            break;
+        case 3:  // dropped
+            line.clear();
+            break;
+        case 4:  // longer
+            line.insert(close, "0123456789");
+            break;
+        default:
+            line.insert(text, " kind=\"1\"");
+    }
+    std::string result;
+    for (const std::string& each : lines) result += each;
+    return result;
+}
+
+TEST_F(CommandTest, NoChangeOfADocumentIsSilent) {
+    write_file("i.cpy", COPYBOOK);
+    write_file("d.dat", "AB  012Bonn  a b CD  345Trier c d EF  678Ulm   e f ");
+    ASSERT_EQ(sxml({"to-xml", "d.dat", "d.xml", "-l", "i.cpy"}).status, 0);
+    const std::string document = read_file("d.xml");
+    for (unsigned seed = 1; seed <= 60; ++seed) {
+        std::mt19937 random(seed);
+        write_file("c.xml", changed(document, random));
+        const Outcome outcome = sxml({"from-xml", "c.xml", "c.dat", "-l", "i.cpy"});
+        const bool is_same = outcome.status == 0 && read_file("c.dat") == read_file("d.dat");
+        EXPECT_TRUE(is_same || !outcome.err.empty()) << seed << "\n" << read_file("c.xml");
+    }
+}
+
+}  // namespace
