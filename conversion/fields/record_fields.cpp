@@ -50,11 +50,12 @@ void evaluate_conditions(Xfd& xfd, const void* record) {
 Result<RecordFields> RecordFields::of(const Xfd& xfd) {
     RecordFields result(xfd);
     if (xfd.item_count <= 0) return result;
-    const int scanned =
-        has_several_layouts(xfd) ? std::min(xfd.record_scan_count, xfd.item_count) : 1;
-    for (int index = 0; index < std::max(scanned, 1); ++index) {
+    const bool has_several = has_several_layouts(xfd);
+    const int scanned = std::min(xfd.record_scan_count, xfd.item_count);
+    for (int index = 0; index < (has_several ? std::max(scanned, 1) : 1); ++index) {
         if (index > 0 && xfd.items[index].level != 1) continue;
-        const int end = std::min(result.end_of_item(index), std::max(scanned, 1));
+        const int end = has_several ? std::min(result.end_of_item(index), std::max(scanned, 1))
+                                    : xfd.item_count;
         RecordLayout layout = result.layout_at(index, end);
         std::vector<int> path;
         if (!result.collect(index, path, layout.fields)) return endless_variants(xfd);
@@ -68,6 +69,8 @@ Result<RecordFields> RecordFields::of(const Xfd& xfd) {
 RecordLayout RecordFields::layout_at(int index, int end) const {
     RecordLayout layout{xfd_->items[index].name, index, end, 0, {}, {}, {}};
     layout.length = std::max(xfd_->items[index].data.length, 0);
+    // The only layout is taken always; the conditions in it tell its fields apart.
+    if (!has_several_layouts(*xfd_)) return layout;
     for (int i = index + 1; i < end; ++i) {
         const std::int16_t condition = xfd_->items[i].condition;
         if (condition == 0 || condition == XFD_GROUP) continue;

@@ -32,7 +32,7 @@ struct RecordLayout {
     std::int32_t first_item;               // the item of level 1
     std::int32_t end_item;                 // after the last
     std::int32_t length;                   // bytes
-    std::vector<std::int16_t> conditions;  // all that must hold in its records
+    std::vector<std::int16_t> conditions;  // of several layouts: all that hold in its records
     std::vector<Field> fields;             // those that are written, variants resolved
     std::vector<Field> texts;              // of these, those of kind text
 };

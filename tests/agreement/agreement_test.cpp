@@ -201,7 +201,7 @@ TEST_F(AgreementTest, Usages) {
         "</rightmost></usages>",
         "<usages><text_of> a  </text_of><edited>CR</edited><whole> 7 </whole><apart>+7</apart>"
         "</usages>",
-        "<usages><TEXT_OF>upper</TEXT_OF><text_of>low</text_of></usages>",
+        "<usages><whole>1</whole><TEXT_OF>upper</TEXT_OF><text_of>low</text_of></usages>",
         "<usages><whole></whole><text_of> </text_of><hexed> </hexed></usages>",
     };
     for (const std::string& body : bodies) read_back(document(body));

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 
+#include "conversion/texts/utf8.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
@@ -20,15 +21,10 @@ constexpr std::size_t LONGEST_TEXT = 80;
 constexpr std::size_t SHOWN_OF_LONG_TEXT = 60;
 constexpr std::size_t BUFFER = std::size_t{1} << 16;
 
-bool is_continuation(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
 // The beginning of a long text, not cut within a character.
 std::string_view beginning(std::string_view text, bool latin1) {
-    std::size_t length = SHOWN_OF_LONG_TEXT;
-    while (!latin1 && length > 0 && is_continuation(text[length])) --length;
-    return text.substr(0, length);
+    constexpr std::size_t MOST = SHOWN_OF_LONG_TEXT;
+    return text.substr(0, latin1 ? MOST : conversion::whole_characters(text, MOST));
 }
 
 void add_escape(std::string& line, unsigned code) {
@@ -147,8 +143,7 @@ void TreePrinter::add_text(std::string_view text) {
         if ((latin1_ || byte < 0x80 || pair) && add_special(lines_, code)) {
             i += pair ? 1 : 0;
         } else if (latin1_ && byte >= 0x80) {
-            lines_ += static_cast<char>(0xC0U | byte >> 6U);
-            lines_ += static_cast<char>(0x80U | (byte & 0x3FU));
+            conversion::append_utf8(byte, lines_);
         } else {
             lines_ += text[i];
         }
