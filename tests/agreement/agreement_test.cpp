@@ -227,7 +227,7 @@ TEST_F(AgreementTest, KindsOfRecords) {
         "<party><kind>P</kind><party_name>Miller</party_name></party>",
         "<any><kind>C</kind><tax_no>123456</tax_no></any>",
         "<sale><amount>1.5</amount><kind>S</kind></sale>",
-        "<party><party_name>Smith</party_name></party>",
+        "<party><kind>P</kind></party><party><party_name>Smith</party_name></party>",
         "<sale/>",
     };
     for (const std::string& body : bodies) read_back(document(body));
