@@ -1,7 +1,7 @@
 #include "conversion/formats/fixed_records.h"
 
 #include <algorithm>
-#include <vector>
+#include <memory>
 
 namespace conversion {
 
@@ -37,7 +37,8 @@ class FixedRecordReader : public RecordReader {
     FixedRecordReader(ByteSource& source, std::size_t record_length)
         : source_(source),
           record_length_(record_length),
-          buffer_(record_length * std::max<std::size_t>(1, BUFFER_SIZE / record_length)) {}
+          size_(record_length * std::max<std::size_t>(1, BUFFER_SIZE / record_length)),
+          buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(size_)) {}
 
     Result<std::optional<Record>> next() override {
         if (position_ == filled_) {
@@ -45,7 +46,7 @@ class FixedRecordReader : public RecordReader {
         }
         if (position_ == filled_) return std::optional<Record>();
         if (filled_ - position_ < record_length_) return cut_short();
-        const Record record{buffer_.data() + position_, record_length_, count_ + 1,
+        const Record record{buffer_.get() + position_, record_length_, count_ + 1,
                             count_ * record_length_};
         position_ += record_length_;
         ++count_;
@@ -55,13 +56,13 @@ class FixedRecordReader : public RecordReader {
   private:
     Done fill() {
         position_ = 0;
-        const Result<std::size_t> count = source_.read(buffer_.data(), buffer_.size());
+        const Result<std::size_t> count = source_.read(buffer_.get(), size_);
         if (!count) return count.problem();
         filled_ = *count;
         if (count_ > 0) return {};
         looks_like_lines_ = filled_ > record_length_ &&
                             (buffer_[record_length_] == '\n' || buffer_[record_length_] == '\r');
-        if (!have_length_headers({buffer_.data(), filled_}, record_length_)) return {};
+        if (!have_length_headers({buffer_.get(), filled_}, record_length_)) return {};
         return problem("each record begins with its length (a header of 4 bytes)",
                        "transfer the file as records of fixed length, without these headers");
     }
@@ -84,7 +85,8 @@ class FixedRecordReader : public RecordReader {
 
     ByteSource& source_;
     std::size_t record_length_;
-    std::vector<std::uint8_t> buffer_;
+    std::size_t size_;
+    std::unique_ptr<std::uint8_t[]> buffer_;  // not cleared: a small file touches little of it
     std::size_t position_ = 0;
     std::size_t filled_ = 0;
     std::uint64_t count_ = 0;
