@@ -116,18 +116,28 @@ void add_help_command(CLI::App& application) {
     });
 }
 
-void add_commands(CLI::App& application) {
-    add_to_xml_command(application);
-    add_from_xml_command(application);
-    add_layout_command(application);
-    add_compile_command(application);
-    add_dtd_command(application);
-    add_dump_command(application);
-    add_schema_command(application);
-    add_cob_command(application);
-    add_rewrite_command(application);
-    add_tree_command(application);
-    add_help_command(application);
+struct Subcommand {
+    std::string_view name;
+    void (*add)(CLI::App& application);
+};
+constexpr Subcommand SUBCOMMANDS[] = {
+    {"to-xml", add_to_xml_command},   {"from-xml", add_from_xml_command},
+    {"layout", add_layout_command},   {"compile", add_compile_command},
+    {"dtd", add_dtd_command},         {"dump", add_dump_command},
+    {"schema", add_schema_command},   {"cob", add_cob_command},
+    {"rewrite", add_rewrite_command}, {"tree", add_tree_command},
+    {"help", add_help_command},
+};
+
+// Adds the subcommand that the first word names, or else all: what is not asked for would take a
+// third of the time of a start.
+void add_commands(CLI::App& application, std::string_view first) {
+    const bool is_named =
+        first != "help" && std::any_of(std::begin(SUBCOMMANDS), std::end(SUBCOMMANDS),
+                                       [&](const Subcommand& one) { return one.name == first; });
+    for (const Subcommand& one : SUBCOMMANDS) {
+        if (!is_named || one.name == first) one.add(application);
+    }
 }
 
 // What all subcommands have in common. Those that hand their words on decide for themselves.
@@ -156,7 +166,9 @@ void run_command_line(int argc, char** argv) {
     application.require_subcommand(1);
     application.footer(
         "`sxml SUBCOMMAND --help` shows the options of a subcommand and an example.");
-    add_commands(application);
+    const std::string_view first = argc > 1 ? argv[1] : "";
+    const bool asks_version = argc == 2 && (first == "--version" || first == "-V");
+    if (!asks_version) add_commands(application, first);
     complete_command(application);
     for (CLI::App* command : application.get_subcommands({})) complete_command(*command);
     try {
