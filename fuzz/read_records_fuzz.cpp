@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/errors.h"
+#include "host/runtime/memory_report.h"
 #include "host/runtime/module.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/trace_control.h"

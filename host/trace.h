@@ -6,10 +6,21 @@
 
 #include "host/export.h"
 
-// The trace level, 0 = off. Callers test it before they format anything. The levels in use:
-//   1 file-interface entries      2 moving field data          3 finding an element
-//   4 comparing array subscripts  6 parser driving, DOCTYPE    7 entity and XML declarations
-//   8 elements                    9 character data, comments   10 content models, element texts
+// The levels in use; a higher one takes in all below it.
+enum HostTraceLevel : std::int16_t {
+    HOST_TRACE_OFF = 0,
+    HOST_TRACE_ENTRIES = 1,       // entries of the file interface
+    HOST_TRACE_DATA = 2,          // moving field data
+    HOST_TRACE_SEARCH = 3,        // finding an element
+    HOST_TRACE_SUBSCRIPTS = 4,    // comparing array subscripts
+    HOST_TRACE_PARSER = 6,        // parser driving, DOCTYPE
+    HOST_TRACE_DECLARATIONS = 7,  // entity and XML declarations
+    HOST_TRACE_ELEMENTS = 8,
+    HOST_TRACE_CONTENT = 9,  // character data, comments
+    HOST_TRACE_MODELS = 10   // content models, element texts
+};
+
+// The trace level. Callers test it before they format anything.
 // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): declared here, initialised by the host
 HOST_DATA std::int16_t host_trace_on;
 

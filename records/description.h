@@ -15,7 +15,12 @@
 
 namespace records {
 
-enum class NameCase { lower = 0, upper = 1, unchanged = 2 };  // values of 4GL_COLUMN_CASE
+// What becomes of COBOL names; the values of 4GL_COLUMN_CASE.
+enum class NameCase {
+    lower = 0,        // lower case, hyphens become underscores
+    underscores = 1,  // hyphens become underscores
+    unchanged = 2
+};
 
 // What 4GL_COLUMN_CASE asks for at the moment: lower when it is not set or has another value.
 NameCase configured_name_case();

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/runtime_api.h"
 
 namespace host {
 

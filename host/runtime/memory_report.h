@@ -6,9 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/export.h"
-
-#define RUNTIME_API __attribute__((visibility("default")))
+#include "host/runtime/runtime_api.h"
 
 namespace host {
 

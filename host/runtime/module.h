@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/dispatch_table.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/runtime_api.h"
 
 namespace host {
 

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "host/runtime/index_records.h"
+#include "host/runtime/name_index.h"
 #include "host/runtime/text_hash.h"
 #include "host/runtime/tracked_memory.h"
 

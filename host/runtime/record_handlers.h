@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/record_handler.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/runtime_api.h"
 
 namespace host {
 

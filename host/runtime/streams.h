@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/export.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/runtime_api.h"
 
 namespace host {
 

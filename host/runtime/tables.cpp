@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "host/name_index.h"
-#include "host/runtime/index_records.h"
+#include "host/runtime/name_index.h"
 #include "host/runtime/tracked_memory.h"
 
 struct HostTable {

@@ -40,7 +40,7 @@ Xfd* parse(const std::string& name) {
 NameCase configured_name_case() {
     switch (host_config_number("4GL_COLUMN_CASE", 0)) {
         case 1:
-            return NameCase::upper;
+            return NameCase::underscores;
         case 2:
             return NameCase::unchanged;
         default:

@@ -221,7 +221,7 @@ TEST(Compile, NamesFollowTheColumnCase) {
         const char* field;
         const char* qualified;
     } cases[] = {{NameCase::lower, "cust_rec_file", "cust_rec", "cust_id", "g_cust_id"},
-                 {NameCase::upper, "CUST_REC_FILE", "CUST_REC", "CUST_ID", "G_CUST_ID"},
+                 {NameCase::underscores, "CUST_REC_FILE", "CUST_REC", "CUST_ID", "G_CUST_ID"},
                  {NameCase::unchanged, "CUST-REC-FILE", "CUST-REC", "CUST-ID", "G-CUST-ID"}};
     for (const auto& each : cases) {
         LayoutOptions options;

@@ -66,7 +66,7 @@ TEST(DescriptionFile, TakesTheOptionsOfItsReader) {
     LayoutOptions options;
     options.name_case = NameCase::unchanged;
     const std::string json = description_to_json(described("01 R-1.\n 05 A-B PIC 9.", options));
-    options.name_case = NameCase::upper;
+    options.name_case = NameCase::underscores;
     options.name = "MY-FILE";
     EXPECT_STREQ(reread(json, options).xfd().items[1].name, "A_B");
     EXPECT_STREQ(reread(json, options).xfd().name, "MY_FILE");

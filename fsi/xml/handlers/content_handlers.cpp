@@ -74,12 +74,12 @@ void processing_instruction(void* expat, const char* target, const char* data) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
     if (host_trace_on) {
-        host_trace(1, 9, "Processing instructions");
-        host_trace(0, 9, "%s", target);
-        host_trace(0, 9, "%s", data);
+        host_trace(1, HOST_TRACE_CONTENT, "Processing instructions");
+        host_trace(0, HOST_TRACE_CONTENT, "%s", target);
+        host_trace(0, HOST_TRACE_CONTENT, "%s", data);
     }
     insert_instruction(parser, HOST_ARRAY_END, target, data, HANDLERS_SOURCE);
-    if (host_trace_on) host_trace(-1, 9, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_CONTENT, "Leaving");
 }
 
 void comment_handler(void* expat, const char* text) {
@@ -87,11 +87,11 @@ void comment_handler(void* expat, const char* text) {
     if (stopped(parser)) return;
     if (is_early(parser)) return keep_comment(parser, text);
     if (host_trace_on) {
-        host_trace(1, 9, "comments:");
-        host_trace(0, 9, "%s", text);
+        host_trace(1, HOST_TRACE_CONTENT, "comments:");
+        host_trace(0, HOST_TRACE_CONTENT, "%s", text);
     }
     const char* leaving = store_comment(parser, text);
-    if (host_trace_on) host_trace(-1, 9, "%s", leaving);
+    if (host_trace_on) host_trace(-1, HOST_TRACE_CONTENT, "%s", leaving);
 }
 
 void default_handler(void* expat, const char* text, int length) {
@@ -99,8 +99,8 @@ void default_handler(void* expat, const char* text, int length) {
     if (stopped(parser)) return;
     const auto size = static_cast<std::size_t>(length);
     if (host_trace_on) {
-        trace_message(1, 9, "default handler, data length %d", length);
-        if (host_trace_on >= 9) host_trace_dump(0, 0, text, size);
+        trace_message(1, HOST_TRACE_CONTENT, "default handler, data length %d", length);
+        if (host_trace_on >= HOST_TRACE_CONTENT) host_trace_dump(0, 0, text, size);
     }
     limit_token(parser, text, size);
     const std::uint32_t bits = parser.state & (XMLPS_IN_DOCTYPE | XMLPS_DOCTYPE_DONE);
@@ -108,5 +108,5 @@ void default_handler(void* expat, const char* text, int length) {
         if (ensure_string(parser.doctype_internal, "XML DOCTYPE internal string", 20))
             host_string_append_n(parser.doctype_internal, text, size, HANDLERS_SOURCE, __LINE__, 0);
     }
-    if (host_trace_on) host_trace(-1, 9, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_CONTENT, "Leaving");
 }

@@ -44,10 +44,10 @@ const char* quantifier_word(XML_Content_Quant quantifier) {
 }
 
 void trace_head(const XML_Content& model) {
-    host_trace(1, 10, "Dumping content model");
-    host_trace(0, 10, "%s", type_word(model.type));
-    host_trace(0, 10, "%s", quantifier_word(model.quant));
-    host_trace(0, 10, "%s", model.name ? model.name : "No name");
+    host_trace(1, HOST_TRACE_MODELS, "Dumping content model");
+    host_trace(0, HOST_TRACE_MODELS, "%s", type_word(model.type));
+    host_trace(0, HOST_TRACE_MODELS, "%s", quantifier_word(model.quant));
+    host_trace(0, HOST_TRACE_MODELS, "%s", model.name ? model.name : "No name");
 }
 
 // A model whose children are being traced.
@@ -67,7 +67,7 @@ void dump_content_model(const XML_Content* model) {
     while (depth > 0) {
         Level& level = levels[depth - 1];
         if (level.next_child == level.model->numchildren || depth == MAX_LEVELS) {
-            host_trace(-1, 10, "Done with model");
+            host_trace(-1, HOST_TRACE_MODELS, "Done with model");
             --depth;
             continue;
         }

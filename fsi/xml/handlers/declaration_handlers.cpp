@@ -60,16 +60,16 @@ void keep_copy(char*& stored, const char* text) {
 void xml_decl(void* expat, const char* version, const char* encoding, int standalone) {
     XmlParser& parser = parser_of(expat);
     if (host_trace_on) {
-        host_trace(1, 7, "XML Declaration");
-        trace_given(7, "version: %s", version);
-        trace_given(7, "encoding: %s", encoding);
-        trace_message(0, 7, "standalone: %d", standalone);
+        host_trace(1, HOST_TRACE_DECLARATIONS, "XML Declaration");
+        trace_given(HOST_TRACE_DECLARATIONS, "version: %s", version);
+        trace_given(HOST_TRACE_DECLARATIONS, "encoding: %s", encoding);
+        trace_message(0, HOST_TRACE_DECLARATIONS, "standalone: %d", standalone);
     }
     keep_copy(parser.version, version);
     keep_copy(parser.encoding_name, encoding);
     parser.standalone = standalone;
     set_input_encoding(parser, declared_encoding(parser.input_encoding, encoding));
-    if (host_trace_on) host_trace(-1, 7, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_DECLARATIONS, "Leaving");
 }
 
 // Setting a default handler the ordinary way would leave references to internal entities unexpanded
@@ -78,10 +78,10 @@ void start_doctype(void* expat, const char* name, const char* sysid, const char*
                    int has_internal_subset) {
     XmlParser& parser = parser_of(expat);
     if (host_trace_on) {
-        trace_message(1, 6, "start doctype (%d)", has_internal_subset);
-        trace_given(6, "doctype: %s", name);
-        trace_given(6, "sysId: %s", sysid);
-        trace_given(6, "pubId: %s", pubid);
+        trace_message(1, HOST_TRACE_PARSER, "start doctype (%d)", has_internal_subset);
+        trace_given(HOST_TRACE_PARSER, "doctype: %s", name);
+        trace_given(HOST_TRACE_PARSER, "sysId: %s", sysid);
+        trace_given(HOST_TRACE_PARSER, "pubId: %s", pubid);
     }
     if (!(parser.flags & XMLOPT_DEFAULT))
         XML_SetDefaultHandlerExpand(parser.expat, default_handler);
@@ -90,22 +90,22 @@ void start_doctype(void* expat, const char* name, const char* sysid, const char*
     keep_text(parser.doctype_name, name, "XML DOCTYPE string");
     keep_text(parser.doctype_pubid, pubid, "XML PubId string");
     keep_text(parser.doctype_sysid, sysid, "XML SysId string");
-    if (host_trace_on) host_trace(-1, 6, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "Leaving");
 }
 
 void end_doctype(void* expat) {
     XmlParser& parser = parser_of(expat);
-    if (host_trace_on) host_trace(1, 6, "end doctype");
+    if (host_trace_on) host_trace(1, HOST_TRACE_PARSER, "end doctype");
     parser.state |= XMLPS_DOCTYPE_DONE;
     end_entities(parser);
     if (!(parser.flags & XMLOPT_DEFAULT)) XML_SetDefaultHandlerExpand(parser.expat, nullptr);
-    if (host_trace_on) host_trace(-1, 6, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "Leaving");
 }
 
 void element_decl(void* expat, const char* name, XML_Content* model) {
     XmlParser& parser = parser_of(expat);
     if (host_trace_on) {
-        trace_message(1, 6, "element declaration %s", name);
+        trace_message(1, HOST_TRACE_PARSER, "element declaration %s", name);
         dump_content_model(model);
     }
     char key[MODEL_NAME_SIZE];
@@ -121,65 +121,65 @@ void element_decl(void* expat, const char* name, XML_Content* model) {
         parser.models = table;
     else
         XML_FreeContentModel(parser.expat, model);
-    if (host_trace_on) host_trace(-1, 6, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "Leaving");
 }
 
 void attlist_decl(void*, const char* element, const char* attribute, const char* type,
                   const char* value, int required) {
     if (!host_trace_on) return;
-    trace_message(1, 8, "attribute list declaration (%d)", required);
-    trace_given(8, "element: %s", element);
-    trace_given(8, "attribute: %s", attribute);
-    trace_given(8, "attribute type: %s", type);
-    trace_given(8, "default: %s", value);
-    host_trace(-1, 8, "Leaving");
+    trace_message(1, HOST_TRACE_ELEMENTS, "attribute list declaration (%d)", required);
+    trace_given(HOST_TRACE_ELEMENTS, "element: %s", element);
+    trace_given(HOST_TRACE_ELEMENTS, "attribute: %s", attribute);
+    trace_given(HOST_TRACE_ELEMENTS, "attribute type: %s", type);
+    trace_given(HOST_TRACE_ELEMENTS, "default: %s", value);
+    host_trace(-1, HOST_TRACE_ELEMENTS, "Leaving");
 }
 
 void entity_decl(void* expat, const char* name, int is_parameter, const char* value, int length,
                  const char* base, const char* sysid, const char* pubid, const char* notation) {
     if (!is_parameter) limit_entity(parser_of(expat), name, value, length);
     if (!host_trace_on) return;
-    trace_message(1, 7, "entity declaration: %s (%d)", name, is_parameter);
-    trace_given(7, "base: %s", base);
-    trace_given(7, "sysId: %s", sysid);
-    trace_given(7, "pubId: %s", pubid);
-    trace_given(7, "notation: %s", notation);
-    host_trace(-1, 7, "Leaving");
+    trace_message(1, HOST_TRACE_DECLARATIONS, "entity declaration: %s (%d)", name, is_parameter);
+    trace_given(HOST_TRACE_DECLARATIONS, "base: %s", base);
+    trace_given(HOST_TRACE_DECLARATIONS, "sysId: %s", sysid);
+    trace_given(HOST_TRACE_DECLARATIONS, "pubId: %s", pubid);
+    trace_given(HOST_TRACE_DECLARATIONS, "notation: %s", notation);
+    host_trace(-1, HOST_TRACE_DECLARATIONS, "Leaving");
 }
 
 void unparsed_entity_decl(void*, const char* name, const char* base, const char* sysid,
                           const char* pubid, const char* notation) {
     if (!host_trace_on) return;
-    host_trace(1, 7, "Unparsed entity");
-    trace_given(7, "name: %s", name);
-    trace_given(7, "base: %s", base);
-    trace_given(7, "sysId: %s", sysid);
-    trace_given(7, "pubId: %s", pubid);
-    trace_given(7, "notation: %s", notation);
-    host_trace(-1, 7, "Leaving");
+    host_trace(1, HOST_TRACE_DECLARATIONS, "Unparsed entity");
+    trace_given(HOST_TRACE_DECLARATIONS, "name: %s", name);
+    trace_given(HOST_TRACE_DECLARATIONS, "base: %s", base);
+    trace_given(HOST_TRACE_DECLARATIONS, "sysId: %s", sysid);
+    trace_given(HOST_TRACE_DECLARATIONS, "pubId: %s", pubid);
+    trace_given(HOST_TRACE_DECLARATIONS, "notation: %s", notation);
+    host_trace(-1, HOST_TRACE_DECLARATIONS, "Leaving");
 }
 
 void notation_decl(void*, const char* name, const char* base, const char* sysid,
                    const char* pubid) {
     if (!host_trace_on) return;
-    host_trace(1, 7, "Notation");
-    trace_given(7, "name: %s", name);
-    trace_given(7, "base: %s", base);
-    trace_given(7, "sysId: %s", sysid);
-    trace_given(7, "pubId: %s", pubid);
-    host_trace(-1, 7, "Leaving");
+    host_trace(1, HOST_TRACE_DECLARATIONS, "Notation");
+    trace_given(HOST_TRACE_DECLARATIONS, "name: %s", name);
+    trace_given(HOST_TRACE_DECLARATIONS, "base: %s", base);
+    trace_given(HOST_TRACE_DECLARATIONS, "sysId: %s", sysid);
+    trace_given(HOST_TRACE_DECLARATIONS, "pubId: %s", pubid);
+    host_trace(-1, HOST_TRACE_DECLARATIONS, "Leaving");
 }
 
 // The entity is skipped: its text is absent from the document.
 int external_entity_ref(XML_Parser, const char* context, const char* base, const char* sysid,
                         const char* pubid) {
     if (host_trace_on) {
-        host_trace(1, 8, "external entity reference");
-        trace_given(8, "context: %s", context);
-        trace_given(8, "base: %s", base);
-        trace_given(8, "sysId: %s", sysid);
-        trace_given(8, "pubId: %s", pubid);
-        host_trace(-1, 8, "Leaving");
+        host_trace(1, HOST_TRACE_ELEMENTS, "external entity reference");
+        trace_given(HOST_TRACE_ELEMENTS, "context: %s", context);
+        trace_given(HOST_TRACE_ELEMENTS, "base: %s", base);
+        trace_given(HOST_TRACE_ELEMENTS, "sysId: %s", sysid);
+        trace_given(HOST_TRACE_ELEMENTS, "pubId: %s", pubid);
+        host_trace(-1, HOST_TRACE_ELEMENTS, "Leaving");
     }
     return XML_STATUS_OK;
 }
@@ -187,8 +187,8 @@ int external_entity_ref(XML_Parser, const char* context, const char* base, const
 // Expat then rejects the document.
 int unknown_encoding(void*, const char* name, XML_Encoding*) {
     if (host_trace_on) {
-        trace_message(1, 9, "unknown encoding: '%s'", name);
-        host_trace(-1, 9, "Leaving");
+        trace_message(1, HOST_TRACE_CONTENT, "unknown encoding: '%s'", name);
+        host_trace(-1, HOST_TRACE_CONTENT, "Leaving");
     }
     return XML_STATUS_ERROR;
 }

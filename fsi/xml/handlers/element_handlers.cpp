@@ -15,10 +15,10 @@ namespace {
 constexpr std::size_t SHORT_TEXT = 100;
 
 void trace_start(const char* name, const char* const* attributes) {
-    trace_message(1, 8, "start_element: '%s' %s attributes", name,
+    trace_message(1, HOST_TRACE_ELEMENTS, "start_element: '%s' %s attributes", name,
                   attributes[0] ? "with" : "without");
     for (; attributes[0]; attributes += 2)
-        trace_message(0, 8, " '%s': '%s'", attributes[0], attributes[1]);
+        trace_message(0, HOST_TRACE_ELEMENTS, " '%s': '%s'", attributes[0], attributes[1]);
 }
 
 // Creates the element that starts, below the innermost open one. 0 when memory is exhausted, and
@@ -95,7 +95,7 @@ bool append_latin1(const XmlParser& parser, const char* text, std::size_t length
 void start_failed(XmlParser& parser, char* name, const char* why) {
     host_free(name, HANDLERS_SOURCE, __LINE__, 0);
     stop_out_of_memory(parser);
-    if (host_trace_on) host_trace(-1, 8, "%s", why);
+    if (host_trace_on) host_trace(-1, HOST_TRACE_ELEMENTS, "%s", why);
 }
 
 }  // namespace
@@ -160,7 +160,7 @@ void start_element(void* expat, const char* name, const char** attributes) {
 
     if (parser.depth == 2) start_record(parser);
     if (is_root) suspend(parser);
-    if (host_trace_on) host_trace(-1, 8, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_ELEMENTS, "Leaving");
 }
 
 void end_element(void* expat, const char* name) {
@@ -169,9 +169,9 @@ void end_element(void* expat, const char* name) {
     if (is_early(parser)) return keep_end(parser, name);
     std::uint64_t length = 0;
     const char* data = xml_element_value(parser.tree.current, &length);
-    if (host_trace_on) trace_message(1, 8, "end_element: '%s'", name);
+    if (host_trace_on) trace_message(1, HOST_TRACE_ELEMENTS, "end_element: '%s'", name);
     if (parser.depth == 0) {
-        if (host_trace_on) host_trace(-1, 8, "Leaving, element depth == 0");
+        if (host_trace_on) host_trace(-1, HOST_TRACE_ELEMENTS, "Leaving, element depth == 0");
         return;
     }
     give_comments(parser, parser.tree.current);
@@ -184,7 +184,7 @@ void end_element(void* expat, const char* name) {
         parser.state |= XMLPS_ROOT_ENDED;
         suspend(parser);
     }
-    if (host_trace_on) host_trace(-1, 8, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_ELEMENTS, "Leaving");
 }
 
 void char_data(void* expat, const char* text, int length) {
@@ -193,8 +193,8 @@ void char_data(void* expat, const char* text, int length) {
     const auto size = static_cast<std::size_t>(length);
     if (is_early(parser)) return keep_text(parser, text, size);
     if (host_trace_on) {
-        trace_message(1, 9, "char data of length %d", length);
-        if (host_trace_on >= 9) host_trace_dump(0, 0, text, size);
+        trace_message(1, HOST_TRACE_CONTENT, "char data of length %d", length);
+        if (host_trace_on >= HOST_TRACE_CONTENT) host_trace_dump(0, 0, text, size);
     }
     const bool appended = stores_latin1(parser)
                               ? append_latin1(parser, text, size)
@@ -202,17 +202,17 @@ void char_data(void* expat, const char* text, int length) {
                                                          text_encoding(parser)) != 0;
     // Without the element handlers there is no element to take the data.
     if (!appended && parser.tree.current) stop_out_of_memory(parser);
-    if (host_trace_on) host_trace(-1, 9, "Leaving");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_CONTENT, "Leaving");
 }
 
 void start_cdata(void*) {
     if (!host_trace_on) return;
-    host_trace(1, 9, "start cdata section");
-    host_trace(-1, 9, "Leaving");
+    host_trace(1, HOST_TRACE_CONTENT, "start cdata section");
+    host_trace(-1, HOST_TRACE_CONTENT, "Leaving");
 }
 
 void end_cdata(void*) {
     if (!host_trace_on) return;
-    host_trace(1, 9, "end cdata section");
-    host_trace(-1, 9, "Leaving");
+    host_trace(1, HOST_TRACE_CONTENT, "end cdata section");
+    host_trace(-1, HOST_TRACE_CONTENT, "Leaving");
 }

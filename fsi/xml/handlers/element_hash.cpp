@@ -37,11 +37,13 @@ bool add_to_element_hash(HostNameIndex* hash, std::uint32_t element, char* name)
 
     auto* head = static_cast<XmlHashEntry*>(host_hash_find(hash, name));
     if (head) {
-        if (host_trace_on) trace_message(0, 8, "Adding element %s to an existing hash", name);
+        if (host_trace_on)
+            trace_message(0, HOST_TRACE_ELEMENTS, "Adding element %s to an existing hash", name);
         head->last->next = entry;
         head->last = entry;
     } else {
-        if (host_trace_on) trace_message(0, 8, "Adding element %s to the hash", name);
+        if (host_trace_on)
+            trace_message(0, HOST_TRACE_ELEMENTS, "Adding element %s to the hash", name);
         if (!host_hash_insert(hash, entry, HANDLERS_SOURCE, __LINE__, 0)) {
             host_free(entry, HANDLERS_SOURCE, __LINE__, 0);
             return false;

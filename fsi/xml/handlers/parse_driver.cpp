@@ -31,11 +31,11 @@ void report_parse_error(XmlParser& parser) {
     const bool is_too_deep = (parser.state & XMLPS_ENTITIES_TOO_DEEP) != 0;
     *host_error_text() =
         keep_error_text(is_too_deep ? ENTITIES_NEST_TOO_DEEP : XML_ErrorString(code));
-    if (host_trace_on) host_trace(-1, 6, "Parse error");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "Parse error");
 }
 
 void leave(const char* text) {
-    if (host_trace_on) host_trace(-1, 6, "%s", text);
+    if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "%s", text);
 }
 
 void leave_out_of_memory() {
@@ -219,7 +219,7 @@ bool feed_to_next_gt(XmlParser& parser, HostStream* stream, bool* at_gt) {
 }  // namespace
 
 void parse_to_next_gt(XmlParser* parser, HostStream* stream) {
-    if (host_trace_on) host_trace(1, 6, "Parsing to next >");
+    if (host_trace_on) host_trace(1, HOST_TRACE_PARSER, "Parsing to next >");
     if (is_over(*parser)) return;
     if (replay_early_events(*parser)) {
         if (accept(*parser, XML_STATUS_OK)) leave("Leaving");
@@ -235,7 +235,7 @@ void parse_to_next_gt(XmlParser* parser, HostStream* stream) {
 }
 
 void parse_to_end(XmlParser* parser, HostStream* stream) {
-    if (host_trace_on) host_trace(1, 6, "Parsing to end of file");
+    if (host_trace_on) host_trace(1, HOST_TRACE_PARSER, "Parsing to end of file");
     if (is_over(*parser)) return;
     parser->state &= ~std::uint32_t{XMLPS_STEPWISE};
     replay_early_events(*parser);

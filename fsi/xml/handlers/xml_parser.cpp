@@ -62,7 +62,7 @@ void install_declaration_handlers(XML_Parser expat, std::uint32_t options) {
 // Ends a creation that ran out of memory.
 XmlParser* creation_failed(XmlParser* parser, const char* why) {
     *host_file_error() = HOST_FILE_NO_MEMORY;
-    if (host_trace_on) host_trace(-1, 6, "%s", why);
+    if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "%s", why);
     free_parser(parser);
     return nullptr;
 }
@@ -105,7 +105,7 @@ XmlParser* create_empty_parser() {
 }
 
 XmlParser* create_parser(std::uint32_t options) {
-    if (host_trace_on) host_trace(1, 6, "Create parser");
+    if (host_trace_on) host_trace(1, HOST_TRACE_PARSER, "Create parser");
     XmlParser* parser = create_empty_parser();
     if (!parser) return creation_failed(nullptr, "Leaving, out of memory");
     set_input_encoding(*parser, HOST_ENCODING_UNKNOWN);
@@ -129,7 +129,7 @@ XmlParser* create_parser(std::uint32_t options) {
     install_content_handlers(parser->expat, options);
     install_declaration_handlers(parser->expat, options);
     limit_entities(*parser);
-    if (host_trace_on) host_trace(-1, 6, "Leaving, parser created");
+    if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "Leaving, parser created");
     return parser;
 }
 

@@ -28,7 +28,8 @@ static_assert(XMLOPT_SEQUENTIAL_FILE == 0x65c18);
 enum XmlNameMode : std::uint32_t {
     XML_NAME_AS_IS = 0,
     XML_NAME_LOWER_UNDERSCORE = 1,  // lower case, hyphens to underscores
-    XML_NAME_UNDERSCORE = 2         // hyphens to underscores
+    XML_NAME_UNDERSCORE = 2,        // hyphens to underscores
+    XML_NAME_AS_WRITTEN = 3
 };
 
 // Bits of XmlParser::state.

@@ -41,13 +41,13 @@ void trace_comparison(const RecordTree& tree, std::uint32_t element, const Numbe
                       const XfdItem& item) {
     const NumberList numbers(found.values, found.count);
     const NumberList subscripts(item.subscripts, item.dimensions());
-    host_trace(1, 4, "same_array_signature for items %s%s and %s%s",
+    host_trace(1, HOST_TRACE_SUBSCRIPTS, "same_array_signature for items %s%s and %s%s",
                name_text(tree.names, tree.elements[element].name), numbers.text(), item.name,
                subscripts.text());
 }
 
 bool leave(bool result, const char* why) {
-    if (host_trace_on != 0) host_trace(-1, 4, "%s", why);
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_SUBSCRIPTS, "%s", why);
     return result;
 }
 

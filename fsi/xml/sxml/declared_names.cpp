@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "fsi/xml/sxml/source.h"
+#include "fsi/xml/sxml/plugin.h"
 #include "host/name_index.h"
 
 namespace {

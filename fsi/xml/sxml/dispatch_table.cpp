@@ -6,7 +6,6 @@
 #include <iterator>
 
 #include "fsi/xml/sxml/entries.h"
-#include "fsi/xml/sxml/host_functions.h"
 #include "fsi/xml/sxml/plugin.h"
 #include "host/errors.h"
 #include "host/startup.h"
@@ -120,19 +119,4 @@ int xml_sunsupported_a() {
 }
 int xml_sunsupported_b() {
     return unsupported(-1);
-}
-
-int xml_sremove(const char* name) {
-    *host_file_error() = HOST_FILE_OK;
-    return host_functions::remove_file()(name);
-}
-
-int xml_srename(const char* old_name, const char* new_name) {
-    *host_file_error() = HOST_FILE_OK;
-    return host_functions::rename_file()(old_name, new_name);
-}
-
-int xml_scopy(const char* source, const char* target) {
-    *host_file_error() = HOST_FILE_OK;
-    return host_functions::copy_file()(source, target);
 }

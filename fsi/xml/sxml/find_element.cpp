@@ -67,14 +67,15 @@ bool ElementSearch::use_index() {
 bool ElementSearch::finish(std::int32_t at, std::uint32_t element, const char* why) {
     steps[at].result = element;
     steps[at].is_known = true;
-    if (host_trace_on != 0) host_trace(-1, 3, "%s", why);
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_SEARCH, "%s", why);
     return true;
 }
 
 bool ElementSearch::start(std::int32_t at) {
     const XfdItem& item = item_of(at);
     steps[at].next = at + 1;
-    if (host_trace_on != 0) host_trace(1, 3, "find_element %d (%s)", steps[at].item, item.name);
+    if (host_trace_on != 0)
+        host_trace(1, HOST_TRACE_SEARCH, "find_element %d (%s)", steps[at].item, item.name);
     const std::uint32_t number = first_element_of(tree_, input_.names[steps[at].item]);
     if (number == 0) return finish(at, 0, "Leaving, no such element");
     const RecordElement& element = tree_.elements[number];

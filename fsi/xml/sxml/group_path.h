@@ -34,7 +34,7 @@ class GroupPath {
     }
 
   private:
-    static OpenGroup groups[CAPACITY];
+    inline static OpenGroup groups[CAPACITY];
     std::size_t depth_ = 0;
 };
 

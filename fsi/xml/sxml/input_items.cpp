@@ -4,7 +4,7 @@
 #include <initializer_list>
 
 #include "fsi/xml/sxml/items.h"
-#include "fsi/xml/sxml/source.h"
+#include "fsi/xml/sxml/plugin.h"
 #include "host/memory.h"
 
 namespace {

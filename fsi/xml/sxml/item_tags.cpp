@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "fsi/xml/sxml/source.h"
+#include "fsi/xml/sxml/plugin.h"
 #include "host/memory.h"
 
 namespace {

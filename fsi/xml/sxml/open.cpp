@@ -12,7 +12,6 @@
 #include "fsi/xml/sxml/plugin.h"
 #include "fsi/xml/sxml/schema.h"
 #include "fsi/xml/sxml/settings.h"
-#include "fsi/xml/sxml/source.h"
 #include "fsi/xml/sxml/xml_file.h"
 #include "fsi/xml/sxml/xml_output.h"
 #include "host/encoding.h"
@@ -23,7 +22,7 @@
 namespace {
 
 void trace_leaving(const char* text) {
-    if (host_trace_on != 0) host_trace(-1, 1, "%s", text);
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_ENTRIES, "%s", text);
 }
 
 constexpr std::string_view XML_SUFFIX = ".xml";
@@ -205,8 +204,8 @@ XmlFile* xml_sopen(const char* name, std::int32_t mode, std::int32_t p3, std::in
                    std::int32_t p5, std::int32_t p6, const char* p7, std::int32_t p8) {
     *host_file_error() = HOST_FILE_OK;
     if (host_trace_on != 0) {
-        host_trace(1, 1, "xml_sopen: '%s', %d, %d, %d, %d, %d, '%s', %d", name, mode, p3, p4, p5,
-                   p6, p7 != nullptr ? p7 : "NULL", p8);
+        host_trace(1, HOST_TRACE_ENTRIES, "xml_sopen: '%s', %d, %d, %d, %d, %d, '%s', %d", name,
+                   mode, p3, p4, p5, p6, p7 != nullptr ? p7 : "NULL", p8);
     }
     const std::int32_t direction = direction_of(mode);
     if (direction != XML_OPEN_INPUT && direction != XML_OPEN_OUTPUT) {

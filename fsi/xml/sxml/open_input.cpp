@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "fsi/xml/handlers/xml_parser.h"
-#include "fsi/xml/sxml/source.h"
+#include "fsi/xml/sxml/plugin.h"
 #include "host/config.h"
 #include "host/errors.h"
 #include "host/memory.h"
@@ -16,20 +16,24 @@ namespace {
 
 constexpr char XML_SUFFIX[] = ".xml";
 
-// How element names are converted; mode 3 leaves them as they are.
+// Values of 4GL_COLUMN_CASE.
+enum ColumnCase : std::int32_t { COLUMN_CASE_UPPER = 1, COLUMN_CASE_UNCHANGED = 2 };
+
+// How element names are converted.
 std::uint32_t name_mode() {
     switch (host_config_number("4GL_COLUMN_CASE", 0)) {
-        case 1:
-            return 2;
-        case 2:
-            return 3;
+        case COLUMN_CASE_UPPER:
+            return XML_NAME_UNDERSCORE;
+        case COLUMN_CASE_UNCHANGED:
+            return XML_NAME_AS_WRITTEN;
         default:
-            return 1;
+            return XML_NAME_LOWER_UNDERSCORE;
     }
 }
 
 bool fail_to_open(int error) {
-    if (host_trace_on != 0) host_trace(-1, 1, "Leaving, open input failed: %d\n", error);
+    if (host_trace_on != 0)
+        host_trace(-1, HOST_TRACE_ENTRIES, "Leaving, open input failed: %d\n", error);
     *host_file_error() = HOST_FILE_CANNOT_OPEN;
     return false;
 }

@@ -24,7 +24,7 @@ namespace {
 constexpr int DUMP_ABOVE = 10;
 
 std::int32_t leave_without_data(const char* why) {
-    if (host_trace_on != 0) host_trace(-1, 2, "%s", why);
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_DATA, "%s", why);
     return 0;
 }
 
@@ -75,7 +75,8 @@ void move_characters(const XfdItem& field, char* target, const char* text, std::
 // when it was left as it is.
 std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record) {
     XfdItem& field = file.xfd->items[index];
-    if (host_trace_on != 0) host_trace(1, 2, "read_xml_data %d (%s)", index, field.name);
+    if (host_trace_on != 0)
+        host_trace(1, HOST_TRACE_DATA, "read_xml_data %d (%s)", index, field.name);
     RecordTree& tree = file.input_items->tree;
     const std::uint32_t element = find_element(file, index);
     if (element == 0 && file.handler != nullptr && file.handler->missing != nullptr) {
@@ -91,7 +92,8 @@ std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record
     }
     tree.elements[element].is_moved = true;
     if (host_trace_on != 0) {
-        host_trace(0, 10, "%.*s", static_cast<int>(std::min<std::size_t>(length, INT_MAX)), text);
+        host_trace(0, HOST_TRACE_MODELS, "%.*s",
+                   static_cast<int>(std::min<std::size_t>(length, INT_MAX)), text);
     }
     char* const target = record + field.offset;
     if (file.handler != nullptr) {
@@ -101,7 +103,7 @@ std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record
     } else {
         move_characters(field, target, text, length);
     }
-    if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_DATA, "Leaving");
     return field.offset + field.data.length;
 }
 
@@ -210,13 +212,14 @@ int xml_sread(XmlFile* file, void* record) {
         *host_file_error() = HOST_FILE_UNSUPPORTED;
         return 0;
     }
-    if (host_trace_on != 0) host_trace(1, 1, "xml_sread");
+    if (host_trace_on != 0) host_trace(1, HOST_TRACE_ENTRIES, "xml_sread");
     if (!parse_record(*file)) {
-        if (host_trace_on != 0) host_trace(-1, 1, "Leaving, SxmlParser_parse_record");
+        if (host_trace_on != 0)
+            host_trace(-1, HOST_TRACE_ENTRIES, "Leaving, SxmlParser_parse_record");
         return 0;
     }
     const std::int32_t best = fill_record(*file, static_cast<char*>(record));
     report_unused(*file);
-    if (host_trace_on != 0) host_trace(-1, 1, "Leaving, %d", best + 1);
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_ENTRIES, "Leaving, %d", best + 1);
     return best + 1;
 }

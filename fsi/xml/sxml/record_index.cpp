@@ -7,7 +7,7 @@
 #include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/elements/name_hash.h"
 #include "fsi/xml/sxml/array_signature.h"
-#include "fsi/xml/sxml/source.h"
+#include "fsi/xml/sxml/plugin.h"
 #include "host/memory.h"
 #include "sxml/xml_api.h"
 

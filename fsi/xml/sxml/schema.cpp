@@ -157,7 +157,7 @@ SchemaResult write_xml_schema(const XmlFile& file) {
     HostStream* const stream = open_schema_file();
     if (stream == nullptr) {
         if (host_trace_on != 0) {
-            host_trace(0, 1, "No schema file given, or unable to open file");
+            host_trace(0, HOST_TRACE_ENTRIES, "No schema file given, or unable to open file");
         }
         return SchemaResult::no_file;
     }

@@ -39,7 +39,7 @@ std::string_view field_bytes(const RecordWriter& writer, const XfdItem& field) {
 }
 
 bool write_binary(RecordWriter& writer, const XfdItem& field) {
-    if (host_trace_on != 0) host_trace(0, 2, "Writing binary data");
+    if (host_trace_on != 0) host_trace(0, HOST_TRACE_DATA, "Writing binary data");
     constexpr char DIGITS[] = "0123456789ABCDEF";
     constexpr std::size_t RUN = 504;
     const std::string_view bytes = field_bytes(writer, field);
@@ -91,7 +91,7 @@ bool is_zero(std::string_view text) {
 
 // A number that does not lie in the record whole has no text.
 bool write_number(RecordWriter& writer, XfdItem& field) {
-    if (host_trace_on != 0) host_trace(0, 2, "Writing numeric data");
+    if (host_trace_on != 0) host_trace(0, HOST_TRACE_DATA, "Writing numeric data");
     const std::string_view bytes = field_bytes(writer, field);
     if (bytes.empty() || bytes.size() != static_cast<std::size_t>(field.data.length)) return false;
     const std::string_view text = convert_number(writer, field, bytes);
@@ -117,7 +117,7 @@ std::string_view given_text(const RecordWriter& writer, const XfdItem& field) {
 }
 
 bool write_characters(RecordWriter& writer, const XfdItem& field) {
-    if (host_trace_on != 0) host_trace(0, 2, "Writing character data");
+    if (host_trace_on != 0) host_trace(0, HOST_TRACE_DATA, "Writing character data");
     const std::string_view bytes =
         writer.text_giver == nullptr ? field_bytes(writer, field) : given_text(writer, field);
     const XmlTextSpan span = {bytes.data(), bytes.size(),
@@ -128,9 +128,9 @@ bool write_characters(RecordWriter& writer, const XfdItem& field) {
 // Writes a field's value. Result: whether there was any text to write.
 bool write_xml_data(RecordWriter& writer, std::int32_t index) {
     XfdItem& field = writer.xfd.items[index];
-    if (host_trace_on != 0) host_trace(1, 2, "write_xml_data");
+    if (host_trace_on != 0) host_trace(1, HOST_TRACE_DATA, "write_xml_data");
     if (field.condition != 0 && !condition_holds(writer.xfd, field.condition)) {
-        if (host_trace_on != 0) host_trace(-1, 2, "Leaving, condition failed");
+        if (host_trace_on != 0) host_trace(-1, HOST_TRACE_DATA, "Leaving, condition failed");
         return false;
     }
     bool written = false;
@@ -141,7 +141,7 @@ bool write_xml_data(RecordWriter& writer, std::int32_t index) {
     } else {
         written = write_characters(writer, field);
     }
-    if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_DATA, "Leaving");
     return written;
 }
 
@@ -177,7 +177,7 @@ std::int32_t next_child_in_record(const RecordWriter& writer, std::int32_t child
 void finish_piece(RecordWriter& writer, std::int32_t item, std::uint32_t start, bool has_data) {
     writer.output.write_tag(writer.tags.end_tag(item));
     if (!has_data && settings::ignore_empty_data()) writer.output.go_back(start);
-    if (host_trace_on != 0) host_trace(-1, 2, "Leaving");
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_DATA, "Leaving");
 }
 
 // Starts an item's element. A field is written whole; a group is left open, innermost on the path.
@@ -186,7 +186,8 @@ bool start_piece(RecordWriter& writer, GroupPath& path, std::int32_t index) {
     RecordOutput& output = writer.output;
     const std::uint32_t start = output.position();
     if (host_trace_on != 0) {
-        host_trace(1, 2, "write_xml_piece, %d, %s", index, writer.xfd.items[index].name);
+        host_trace(1, HOST_TRACE_DATA, "write_xml_piece, %d, %s", index,
+                   writer.xfd.items[index].name);
     }
     const std::int32_t written = written_item(writer.xfd, index, path);
     const XfdItem& item = writer.xfd.items[written];
@@ -254,10 +255,11 @@ int xml_swrite(XmlFile* file, const void* record, std::uint32_t length) {
                            RecordOutput(file->out, file->out_encoding)};
     const std::uint32_t start = writer.output.position();
     *host_file_error() = HOST_FILE_OK;
-    if (host_trace_on != 0) host_trace(1, 1, "xml_swrite, %d", static_cast<int>(length));
+    if (host_trace_on != 0)
+        host_trace(1, HOST_TRACE_ENTRIES, "xml_swrite, %d", static_cast<int>(length));
     const bool has_data = write_xml_piece(writer, layout_to_write(*file, record));
     if (!has_data && settings::ignore_empty_data()) writer.output.go_back(start);
     writer.output.flush();
-    if (host_trace_on != 0) host_trace(-1, 1, "Leaving");
+    if (host_trace_on != 0) host_trace(-1, HOST_TRACE_ENTRIES, "Leaving");
     return 1;
 }

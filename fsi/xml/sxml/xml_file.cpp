@@ -1,7 +1,7 @@
 #include "fsi/xml/sxml/xml_file.h"
 
 #include "fsi/xml/sxml/host_functions.h"
-#include "fsi/xml/sxml/source.h"
+#include "fsi/xml/sxml/plugin.h"
 #include "host/memory.h"
 #include "sxml/xml_api.h"
 
