@@ -16,7 +16,7 @@ for name in $subcommands; do
 done
 # Text from the pages of the documentation has reached the manual.
 for text in sxml.1:'temporary name' sxml-to-xml.1:EBCDIC sxml-settings.5:SXML_CREATE_STYLE sxml-tree.1:'EXIT STATUS'; do
-    mandoc -Tascii "${text%%:*}" | col -b | tr -s '\n ' ' ' | grep -qF -- "${text#*:}" || fail "$text is missing"
+    mandoc -Tascii "${text%%:*}" | sed 's/.\x08//g' | tr -s '\n ' ' ' | grep -F -- "${text#*:}" >/dev/null || fail "$text is missing"
 done
 
 source ./sxml.bash
