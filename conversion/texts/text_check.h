@@ -29,13 +29,8 @@ class TextCheck {
     // The first problem of a text. Allowed are the characters that XML 1.0 allows, and NUL bytes
     // that fill up the end of the text.
     std::optional<TextProblem> check(const std::uint8_t* text, std::int32_t length) const {
-        unsigned seen = 0;
-        std::int32_t i = 0;
-        for (; i + 4 <= length; i += 4) {
-            seen |= special_[text[i]] | special_[text[i + 1]] | special_[text[i + 2]] |
-                    special_[text[i + 3]];
-        }
-        for (; i < length; ++i) seen |= special_[text[i]];
+        std::uint8_t seen = 0;
+        for (std::int32_t i = 0; i < length; ++i) seen |= special_[text[i]];
         if (seen == 0) return std::nullopt;
         return look_closely(text, length);
     }

@@ -84,8 +84,10 @@ void end_in_record(void* expat, const char* name) {
 
 void text_in_record(void* expat, const char* text, int length) {
     XmlParser& parser = parser_of(expat);
-    if (stopped(parser)) return;
     const auto size = static_cast<std::size_t>(length);
+    // Most texts that are not kept are the white space between elements.
+    if (parser.depth > 1 && !parser.record->keeps_text && is_blank(text, size)) return;
+    if (stopped(parser)) return;
     if (is_early(parser)) return keep_text(parser, text, size);
     RecordTree& tree = *parser.record;
     if (!tree.keeps_text) return note_lost_text(tree, text, size);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <string_view>
 
 #include "fsi/xml/handlers/make_room.h"
 #include "host/encoding.h"
@@ -226,9 +225,10 @@ bool keep_record_text(RecordTree& tree, std::size_t length) {
 }
 
 void note_attribute(RecordTree& tree, const char* name) {
-    constexpr std::string_view NO_DATA[] = {"xmlns", "xml:", "xsi:"};
-    const std::string_view text = name;
-    const auto begins = [text](std::string_view start) { return text.starts_with(start); };
+    constexpr const char* NO_DATA[] = {"xmlns", "xml:", "xsi:"};
+    const auto begins = [name](const char* start) {
+        return std::strncmp(name, start, std::strlen(start)) == 0;
+    };
     if (std::none_of(std::begin(NO_DATA), std::end(NO_DATA), begins)) {
         tree.elements[tree.current].has_attributes = true;
     }
@@ -236,10 +236,7 @@ void note_attribute(RecordTree& tree, const char* name) {
 
 void note_lost_text(RecordTree& tree, const char* text, std::size_t length) {
     if (!tree.notes_unused || tree.current == 0) return;
-    const auto is_blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-    if (!std::all_of(text, text + length, is_blank)) {
-        tree.elements[tree.current].has_other_text = true;
-    }
+    if (!is_blank(text, length)) tree.elements[tree.current].has_other_text = true;
 }
 
 bool append_record_text(RecordTree& tree, const char* text, std::size_t length) {

@@ -140,15 +140,11 @@ bool is_used(RecordTree& tree, std::uint32_t number) {
 }
 
 // Texts of white space are no data.
-bool has_unused_text(const XmlFile& file, std::uint32_t number) {
-    InputItems& items = *file.input_items;
-    const RecordElement& element = items.tree.elements[number];
+bool has_unused_text(const RecordTree& tree, std::uint32_t number) {
+    const RecordElement& element = tree.elements[number];
     if (element.has_other_text || element.is_moved) return element.has_other_text;
-    const char* text = nullptr;
-    std::size_t length = 0;
-    const RecordText result =
-        get_record_text(items.tree, number, items.text_encoding, &text, &length);
-    return result != RecordText::NONE && length > 0;
+    return element.has_text && (element.first_piece != 0 ||
+                                !is_blank(tree.text + element.text_start, element.text_length));
 }
 
 // Tells the host of the record's elements when one of them holds something that went into no field.
@@ -161,7 +157,7 @@ void report_unused(const XmlFile& file) {
     for (number = 1; number <= tree.last_element; ++number) {
         const RecordElement& element = tree.elements[number];
         const HostRecordElement told = {number, element.parent, name_text(tree.names, element.name),
-                                        has_unused_text(file, number), element.has_attributes};
+                                        has_unused_text(tree, number), element.has_attributes};
         file.handler->unused(file.handler->context, &told);
     }
 }
