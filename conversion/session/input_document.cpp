@@ -9,6 +9,7 @@
 #include "host/config.h"
 #include "host/encoding.h"
 #include "host/errors.h"
+#include "host/runtime/memory_report.h"
 #include "platform/files.h"
 #include "records/alignment.h"
 #include "records/field_types.h"
@@ -18,6 +19,7 @@ namespace conversion {
 
 namespace {
 
+constexpr std::int32_t EXPAT_NO_MEMORY = 1;  // Expat's code
 constexpr const char* EXACT_TABLE_MATCH = "SXML_EXACT_TABLE_MATCH";
 
 std::string records_text(std::uint64_t count) {
@@ -136,7 +138,7 @@ Result<bool> InputDocument::read() {
     begin_record();
     const int result = module_.read(module_file_.file, record_.data());
     const int code = *host_file_error();
-    if (is_out_of_memory_) return Problem{Cause::no_memory, {}, "there is not enough memory", {}};
+    if (is_out_of_memory_) return Problem{Cause::no_memory, {}, host::memory_problem(), {}};
     if (result > 0 && code == HOST_FILE_OK) {
         ++count_;
         filled_length_ = result - 1;
@@ -153,8 +155,10 @@ Result<bool> InputDocument::read() {
 }
 
 Problem InputDocument::reading_problem() const {
-    if (*host_file_error() == HOST_FILE_NO_MEMORY) {
-        return {Cause::no_memory, {}, "there is not enough memory", {}};
+    const bool is_of_expat =
+        *host_file_error() == HOST_FILE_XML && *host_error_subcode() == EXPAT_NO_MEMORY;
+    if (*host_file_error() == HOST_FILE_NO_MEMORY || is_of_expat) {
+        return {Cause::no_memory, {}, host::memory_problem(), {}};
     }
     const std::string before = records_text(count_) + " came before";
     if (can_be_read_again(options_.file)) {

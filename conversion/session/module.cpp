@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/errors.h"
+#include "host/runtime/memory_report.h"
 #include "host/runtime/record_handlers.h"
 #include "host/runtime/streams.h"
 #include "records/numbers.h"
@@ -69,7 +70,7 @@ std::string error_text(int error) {
 Problem problem_of_opening(const FileToOpen& file, int error) {
     Place place{.file = file.shown_name.empty() ? file.name : file.shown_name};
     if (*host_file_error() == HOST_FILE_NO_MEMORY) {
-        return {Cause::no_memory, {}, "there is not enough memory", {}};
+        return {Cause::no_memory, {}, host::memory_problem(), {}};
     }
     if (!records::last_description_error().empty()) {
         return {Cause::layout, std::move(place), records::last_description_error(), {}};

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/runtime/immortal.h"
+#include "host/runtime/memory_report.h"
 #include "host/runtime/setting_values.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/settings_file.h"
@@ -30,8 +31,9 @@ constexpr std::string_view OWN_PREFIX = "SXML_";
 // shell, which a name with a leading digit cannot.
 constexpr const char* COLUMN_CASE = "4GL_COLUMN_CASE";
 constexpr const char* COLUMN_CASE_ALIAS = "SXML_COLUMN_CASE";
-constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS, "SXML_PATH", "SXML_FD",
-                                          "SXML_FETCH_LIMIT"};
+constexpr const char* MEMORY_LIMIT = "SXML_MEMORY_LIMIT";  // in MiB; 0 or less: no limit
+constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS,  "SXML_PATH",
+                                          "SXML_FD",   "SXML_FETCH_LIMIT", MEMORY_LIMIT};
 // Those of programs that embed the host: which files are XML, what is said, and SXML_LAYOUT_name
 // for the layout of each file.
 constexpr const char* PROGRAM_VARIABLES[] = {"SXML_FILES", "SXML_VERBOSE"};
@@ -231,6 +233,12 @@ void forget_resolved(std::string_view name) {
     }
 }
 
+void apply_memory_limit() {
+    constexpr unsigned MEBIBYTE = 20;
+    const auto limit = look_up_number(MEMORY_LIMIT, std::int16_t{0});
+    limit_memory(limit > 0 ? static_cast<std::uint64_t>(limit) << MEBIBYTE : 0);
+}
+
 }  // namespace
 
 bool set_config(const std::string& name, const std::optional<std::string>& value,
@@ -238,8 +246,8 @@ bool set_config(const std::string& name, const std::optional<std::string>& value
     const std::string own_name(canonical(name));
     const auto declared = config->declared.find(own_name);
     const HostSetting* setting = declared != config->declared.end() ? declared->second : nullptr;
-    const bool is_number =
-        setting != nullptr ? !is_text_kind(setting->kind) : own_name == COLUMN_CASE;
+    const bool is_number = setting != nullptr ? !is_text_kind(setting->kind)
+                                              : own_name == COLUMN_CASE || own_name == MEMORY_LIMIT;
     if (value.has_value() && is_number && !setting_number(setting, *value).has_value()) {
         if (problem != nullptr) *problem = name + " takes " + expected_values(setting);
         return false;
@@ -250,6 +258,7 @@ bool set_config(const std::string& name, const std::optional<std::string>& value
         config->program_values.erase(own_name);
     }
     forget_resolved(own_name);
+    apply_memory_limit();
     return true;
 }
 
@@ -271,6 +280,7 @@ void refresh_environment() {
         entry->is_resolved = false;
         entry->is_reported = false;
     }
+    apply_memory_limit();
 }
 
 std::vector<std::string> known_settings() {
@@ -298,6 +308,7 @@ int host_register_settings(const HostSetting* table, int count, int /*reserved*/
         check_file_names();
         // Values that a setting cannot take are reported now, not when it is first needed.
         for (int i = 0; i < count; ++i) look_up(table[i].name);
+        apply_memory_limit();
     } catch (const std::bad_alloc&) {
         return 0;
     }

@@ -27,7 +27,9 @@ struct Counters {
     std::uint64_t live_bytes;
     std::uint64_t damaged;
     std::uint64_t until_failure;  // allocations up to and including the one that fails; 0 = off
+    std::uint64_t limit = UINT64_MAX;  // for live_bytes
     bool failed;
+    bool limit_was_met;
 };
 
 constinit Counters counters{};
@@ -63,6 +65,15 @@ bool may_allocate() {
     ++counters.allocations;
     if (counters.until_failure == 0 || --counters.until_failure != 0) return true;
     counters.failed = true;
+    return false;
+}
+
+// False when `more` bytes would be beyond the limit.
+bool is_within_limit(std::uint64_t more) {
+    if (counters.live_bytes <= counters.limit && more <= counters.limit - counters.live_bytes) {
+        return true;
+    }
+    counters.limit_was_met = true;
     return false;
 }
 
@@ -122,7 +133,7 @@ void count_out(const BlockHeader* header) {
 
 void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
     std::uint32_t number = 0;
-    if (!may_allocate() || !find_site(origin, number)) return nullptr;
+    if (!may_allocate() || !is_within_limit(size) || !find_site(origin, number)) return nullptr;
     BlockHeader* header = take_block(size, zeroed);
     if (header == nullptr) return nullptr;
     void* block = payload_of(header);
@@ -152,7 +163,9 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
     if (!check_block(block)) return nullptr;
     BlockHeader* header = header_of(block);
     std::uint32_t number = 0;
-    if (!may_allocate() || !find_site({source, line, description_of(block)}, number)) {
+    const std::size_t present = block_size(header);
+    if (!may_allocate() || (size > present && !is_within_limit(size - present)) ||
+        !find_site({source, line, description_of(block)}, number)) {
         return nullptr;
     }
     count_out(header);
@@ -207,6 +220,16 @@ void fail_allocation(std::uint64_t n) {
 
 bool allocation_failed() {
     return memory::counters.failed;
+}
+
+void limit_memory(std::uint64_t bytes) {
+    memory::counters.limit = bytes == 0 ? UINT64_MAX : bytes;
+}
+
+const char* memory_problem() {
+    return memory::counters.limit_was_met ? "more memory is needed than SXML_MEMORY_LIMIT allows; "
+                                            "raise it if the input is sound"
+                                          : "there is not enough memory";
 }
 
 }  // namespace host

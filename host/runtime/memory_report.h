@@ -45,6 +45,12 @@ RUNTIME_API bool guards_blocks();
 RUNTIME_API void fail_allocation(std::uint64_t n);
 RUNTIME_API bool allocation_failed();
 
+// The most that the live blocks may take; what goes beyond fails as if memory were exhausted. 0: no
+// limit. The setting SXML_MEMORY_LIMIT sets it.
+RUNTIME_API void limit_memory(std::uint64_t bytes);
+// Why memory ran out, for people: the limit, once it was met, or memory itself. Takes none.
+RUNTIME_API const char* memory_problem();
+
 // A line per live block, as SXML_HOST_LEAKS=1 prints it when the process ends.
 RUNTIME_API std::string leak_report();
 

@@ -133,6 +133,37 @@ TEST_F(DocumentsTest, KeepTheirComments) {
     }
 }
 
+// A document that needs more memory than it may have is refused; what was there stays.
+TEST_F(DocumentsTest, MayTakeSoMuchMemory) {
+    std::string deep;
+    for (int i = 0; i < 30'000; ++i) deep += "<e>";
+    for (int i = 0; i < 30'000; ++i) deep += "</e>";
+    write_file("deep.xml", deep);
+    std::string wide = "<a><r>";
+    for (int i = 0; i < 100'000; ++i) wide += "<e/>";
+    write_file("wide.xml", wide + "</r></a>");
+    write_file("r.cpy", "01 REC. 05 R PIC X(9).\n");
+    const std::vector<std::vector<std::string>> commands = {
+        {"tree", "deep.xml"},
+        {"rewrite", "deep.xml", "out"},
+        {"from-xml", "wide.xml", "out", "--layout", "r.cpy"},
+    };
+    for (const auto& command : commands) {
+        write_file("out", "as it was");
+        setenv("SXML_MEMORY_LIMIT", "4", 1);
+        const Outcome refused = sxml(command);
+        setenv("SXML_MEMORY_LIMIT", "400", 1);
+        EXPECT_EQ(refused.status, 1) << command[0];
+        EXPECT_EQ(refused.out, "") << command[0];
+        EXPECT_NE(refused.err.find("sxml: more memory is needed than SXML_MEMORY_LIMIT allows"),
+                  std::string::npos)
+            << refused.err;
+        EXPECT_EQ(read_file("out"), "as it was") << command[0];
+        EXPECT_EQ(sxml(command).status, 0) << command[0];
+    }
+    unsetenv("SXML_MEMORY_LIMIT");
+}
+
 TEST_F(DocumentsTest, ComeFromAnywhereAndGoAnywhere) {
     write_file("in.xml", ORDERS);
     write_file("<?xml odd", ORDERS);

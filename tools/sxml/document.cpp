@@ -4,6 +4,7 @@
 
 #include "conversion/session/module.h"
 #include "host/errors.h"
+#include "host/runtime/memory_report.h"
 #include "records/description.h"
 #include "tools/sxml/errors.h"
 
@@ -12,7 +13,7 @@ namespace command {
 namespace {
 
 [[noreturn]] void fail_open(const std::string& name, int error) {
-    if (*host_file_error() == HOST_FILE_NO_MEMORY) fail("there is not enough memory");
+    if (*host_file_error() == HOST_FILE_NO_MEMORY) fail(host::memory_problem());
     if (!records::last_description_error().empty()) fail(records::last_description_error());
     fail_file(name, error);
 }

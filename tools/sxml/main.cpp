@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "host/runtime/memory_report.h"
 #include "platform/interrupts.h"
 #include "platform/standard_streams.h"
 #include "tools/sxml/command_line.h"
@@ -19,7 +20,10 @@ int main(int argc, char** argv) {
         if (*failure.what() != '\0') command::say("sxml: " + std::string(failure.what()) + "\n");
         return failure.status();
     } catch (const std::bad_alloc&) {
-        command::say("sxml: there is not enough memory\n");
+        // Text by text: this must take no memory.
+        command::say("sxml: ");
+        command::say(host::memory_problem());
+        command::say("\n");
     } catch (const std::exception& error) {
         command::say("sxml: " + std::string(error.what()) + "\n");
     }

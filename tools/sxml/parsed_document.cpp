@@ -11,11 +11,14 @@ namespace command {
 
 namespace {
 
+constexpr std::int32_t EXPAT_NO_MEMORY = 1;  // Expat's code
+
 [[noreturn]] void fail_open(const XmlApi& api, const conversion::DocumentSource& input, int error) {
     std::int32_t code = 0;
     const std::string message = api.xml_last_error(&code);
     if (code == XMLERR_OPEN_FILE) fail_file(input.name(), error);
-    if (code == XMLERR_PARSE && *host_file_error() == HOST_FILE_XML) {
+    const bool is_memory = *host_error_subcode() == EXPAT_NO_MEMORY;
+    if (code == XMLERR_PARSE && *host_file_error() == HOST_FILE_XML && !is_memory) {
         // The module says what is wrong, Expat alone where.
         const std::string text = *host_error_text();
         conversion::Done problem = conversion::check_document(input.file(), input.name());
@@ -47,10 +50,12 @@ ParsedDocument::ParsedDocument(const XmlApi& api, const conversion::DocumentSour
                                std::uint32_t options)
     : api_(api), parser_(api.xml_open_file(input.file().c_str(), options | XMLOPT_PARSE_WHOLE, 0)) {
     if (parser_ == 0) fail_open(api, input, errno);
-    // For the module the end of the input is no error, wherever it comes.
-    conversion::Done problem = conversion::check_document(input.file(), input.name());
-    if (!problem) return;
+    // For the module the end of the input is no error, wherever it comes; what is missing then
+    // shows in the subcode.
+    if (*host_error_subcode() == 0) return;
     api_.xml_free_parser(parser_);
+    conversion::Done problem = conversion::check_document(input.file(), input.name());
+    if (!problem) fail(input.name() + ": the document is not complete");
     problem->what = "the document is not complete: " + problem->what;
     fail(*problem);
 }

@@ -123,6 +123,7 @@ XmlParser* create_parser(std::uint32_t options) {
         parser->element_hash = create_element_hash();
         if (!parser->element_hash) return creation_failed(parser, "No memory for hash");
     }
+    parser->state |= XMLPS_READ;
     XML_SetUserData(parser->expat, parser);
     XML_UseParserAsHandlerArg(parser->expat);
     turn_off_reparse_deferral(parser->expat);
@@ -133,14 +134,18 @@ XmlParser* create_parser(std::uint32_t options) {
     return parser;
 }
 
+void end_parsing(XmlParser& parser) {
+    if (parser.expat) XML_ParserFree(parser.expat);
+    parser.expat = nullptr;
+    free_text(parser.buffer);
+}
+
 void free_parser(XmlParser* parser) {
     if (!parser) return;
     free_text(parser->version);
     free_text(parser->encoding_name);
     // Expat goes before the models, which are memory that it handed over.
-    if (parser->expat) XML_ParserFree(parser->expat);
-    parser->expat = nullptr;
-    free_text(parser->buffer);
+    end_parsing(*parser);
     for (std::uint32_t* string :
          {&parser->doctype_name, &parser->doctype_internal, &parser->doctype_pubid,
           &parser->doctype_sysid, &parser->top_comments, &parser->pending_comments})

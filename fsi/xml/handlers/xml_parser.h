@@ -34,20 +34,21 @@ enum XmlNameMode : std::uint32_t {
 
 // Bits of XmlParser::state.
 enum XmlParserState : std::uint32_t {
-    XMLPS_IN_DOCTYPE = 0x1,           // a DOCTYPE declaration has started
-    XMLPS_DOCTYPE_DONE = 0x2,         // it has ended
-    XMLPS_ENCODING_DETECTED = 0x8,    // the first bytes were looked at; never repeated
-    XMLPS_STEPWISE = 0x10,            // Expat is suspended where a record may start or end
-    XMLPS_SUSPENDED = 0x20,           // Expat is suspended and holds input that it was given
-    XMLPS_RECORD_STARTED = 0x40,      // a child of the document element has started
-    XMLPS_OUT_OF_MEMORY = 0x80,       // a handler failed: the tree is incomplete, nothing follows
-    XMLPS_INPUT_ENDED = 0x100,        // Expat was told that the input has ended
-    XMLPS_FAILED = 0x200,             // Expat rejected the document
-    XMLPS_RECORD_ENDED = 0x400,       // the record that was asked for has ended
-    XMLPS_REPLAYING = 0x800,          // events that were kept are being delivered
-    XMLPS_ROOT_ENDED = 0x1000,        // the document element has ended
-    XMLPS_END_TOLD = 0x2000,          // a caller who asked for a record was told so
-    XMLPS_ENTITIES_TOO_DEEP = 0x4000  // why the parse was stopped
+    XMLPS_IN_DOCTYPE = 0x1,            // a DOCTYPE declaration has started
+    XMLPS_DOCTYPE_DONE = 0x2,          // it has ended
+    XMLPS_ENCODING_DETECTED = 0x8,     // the first bytes were looked at; never repeated
+    XMLPS_STEPWISE = 0x10,             // Expat is suspended where a record may start or end
+    XMLPS_SUSPENDED = 0x20,            // Expat is suspended and holds input that it was given
+    XMLPS_RECORD_STARTED = 0x40,       // a child of the document element has started
+    XMLPS_OUT_OF_MEMORY = 0x80,        // a handler failed: the tree is incomplete, nothing follows
+    XMLPS_INPUT_ENDED = 0x100,         // Expat was told that the input has ended
+    XMLPS_FAILED = 0x200,              // Expat rejected the document
+    XMLPS_RECORD_ENDED = 0x400,        // the record that was asked for has ended
+    XMLPS_REPLAYING = 0x800,           // events that were kept are being delivered
+    XMLPS_ROOT_ENDED = 0x1000,         // the document element has ended
+    XMLPS_END_TOLD = 0x2000,           // a caller who asked for a record was told so
+    XMLPS_ENTITIES_TOO_DEEP = 0x4000,  // why the parse was stopped
+    XMLPS_READ = 0x8000                // the document is one that was read, not built
 };
 
 // A processing instruction; the parser owns both strings.
@@ -63,7 +64,7 @@ struct RecordTree;
 // A zero-filled record without an Expat parser stands for a document that is built in memory.
 // The parser owns everything it refers to except the bytes between `position` and `end`.
 struct XmlParser {
-    XML_Parser expat;                // null in a record made without one
+    XML_Parser expat;                // null in a record made without one, and after end_parsing
     std::uint32_t flags;             // option word
     char* version;                   // of the XML declaration, or null
     char* encoding_name;             // of the XML declaration, or null
@@ -110,6 +111,10 @@ XmlParser* create_parser(std::uint32_t options);
 
 // Creates a record without an Expat parser. Null when memory is exhausted.
 XmlParser* create_empty_parser();
+
+// Releases what only parsing needs, when nothing is left to be parsed: Expat keeps as much for each
+// level of nesting as the tree does for an element.
+void end_parsing(XmlParser& parser);
 
 // Releases a parser with its tree and everything else it collected. Null is allowed.
 void free_parser(XmlParser* parser);

@@ -74,7 +74,7 @@ bool document_is_ascii(const XmlParser& parser) {
 const char* written_encoding(const XmlParser& parser) {
     const char* name = parser.encoding_name;
     const bool usable = !name || !names_wide_units(name);
-    const bool was_read = parser.expat != nullptr;
+    const bool was_read = (parser.state & XMLPS_READ) != 0;
     // Only its maker knows what a document is in that was not read.
     if (!was_read) return usable ? name : "UTF-8";
     const char* actual = stores_latin1(parser) ? "ISO-8859-1" : "UTF-8";

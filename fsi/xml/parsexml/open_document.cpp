@@ -58,6 +58,7 @@ XmlErrorCode parse_beginning(XmlParserInfo& info) {
     if (!whole) return XMLERR_NONE;
     if (may_go_on()) parse_to_end(parser, info.stream);
     if (parse_failed()) return XMLERR_PARSE;
+    end_parsing(*parser);
     close_input(info);
     return XMLERR_NONE;
 }
