@@ -46,6 +46,9 @@ TEST_F(HostileDescriptionsTest, FieldsStayInsideTheRecord) {
         XfdBuilder builder("f");
         builder.text(1, "v", c.offset, c.length);
         EXPECT_EQ(elements(builder.xfd(), {"abcd"}), std::string(" <v>") + c.expected + "</v>\r\n");
+        XfdBuilder number("f");
+        number.number(1, "v", c.offset, c.length, 5);
+        EXPECT_EQ(elements(number.xfd(), {"1234"}), " <v></v>\r\n");
         for (const int digits : {-128, 5, 127}) {
             XfdBuilder group("f");
             group.group(1, "g");

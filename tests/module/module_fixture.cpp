@@ -30,6 +30,8 @@ Xfd* parse_xfd(const char* name, int first, int second) {
     const auto found = descriptions.find(name);
     if (lookups_refused-- > 0 || found == descriptions.end()) return nullptr;
     ++descriptions_out;
+    // A reader of descriptions may open files of its own.
+    if (found->second->item_count > 0) *host_file_error() = 99;
     return found->second;
 }
 

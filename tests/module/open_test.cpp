@@ -31,6 +31,7 @@ TEST_F(OpenTest, SettingsShapeTheProlog) {
         {"CREATE_STYLE=NONE", ""},
         {"", "<!DOCTYPE customers [\n<!ELEMENT customers (row)*>\n <!ELEMENT row (#PCDATA)>\n]>\n"},
         {"STYLESHEET_TYPE=text/xsl CREATE_STYLE=NONE", ""},
+        {"STYLESHEET_HREF=a.xsl CREATE_STYLE=NONE", ""},
         {"STYLESHEET_TYPE=text/xsl STYLESHEET_HREF=a.xsl CREATE_STYLE=NONE",
          "<?xml-stylesheet type=\"text/xsl\" href=\"a.xsl\"?>"},
         {"STYLESHEET_TYPE=text/css STYLESHEET_HREF= CREATE_STYLE=NONE",

@@ -294,6 +294,7 @@ TEST_F(PromisesTest, TracesEntriesAtLevelOne) {
     host::fail_allocation(2);  // the index of declared names
     EXPECT_EQ(module().open(name.c_str(), XML_OPEN_OUTPUT), nullptr);
     module().make(name.c_str(), nullptr);
+    reinterpret_cast<XmlOpenEntry*>(module().slot(SLOT_OPEN))("n", 2, 3, 4, 5, 6, "seven", 8);
     host::set_trace(0, "");
     const std::string made = "xml_smake: '" + name + "', 'NULL'\nLeaving, success\n";
     const std::string open = "xml_sopen: '" + name + "', 1, 0, 0, 0, 0, 'NULL', 0\n";
@@ -301,7 +302,8 @@ TEST_F(PromisesTest, TracesEntriesAtLevelOne) {
               made + "xml_smake: '" + missing + "', 'p'\nLeaving, failed to open, error 2\n" +
                   open + "  No schema file given, or unable to open file\nLeaving, success\n" +
                   "xml_swrite, 47\nLeaving\nxml_sclose\nLeaving\n" + open +
-                  "Leaving, no memory for the declared names\n" + made);
+                  "Leaving, no memory for the declared names\n" + made +
+                  "xml_sopen: 'n', 2, 3, 4, 5, 6, 'seven', 8\nLeaving, open mode not supported\n");
 }
 
 TEST_F(PromisesTest, FailedOpensCleanUpInOrder) {
@@ -366,6 +368,10 @@ TEST_F(PromisesTest, OnlyTextsOfZeroCountAsEmptyNumbers) {
         {"", true},      {"000", true}, {"-0.00", true}, {"+0", true},   {" 0 ", true},
         {"0.01", false}, {"9", false},  {"NaN", false},  {"INF", false}, {"0E0", false},
     };
+    // The host's decimal point may be any character.
+    builder.conventions().decimal_point = ';';
+    number_text = "1;5,6";
+    EXPECT_EQ(elements(builder.xfd(), {"aa"}), " <v>1.5,6</v>\r\n");
     for (const auto& [text, dropped] : cases) {
         number_text = text;
         EXPECT_EQ(elements(builder.xfd(), {"aa"}),

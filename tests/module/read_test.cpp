@@ -519,6 +519,11 @@ TEST_F(ReadTest, FilesAreOpenForOneDirection) {
     EXPECT_EQ(module().read(out, record), 0);
     EXPECT_EQ(*host_file_error(), HOST_FILE_UNSUPPORTED);
     module().close(out);
+    constexpr std::int32_t host_bits = 0x7FFFFFF0;  // the low two tell the direction
+    XmlFile* const marked = module().open(path("f.xml").c_str(), host_bits | XML_OPEN_OUTPUT);
+    EXPECT_EQ(module().read(marked, record), 0);
+    EXPECT_EQ(*host_file_error(), HOST_FILE_UNSUPPORTED);
+    module().close(marked);
     XmlFile* const in = module().open(path("f.xml").c_str(), XML_OPEN_INPUT);
     EXPECT_EQ(module().write(in, record, 6), 0);
     EXPECT_EQ(*host_file_error(), HOST_FILE_UNSUPPORTED);

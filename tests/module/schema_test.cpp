@@ -16,6 +16,8 @@ TEST_F(SchemaTest, DtdOffersEveryLayout) {
     XfdBuilder builder = orders();
     expect_file(document(builder.xfd(true), {"H-text", "-D0012"}), "orders_dtd.xml");
     expect_valid("--valid " + path("out.xml"));
+    // Without the flag the first is the only layout.
+    EXPECT_NE(document(builder.xfd(false), {}).find(" (hdr)*>"), std::string::npos);
 }
 
 TEST_F(SchemaTest, SchemaDescribesTheDocument) {

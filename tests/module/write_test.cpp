@@ -25,7 +25,8 @@ std::string units(std::u32string_view text, std::size_t width, bool big_endian) 
 
 TEST_F(WriteTest, RecordLengthCutsTheRecord) {
     XfdBuilder builder = customers();
-    builder.item(4).offset = 41;  // the group addr starts where the shorter records end
+    builder.item(4).offset = 41;       // the group addr starts where the shorter records end
+    builder.item(4).data.length = 99;  // groups have no length of their own, whatever is there
     const std::string head = lines(
         " <customer>\n  <cust_id>42</cust_id>\n  <cust_name>Smith</cust_name>\n"
         "  <balance>123.45</balance>\n");
@@ -74,7 +75,14 @@ TEST_F(WriteTest, FieldValues) {
         {records::ENCODED_TEXT, HOST_ENCODING_UTF32BE, units(markup, 4, true), wide(4, true)},
         {records::ENCODED_TEXT, HOST_ENCODING_UTF16LE, units(U"\xD83C\xDC3C<", 2, false),
          units(U"\xD83C\xDC3C", 2, false) + "&lt;"},
+        // The first half of a pair at the end of the field, and half a unit.
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF16LE, units(U"<\xD83C", 2, false),
+         "&lt;" + units(U"\xD83C", 2, false)},
+        {records::ENCODED_TEXT, HOST_ENCODING_UTF16BE, units(U"a<", 2, true) + "x",
+         units(U"a", 2, true) + "&lt;"},
+        {44, HOST_ENCODING_UTF16LE, units(markup, 2, false), wide(2, false)},
         {records::ENCODED_TEXT, 99, "text", "", true},
+        {records::ENCODED_TEXT, -2, "text", "", true},
         {records::DISPLAY_UNSIGNED, 0, "00000", "0", true},
         {records::DISPLAY_UNSIGNED, 0, "00070", "70"},
         {records::DISPLAY_UNSIGNED, -2, "01234", "12.34"},
@@ -144,12 +152,14 @@ TEST_F(WriteTest, EmptyElementsAreDroppedOnRequest) {
 TEST_F(WriteTest, LongEmptyElementsLeaveNothingBehind) {
     XfdBuilder builder("f");
     builder.group(1, "row");
+    builder.text(2, "first", 2, 1);
     builder.group(2, "long");
     const std::string name(75, 'n');
     for (int i = 0; i < 100; ++i) builder.text(i + 3, name, 0, 1);
     builder.text(2, "last", 1, 1);
     set("SXML_IGNORE_EMPTY_DATA", "yes");
-    EXPECT_EQ(elements(builder.xfd(), {" x", "  "}), lines(" <row>\n  <last>x</last>\n </row>\n"));
+    EXPECT_EQ(elements(builder.xfd(), {" x&", "   "}),
+              lines(" <row>\n  <first>&amp;</first>\n  <last>x</last>\n </row>\n"));
 }
 
 TEST_F(WriteTest, TracesEveryStep) {

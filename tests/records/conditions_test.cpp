@@ -83,6 +83,7 @@ TEST(Conditions, CompareAsCobolDoes) {
         {"PIC X", "F = 'A' OR 'B'", "B", "C"},
         {"PIC X(2)", "NOT (F = 'AB' OR F = 'CD') AND F > 'A'", "BB", "CD"},
         {"PIC X. 88 OK VALUE 'A' 'K' THRU 'M'", "OK", "L", "N"},
+        {"PIC X(2). 88 OK VALUE X'4142'", "OK", "AB", "A "},
         {"PIC S9(3). 88 OK VALUE -5 THRU 5, 100", "OK", "00u", "006"},
     };
     for (const Case& each : cases) {

@@ -197,6 +197,7 @@ TEST(Entry, ClausesAreTakenInAnyForm) {
                                 "pic x value length of rec",
                                 "pic x(five)",
                                 "pic x occurs two",
+                                "pic x occurs 268435456",
                                 "pic x occurs 1 to five times depending n of rec",
                                 "pic g(4) display-1",
                                 "pic 9(2)v99 usage is computational-3",
@@ -229,6 +230,7 @@ TEST(Entry, MistakesInClausesNameTheRemedy) {
          "a table without a largest size is not supported: give the number of occurrences that a "
          "record has at most"},
         {"pic x occurs 3 to 2 depending on n", "expected a number greater than 3"},
+        {"pic x occurs 268435457", "more than 268435456 occurrences"},
         {"pic x occurs 0", "a table has at least one occurrence"},
         {"pic x occurs 1 to 2", "expected DEPENDING ON, found a period"},
         {"pic x occurs six",

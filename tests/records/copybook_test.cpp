@@ -58,7 +58,7 @@ TEST(Copybook, ARedefinitionIsTakenAlone) {
 TEST(Copybook, UnreadableFilesAreReported) {
     EXPECT_EQ(compile_file("/no/such/file.cpy"),
               "nothing\n/no/such/file.cpy: error: cannot read the file: "
-              "it does not exist or may not be read\n");
+              "No such file or directory\n");
     EXPECT_EQ(compile_file("/"), "nothing\n/: error: cannot read the file: it is a folder\n");
     EXPECT_EQ(compile_text(""), "nothing\ntest.cpy: error: there is no data description in it\n");
 }

@@ -79,6 +79,7 @@ TEST(DescriptionFile, DamageIsNamed) {
     const std::string good = description_to_json(
         described("01 R.\n 05 T PIC X.\n 05 L OCCURS 3.\n 10 K PIC X(2).\n*> sxml: when K = 'AB'\n"
                   " 10 N PIC 9(2).\n"));
+    const std::string long_name = "\"name\": \"" + std::string(500, 'n') + "\"";
     const struct {
         const char* what;
         const char* with;
@@ -88,6 +89,8 @@ TEST(DescriptionFile, DamageIsNamed) {
         {"sxml record description", "other", "format must be"},
         {"\"name\": \"orders\"", "\"name\": 7", "name must be a text"},
         {"\"name\": \"orders\"", "\"name\": \"r\"", "name is also the name of an item"},
+        {"\"name\": \"orders\"", "\"name\": \"1r\"", "name must be a name of letters"},
+        {"\"name\": \"orders\"", long_name.c_str(), "name must be a name of letters"},
         {"\"record_length\": 13", "\"record_length\": -1", "record_length must be a whole number"},
         {"\"record_length\": 13", "\"record_length\": 12",
          "records[0].items[1].offset and length end at byte 13"},
