@@ -1,6 +1,7 @@
 #include "records/source/copy_library.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -31,9 +32,10 @@ std::optional<std::string> read_text_file(const std::string& path, std::string& 
         why = "it is a folder";
         return std::nullopt;
     }
+    errno = 0;
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        why = "it does not exist or may not be read";
+        why = std::generic_category().message(errno != 0 ? errno : EIO);
         return std::nullopt;
     }
     std::string text;
@@ -48,7 +50,7 @@ std::optional<std::string> read_text_file(const std::string& path, std::string& 
         text.resize(size + static_cast<std::size_t>(in.gcount()));
     }
     if (in.bad()) {
-        why = "reading failed";
+        why = std::generic_category().message(errno != 0 ? errno : EIO);
         return std::nullopt;
     }
     return text;
