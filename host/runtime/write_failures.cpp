@@ -41,7 +41,7 @@ std::optional<WriteFailure> take_write_failure() {
 }  // namespace host
 
 int host_take_write_failure(const char** file) {
-    static constinit host::Immortal<std::string> name;
+    static host::Immortal<std::string> name;
     std::optional<host::WriteFailure> failure = host::take_write_failure();
     name->clear();
     if (failure) name->swap(failure->file);
