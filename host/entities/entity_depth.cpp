@@ -66,7 +66,7 @@ bool make_room(EntityReferences& known, std::size_t more) {
 
 bool put_name(EntityReferences& known, std::string_view name) {
     if (!make_room(known, name.size() + 1)) return false;
-    std::memcpy(known.names + known.size, name.data(), name.size());
+    if (!name.empty()) std::memcpy(known.names + known.size, name.data(), name.size());
     known.size += name.size();
     known.names[known.size++] = '\0';
     return true;
