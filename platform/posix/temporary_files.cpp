@@ -1,6 +1,7 @@
 #include "platform/temporary_files.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,6 +13,26 @@
 
 namespace platform {
 
+namespace {
+
+// While this lives, no signal comes between making a file and noting that it is to be removed.
+class HeldSignals {
+  public:
+    HeldSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &before_);
+    }
+    ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+
+  private:
+    sigset_t before_{};
+};
+
+}  // namespace
+
 std::string temporary_folder() {
     const char* folder = environment_variable("TMPDIR");
     return folder != nullptr && *folder != '\0' ? folder : "/tmp";
@@ -21,6 +42,7 @@ std::optional<TemporaryFile> TemporaryFile::create(const std::string& folder,
                                                    const std::string& stem) {
     constexpr std::size_t LONGEST_STEM = 200;  // leaves room within the 255 bytes of a file name
     std::string name = folder + "/." + stem.substr(0, LONGEST_STEM) + ".XXXXXX";
+    const HeldSignals held;
     const int descriptor = mkostemp(name.data(), O_CLOEXEC);
     if (descriptor < 0) return std::nullopt;
     close(descriptor);
@@ -45,6 +67,7 @@ int TemporaryFile::rename_to(const std::string& target) {
 
 std::optional<TemporaryFolder> TemporaryFolder::create() {
     std::string name = temporary_folder() + "/sxml.XXXXXX";
+    const HeldSignals held;
     if (mkdtemp(name.data()) == nullptr) return std::nullopt;
     return TemporaryFolder(std::move(name));
 }
