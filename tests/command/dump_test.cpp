@@ -72,6 +72,9 @@ TEST_F(DumpTest, ReadsEbcdic) {
     write_file("e.cpy", "       01 R.\n           05 N PIC S99.\n           05 T PIC X(4).\n");
     write_file("r.dat", "\xF1\xD2\xC1\x4A\x40\x40");
     const Outcome outcome = sxml({"dump", "r.dat", "-l", "e.cpy", "--encoding", "cp037"});
+    const Outcome latin =
+        sxml({"dump", "r.dat", "-l", "e.cpy", "--set", "SXML_ENCODING=ISO-8859-1"});
+    expect_lines(latin.out, {"X(4)     'ÁJ@@'\n"});
     expect_lines(outcome.out, {"S99      -12\n", "X(4)     'A¢'\n"});
 }
 

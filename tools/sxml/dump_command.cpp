@@ -62,8 +62,7 @@ void dump_records(const DumpOptions& options) {
     const RecordRange range = record_range(options.wanted);
     value_of(conversion::xml_module());  // it declares the settings
     apply_settings(options.layout.settings);
-    const CharacterSet characters =
-        find_character_set(options.encoding.empty() ? "utf-8" : options.encoding, "--encoding");
+    const CharacterSet characters = records_character_set(options.encoding);
     files.reads(options.records);
     files.writes("-");
     records::Description description =
@@ -104,13 +103,7 @@ void add_dump_command(CLI::App& application) {
         ->add_option("--record", options->wanted,
                      "the records to show: a number, or a range such as 7-9 or 7- (default: all)")
         ->option_text("N[-M]");
-    command->add_flag("--line", options->lines,
-                      "the records are lines, ended by LF or CR LF (default: fixed length)");
-    command
-        ->add_option("--encoding", options->encoding,
-                     "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
-                     "code page such as cp037 ...")
-        ->option_text("NAME");
+    add_record_options(*command, options->lines, options->encoding);
     command->footer("Example:\n  sxml dump orders.dat --layout orders.cpy --record 1201");
     command->callback([options] { dump_records(*options); });
 }

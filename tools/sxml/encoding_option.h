@@ -1,4 +1,4 @@
-// The character set of the records, as the command line names it.
+// How the records of a file are read, as the command line says: their form and character set.
 #pragma once
 
 #include <string>
@@ -6,11 +6,22 @@
 #include "conversion/texts/character_set.h"
 #include "records/description.h"
 
+namespace CLI {
+class App;
+}
+
 namespace command {
+
+// Adds --line and --encoding. Both variables must live until the command line has been parsed.
+void add_record_options(CLI::App& command, bool& lines, std::string& encoding);
 
 // The set called `name`, which `option` gave ("--encoding", "SXML_ENCODING"). Throws Failure (wrong
 // usage) when it cannot be the records' set.
 conversion::CharacterSet find_character_set(const std::string& name, const std::string& option);
+
+// The set of the records of a record file: `encoding`, or else what SXML_ENCODING says, or UTF-8.
+// Throws Failure (wrong usage). The settings must have been applied.
+conversion::CharacterSet records_character_set(const std::string& encoding);
 
 // What DISPLAY numbers look like in records of this character set.
 records::RecordEncoding record_encoding(const conversion::CharacterSet& characters);

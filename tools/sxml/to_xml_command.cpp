@@ -37,13 +37,6 @@ struct ToXmlOptions {
     ReportOptions report;
 };
 
-// The character set of the records: --encoding, or what SXML_ENCODING says (UTF-8 unless set).
-CharacterSet character_set(const ToXmlOptions& options) {
-    if (!options.encoding.empty()) return find_character_set(options.encoding, "--encoding");
-    const std::string configured = setting_text("SXML_ENCODING");
-    return find_character_set(configured.empty() ? "utf-8" : configured, "SXML_ENCODING");
-}
-
 // The name of a schema in a document: a reference relative to where the document is, or to the
 // current folder for one without a place.
 std::string schema_reference(const std::string& schema, const std::string& document) {
@@ -135,7 +128,7 @@ void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
 // Result: the exit status.
 int convert_records(const ToXmlOptions& options, const host::Module& module, RunFiles& files,
                     RunReport& report) {
-    const CharacterSet characters = character_set(options);
+    const CharacterSet characters = records_character_set(options.encoding);
     force_setting("SXML_ENCODING", characters.declared_name());
     files.reads(options.records);
     files.writes(options.xml);
@@ -183,13 +176,7 @@ void add_to_xml_command(CLI::App& application) {
         ->required()
         ->option_text(" ");
     add_layout_options(*command, options->layout, LayoutArgument::option);
-    command->add_flag("--line", options->lines,
-                      "the records are lines, ended by LF or CR LF (default: fixed length)");
-    command
-        ->add_option("--encoding", options->encoding,
-                     "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
-                     "code page such as cp037 ...")
-        ->option_text("NAME");
+    add_record_options(*command, options->lines, options->encoding);
     command
         ->add_option(
             "--schema", options->schema,
