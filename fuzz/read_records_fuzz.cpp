@@ -26,7 +26,7 @@ constexpr std::size_t RECORD_SIZE = 200;
 constexpr std::size_t GUARD = 16;
 
 // a, then a table of 20 b with two c each, then two groups with a field of the same name, then a
-// number, and a variant of the bytes behind it.
+// number, and a variant of the bytes after it.
 XfdBuilder make_builder() {
     XfdBuilder builder("f");
     builder.group(1, "r");

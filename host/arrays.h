@@ -1,5 +1,5 @@
 // Growable arrays of fixed-size items. An array is a pointer to its first item; items lie one
-// behind the other; the count is kept with the array.
+// after the other; the count is kept with the array.
 #pragma once
 
 #include <cstddef>

@@ -36,7 +36,7 @@ inline std::int32_t host_unit_width(std::int32_t code) {
 }
 
 // Length in bytes, at least 1, of the character that starts at `text`, told from its first code
-// unit alone (nothing behind that unit is read): the caller keeps it within its own bounds. A unit
+// unit alone (nothing after that unit is read): the caller keeps it within its own bounds. A unit
 // that cannot start a character counts as a character of one unit. Where code units are bytes, a
 // byte below 0x80 is always a character of its own: callers need not ask about such bytes.
 HOST_API std::size_t host_char_length(std::int32_t code, const void* text);

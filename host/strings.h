@@ -25,9 +25,9 @@ HOST_API int host_string_append_n(std::uint32_t string, const char* text, std::s
 HOST_API void host_string_chop(std::uint32_t string, std::size_t n);
 // Makes the text and the entries empty; the object stays.
 HOST_API void host_string_clear(std::uint32_t string);
-// The bytes with a NUL behind them, valid and in place until the string is changed. An object
+// The bytes with a NUL after them, valid and in place until the string is changed. An object
 // without text but with entries gives its entries' texts one after the other, each followed by a
-// line feed except the last. Never null for a live string; null for a handle that is none.
+// line feed except the last. Never null for a live string; null for a handle that is not one.
 HOST_API const char* host_string_text(std::uint32_t string);
 // Length in bytes of what host_string_text gives.
 HOST_API std::size_t host_string_length(std::uint32_t string);

@@ -13,7 +13,7 @@
 
 namespace library {
 
-// Why a value is none, or cannot be stored; empty when all went well.
+// Why a text is not a value, or cannot be stored; empty when all went well.
 using Complaint = std::string;
 
 class FieldValues {

@@ -63,7 +63,7 @@ bool is_setting(std::string_view name) {
     return name.starts_with("SXML_") || name.starts_with("4GL_");
 }
 
-// The options that take any text. False when it is none of them.
+// The options that take any text. False when it is not one of them.
 bool take_text(std::string_view name, const std::string& value, FileOptions& options) {
     if (name == "encoding") {
         options.encoding = value;

@@ -10,13 +10,13 @@ namespace {
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
 
 // Length of a record with its header of four bytes (length and zero, as tapes and mainframes have
-// them), or 0 when these bytes are none.
+// them), or 0 when these bytes are not one.
 std::size_t length_by_header(const std::uint8_t* header) {
     return header[2] == 0 && header[3] == 0 ? header[0] * std::size_t{256} + header[1] : 0;
 }
 
 // True when the bytes are a chain of such records, of which none is longer than the layout allows.
-// A chain whose links are as long as the layout's records is none: the length stands in them.
+// A chain whose links are as long as the layout's records does not count: the length stands in them.
 bool have_length_headers(std::span<const std::uint8_t> bytes, std::size_t record_length) {
     constexpr std::size_t HEADER = 4;
     std::size_t position = 0;

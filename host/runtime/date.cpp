@@ -21,7 +21,7 @@ void report_once(const char* text) {
     is_reported = true;
     std::fprintf(
         stderr,
-        "sxml: SOURCE_DATE_EPOCH=%s in the environment is no number of seconds since 1970; "
+        "sxml: SOURCE_DATE_EPOCH=%s in the environment is not a number of seconds since 1970; "
         "today's date is used\n",
         text);
 }

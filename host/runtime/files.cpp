@@ -1,7 +1,7 @@
 // Buffered streams over the system's descriptors.
 //
 // An output stream's buffer begins at a known place in the file. A step back within the buffer only
-// moves the position; what lies behind the position is dead, since it is overwritten or cut off. An
+// moves the position; what lies after the position is dead, since it is overwritten or cut off. An
 // output that cannot seek keeps at least the last MiB in its buffer for that.
 #include "host/files.h"
 
@@ -57,7 +57,7 @@ struct HostStream {
     std::uint64_t buffer_start = 0;  // output: where in the file the buffer begins
     std::uint64_t first_position = 0;
     std::uint64_t flushed_end =
-        0;  // output: behind the last byte that was ever written to the file
+        0;  // output: after the last byte that was ever written to the file
 };
 
 namespace {
@@ -309,7 +309,7 @@ void host_fseek(HostStream* stream, std::uint32_t position) {
     const std::uint64_t present = stream->buffer_start + stream->position;
     if (way_back > present - stream->first_position) return fail(stream, EINVAL);
     if (!stream->can_seek) return fail(stream, ESPIPE);
-    // The buffered bytes lie behind the new position: nobody will see them.
+    // The buffered bytes lie after the new position: nobody will see them.
     const std::uint64_t target = present - way_back;
     if (lseek(stream->descriptor, static_cast<off_t>(target), SEEK_SET) < 0) {
         return fail(stream, errno);

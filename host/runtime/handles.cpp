@@ -46,7 +46,7 @@ struct Type {
     std::uint32_t first_chunk;
     std::uint32_t last_chunk;
     std::uint32_t unused;      // first slot of the last chunk that was never used
-    std::uint32_t unused_end;  // behind its last slot
+    std::uint32_t unused_end;  // after its last slot
     std::uint32_t first_free;  // queue of free slots, longest free first
     std::uint32_t last_free;
     std::uint32_t free_count;
@@ -130,7 +130,7 @@ void give_slot_back(std::uint32_t slot) {
     ++type.free_count;
 }
 
-// The first live slot at or behind `slot` within its chunk; NO_SLOT when there is none.
+// The first live slot at or after `slot` within its chunk; NO_SLOT when there is none.
 std::uint32_t live_slot_from(std::uint32_t slot) {
     const SlotChunk& chunk = chunk_of(slot);
     if (chunk.live == 0) return NO_SLOT;

@@ -32,7 +32,7 @@ class RUNTIME_API Module {
     XmlFile* open(const char* name, std::int32_t mode) const;
     int close(XmlFile* file) const;
     int read(XmlFile* file, void* record) const;
-    // Reads on behind the last record, as a read that gave 0 with file error code 8 leaves the
+    // Reads on after the last record, as a read that gave 0 with file error code 8 leaves the
     // file, to the end of the document. False when something is missing or wrong there; file error
     // code and subcode tell. `record` is not filled.
     bool read_to_end(XmlFile* file, void* record) const;

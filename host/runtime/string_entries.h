@@ -1,5 +1,5 @@
-// The sequence of entries of a string object. The entries lie one behind the other, each with a NUL
-// behind it, and once more joined by line feeds, so that reading them never takes memory.
+// The sequence of entries of a string object. The entries lie one after the other, each with a NUL
+// after it, and once more joined by line feeds, so that reading them never takes memory.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ bool add_entry(StringEntries** entries, std::string_view text, const memory::Ori
 // Null stands for an empty sequence in all of these.
 std::size_t entry_count(const StringEntries* entries);
 const char* entry_text(const StringEntries* entries, std::size_t index);
-// The texts joined by line feeds, with a NUL behind them unless there are no entries.
+// The texts joined by line feeds, with a NUL after them unless there are no entries.
 std::string_view joined_entries(const StringEntries* entries);
 void clear_entries(StringEntries* entries);
 void free_entries(StringEntries* entries);

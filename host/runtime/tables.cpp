@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t LONGEST_NAME = 255;
 
 struct TableEntry {
-    const char* name;  // stands behind the entry
+    const char* name;  // stands after the entry
     void* value;
 };
 

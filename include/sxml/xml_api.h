@@ -13,7 +13,7 @@
  *
  * Inside the module the functions are called by their names.
  *
- * Elements are known by 32-bit handles; 0 is none. A handle that is not a live element is never
+ * Elements are known by 32-bit handles; 0 is not a handle. A handle that is not a live element is never
  * harmful: the call gives its failure value and records XMLERR_BAD_ELEMENT. Failures are recorded
  * in one last error, which no successful call clears; a successful call may also record why one of
  * its steps found nothing, where its description says so.
@@ -80,7 +80,7 @@ uint32_t xml_add_child(uint32_t parent, const char* name);
 
 /* Creates an element right after `element`, below the same parent. Result: the element; 0 with
  * XMLERR_HAS_TOP_LEVEL when `element` is a top-level element or none, or with XMLERR_NO_MEMORY.
- * Behind a last child XMLERR_NO_SIBLINGS is recorded although the call succeeds. */
+ * After a last child XMLERR_NO_SIBLINGS is recorded although the call succeeds. */
 uint32_t xml_add_sibling(uint32_t element, const char* name);
 
 /* Releases an element with everything below it and takes it out of its parent's children. Result:

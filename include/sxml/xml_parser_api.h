@@ -87,7 +87,7 @@ int32_t xml_is_parser(uint32_t handle);
 
 /* ---- The tree ---- */
 
-/* Parses the next child of the document element into the tree, behind those that are there.
+/* Parses the next child of the document element into the tree, after those that are there.
  * Result: 1 when there was one; 0 at the end or on an error, and then the file error code is 8, 14
  * or 19. When the document ends or breaks inside the child the result is 1, and the code tells. */
 int32_t SxmlParser_parse_record(uint32_t parser);

@@ -51,7 +51,7 @@ std::uint8_t blanks_of(const Symbol& symbol) {
 }
 
 // A number ends at the right edge, but for blanks and for a sign that only shows when needed. A
-// sign that stands alone is none that floats.
+// sign that stands alone does not float.
 FieldEdges edges_of_number(std::vector<Symbol> symbols) {
     FieldEdges edges{1, 0, 0, 0};
     const auto take_blanks = [&symbols] {

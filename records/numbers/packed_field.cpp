@@ -29,7 +29,7 @@ unsigned half_byte(const Field& field, std::int64_t index) {
     return index % 2 == 0 ? byte >> 4 : byte & 0xF;
 }
 
-// Reads the sign half byte. False when it is none that the field may hold.
+// Reads the sign half byte. False when the field may not hold it.
 bool read_sign(const Field& field, bool& negative) {
     const unsigned sign = field.bytes[field.length - 1] & 0xF;
     if (sign < 0xA) return false;

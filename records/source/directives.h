@@ -16,7 +16,7 @@ struct Directives {
     std::string xml_name;
     bool hex = false;
     bool hide = false;
-    std::optional<Token> first;  // where they begin; none when there are none
+    std::optional<Token> first;  // where they begin; absent when there are none
 };
 
 // Reads the directives at the cursor, if there are any, reporting mistakes in them.

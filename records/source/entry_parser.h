@@ -26,7 +26,7 @@ bool looks_like_entry(const TokenCursor& cursor);
 // entries that describe no data (levels 66 and 78, constants) and for what is not an entry at all.
 std::optional<Entry> parse_entry(TokenCursor& cursor, ParseContext& context);
 
-// Level number at the token: 1 to 49, 66, 77, 78, 88; 0 when it is none.
+// Level number at the token: 1 to 49, 66, 77, 78, 88; 0 when it is not a level number.
 int level_number(const Token& token);
 
 }  // namespace records

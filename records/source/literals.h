@@ -10,7 +10,7 @@
 
 namespace records {
 
-// The name of a figurative constant in the form that Literal keeps; empty when it is none.
+// The name of a figurative constant in the form that Literal keeps; empty when it is not one.
 std::string_view figurative_name(std::string_view word);
 
 // The value of a literal token (quotes, prefix, doubled quotes); nothing, and why in `why`, when a

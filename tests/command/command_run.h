@@ -26,7 +26,7 @@ class CommandTest : public testing::Test {
     void SetUp() override;
     void TearDown() override;
 
-    // The command with these words behind its name.
+    // The command with these words after its name.
     static Outcome sxml(std::vector<std::string> words, const std::string& input = "",
                         const std::string& output = "");
     // Names of all files in the folder, hidden ones included, in order.

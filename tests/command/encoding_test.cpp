@@ -120,7 +120,7 @@ TEST_F(CommandTest, EbcdicLayoutsAreToldApart) {
         << outcome.out;
 }
 
-// Bytes outside the layout that applies, and behind the record's end, are not text of the document.
+// Bytes outside the layout that applies, and after the record's end, are not text of the document.
 TEST_F(CommandTest, OnlyFieldsOfTheRecordAreChecked) {
     write_file("k.cpy",
                "      *> sxml: when IS-TEXT\n"

@@ -202,7 +202,7 @@ const FromXmlCase CASES[] = {
      FULL_RECORD,
      {"no element found; 1 record came before"}},
     {"inside a tag", "<items>" + FULL + "</item", {}, 1, FULL_RECORD, {"unclosed token"}},
-    {"behind the end",
+    {"after the end",
      items(FULL) + "<more/>",
      {},
      1,

@@ -119,7 +119,7 @@ const std::vector<UsageCase> CASES = {
     {"date_that_is_none",
      {"to-xml", "words", "/dev/null", "--layout", "line.cpy"},
      0,
-     {"sxml: SOURCE_DATE_EPOCH=yesterday in the environment is no number of seconds since 1970"},
+     {"sxml: SOURCE_DATE_EPOCH=yesterday in the environment is not a number of seconds since 1970"},
      {"SOURCE_DATE_EPOCH", "yesterday"}},
     {"one_file", {"to-xml", "words", "--layout", "line.cpy"}, 2, {"XML is required"}},
     {"unknown_format", to_xml({"--format", "loose"}), 2, {"--format", "loose"}},

@@ -201,7 +201,7 @@ TEST_F(ElementTest, KeepsAttributesCommentsAndUserData) {
     EXPECT_EQ(xml.xml_copy_string(nullptr, 0, "abc"), 3U);
 }
 
-// The failure value of every function that takes an element, for a handle that is none.
+// The failure value of every function that takes an element, for a number that is not a handle.
 const std::function<bool(const XmlApi&, std::uint32_t)> failures[] = {
     [](const XmlApi& x, std::uint32_t h) { return x.xml_free_element(h) == 0; },
     [](const XmlApi& x, std::uint32_t h) { return x.xml_set_user_data(h, &h) == 0; },

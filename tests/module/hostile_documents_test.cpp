@@ -310,7 +310,7 @@ INSTANTIATE_TEST_SUITE_P(All, HostileDocumentTest, testing::ValuesIn(HOSTILE),
 
 using LargeRecordTest = ModuleTest;
 
-// The records of a document take as long to read behind a large record as before it.
+// The records of a document take as long to read after a large record as before it.
 TEST_F(LargeRecordTest, DoesNotSlowDownThoseBehindIt) {
     const std::string large = "<r>" + repeated(1'000'000, "<b/>") + "</r>";
     const std::string small = repeated(25'000, "<r>" + repeated(17, "<b/>") + "</r>");
@@ -340,7 +340,7 @@ class Judge {
         const auto length = static_cast<int>(document.size());
         const bool read = XML_Parse(expat, document.data(), length, 0) == XML_STATUS_OK;
         is_open_ = depth_ > 0 || is_over_;
-        // What lies behind the document element is not looked at, and an early end is no error.
+        // What lies after the document element is not looked at, and an early end is no error.
         code_ = read || is_over_ ? HOST_FILE_END : HOST_FILE_XML;
         final_code_ = read ? HOST_FILE_END : HOST_FILE_XML;
         if (!read || XML_Parse(expat, "", 0, 1) != XML_STATUS_OK)
@@ -440,10 +440,10 @@ TEST_F(DamagedDocumentTest, EncodingsThatAreNotAsDeclared) {
     const Results refused = {{0, 19, "(not opened)"}};
     const std::string accent = "<r><a>\xE9</a></r>";
     const Case cases[] = {
-        {"UTF-16 that is none", declared("UTF-16", ONE), refused},
+        {"no UTF-16 in truth", declared("UTF-16", ONE), refused},
         {"unknown", declared("x-none", ONE), refused},
         {"not a name", declared("", ONE), refused},
-        {"UTF-8 behind another mark", "\xFE\xFF" + declared("UTF-8", ONE), refused},
+        {"UTF-8 after another mark", "\xFE\xFF" + declared("UTF-8", ONE), refused},
         {"ISO-8859-1 as UTF-8",
          declared("UTF-8", ONE + accent + TWO),
          {FIRST, with_code(BARE, 19), BROKEN}},

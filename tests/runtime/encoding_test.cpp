@@ -65,7 +65,7 @@ TEST(Encoding, CharacterLengthComesFromTheFirstUnit) {
         {0, "\xE0"sv, 1},     {1, "\xE0"sv, 1},     {-1, "\xE0"sv, 1},    {8, "\xE0"sv, 1},
     };
     for (const Case& one : cases) {
-        const std::vector<char> exact(one.unit.begin(), one.unit.end());  // no byte behind the unit
+        const std::vector<char> exact(one.unit.begin(), one.unit.end());  // no byte after the unit
         EXPECT_EQ(host_char_length(one.code, exact.data()), one.length)
             << "code " << one.code << ", unit " << testing::PrintToString(one.unit);
     }
@@ -100,7 +100,7 @@ TEST(Encoding, FindWalksWholeCharactersWithinTheSpan) {
     const Case cases[] = {
         {0, "ab<"sv, 2},
         {2, "\xC3\xA4<"sv, 2},
-        {2, "\xE2"sv, -1},  // cut short: nothing behind it is read
+        {2, "\xE2"sv, -1},  // cut short: nothing after it is read
         {2, "\xE2\x82"sv, -1},
         {3, "\x3C\x61<\0"sv, 2},  // the first unit only looks like one
         {3, "<"sv, -1},           // half a unit

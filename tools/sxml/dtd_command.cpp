@@ -29,7 +29,7 @@ std::string empty_document(const host::Module& module) {
     return scratch.text();
 }
 
-// The document type declaration within a document, from "<!DOCTYPE" to the line end behind "]>".
+// The document type declaration within a document, from "<!DOCTYPE" to the line end after "]>".
 std::string document_type(const std::string& document) {
     const std::string end_mark = "]>\r\n";
     const std::size_t start = document.find("<!DOCTYPE ");

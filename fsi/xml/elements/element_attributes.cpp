@@ -24,7 +24,7 @@ XmlAttribute* require_attribute(std::uint32_t element, std::uint32_t number) {
     return found;
 }
 
-// Puts an attribute behind the others. False when memory is exhausted.
+// Puts an attribute after the others. False when memory is exhausted.
 bool append_attribute(XmlElement& element, const XmlAttribute& attribute) {
     static const HostArrayType array_type = {sizeof(XmlAttribute), 0, HOST_ARRAY_KIND,
                                              "XML elements attributes array"};

@@ -15,7 +15,7 @@ struct NameSlot {
     std::uint32_t count;
 };
 
-// The slots follow behind. Collisions go to the next free slot; `size` is a power of two, and never
+// The slots follow it. Collisions go to the next free slot; `size` is a power of two, and never
 // more than three quarters of the slots are in use.
 struct NameIndex {
     std::uint32_t size;

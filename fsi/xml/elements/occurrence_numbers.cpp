@@ -11,7 +11,7 @@ bool is_full(const XmlElement& element) {
     return element.last_index == LAST_POSITION;
 }
 
-// Puts the number 1 at a position, behind the numbers of the ancestors and before the element's
+// Puts the number 1 at a position, after the numbers of the ancestors and before the element's
 // own. The element is not full.
 void insert_first(XmlElement& element, std::int32_t position) {
     std::uint32_t* const at = element.indices + position;
@@ -30,7 +30,7 @@ const HostListNode* next_below(const XmlElement& top, const XmlElement* element)
     return nullptr;
 }
 
-// Gives everything below `top` the number 1 behind position `level`. A full element ends the walk
+// Gives everything below `top` the number 1 after position `level`. A full element ends the walk
 // downwards: those below it are full as well. So each element is visited at most once for each
 // number that its parent gains, however often numbers are inserted.
 void add_index_level(const XmlElement& top, std::int32_t level) {

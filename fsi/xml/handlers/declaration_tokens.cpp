@@ -97,7 +97,7 @@ DeclarationToken read_name(EntityDeclaration& declaration, std::string_view toke
 
 DeclarationToken read_between(EntityDeclaration& declaration, std::string_view token) {
     if (token == "]") {
-        declaration.place = DeclarationPlace::BEHIND;
+        declaration.place = DeclarationPlace::AFTER;
         return DeclarationToken::END;
     }
     if (token == "<!ENTITY") {
@@ -128,7 +128,7 @@ DeclarationToken read_declaration_token(EntityDeclaration& declaration, std::str
         case DeclarationPlace::REST:
             if (token == ">") declaration.place = DeclarationPlace::BETWEEN;
             break;
-        case DeclarationPlace::BEHIND:
+        case DeclarationPlace::AFTER:
             break;
     }
     return DeclarationToken::OTHER;

@@ -13,7 +13,7 @@ enum class DeclarationPlace : std::uint8_t {
     VALUE,    // of an entity comes next
     LITERAL,  // the value goes on: Expat cuts what it converts into pieces
     REST,     // of a declaration
-    BEHIND    // the DOCTYPE declaration has ended
+    AFTER     // the DOCTYPE declaration has ended
 };
 
 // Zero-filled, it stands before the DOCTYPE declaration. Released with forget_declaration.

@@ -8,7 +8,7 @@
 
 enum class EventKind { START, END, TEXT, COMMENT };
 
-// One block: the pointers to its texts go on behind it up to a null pointer, then come the texts.
+// One block: the pointers to its texts follow it up to a null pointer, then come the texts.
 struct EarlyEvent {
     EarlyEvent* next;
     EventKind kind;

@@ -1,4 +1,4 @@
-// Events that come too early: behind the end of the record that was asked for.
+// Events that come too early: after the end of the record that was asked for.
 //
 // Where a record ends, Expat is suspended. Not so within the text of an internal entity: up to
 // version 2.6 Expat, when resumed, loses the rest of an entity that stands last in another one. It

@@ -49,7 +49,7 @@ bool add_attributes(const XmlParser& parser, std::uint32_t element, const char* 
     return true;
 }
 
-// Hands the comments kept so far to an element, on lines of their own behind those it has.
+// Hands the comments kept so far to an element, on lines of their own after those it has.
 void give_comments(XmlParser& parser, std::uint32_t element) {
     if (!parser.pending_comments || !host_string_length(parser.pending_comments)) return;
     std::uint64_t present = 0;

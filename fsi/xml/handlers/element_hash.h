@@ -1,5 +1,5 @@
 // The element hash: the elements of the record being read, found by name. The index holds the first
-// element of each name; the others are chained behind it in document order.
+// element of each name; the others are chained after it in document order.
 #pragma once
 
 #include <cstddef>

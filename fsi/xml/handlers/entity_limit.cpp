@@ -52,7 +52,7 @@ void limit_token(XmlParser& parser, const char* text, std::size_t length) {
 }
 
 void end_entities(XmlParser& parser) {
-    parser.declaration.place = DeclarationPlace::BEHIND;
+    parser.declaration.place = DeclarationPlace::AFTER;
     if (stopped(parser)) return;
     judge(parser, measure_entities(parser.entities));
     free_entities(parser);

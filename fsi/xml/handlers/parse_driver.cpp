@@ -69,7 +69,7 @@ bool accept(XmlParser& parser, XML_Status status) {
         return false;
     }
     if (status == XML_STATUS_ERROR && is_early(parser)) {
-        // What is wrong comes behind the record that was asked for.
+        // What is wrong comes after the record that was asked for.
         parser.state |= XMLPS_FAILED;
         leave("Leaving");
         return false;

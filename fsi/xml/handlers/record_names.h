@@ -12,7 +12,7 @@ struct RecordName {
     std::uint32_t hash;
     std::uint32_t next;       // the next name in the same slot; 0 after the last
     std::uint32_t stored_as;  // the name that an element written so is stored under; 0: not known
-    std::uint32_t successors[2];  // the names written behind it lately, latest first; 0: not known
+    std::uint32_t successors[2];  // the names written after it lately, latest first; 0: not known
     bool is_field;                // equal to the name of a field but for case
     bool is_folded_field;         // the name of a field in lower case
 

@@ -63,7 +63,7 @@ void trim(std::int32_t encoding, const char** text, std::size_t* length) {
     *length = end - start;
 }
 
-// Puts the pieces of a text together behind the texts.
+// Puts the pieces of a text together after the texts.
 const char* joined_text(RecordTree& tree, const RecordElement& element, std::size_t* length) {
     *length = element.text_length;
     for (std::uint32_t at = element.first_piece; at; at = tree.pieces[at].next)
@@ -193,7 +193,7 @@ char* record_text_room(RecordTree& tree, std::size_t length) {
 
 namespace {
 
-// Text behind other text than the element's own.
+// Text after other text than the element's own.
 bool add_piece(RecordTree& tree, RecordElement& element, std::size_t length) {
     const std::size_t needed = std::size_t{tree.last_piece} + 2;
     if (!make_room(tree.pieces, tree.piece_room, needed, "XML record text")) return false;

@@ -27,7 +27,7 @@ struct RecordElement {
     std::uint32_t numbered;  // after number_elements: the nearest element that gave a number, up
                              // from and including this one; 0 when there is none
     std::uint32_t number_count;  // after number_elements: how many numbers it has
-    std::uint32_t first_piece;   // of the text, behind its beginning; 0 when there is no more
+    std::uint32_t first_piece;   // of the text, after its beginning; 0 when there is no more
     std::uint32_t last_piece;
     std::size_t text_start;  // the beginning of the text
     std::size_t text_length;
@@ -39,7 +39,7 @@ struct RecordElement {
     bool has_attributes;  // and attributes
 };
 
-// More of a text, that does not lie behind what came before; numbered from 1.
+// More of a text, that does not lie after what came before; numbered from 1.
 struct TextPiece {
     std::size_t start;
     std::size_t length;
@@ -96,7 +96,7 @@ inline bool is_blank(const char* text, std::size_t length) {
 void note_attribute(RecordTree& tree, const char* name);
 void note_lost_text(RecordTree& tree, const char* text, std::size_t length);
 
-// Room for that many bytes behind the texts, null when memory is exhausted. What is put there
+// Room for that many bytes after the texts, null when memory is exhausted. What is put there
 // becomes text of the innermost open element with keep_record_text, which may be less.
 char* record_text_room(RecordTree& tree, std::size_t length);
 bool keep_record_text(RecordTree& tree, std::size_t length);

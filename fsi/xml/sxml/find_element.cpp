@@ -11,7 +11,7 @@ namespace {
 // record's index.
 constexpr int WALK_LIMIT = 16;
 
-// An item whose element is looked for: the one asked for or, behind it, the groups around it from
+// An item whose element is looked for: the one asked for or, after it, the groups around it from
 // the inside out. One that its name does not settle needs the element of a group further out, so
 // that looking for one element may mean to look for the elements of many groups.
 struct Step {

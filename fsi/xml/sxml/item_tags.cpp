@@ -13,7 +13,7 @@ std::string_view item_name(const XfdItem& item) {
     return {item.name, strnlen(item.name, XFD_ITEM_NAME_SIZE)};
 }
 
-// Copies a text, each line feed in it as a line end. Result: behind its last byte.
+// Copies a text, each line feed in it as a line end. Result: after its last byte.
 char* put(char* at, std::string_view text) {
     for (const char character : text) {
         if (character == '\n') *at++ = '\r';

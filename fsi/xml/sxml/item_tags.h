@@ -8,12 +8,12 @@
 #include "host/record_description.h"
 
 struct ItemTag {
-    std::size_t start;  // where the start tag lies among the texts; the end tag is behind it
+    std::size_t start;  // where the start tag lies among the texts; the end tag is after it
     std::uint16_t start_length;
-    std::uint16_t end_length;  // with the line end behind the tag
+    std::uint16_t end_length;  // with the line end after the tag
 };
 
-// One block: the texts follow behind.
+// One block: the texts follow it.
 struct ItemTags {
     const char* texts;
     ItemTag tags[1];  // one for each item

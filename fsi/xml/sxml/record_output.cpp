@@ -13,7 +13,7 @@ constexpr std::size_t LONGEST_RUN = 512;
 constexpr char BLANKS[] = "                                ";
 constexpr std::size_t BLANKS_SIZE = sizeof BLANKS - 1;
 
-// Copies a text, each line feed in it as a line end. Result: behind its last byte.
+// Copies a text, each line feed in it as a line end. Result: after its last byte.
 char* put(char* at, std::string_view text) {
     for (const char character : text) {
         if (character == '\n') *at++ = '\r';
