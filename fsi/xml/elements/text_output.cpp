@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "host/ascii_words.h"
+
 namespace {
 
 // A piece of text as a byte range.
@@ -18,24 +20,6 @@ std::uint64_t write_items(HostStream* output, const char* begin, const char* end
                           std::size_t width) {
     if (begin == end) return 0;
     return host_fwrite(begin, width, static_cast<std::size_t>(end - begin) / width, output);
-}
-
-// The entity of one of the five markup characters; empty for any other character.
-constexpr std::string_view markup_entity(std::uint32_t character) {
-    switch (character) {
-        case '<':
-            return "&lt;";
-        case '>':
-            return "&gt;";
-        case '&':
-            return "&amp;";
-        case '\'':
-            return "&apos;";
-        case '"':
-            return "&quot;";
-        default:
-            return {};
-    }
 }
 
 // Bytes below 0x80 at which a run of a byte encoding ends: NUL, control bytes, markup characters.
@@ -182,9 +166,12 @@ std::string_view plain_text(const XmlTextSpan& span) {
         return {};
     }
     const Range text = trimmed(span, 1);
-    for (const char* at = text.begin; at != text.end; ++at) {
-        const auto byte = static_cast<unsigned char>(*at);
-        if (byte >= RUN_ENDS.size() || RUN_ENDS[byte]) return {};
+    for (const char* at = text.begin; at != text.end;) {
+        const auto left = static_cast<std::size_t>(text.end - at);
+        const ascii::Word word = ascii::load_short(at, left);
+        if (ascii::is_odd(ascii::oddities(word))) return {};
+        if (ascii::has_markup(ascii::lacks_markup(word))) return {};
+        at += std::min(left, ascii::WORD_SIZE);
     }
     return {text.begin, static_cast<std::size_t>(text.end - text.begin)};
 }

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr std::int16_t RECORD_LEVEL = 1;
-
 bool is_first_of_all(const XfdItem& item) {
     const std::int16_t* const subscripts = item.subscripts;
     return std::all_of(subscripts, subscripts + item.dimensions(),
@@ -42,6 +40,24 @@ std::int32_t next_sibling_item(const Xfd& xfd, std::int32_t index, bool every_oc
         if (item.level == level && (every_occurrence || is_first_of_all(item))) return i;
     }
     return -1;
+}
+
+std::int32_t written_item(const Xfd& xfd, std::int32_t index, const GroupPath& path) {
+    const XfdItem& item = xfd.items[index];
+    if (!is_group(item) || (xfd.flags & XFD_SEVERAL_LAYOUTS) == 0 || item.level < 2) return index;
+    for (int i = 0; i < xfd.condition_count; ++i) {
+        const std::int32_t variant = xfd.conditions[i].item;
+        if (variant < 0 || variant >= xfd.item_count) continue;
+        if (xfd.items[variant].offset == item.offset) {
+            return path.contains(variant) ? index : variant;
+        }
+    }
+    return index;
+}
+
+std::uint32_t extent_of(const XfdItem& item) {
+    const auto offset = static_cast<std::uint32_t>(item.offset);
+    return is_group(item) ? offset : offset + static_cast<std::uint32_t>(item.data.length);
 }
 
 std::int32_t layout_scan_count(const Xfd& xfd) {

@@ -5,7 +5,10 @@
 
 #include <cstdint>
 
+#include "fsi/xml/sxml/group_path.h"
 #include "host/record_description.h"
+
+constexpr std::int16_t RECORD_LEVEL = 1;
 
 inline bool is_group(const XfdItem& item) {
     return item.condition == XFD_GROUP;
@@ -20,6 +23,15 @@ std::int32_t first_child_item(const Xfd& xfd, std::int32_t index);
 // Index of the next item of the same level under the same group; -1 after the last. Without
 // `every_occurrence` an array is visited at its first occurrence only.
 std::int32_t next_sibling_item(const Xfd& xfd, std::int32_t index, bool every_occurrence);
+
+// The item to write for `index`: a group that has variants is written as the item of the first
+// condition that starts at the same place. When that item's own element is still open, writing it
+// again would never come to an end, and the group stands for itself.
+std::int32_t written_item(const Xfd& xfd, std::int32_t index, const GroupPath& path);
+
+// Bytes from which on a record has a place for the item, as an unsigned number whatever the
+// description says: for a group its offset, for a field its end.
+std::uint32_t extent_of(const XfdItem& item);
 
 // Number of leading items among which record layouts are looked for.
 std::int32_t layout_scan_count(const Xfd& xfd);

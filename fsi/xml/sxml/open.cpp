@@ -184,7 +184,9 @@ bool start_output(XmlFile& file) {
         return fail_without_memory("Leaving, no memory for the declared names");
     }
     file.item_tags = new_item_tags(*file.xfd);
-    return file.item_tags != nullptr || fail_without_memory("Leaving, no memory for the tags");
+    if (file.item_tags == nullptr) return fail_without_memory("Leaving, no memory for the tags");
+    file.write_plan = new_write_plan(*file.xfd, *file.item_tags);
+    return file.write_plan != nullptr || fail_without_memory("Leaving, no memory for the plan");
 }
 
 bool complete_open(XmlFile& file, const char* name, std::int32_t mode) {

@@ -34,16 +34,6 @@ void RecordOutput::flush() {
     used_ = 0;
 }
 
-// Where up to `size` bytes may be put; keep_to then says where they end.
-char* RecordOutput::room_for(std::size_t size) {
-    if (size > CAPACITY - used_) flush();
-    return bytes_ + used_;
-}
-
-void RecordOutput::keep_to(const char* end) {
-    used_ = static_cast<std::size_t>(end - bytes_);
-}
-
 void RecordOutput::go_back(std::uint32_t position) {
     const std::uint32_t kept = position - start_;
     if (kept <= used_) {

@@ -4,6 +4,7 @@
 // often only takes back what is still here.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -28,11 +29,15 @@ class RecordOutput {
     // Hands everything gathered to the stream.
     void flush();
 
-  private:
-    char* room_for(std::size_t size);
-    void keep_to(const char* end);
+    // Where up to `size` bytes, at most CAPACITY, may be put; keep_to then says where they end.
+    char* room_for(std::size_t size) {
+        if (size > CAPACITY - used_) flush();
+        return bytes_ + used_;
+    }
+    void keep_to(const char* end) { used_ = static_cast<std::size_t>(end - bytes_); }
+    static constexpr std::size_t CAPACITY = 8192;
 
-    static constexpr std::size_t CAPACITY = 2048;
+  private:
     HostStream* stream_;
     std::int32_t encoding_;
     std::uint32_t start_;  // output position of the first byte gathered

@@ -15,6 +15,7 @@ void free_xml_file(XmlFile* file) {
     if (file->out != nullptr) host_fclose(file->out);
     if (file->parser != 0) xml_free_parser(file->parser);
     if (file->item_tags != nullptr) host_free(file->item_tags, SXML_SOURCE, __LINE__, 0);
+    if (file->write_plan != nullptr) host_free(file->write_plan, SXML_SOURCE, __LINE__, 0);
     if (file->input_items != nullptr) free_input_items(file->input_items);
     host_free(file, SXML_SOURCE, __LINE__, 0);
 }

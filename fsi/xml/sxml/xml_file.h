@@ -6,6 +6,7 @@
 
 #include "fsi/xml/sxml/input_items.h"
 #include "fsi/xml/sxml/item_tags.h"
+#include "fsi/xml/sxml/write_plan.h"
 #include "host/files.h"
 #include "host/record_description.h"
 #include "host/record_handler.h"
@@ -17,6 +18,7 @@ struct XmlFile {
     std::int32_t mode;           // as the host gave it
     std::int32_t out_encoding;   // output: host encoding code that every write passes on
     ItemTags* item_tags;         // output: the markup of the items; owned
+    WritePlan* write_plan;       // output: how whole records are written; owned
     InputItems* input_items;     // input: the description prepared for reading; owned
     HostRecordHandler* handler;  // the host's part in every record; null for none
 };
