@@ -16,7 +16,8 @@ std::size_t length_by_header(const std::uint8_t* header) {
 }
 
 // True when the bytes are a chain of such records, of which none is longer than the layout allows.
-// A chain whose links are as long as the layout's records does not count: the length stands in them.
+// A chain whose links are as long as the layout's records does not count: the length stands in
+// them.
 bool have_length_headers(std::span<const std::uint8_t> bytes, std::size_t record_length) {
     constexpr std::size_t HEADER = 4;
     std::size_t position = 0;

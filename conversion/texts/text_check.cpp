@@ -22,6 +22,7 @@ bool is_all_nul(const std::uint8_t* text, std::int32_t length, std::uint8_t nul)
 TextCheck::TextCheck(const CharacterSet& characters) : characters_(characters) {
     for (std::size_t byte = 0; byte < special_.size(); ++byte) {
         special_[byte] = characters.classes()[byte] == ByteClass::plain ? 0 : 1;
+        if (byte >= 0x20 && byte < 0x80 && special_[byte] != 0) is_ascii_plain_ = false;
     }
 }
 

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 
 #include "conversion/texts/character_set.h"
+#include "host/ascii_words.h"
 
 namespace conversion {
 
@@ -29,6 +31,10 @@ class TextCheck {
     // The first problem of a text. Allowed are the characters that XML 1.0 allows, and NUL bytes
     // that fill up the end of the text.
     std::optional<TextProblem> check(const std::uint8_t* text, std::int32_t length) const {
+        if (is_ascii_plain_ && ascii::is_printable(reinterpret_cast<const char*>(text),
+                                                   static_cast<std::size_t>(length))) {
+            return std::nullopt;
+        }
         std::uint8_t seen = 0;
         for (std::int32_t i = 0; i < length; ++i) seen |= special_[text[i]];
         if (seen == 0) return std::nullopt;
@@ -41,6 +47,7 @@ class TextCheck {
 
     const CharacterSet& characters_;
     std::array<std::uint8_t, 256> special_{};  // 0 for plain characters
+    bool is_ascii_plain_ = true;               // from the blank to 0x7F
 };
 
 }  // namespace conversion

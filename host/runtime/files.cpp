@@ -56,8 +56,7 @@ struct HostStream {
     std::size_t filled = 0;          // input: bytes in the buffer
     std::uint64_t buffer_start = 0;  // output: where in the file the buffer begins
     std::uint64_t first_position = 0;
-    std::uint64_t flushed_end =
-        0;  // output: after the last byte that was ever written to the file
+    std::uint64_t flushed_end = 0;  // output: after the last byte that was ever written to the file
 };
 
 namespace {

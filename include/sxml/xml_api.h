@@ -13,10 +13,10 @@
  *
  * Inside the module the functions are called by their names.
  *
- * Elements are known by 32-bit handles; 0 is not a handle. A handle that is not a live element is never
- * harmful: the call gives its failure value and records XMLERR_BAD_ELEMENT. Failures are recorded
- * in one last error, which no successful call clears; a successful call may also record why one of
- * its steps found nothing, where its description says so.
+ * Elements are known by 32-bit handles; 0 is not a handle. A handle that is not a live element is
+ * never harmful: the call gives its failure value and records XMLERR_BAD_ELEMENT. Failures are
+ * recorded in one last error, which no successful call clears; a successful call may also record
+ * why one of its steps found nothing, where its description says so.
  *
  * Texts are NUL-terminated bytes; they are copied when stored, and a null text counts as an empty
  * one. Texts given back belong to the element: they stay valid until that text is changed or the

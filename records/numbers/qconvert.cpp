@@ -6,6 +6,7 @@
 #include "records/numbers/decimals.h"
 #include "records/numbers/fields.h"
 #include "records/numbers/number_text.h"
+#include "records/numbers/quick_text.h"
 
 namespace records {
 namespace {
@@ -77,6 +78,7 @@ extern "C" int Qconvert(XfdDataDesc* destination, const XfdDataDesc* source, int
     // `extra` of a text descriptor is not set, so the decimal point is the numeric field's.
     const bool from_field = is_numeric_type(source->type);
     const bool to_field = is_numeric_type(destination->type);
+    if (from_field && !to_field && numbers::write_quickly(*source, *destination)) return 1;
     Decimal number;
     const bool valid =
         from_field ? numbers::read_field(numbers::field_of(*source), number)

@@ -202,12 +202,7 @@ const FromXmlCase CASES[] = {
      FULL_RECORD,
      {"no element found; 1 record came before"}},
     {"inside a tag", "<items>" + FULL + "</item", {}, 1, FULL_RECORD, {"unclosed token"}},
-    {"after the end",
-     items(FULL) + "<more/>",
-     {},
-     1,
-     FULL_RECORD,
-     {"junk after document element"}},
+    {"after the end", items(FULL) + "<more/>", {}, 1, FULL_RECORD, {"junk after document element"}},
     {"empty", "", {}, 1, "", {":1:1: no element found; 0 records came before"}},
     {"unknown encoding", items("", "x-none"), {}, 1, "", {"unknown encoding"}},
 };

@@ -4,6 +4,9 @@
 #include <array>
 #include <random>
 
+#include "records/numbers/fields.h"
+#include "records/numbers/number_text.h"
+#include "records/numbers/quick_text.h"
 #include "tests/numbers/number_field.h"
 
 namespace {
@@ -387,6 +390,42 @@ TEST(Qconvert, StaysInsideItsFieldsWhateverTheDescriptorSays) {
             }
         }
     }
+}
+
+// Fields of every kind, with digits, half bytes or any bytes in them, into texts of any size.
+TEST(Numbers, QuickTextsAreThoseOfTheLongWay) {
+    std::mt19937 random(17);
+    const auto below = [&random](unsigned limit) { return static_cast<int>(random() % limit); };
+    int quick = 0;
+    for (int i = 0; i < 300'000; ++i) {
+        const int flags = below(3) == 0 ? below(128) : below(2) * FIELD_DECIMAL_COMMA;
+        const FieldSpec spec{static_cast<FieldType>(1 + below(13)), below(22), below(8) - 5,
+                             1 + below(12), flags};
+        NumberField field(spec);
+        std::string bytes(static_cast<std::size_t>(spec.length), '\0');
+        const int kind = below(4);
+        for (char& byte : bytes) {
+            const int digits = below(10) << 4 | below(10);
+            byte = static_cast<char>(kind == 0 ? '0' + below(10) : kind == 1 ? digits : below(256));
+        }
+        if (kind < 3 && below(2) == 0) bytes.back() = "\x0C\x1D\x9F\x7D\x70\x30"[below(6)];
+        if (below(3) == 0) std::fill_n(bytes.begin(), below(unsigned(spec.length)) + 1, bytes[0]);
+        field.set_bytes(bytes);
+        XfdDataDesc to = field.data();
+        std::string text(static_cast<std::size_t>(1 + below(24)), 'x');
+        to.address = text.data();
+        to.length = static_cast<std::int32_t>(text.size());
+        if (!numbers::write_quickly(field.data(), to)) continue;
+        ++quick;
+        Decimal number;
+        std::string expected(text.size(), 'y');
+        const char point = (flags & FIELD_DECIMAL_COMMA) != 0 ? ',' : '.';
+        EXPECT_TRUE(numbers::read_field(numbers::field_of(field.data()), number));
+        EXPECT_TRUE(numbers::write_fixed(number, spec.decimals(), point, expected));
+        ASSERT_EQ(text, expected) << spec.type << " " << spec.digits << " " << spec.scale << " "
+                                  << to_hex(bytes) << " flags " << flags;
+    }
+    EXPECT_GT(quick, 30'000);
 }
 
 TEST(Numbers, CompareExactly) {
