@@ -12,14 +12,13 @@ using conversion::BlankFill;
 using conversion::Done;
 using conversion::Problem;
 using conversion::RecordFormat;
+using conversion::Result;
 
 template <class Value>
 using Choices = std::map<std::string, Value, std::less<>>;
 
 const Choices<bool> YES_OR_NO = {{"no", false}, {"yes", true}};
 const Choices<bool> KINDS = {{"document", true}, {"records", false}};
-const Choices<RecordFormat> FORMATS = {{"fixed", RecordFormat::fixed},
-                                       {"lines", RecordFormat::lines}};
 const Choices<BlankFill> FILLS = {{"by-type", BlankFill::by_type},
                                   {"keep", BlankFill::keep},
                                   {"spaces", BlankFill::spaces},
@@ -59,6 +58,13 @@ Done choose(std::string_view name, std::string_view value, const Choices<Value>&
                  "it takes one of " + names);
 }
 
+Done choose_format(const std::string& name, RecordFormat& format) {
+    Result<RecordFormat> found = RecordFormat::find(name == "lines" ? "line" : name);
+    if (!found) return found.problem();
+    format = *std::move(found);
+    return std::nullopt;
+}
+
 bool is_setting(std::string_view name) {
     return name.starts_with("SXML_") || name.starts_with("4GL_");
 }
@@ -84,7 +90,7 @@ bool take_text(std::string_view name, const std::string& value, FileOptions& opt
 Done take(std::string_view name, const std::string& value, FileOptions& options) {
     if (take_text(name, value, options)) return std::nullopt;
     if (name == "kind") return choose(name, value, KINDS, options.is_document);
-    if (name == "format") return choose(name, value, FORMATS, options.format);
+    if (name == "format") return choose_format(value, options.format);
     if (name == "buffer") return choose(name, value, FILLS, options.fill);
     if (name == "source-format") {
         return choose(name, value, SOURCE_FORMATS, options.copybook.format);

@@ -17,7 +17,7 @@ namespace library {
 struct FileOptions {
     std::optional<bool> is_document;
     std::string encoding;
-    conversion::RecordFormat format = conversion::RecordFormat::fixed;
+    conversion::RecordFormat format;
     conversion::BlankFill fill = conversion::BlankFill::by_type;
     records::CopybookOptions copybook;
     records::LayoutOptions layout;

@@ -134,7 +134,8 @@ Done RecordFile::open_file() {
     Result<conversion::ByteSource> source = conversion::ByteSource::open(target_.name);
     if (!source) return source.problem();
     source_.emplace(*std::move(source));
-    reader_ = conversion::read_records(options_.format, *source_, record_.size());
+    reader_ =
+        conversion::read_records(options_.format, *source_, {record_.size(), characters_.space()});
     return std::nullopt;
 }
 

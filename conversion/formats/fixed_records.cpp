@@ -3,35 +3,13 @@
 #include <algorithm>
 #include <memory>
 
+#include "conversion/formats/format_detection.h"
+
 namespace conversion {
 
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
-
-// Length of a record with its header of four bytes (length and zero, as tapes and mainframes have
-// them), or 0 when these bytes are not one.
-std::size_t length_by_header(const std::uint8_t* header) {
-    return header[2] == 0 && header[3] == 0 ? header[0] * std::size_t{256} + header[1] : 0;
-}
-
-// True when the bytes are a chain of such records, of which none is longer than the layout allows.
-// A chain whose links are as long as the layout's records does not count: the length stands in
-// them.
-bool have_length_headers(std::span<const std::uint8_t> bytes, std::size_t record_length) {
-    constexpr std::size_t HEADER = 4;
-    std::size_t position = 0;
-    int records = 0;
-    while (position + HEADER <= bytes.size()) {
-        const std::size_t length = length_by_header(bytes.data() + position);
-        if (length <= HEADER || length == record_length || length > record_length + HEADER) {
-            return false;
-        }
-        position += length;
-        ++records;
-    }
-    return records > 1;
-}
 
 class FixedRecordReader : public RecordReader {
   public:
@@ -39,7 +17,8 @@ class FixedRecordReader : public RecordReader {
         : source_(source),
           record_length_(record_length),
           size_(record_length * std::max<std::size_t>(1, BUFFER_SIZE / record_length)),
-          buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(size_)) {}
+          buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(size_)),
+          start_(source.offset()) {}
 
     Result<std::optional<Record>> next() override {
         if (position_ == filled_) {
@@ -48,7 +27,7 @@ class FixedRecordReader : public RecordReader {
         if (position_ == filled_) return std::optional<Record>();
         if (filled_ - position_ < record_length_) return cut_short();
         const Record record{buffer_.get() + position_, record_length_, count_ + 1,
-                            count_ * record_length_};
+                            start_ + count_ * record_length_};
         position_ += record_length_;
         ++count_;
         return std::optional(record);
@@ -63,24 +42,27 @@ class FixedRecordReader : public RecordReader {
         if (count_ > 0) return {};
         looks_like_lines_ = filled_ > record_length_ &&
                             (buffer_[record_length_] == '\n' || buffer_[record_length_] == '\r');
-        if (!have_length_headers({buffer_.get(), filled_}, record_length_)) return {};
-        return problem("each record begins with its length (a header of 4 bytes)",
-                       "transfer the file as records of fixed length, without these headers");
+        const FileStart start{{buffer_.get(), filled_}, filled_ < size_, record_length_};
+        const std::optional<RecordFormat> other = format_with_lengths(start);
+        if (!other) return {};
+        return problem("the file has headers with lengths in it",
+                       std::string(ANOTHER_FORMAT) + other->name);
     }
 
     Problem problem(const std::string& what, const std::string& remedy) const {
         Place place;
         place.file = source_.name();
         place.record = count_ + 1;
-        place.byte_offset = count_ * record_length_;
+        place.byte_offset = start_ + count_ * record_length_;
         return {Cause::record, place, what, remedy};
     }
 
     Problem cut_short() const {
         return problem("the record is cut short: " + std::to_string(filled_ - position_) +
-                           " bytes of " + std::to_string(record_length_),
+                           " bytes of " + std::to_string(record_length_) +
+                           (looks_like_lines_ ? "; the first record ends with a line end" : ""),
                        looks_like_lines_
-                           ? "the first record ends with a line end: read the file as lines"
+                           ? std::string(ANOTHER_FORMAT) + "line"
                            : "the file is damaged, or its records are not of the layout's length");
     }
 
@@ -88,6 +70,7 @@ class FixedRecordReader : public RecordReader {
     std::size_t record_length_;
     std::size_t size_;
     std::unique_ptr<std::uint8_t[]> buffer_;  // not cleared: a small file touches little of it
+    std::uint64_t start_;                     // of the first record in the file
     std::size_t position_ = 0;
     std::size_t filled_ = 0;
     std::uint64_t count_ = 0;
@@ -108,8 +91,8 @@ class FixedRecordWriter : public RecordWriter {
 
 }  // namespace
 
-std::unique_ptr<RecordReader> read_fixed_records(ByteSource& source, std::size_t record_length) {
-    return std::make_unique<FixedRecordReader>(source, record_length);
+std::unique_ptr<RecordReader> read_fixed_records(ByteSource& source, RecordArea area) {
+    return std::make_unique<FixedRecordReader>(source, area.length);
 }
 
 std::unique_ptr<RecordWriter> write_fixed_records(ByteSink& sink) {

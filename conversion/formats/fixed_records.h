@@ -5,7 +5,7 @@
 
 namespace conversion {
 
-std::unique_ptr<RecordReader> read_fixed_records(ByteSource& source, std::size_t record_length);
+std::unique_ptr<RecordReader> read_fixed_records(ByteSource& source, RecordArea area);
 std::unique_ptr<RecordWriter> write_fixed_records(ByteSink& sink);
 
 }  // namespace conversion

@@ -13,7 +13,10 @@ constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
 class LineRecordReader : public RecordReader {
   public:
     LineRecordReader(ByteSource& source, std::size_t record_length)
-        : source_(source), buffer_(BUFFER_SIZE), record_(record_length) {}
+        : source_(source),
+          buffer_(BUFFER_SIZE),
+          record_(record_length),
+          buffer_offset_(source.offset()) {}
 
     Result<std::optional<Record>> next() override {
         const std::uint64_t start = buffer_offset_ + position_;
@@ -94,7 +97,7 @@ class LineRecordReader : public RecordReader {
     ByteSource& source_;
     std::vector<std::uint8_t> buffer_;
     std::vector<std::uint8_t> record_;
-    std::uint64_t buffer_offset_ = 0;  // of the buffer's first byte in the file
+    std::uint64_t buffer_offset_;  // of the buffer's first byte in the file
     std::size_t position_ = 0;
     std::size_t filled_ = 0;
     std::uint64_t count_ = 0;
@@ -131,8 +134,8 @@ class LineRecordWriter : public RecordWriter {
 
 }  // namespace
 
-std::unique_ptr<RecordReader> read_line_records(ByteSource& source, std::size_t record_length) {
-    return std::make_unique<LineRecordReader>(source, record_length);
+std::unique_ptr<RecordReader> read_line_records(ByteSource& source, RecordArea area) {
+    return std::make_unique<LineRecordReader>(source, area.length);
 }
 
 std::unique_ptr<RecordWriter> write_line_records(ByteSink& sink) {

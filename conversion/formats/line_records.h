@@ -6,7 +6,7 @@
 
 namespace conversion {
 
-std::unique_ptr<RecordReader> read_line_records(ByteSource& source, std::size_t record_length);
+std::unique_ptr<RecordReader> read_line_records(ByteSource& source, RecordArea area);
 std::unique_ptr<RecordWriter> write_line_records(ByteSink& sink);
 
 }  // namespace conversion

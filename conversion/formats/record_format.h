@@ -1,5 +1,5 @@
 // The forms that a file of records may have. Each has a source of its own with its reader and its
-// writer; a new one is a value here, a case in record_format.cpp and such a source.
+// writer; a new one is a row in record_format.cpp and such a source.
 #pragma once
 
 #include <cstddef>
@@ -7,16 +7,37 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "conversion/formats/byte_sink.h"
 #include "conversion/formats/byte_source.h"
+#include "conversion/formats/length_header.h"
 #include "conversion/problem.h"
 
 namespace conversion {
 
-enum class RecordFormat : std::uint8_t {
-    fixed,  // records of one length without anything between them
-    lines   // a line for each record, without the spaces at its end
+struct RecordFormat {
+    enum class Kind : std::uint8_t {
+        fixed,   // records of one length without anything between them
+        lines,   // a line for each record, without the spaces at its end
+        headed,  // a header with its length before each record
+        blocks   // blocks of such records, with a header before each block
+    };
+    std::string name = "fixed";
+    Kind kind = Kind::fixed;
+    LengthHeader header = {};      // headed, blocks
+    std::uint32_t block_size = 0;  // blocks: most bytes of one that is written, its header included
+
+    // The format called so: fixed, line, rdw, rdw:little, rdw:payload, rdw:little:payload, bdw,
+    // bdw:SIZE, gnucobol, gnucobol:0 to gnucobol:3. A problem that lists the names.
+    static Result<RecordFormat> find(std::string_view name);
+    // Those with a header before each record, in the order in which a file is compared with them.
+    static const std::vector<RecordFormat>& with_lengths();
+
+    // Whether the file says how long each record is.
+    bool has_lengths() const { return kind == Kind::headed || kind == Kind::blocks; }
 };
 
 struct Record {
@@ -29,8 +50,9 @@ struct Record {
 class RecordReader {
   public:
     virtual ~RecordReader() = default;
-    // The next record, or nothing at the end of the file. A problem when the file does not consist
-    // of such records.
+    // The next record, or nothing at the end of the file. At `data` are as many bytes as the
+    // longest record has; those after a shorter record are filled. A problem when the file does not
+    // consist of such records.
     virtual Result<std::optional<Record>> next() = 0;
 };
 
@@ -43,10 +65,19 @@ class RecordWriter {
     virtual Done close() = 0;
 };
 
-// `record_length` is the length of the longest record. The source and the sink must outlive what is
-// made here.
-std::unique_ptr<RecordReader> read_records(RecordFormat format, ByteSource& source,
-                                           std::size_t record_length);
-std::unique_ptr<RecordWriter> write_records(RecordFormat format, ByteSink& sink);
+// What the records of a file are read into.
+struct RecordArea {
+    std::size_t length;       // of the longest record, bytes
+    std::uint8_t fill = ' ';  // the byte that follows a shorter one
+};
+
+// The remedies of problems with the format begin like this when another format, whose name follows,
+// fits the file.
+constexpr std::string_view ANOTHER_FORMAT = "read it in the format ";
+
+// The source and the sink must outlive what is made here.
+std::unique_ptr<RecordReader> read_records(const RecordFormat& format, ByteSource& source,
+                                           RecordArea area);
+std::unique_ptr<RecordWriter> write_records(const RecordFormat& format, ByteSink& sink);
 
 }  // namespace conversion

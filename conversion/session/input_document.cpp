@@ -303,6 +303,26 @@ void InputDocument::count_missing() {
     }
 }
 
+std::size_t InputDocument::used_length() const {
+    const std::optional<std::size_t> chosen = layout();
+    if (!chosen) return static_cast<std::size_t>(filled_length_);
+    const RecordLayout& own = fields_.layouts()[*chosen];
+    const std::int32_t counted = description_.used_length(record_.data(), record_length_);
+    if (counted < own.length) return static_cast<std::size_t>(counted);
+    std::vector<std::int32_t> lacking = without_element_;
+    std::sort(lacking.begin(), lacking.end());
+    std::int32_t end = 0;   // of the layout's fields
+    std::int32_t used = 0;  // of those that have elements
+    for (const Field& field : own.fields) {
+        if (!condition_holds(*module_file_.xfd, field.condition)) continue;
+        const std::int32_t field_end = field.offset + field.length;
+        end = std::max(end, field_end);
+        if (std::binary_search(lacking.begin(), lacking.end(), field.item)) continue;
+        used = std::max(used, field_end);
+    }
+    return static_cast<std::size_t>(used == end ? std::max(used, own.length) : used);
+}
+
 std::vector<InputDocument::Missing> InputDocument::missing() const {
     std::vector<Missing> result;
     for (std::size_t i = 0; i < missing_.size(); ++i) {

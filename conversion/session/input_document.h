@@ -108,6 +108,10 @@ class InputDocument {
     std::optional<std::size_t> layout() const;
     // Where the last field ends that the document had data for; 0 when there was none.
     std::int32_t filled_length() const { return filled_length_; }
+    // How long the record is by itself: to the end of the last field that the document has an
+    // element for, or of its layout when that is its last field; or as its counter says, when a
+    // table with OCCURS DEPENDING ON ends it. In bytes. Needs notes_unused.
+    std::size_t used_length() const;
     FieldFate fate(std::int32_t item) const { return fates_[static_cast<std::size_t>(item)]; }
     const std::vector<FieldTrouble>& troubles() const { return troubles_; }
     const std::vector<UnusedData>& unused_data() const { return unused_; }

@@ -24,11 +24,13 @@ void keep_until_exit(XmlFile* file) {
 }  // namespace
 
 OutputDocument::OutputDocument(const host::Module& module, const records::Description& description,
-                               const CharacterSet& characters, bool is_strict, RecordFields fields)
+                               const CharacterSet& characters, const Options& options,
+                               RecordFields fields)
     : module_(module),
       description_(description),
       characters_(characters),
-      is_strict_(is_strict),
+      is_strict_(options.is_strict),
+      has_lengths_(options.has_lengths),
       fields_(std::move(fields)),
       text_check_(characters) {
     handler_.context = this;
@@ -44,8 +46,8 @@ Result<std::unique_ptr<OutputDocument>> OutputDocument::open(
     if (Done problem = check_document_settings(characters)) return *problem;
     Result<RecordFields> fields = RecordFields::of(description.xfd());
     if (!fields) return fields.problem();
-    std::unique_ptr<OutputDocument> document(new OutputDocument(
-        **module, description, characters, options.is_strict, *std::move(fields)));
+    std::unique_ptr<OutputDocument> document(
+        new OutputDocument(**module, description, characters, options, *std::move(fields)));
     const Result<ModuleFile> opened = open_module_file(
         **module, {options.file, options.shown_name, XML_OPEN_OUTPUT, options.document_element},
         description, document->handler_);
@@ -91,6 +93,7 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     outcome_.length = description_.used_length(record, length);
     outcome_.bad_numbers.clear();
     choose(layout);
+    if (Done problem = check_length(length)) return problem;
     if (outcome_.length < description_.record_length()) complete_cut_field();
     if (Done problem = check_texts()) return problem;
     if (is_strict_) {
@@ -133,6 +136,21 @@ void OutputDocument::complete_cut_field() {
     std::copy_n(record_, outcome_.length, completed_.begin());
     record_ = completed_.data();
     outcome_.length = whole;
+}
+
+Done OutputDocument::check_length(std::int32_t length) const {
+    const std::int32_t most = chosen().length;
+    if (!has_lengths_ || length <= most || fields_.layouts().size() < 2) return std::nullopt;
+    const auto* const surplus = std::find_if(
+        record_ + most, record_ + length,
+        [this](std::uint8_t byte) { return byte != 0 && byte != characters_.space(); });
+    if (surplus == record_ + length) return std::nullopt;
+    Place place;
+    place.in_record = static_cast<std::uint32_t>(surplus - record_);
+    return Problem{Cause::record, std::move(place),
+                   "the record is too long: " + std::to_string(length) + " bytes, its layout " +
+                       chosen().name + " has " + std::to_string(most),
+                   ""};
 }
 
 Done OutputDocument::check_texts() const {

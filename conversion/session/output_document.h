@@ -27,6 +27,9 @@ class OutputDocument {
         std::string document_element;  // empty: the description's name
         // A record of no layout, or with a number that is not valid, is a problem and not written.
         bool is_strict = false;
+        // Records have lengths of their own: one that is longer than its layout, not counting
+        // spaces and NUL bytes, is a problem and not written.
+        bool has_lengths = false;
     };
     // What became of the record written last.
     struct Outcome {
@@ -69,12 +72,13 @@ class OutputDocument {
 
   private:
     OutputDocument(const host::Module& module, const records::Description& description,
-                   const CharacterSet& characters, bool is_strict, RecordFields fields);
+                   const CharacterSet& characters, const Options& options, RecordFields fields);
     static std::int32_t choose_layout(void* document);
     static const char* translate_text(void* document, std::int32_t index, std::size_t* length);
 
     void choose(std::optional<std::size_t> layout);
     void complete_cut_field();
+    Done check_length(std::int32_t length) const;
     Done check_texts() const;
     void find_bad_numbers();
     bool fits_with_spaces();
@@ -88,6 +92,7 @@ class OutputDocument {
     const records::Description& description_;
     const CharacterSet& characters_;
     bool is_strict_;
+    bool has_lengths_;
     RecordFields fields_;
     TextCheck text_check_;
     HostRecordHandler handler_{};

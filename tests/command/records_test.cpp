@@ -161,7 +161,7 @@ const std::vector<RecordCase> FIXED = {
      {},
      1,
      "",
-     {"the record is cut short: 2 bytes of 11", "read the file as lines"}},
+     {"the record is cut short: 2 bytes of 11", "read it with --record-format line"}},
     {"bad_number",
      A + "ab  x!?x y ",
      {},

@@ -110,7 +110,7 @@ const std::vector<UsageCase> CASES = {
     {"records_with_length_headers",
      {"to-xml", "rdw", "words.xml", "--layout", "line.cpy"},
      1,
-     {"sxml: rdw: record 1, byte offset 0: each record begins with its length"}},
+     {"sxml: rdw: record 1, byte offset 0: the file has headers with lengths in it"}},
     {"no_settings_file",
      {"layout", "line.cpy"},
      1,

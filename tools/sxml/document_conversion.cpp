@@ -1,5 +1,6 @@
 #include "tools/sxml/document_conversion.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <utility>
@@ -72,14 +73,20 @@ std::string path_of(const conversion::UnusedData& data) {
 
 DocumentConversion::DocumentConversion(conversion::InputDocument& document,
                                        std::optional<std::uint64_t> size,
-                                       conversion::RecordWriter& store, RunReport& report,
-                                       RejectFile& rejects)
-    : document_(document), size_(size), store_(store), report_(report), rejects_(rejects) {}
+                                       conversion::RecordWriter& store, const RecordsWanted& wanted,
+                                       RunReport& report, RejectFile& rejects)
+    : document_(document),
+      size_(size),
+      store_(store),
+      wanted_(wanted),
+      report_(report),
+      rejects_(rejects) {}
 
 void DocumentConversion::run() {
     Progress progress(size_);
     while (value_of(document_.read())) {
-        convert();
+        const std::uint64_t number = document_.count();
+        if (number >= wanted_.first && number - wanted_.first < wanted_.count) convert();
         if (document_.count() % RECORDS_BETWEEN_LOOKS == 0) {
             progress.update(document_.count(), document_.parsed_bytes());
         }
@@ -89,6 +96,10 @@ void DocumentConversion::run() {
         report_.note_missing(document_.fields().name(missing.item), missing.records);
     }
     report_.sum_up();
+    if (document_.count() < wanted_.first && wanted_.first > 1) {
+        fail(document_.shown_name() + ": there are only " + std::to_string(document_.count()) +
+             " records");
+    }
     check_use();
     check(store_.close());
 }
@@ -97,12 +108,19 @@ void DocumentConversion::convert() {
     report_.count_record();
     if (document_.filled_length() > 0) has_filled_ = true;
     if (const auto problem = problem_of_record()) return reject(*problem);
-    conversion::Done problem = store_.add(document_.record());
+    conversion::Done problem = store_.add(record());
     if (!problem) return;
     if (problem->cause != conversion::Cause::record) fail(*problem);
     problem->place.file = document_.shown_name();
     problem->place.record = document_.count();
     reject(*problem);
+}
+
+std::span<const std::uint8_t> DocumentConversion::record() const {
+    const std::span<const std::uint8_t> whole = document_.record();
+    if (!wanted_.has_lengths) return whole;
+    const std::size_t length = std::max<std::size_t>(document_.used_length(), wanted_.min_length);
+    return whole.first(std::min(length, whole.size()));
 }
 
 // Why the record cannot be converted, if it cannot; what it loses is reported.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "conversion/formats/record_format.h"
@@ -12,13 +13,21 @@
 
 namespace command {
 
+struct RecordsWanted {
+    bool has_lengths;          // they are as long as what the document has for them
+    std::uint32_t min_length;  // but not shorter, in bytes
+    std::uint64_t first;       // number of the first in the document, from 1
+    std::uint64_t count;
+};
+
 // Reads the records of a document one by one, stores them, and names what is not as the document
 // says. Everything given must outlive this.
 class DocumentConversion {
   public:
     // `size`: of the document, in bytes, when known.
     DocumentConversion(conversion::InputDocument& document, std::optional<std::uint64_t> size,
-                       conversion::RecordWriter& store, RunReport& report, RejectFile& rejects);
+                       conversion::RecordWriter& store, const RecordsWanted& wanted,
+                       RunReport& report, RejectFile& rejects);
 
     // Converts all records and closes the store. Throws Failure where the document ends too early
     // or is not well-formed, for a record that cannot be stored, unless it can be rejected, when
@@ -27,6 +36,7 @@ class DocumentConversion {
 
   private:
     void convert();
+    std::span<const std::uint8_t> record() const;
     std::optional<conversion::Problem> problem_of_record();
     std::optional<conversion::Problem> problem_of(const conversion::FieldTrouble& trouble);
     std::optional<conversion::Problem> problem_of(const conversion::UnusedData& data);
@@ -38,6 +48,7 @@ class DocumentConversion {
     conversion::InputDocument& document_;
     std::optional<std::uint64_t> size_;
     conversion::RecordWriter& store_;
+    RecordsWanted wanted_;
     RunReport& report_;
     RejectFile& rejects_;
     bool has_filled_ = false;  // any field

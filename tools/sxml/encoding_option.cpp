@@ -1,21 +1,9 @@
 #include "tools/sxml/encoding_option.h"
 
-#include <CLI/CLI.hpp>
-
 #include "tools/sxml/errors.h"
 #include "tools/sxml/settings.h"
 
 namespace command {
-
-void add_record_options(CLI::App& command, bool& lines, std::string& encoding) {
-    command.add_flag("--line", lines,
-                     "the records are lines, ended by LF or CR LF (default: fixed length)");
-    command
-        .add_option("--encoding", encoding,
-                    "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
-                    "code page such as cp037 ...")
-        ->option_text("NAME");
-}
 
 conversion::CharacterSet find_character_set(const std::string& name, const std::string& option) {
     conversion::Result<conversion::CharacterSet> found = conversion::CharacterSet::find(name);

@@ -1,4 +1,4 @@
-// How the records of a file are read, as the command line says: their form and character set.
+// The character set of the records of a file, as the command line says.
 #pragma once
 
 #include <string>
@@ -6,14 +6,7 @@
 #include "conversion/texts/character_set.h"
 #include "records/description.h"
 
-namespace CLI {
-class App;
-}
-
 namespace command {
-
-// Adds --line and --encoding. Both variables must live until the command line has been parsed.
-void add_record_options(CLI::App& command, bool& lines, std::string& encoding);
 
 // The set called `name`, which `option` gave ("--encoding", "SXML_ENCODING"). Throws Failure (wrong
 // usage) when it cannot be the records' set.

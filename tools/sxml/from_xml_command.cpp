@@ -16,6 +16,7 @@
 #include "tools/sxml/errors.h"
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
+#include "tools/sxml/record_input.h"
 #include "tools/sxml/settings.h"
 
 namespace command {
@@ -29,8 +30,8 @@ struct FromXmlOptions {
     std::string xml;
     std::string records;
     LayoutOptions layout;
-    std::string encoding;
-    bool lines = false;
+    RecordFileOptions output;
+    std::uint32_t min_record_length = 0;
     BlankFill fill = BlankFill::by_type;
     ReportOptions report;
 };
@@ -39,10 +40,11 @@ const std::map<std::string, BlankFill> BUFFER_FILLS = {
     {"spaces", BlankFill::spaces}, {"zeros", BlankFill::zeros}, {"keep", BlankFill::keep}};
 
 // The character set of the records; nothing: the document's.
-std::optional<CharacterSet> character_set(const FromXmlOptions& options) {
-    if (options.encoding.empty()) return std::nullopt;
-    CharacterSet characters = find_character_set(options.encoding, "--encoding");
-    if (options.lines && characters.is_ebcdic()) {
+std::optional<CharacterSet> character_set(const FromXmlOptions& options,
+                                          const conversion::RecordFormat& format) {
+    if (options.output.encoding.empty()) return std::nullopt;
+    CharacterSet characters = find_character_set(options.output.encoding, "--encoding");
+    if (format.kind == conversion::RecordFormat::Kind::lines && characters.is_ebcdic()) {
         fail_usage("--line: records in " + characters.name() + " are of fixed length");
     }
     return characters;
@@ -58,7 +60,9 @@ std::optional<std::uint64_t> size_of(const std::string& file) {
 // Result: the exit status.
 int convert_document(const FromXmlOptions& options, const conversion::DocumentSource& source,
                      RunFiles& files, RunReport& report) {
-    const std::optional<CharacterSet> characters = character_set(options);
+    const auto format = format_of(options.output);
+    if (!format) fail_usage("--record-format auto: a file to be written does not tell its format");
+    const std::optional<CharacterSet> characters = character_set(options, *format);
     files.reads(source.file());
     files.writes(options.records);
     note_outputs(options.report, files);
@@ -69,13 +73,14 @@ int convert_document(const FromXmlOptions& options, const conversion::DocumentSo
     report.allow_writing();
     AtomicOutput output(options.records);
     conversion::ByteSink sink = output.open();
-    const auto store = conversion::write_records(
-        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed, sink);
+    const auto store = conversion::write_records(*format, sink);
     const auto document = value_of(
         conversion::InputDocument::open(description, characters ? &*characters : nullptr,
                                         {source.file(), source.name(), options.fill, true}));
     RejectFile rejects(options.report);
-    DocumentConversion(*document, size_of(source.file()), *store, report, rejects).run();
+    const RecordsWanted wanted{format->has_lengths(), options.min_record_length,
+                               options.output.first, options.output.count};
+    DocumentConversion(*document, size_of(source.file()), *store, wanted, report, rejects).run();
     output.commit();
     return rejects.count() > 0 ? EXIT_REJECTED : 0;
 }
@@ -106,10 +111,14 @@ void add_from_xml_command(CLI::App& application) {
         ->required()
         ->option_text(" ");
     add_layout_options(*command, options->layout, LayoutArgument::option);
-    command->add_flag("--line", options->lines,
-                      "write a line for each record, ended by LF (default: fixed length)");
+    add_format_options(*command, options->output, "how records are told apart");
+    add_range_options(*command, options->output);
     command
-        ->add_option("--encoding", options->encoding,
+        ->add_option("--min-record-length", options->min_record_length,
+                     "the least length of records in formats with lengths (default: 0)")
+        ->option_text("BYTES");
+    command
+        ->add_option("--encoding", options->output.encoding,
                      "character set of the records' text: utf-8, iso-8859-1, an EBCDIC code page "
                      "such as cp037 ... (default: as the document)")
         ->option_text("NAME");

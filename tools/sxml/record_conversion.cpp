@@ -29,30 +29,29 @@ constexpr const char* NUL_HINT =
 
 }  // namespace
 
-RecordConversion::RecordConversion(conversion::ByteSource& source, conversion::RecordFormat format,
-                                   const records::Description& description,
+RecordConversion::RecordConversion(RecordInput& input, const records::Description& description,
                                    const conversion::CharacterSet& characters,
                                    const AtomicOutput& output, RunReport& report,
                                    RejectFile& rejects)
-    : source_(source),
-      format_(format),
+    : input_(input),
       description_(description),
       output_(output),
       report_(report),
       rejects_(rejects),
-      document_(value_of(conversion::OutputDocument::open(
-          description, characters,
-          {output.write_name(), output.shown_name(), {}, report.is_strict()}))) {}
+      document_(value_of(conversion::OutputDocument::open(description, characters,
+                                                          {output.write_name(),
+                                                           output.shown_name(),
+                                                           {},
+                                                           report.is_strict(),
+                                                           input.format().has_lengths()}))) {}
 
 RecordConversion::~RecordConversion() {
     if (document_ && output_.is_direct()) document_->abandon();
 }
 
 void RecordConversion::run() {
-    const auto record_length = static_cast<std::size_t>(description_.record_length());
-    const auto reader = conversion::read_records(format_, source_, record_length);
-    Progress progress(source_.size());
-    while (const std::optional<conversion::Record> record = value_of(reader->next())) {
+    Progress progress(input_.size());
+    while (const std::optional<conversion::Record> record = input_.next()) {
         report_.count_record();
         convert(*record);
         if (record->number % RECORDS_BETWEEN_LOOKS == 0) {
@@ -68,7 +67,8 @@ void RecordConversion::run() {
 }
 
 void RecordConversion::convert(const conversion::Record& record) {
-    conversion::Done problem = document_->write(record.data, description_.record_length());
+    conversion::Done problem =
+        document_->write(record.data, static_cast<std::int32_t>(record.length));
     if (problem) return reject(record, *std::move(problem));
     const conversion::OutputDocument::Outcome& outcome = document_->outcome();
     for (const conversion::Field* field : outcome.bad_numbers) report_number(record, *field);
@@ -77,7 +77,7 @@ void RecordConversion::convert(const conversion::Record& record) {
 
 void RecordConversion::reject(const conversion::Record& record, conversion::Problem problem) {
     conversion::Place& place = problem.place;
-    place.file = source_.name();
+    place.file = input_.name();
     place.record = record.number;
     if (place.in_record) place.byte_offset = record.file_offset + *place.in_record;
     if (problem.remedy == conversion::NAME_THE_CHARACTER_SET) {
@@ -87,14 +87,14 @@ void RecordConversion::reject(const conversion::Record& record, conversion::Prob
     }
     if (problem.cause != conversion::Cause::record || !rejects_.is_wanted()) fail(problem);
     if (report_.count(Finding::rejected)) report_.name(Finding::rejected, problem);
-    rejects_.add({record.data, record.length}, format_);
+    rejects_.add({record.data, record.length}, input_.format());
 }
 
 void RecordConversion::report_number(const conversion::Record& record,
                                      const conversion::Field& field) {
     if (!report_.count(Finding::bad_number)) return;
     conversion::Problem problem{conversion::Cause::record, {}, {}, {}};
-    problem.place.file = source_.name();
+    problem.place.file = input_.name();
     problem.place.record = record.number;
     problem.place.field = fields().name(field.item);
     problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(field.offset);
@@ -106,7 +106,7 @@ void RecordConversion::report_number(const conversion::Record& record,
 void RecordConversion::report_layout(const conversion::Record& record) {
     if (!report_.count(Finding::no_layout)) return;
     conversion::Problem problem{conversion::Cause::record, {}, {}, {}};
-    problem.place.file = source_.name();
+    problem.place.file = input_.name();
     problem.place.record = record.number;
     problem.place.byte_offset = record.file_offset;
     problem.what = "none of the record layouts' conditions holds";

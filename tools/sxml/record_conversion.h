@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <memory>
 
-#include "conversion/formats/record_format.h"
 #include "conversion/session/output_document.h"
 #include "records/description.h"
 #include "tools/sxml/atomic_output.h"
+#include "tools/sxml/record_input.h"
 #include "tools/sxml/reject_file.h"
 #include "tools/sxml/run_report.h"
 
@@ -18,8 +18,7 @@ namespace command {
 class RecordConversion {
   public:
     // Opens the document. Throws Failure.
-    RecordConversion(conversion::ByteSource& source, conversion::RecordFormat format,
-                     const records::Description& description,
+    RecordConversion(RecordInput& input, const records::Description& description,
                      const conversion::CharacterSet& characters, const AtomicOutput& output,
                      RunReport& report, RejectFile& rejects);
     // Without a complete run, a document that readers can see already gets no end tag.
@@ -39,8 +38,7 @@ class RecordConversion {
     void report_number(const conversion::Record& record, const conversion::Field& field);
     void report_layout(const conversion::Record& record);
 
-    conversion::ByteSource& source_;
-    conversion::RecordFormat format_;
+    RecordInput& input_;
     const records::Description& description_;
     const AtomicOutput& output_;
     RunReport& report_;

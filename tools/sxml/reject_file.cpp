@@ -38,7 +38,7 @@ void RejectFile::count_one() {
     }
 }
 
-void RejectFile::add(std::span<const std::uint8_t> record, conversion::RecordFormat format) {
+void RejectFile::add(std::span<const std::uint8_t> record, const conversion::RecordFormat& format) {
     count_one();
     if (!writer_) writer_ = conversion::write_records(format, *sink_);
     check(writer_->add(record));

@@ -23,7 +23,7 @@ class RejectFile {
     // False: nobody wants rejected records, and the first one ends the run.
     bool is_wanted() const { return output_.has_value(); }
     // A record of a record file, as it was.
-    void add(std::span<const std::uint8_t> record, conversion::RecordFormat format);
+    void add(std::span<const std::uint8_t> record, const conversion::RecordFormat& format);
     // The record of a document that was read last, as it stands there, after a comment that says
     // why. The file becomes a document, too.
     void add(conversion::InputDocument& document, const conversion::Problem& problem);

@@ -17,6 +17,7 @@
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
 #include "tools/sxml/record_conversion.h"
+#include "tools/sxml/record_input.h"
 #include "tools/sxml/schema_file.h"
 #include "tools/sxml/settings.h"
 
@@ -31,9 +32,8 @@ struct ToXmlOptions {
     std::string records;
     std::string xml;
     LayoutOptions layout;
-    std::string encoding;
     std::string schema;
-    bool lines = false;
+    RecordFileOptions input;
     ReportOptions report;
 };
 
@@ -108,9 +108,9 @@ class SchemaBesideDocument {
     std::optional<AtomicOutput> output_;
 };
 
-void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
+void check_lines(const conversion::RecordFormat& format, const CharacterSet& characters,
                  const conversion::RecordFields& fields, const RunReport& report) {
-    if (!options.lines) return;
+    if (format.kind != conversion::RecordFormat::Kind::lines) return;
     if (characters.is_ebcdic()) {
         fail_usage("--line: records in " + characters.name() + " are of fixed length");
     }
@@ -128,7 +128,7 @@ void check_lines(const ToXmlOptions& options, const CharacterSet& characters,
 // Result: the exit status.
 int convert_records(const ToXmlOptions& options, const host::Module& module, RunFiles& files,
                     RunReport& report) {
-    const CharacterSet characters = records_character_set(options.encoding);
+    const CharacterSet characters = records_character_set(options.input.encoding);
     force_setting("SXML_ENCODING", characters.declared_name());
     files.reads(options.records);
     files.writes(options.xml);
@@ -139,14 +139,13 @@ int convert_records(const ToXmlOptions& options, const host::Module& module, Run
         LayoutSource(options.layout).load(record_encoding(characters), files);
     files.check();
     report.allow_writing();
-    conversion::ByteSource source = value_of(conversion::ByteSource::open(options.records));
+    RecordInput input(options.records, options.input,
+                      {static_cast<std::size_t>(description.record_length()), characters.space()});
     AtomicOutput output(options.xml);
     SchemaBesideDocument schema(module, schema_choice, description, report);
     RejectFile rejects(options.report);
-    const auto format =
-        options.lines ? conversion::RecordFormat::lines : conversion::RecordFormat::fixed;
-    RecordConversion conversion(source, format, description, characters, output, report, rejects);
-    check_lines(options, characters, conversion.fields(), report);
+    RecordConversion conversion(input, description, characters, output, report, rejects);
+    check_lines(input.format(), characters, conversion.fields(), report);
     conversion.run();
     schema.commit();
     output.commit();
@@ -176,7 +175,7 @@ void add_to_xml_command(CLI::App& application) {
         ->required()
         ->option_text(" ");
     add_layout_options(*command, options->layout, LayoutArgument::option);
-    add_record_options(*command, options->lines, options->encoding);
+    add_record_options(*command, options->input);
     command
         ->add_option(
             "--schema", options->schema,

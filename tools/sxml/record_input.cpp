@@ -1,0 +1,112 @@
+#include "tools/sxml/record_input.h"
+
+#include <CLI/CLI.hpp>
+#include <string_view>
+
+#include "conversion/formats/format_detection.h"
+#include "tools/sxml/errors.h"
+
+namespace command {
+
+namespace {
+
+constexpr std::string_view DETECT = "auto";
+
+conversion::ByteSource open_source(const std::string& file, const RecordFileOptions& options) {
+    conversion::ByteSource source = value_of(conversion::ByteSource::open(file));
+    check(source.leave_out(options.skip, options.skip_end));
+    return source;
+}
+
+conversion::RecordFormat settle_format(const RecordFileOptions& options,
+                                       conversion::ByteSource& source, std::size_t record_length) {
+    if (const auto format = format_of(options)) return *format;
+    conversion::RecordFormat format = value_of(conversion::detect_format(source, record_length));
+    say("sxml: " + source.name() + ": read with --record-format " + format.name + "\n");
+    return format;
+}
+
+// Says which option reads the file, where the shelf says which format.
+[[noreturn]] void fail_reading(conversion::Problem problem) {
+    const std::string_view prefix = conversion::ANOTHER_FORMAT;
+    if (problem.remedy.starts_with(prefix)) {
+        problem.remedy = "read it with --record-format " + problem.remedy.substr(prefix.size());
+    }
+    fail(problem);
+}
+
+}  // namespace
+
+void add_format_options(CLI::App& command, RecordFileOptions& options, const std::string& use) {
+    CLI::Option* const format =
+        command
+            .add_option("--record-format", options.format,
+                        use +
+                            ": fixed (default), line, rdw, bdw, gnucobol ...; docs/record-files.md "
+                            "has them all")
+            ->option_text("NAME");
+    command
+        .add_flag("--line", options.lines,
+                  "the same as --record-format line: a line for each record, ended by LF or CR LF")
+        ->excludes(format);
+}
+
+void add_range_options(CLI::App& command, RecordFileOptions& options) {
+    command
+        .add_option("--from-record", options.first,
+                    "the number of the first record to take (default: 1)")
+        ->check(CLI::PositiveNumber)
+        ->option_text("N");
+    command.add_option("--count", options.count, "how many records to take (default: all)")
+        ->check(CLI::PositiveNumber)
+        ->option_text("N");
+}
+
+void add_record_options(CLI::App& command, RecordFileOptions& options) {
+    add_format_options(command, options, "how records are told apart, or auto");
+    command
+        .add_option("--encoding", options.encoding,
+                    "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
+                    "code page such as cp037 ...")
+        ->option_text("NAME");
+    command
+        .add_option("--skip", options.skip, "bytes at the file's start that belong to no record")
+        ->option_text("BYTES");
+    command
+        .add_option("--skip-end", options.skip_end,
+                    "bytes at the file's end that belong to no record")
+        ->option_text("BYTES");
+    add_range_options(command, options);
+}
+
+std::optional<conversion::RecordFormat> format_of(const RecordFileOptions& options) {
+    if (options.lines) return value_of(conversion::RecordFormat::find("line"));
+    if (options.format.empty()) return conversion::RecordFormat{};
+    if (options.format == DETECT) return std::nullopt;
+    return value_of(conversion::RecordFormat::find(options.format));
+}
+
+RecordInput::RecordInput(const std::string& file, const RecordFileOptions& options,
+                         conversion::RecordArea area)
+    : options_(options),
+      source_(open_source(file, options)),
+      format_(settle_format(options, source_, area.length)),
+      reader_(conversion::read_records(format_, source_, area)) {}
+
+std::optional<conversion::Record> RecordInput::next() {
+    while (given_ < options_.count) {
+        const auto record = reader_->next();
+        if (!record) fail_reading(record.problem());
+        if (!*record) break;
+        read_ = (*record)->number;
+        if (read_ < options_.first) continue;
+        ++given_;
+        return *record;
+    }
+    if (given_ == 0 && options_.first > 1) {
+        fail(source_.name() + ": there are only " + std::to_string(read_) + " records");
+    }
+    return std::nullopt;
+}
+
+}  // namespace command
