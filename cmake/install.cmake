@@ -19,10 +19,10 @@ install(TARGETS sxml_api ARCHIVE)
 install(TARGETS sxml LIBRARY DESTINATION ${sxml_modules})
 
 # Headers: for programs; those in host/ for who writes a host of his own.
-install(DIRECTORY include/sxml DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} PATTERN sxml_extfh.h EXCLUDE)
+install(DIRECTORY include/sxml DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} PATTERN sxml_cob.h EXCLUDE)
 install(DIRECTORY host DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/sxml
     FILES_MATCHING PATTERN "*.h" PATTERN runtime EXCLUDE)
-install(FILES include/sxml/sxml_extfh.h DESTINATION ${sxml_modules})  # for cobc
+install(FILES include/sxml/sxml_cob.h DESTINATION ${sxml_modules})  # for cobc
 
 # pkg-config and CMake packages, which name everything by its place relative to their own.
 file(RELATIVE_PATH from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
@@ -42,7 +42,7 @@ install(FILES ${CMAKE_BINARY_DIR}/packages/sxml-config.cmake
 install(DIRECTORY python/sxml DESTINATION lib/python3/dist-packages PATTERN __pycache__ EXCLUDE)
 
 # Samples and pages.
-install(DIRECTORY examples gnucobol/samples DESTINATION ${sxml_share})
+install(DIRECTORY examples DESTINATION ${sxml_share})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 

@@ -7,12 +7,11 @@ if [[ $(cobc --version) != *"(GnuCOBOL) 3.1."* ]]; then
     exit 0
 fi
 build=$(cd "${1:?usage: demo_cobol.sh BUILD_DIR}" && pwd)
-samples=$(cd "$(dirname "${BASH_SOURCE[0]}")/../gnucobol/samples" && pwd)
+samples=$(cd "$(dirname "${BASH_SOURCE[0]}")/cobol" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
 PATH=$build/bin:$PATH
-export SXML_PATH=$samples
 export DD_ORDERS=orders.xml DD_CUSTOMERS=customers.xml DD_CHANGES=changes.xml DD_LEDGER=ledger.xml
 export DD_UPDATED=updated.xml
 

@@ -6,16 +6,25 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <vector>
 
 #include "conversion/documents/document_source.h"
-#include "gnucobol/fcd.h"
+#include "gnucobol/runtime.h"
 #include "gnucobol/runtime_settings.h"
-#include "host/config.h"
+#include "gnucobol/settings.h"
 
 namespace gnucobol {
+
+std::string assigned_name(const cob_file& file) {
+    if (file.assign == nullptr || file.assign->data == nullptr) return {};
+    const char* const text = reinterpret_cast<const char*>(file.assign->data);
+    std::string name(text, strnlen(text, file.assign->size));
+    name.erase(name.find_last_not_of(' ') + 1);
+    return name;
+}
 
 namespace {
 
@@ -140,8 +149,8 @@ std::string mapped_name(const std::string& assigned) {
 
 bool is_xml_file(const std::string& mapped) {
     if (has_xml_suffix(mapped)) return true;
-    const char* patterns = host_config_string("SXML_FILES", nullptr);
-    if (patterns == nullptr) return false;
+    const std::string patterns = trusted_setting("SXML_FILES");
+    if (patterns.empty()) return false;
     const std::string base = mapped.substr(mapped.rfind('/') + 1);
     const std::vector<std::string> all = parts_of(patterns, ":");
     return std::any_of(all.begin(), all.end(), [&](const std::string& pattern) {

@@ -3,7 +3,12 @@
 
 #include <string>
 
+#include "gnucobol/runtime.h"
+
 namespace gnucobol {
+
+// The name that a file is assigned to, before the runtime's mapping.
+std::string assigned_name(const cob_file& file);
 
 // The name on the disk, found as the COBOL runtime finds it for its own files: environment
 // variables DD_name, dd_name and name, $name in the parts of a path, the runtime's folder for

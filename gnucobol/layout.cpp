@@ -2,14 +2,16 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <stdexcept>
-#include <vector>
+#include <string_view>
 
 #include "gnucobol/file_name.h"
-#include "host/config.h"
+#include "gnucobol/settings.h"
 
 namespace gnucobol {
 
@@ -17,133 +19,172 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A source of a description, and which of its files is meant (empty: to be found out).
+// A source of a description, and which of its files is meant (empty: the only one).
 struct LayoutSource {
     std::string file;
     std::string fd;
 };
 
-std::vector<std::string> search_path() {
-    std::vector<std::string> folders;
-    const char* setting = host_config_string("SXML_PATH", nullptr);
-    std::istringstream text(setting != nullptr ? setting : "");
-    for (std::string folder; std::getline(text, folder, ':');) folders.push_back(folder);
-    return folders;
+bool is_file(const std::string& name) {
+    std::error_code error;
+    return fs::is_regular_file(name, error);
 }
 
 // The file as named, or in a folder of SXML_PATH; empty when it is in none.
 std::string find_file(const std::string& name) {
-    std::error_code error;
-    if (fs::is_regular_file(name, error)) return name;
-    for (const std::string& folder : search_path()) {
-        const fs::path place = fs::path(folder) / name;
-        if (fs::is_regular_file(place, error)) return place.string();
+    if (is_file(name)) return name;
+    std::istringstream folders(trusted_setting("SXML_PATH"));
+    for (std::string folder; std::getline(folders, folder, ':');) {
+        const std::string place = (fs::path(folder) / name).string();
+        if (is_file(place)) return place;
     }
     return {};
 }
 
-std::optional<LayoutSource> named_by_setting(const LayoutRequest& request) {
-    std::string setting = "SXML_LAYOUT_" + stem_of(request.path);
+std::optional<LayoutSource> named_by_setting(const std::string& path) {
+    std::string setting = "SXML_LAYOUT_" + stem_of(path);
     for (char& c : setting) {
         if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
     }
-    const char* value = host_config_string(setting.c_str(), nullptr);
-    if (value == nullptr || *value == '\0') return std::nullopt;
+    const std::string value = trusted_setting(setting.c_str());
+    if (value.empty()) return std::nullopt;
     LayoutSource source{find_file(value), {}};
-    const std::string text = value;
-    const std::size_t colon = text.rfind(':');
+    const std::size_t colon = value.rfind(':');
     if (source.file.empty() && colon != std::string::npos) {
-        source = {find_file(text.substr(0, colon)), text.substr(colon + 1)};
+        source = {find_file(value.substr(0, colon)), value.substr(colon + 1)};
     }
-    if (source.file.empty())
-        throw std::runtime_error(setting + " names " + text + ", which is no file");
-    return source;
+    if (!source.file.empty()) return source;
+    throw std::runtime_error(setting + " names " + value + ", which is no file");
 }
 
-LayoutSource find_source(const LayoutRequest& request) {
-    if (auto source = named_by_setting(request)) return *source;
-    std::string file = records::find_description_file(request.path);
-    if (file.empty() && !request.source.empty()) {
-        file = find_file(fs::path(request.source).filename().string());
-        if (file.empty()) file = find_file(request.source);
-    }
-    if (file.empty()) {
-        const std::string stem = stem_of(request.path);
-        throw std::runtime_error("there is no record description: " + stem + ".xfd, " + stem +
-                                 ".cpy or " + stem + ".cbl on SXML_PATH or beside the file, " +
-                                 "SXML_LAYOUT_" + stem + ", or the program's source");
-    }
-    return {file, {}};
+std::optional<LayoutSource> beside_document(const std::string& path) {
+    const fs::path beside = fs::path(path).replace_extension(".xfd");
+    if (!is_file(beside.string())) return std::nullopt;
+    return LayoutSource{beside.string(), {}};
 }
 
-// The first message of a severity; empty when there is none.
-std::string first_message(const std::string& file, const records::Diagnostics& diagnostics,
-                          records::Severity severity) {
+// The first error, in a line.
+std::string first_error(const std::string& file, const records::Diagnostics& diagnostics) {
     for (const records::Diagnostic& diagnostic : diagnostics.all()) {
-        if (diagnostic.severity != severity) continue;
+        if (diagnostic.severity != records::Severity::error) continue;
         const records::Place& place = diagnostic.place;
         if (!place.file || place.line == 0) return file + ": " + diagnostic.message;
         return *place.file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
                ": " + diagnostic.message;
     }
-    return {};
+    return file + ": it describes no record";
 }
 
-// Whether every record of the source has elements.
-bool is_whole(const records::Description& description) {
-    const auto& rows = description.rows();
-    return std::none_of(rows.begin(), rows.end(), [](const records::Description::Row& row) {
-        return row.level == 1 && row.xml_name.empty();
-    });
+records::LayoutOptions layout_options() {
+    records::LayoutOptions options;
+    options.name_case = records::configured_name_case();
+    options.every_record = true;
+    options.moving_data = records::MovingData::fixed;
+    return options;
 }
 
-std::optional<records::Description> load(const LayoutSource& source, const std::string& program,
-                                         records::Diagnostics& diagnostics) {
+records::Description load(const LayoutSource& source) {
     records::CopybookOptions copybook;
-    copybook.copy_path = search_path();
     copybook.fd = source.fd;
-    copybook.program = program;
-    records::LayoutOptions layout;
-    layout.name_case = records::configured_name_case();
-    auto description = records::load_description(source.file, copybook, layout, diagnostics);
-    if (diagnostics.has_errors()) description.reset();
-    return description;
+    records::Diagnostics diagnostics;
+    auto description =
+        records::load_description(source.file, copybook, layout_options(), diagnostics);
+    const bool is_usable = description && !diagnostics.has_errors();
+    if (!is_usable || description->record_length() <= 0) {
+        throw std::runtime_error(first_error(source.file, diagnostics));
+    }
+    return std::move(*description);
 }
 
-// A file's name as a COBOL name: orders_2026 can only be ORDERS-2026.
-std::string cobol_name(std::string stem) {
-    std::replace(stem.begin(), stem.end(), '_', '-');
-    return stem;
+records::Description bound_description(const sxml_cob_file& bound) {
+    records::Diagnostics diagnostics;
+    auto description = records::description_from_json(bound.description, bound.name,
+                                                      layout_options(), diagnostics);
+    if (!description) throw std::runtime_error(first_error(bound.name, diagnostics));
+    return std::move(*description);
 }
 
-// The names under which a description may be found in a source, best first; empty for the only one.
-std::vector<std::string> possible_names(const LayoutSource& source, const LayoutRequest& request) {
-    if (!source.fd.empty()) return {source.fd};
-    std::vector<std::string> names;
-    if (!request.fd.empty()) names.push_back(request.fd);
-    names.push_back(cobol_name(stem_of(request.path)));
-    names.emplace_back();
-    return names;
+std::string upper(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return text;
+}
+
+// Layouts come in the order of the records; those that are not described come last.
+std::vector<FileLayout::Record> records_of(const records::Description& description,
+                                           std::string_view plain_records) {
+    std::vector<FileLayout::Record> records;
+    for (const records::Description::Row& row : description.rows()) {
+        if (row.level != 1) continue;
+        const std::string name = upper(row.name);
+        const bool is_plain =
+            (" " + std::string(plain_records)).find(" " + name + " ") != std::string::npos;
+        records.push_back({name, !is_plain});
+    }
+    return records;
+}
+
+const sxml_cob_source* find_source(const Where& where) {
+    for (const sxml_cob_source* source = where.sources; source->name != nullptr; ++source) {
+        if (std::strcmp(source->name, where.source) == 0) return source;
+    }
+    return nullptr;
+}
+
+const sxml_cob_file* find_file_of(const sxml_cob_source& source, std::string_view program,
+                                  const std::string& name) {
+    const std::span files(source.files, source.file_count);
+    const auto found = std::find_if(files.begin(), files.end(), [&](const sxml_cob_file& file) {
+        return program == file.program && name == file.name;
+    });
+    return found == files.end() ? nullptr : &*found;
+}
+
+std::string current_program() {
+    const cob_global* const runtime = cob_get_global_ptr();
+    if (runtime == nullptr || runtime->cob_current_module == nullptr) return {};
+    return upper(runtime->cob_current_module->module_name);
 }
 
 }  // namespace
 
-FileLayout find_layout(const LayoutRequest& request) {
-    LayoutSource source = find_source(request);
-    std::string error;
-    for (const std::string& name : possible_names(source, request)) {
-        source.fd = name;
-        records::Diagnostics diagnostics;
-        auto description = load(source, request.program, diagnostics);
-        if (description && description->record_length() > 0) {
-            const bool whole = is_whole(*description);
-            return {std::move(*description), source.file,
-                    first_message(source.file, diagnostics, records::Severity::warning), whole};
+const sxml_cob_file* find_bound_file(const Where& where, const cob_file& file) {
+    const sxml_cob_source* const source = find_source(where);
+    if (source == nullptr || file.select_name == nullptr) return nullptr;
+    const std::string name = upper(file.select_name);
+    const std::string program = current_program();
+    // A file may be one of a program around this one (GLOBAL).
+    const std::span programs(source->programs, source->program_count);
+    for (int at = static_cast<int>(programs.size()) - 1; at >= 0; --at) {
+        if (program != programs[static_cast<std::size_t>(at)].name) continue;
+        for (int around = at; around >= 0;
+             around = programs[static_cast<std::size_t>(around)].container) {
+            const char* const its_name = programs[static_cast<std::size_t>(around)].name;
+            if (const auto* const found = find_file_of(*source, its_name, name)) return found;
         }
-        error = first_message(source.file, diagnostics, records::Severity::error);
-        if (error.empty()) error = source.file + ": it describes no record";
     }
-    throw std::runtime_error(error);
+    return nullptr;
+}
+
+FileLayout find_layout(const std::string& path, const sxml_cob_file& bound) {
+    std::optional<LayoutSource> source = named_by_setting(path);
+    if (!source) source = beside_document(path);
+    FileLayout layout{source ? load(*source) : bound_description(bound),
+                      source ? source->file : std::string("FD ") + bound.name,
+                      {},
+                      bound.element,
+                      bound.variable_record};
+    layout.records = records_of(layout.description, bound.plain_records);
+    return layout;
+}
+
+std::string record_written(const Where& where, const char* expression, const FileLayout& layout) {
+    if (std::strncmp(expression, "COB_SET_FLD", 11) == 0) return layout.variable_record;
+    const sxml_cob_source* const source = find_source(where);
+    if (source == nullptr) return {};
+    for (const sxml_cob_record& record : std::span(source->records, source->record_count)) {
+        if (std::strcmp(record.expression, expression) == 0) return record.name;
+    }
+    return {};
 }
 
 }  // namespace gnucobol

@@ -1,30 +1,46 @@
 // The record description of a file that a program opens.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
+#include "gnucobol/runtime.h"
 #include "records/description.h"
+#define SXML_COB_ADAPTER
+#include "sxml/sxml_cob.h"
 
 namespace gnucobol {
 
-struct LayoutRequest {
-    std::string path;     // the file's name on the disk
-    std::string fd;       // what the program calls it; may be empty
-    std::string program;  // PROGRAM-ID; may be empty
-    std::string source;   // name of the program's source file as it was compiled; may be empty
+// Where in the program a statement stands.
+struct Where {
+    const sxml_cob_source* sources;
+    const char* source;
 };
 
 struct FileLayout {
     records::Description description;
-    std::string source;    // the file it was made from, for messages
-    std::string warning;   // the first; empty when there is none
-    bool is_whole = true;  // false: some of the program's records are not described
+    std::string origin;  // what it was made from, for messages
+    // Of each layout: the name of its 01, upper case, and whether a directive says when it is
+    // meant.
+    struct Record {
+        std::string name;
+        bool has_condition;
+    };
+    std::vector<Record> records;
+    std::string element;          // the document element to write; empty: as described
+    std::string variable_record;  // the only 01 whose length varies; empty when none is
 };
 
-// Looks at SXML_LAYOUT_name (a file, or FILE:FD), then for a description named like the file, then
-// in the program's own source. Of a program with several files the one is taken that is called as
-// in this program, or like the file on the disk. Throws std::runtime_error with a message of one
-// line when there is none that can be used.
-FileLayout find_layout(const LayoutRequest& request);
+// What `sxml cob` has bound in for the file; null when the program has no such file.
+const sxml_cob_file* find_bound_file(const Where& where, const cob_file& file);
+
+// What SXML_LAYOUT_name names (a file, or FILE:FD), a description beside the document that is
+// called like it (.xfd), or else what was bound into the program. Throws std::runtime_error with a
+// message of one line when that cannot be used.
+FileLayout find_layout(const std::string& path, const sxml_cob_file& bound);
+
+// The name of the record in a WRITE, from its expression in the C code; empty when it is not known.
+std::string record_written(const Where& where, const char* expression, const FileLayout& layout);
 
 }  // namespace gnucobol

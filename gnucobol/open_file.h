@@ -1,4 +1,4 @@
-// An XML file that a program has open.
+// A document that a program has open.
 #pragma once
 
 #include <cstdint>
@@ -10,74 +10,81 @@
 #include "conversion/documents/document_source.h"
 #include "conversion/session/input_document.h"
 #include "conversion/session/output_document.h"
-#include "gnucobol/fcd.h"
+#include "conversion/texts/character_set.h"
+#include "gnucobol/extension.h"
 #include "gnucobol/layout.h"
+#include "gnucobol/private_document.h"
 
 namespace gnucobol {
-
-struct Result {
-    Status status = Status::done;
-    std::string reason;  // of a failure, for the message; may be empty
-};
-
-// What a program is told when writing fails with this error of the system.
-Status status_of_write_error(int error);
 
 class OpenFile {
   public:
     // An optional file that is not there: reading it ends at once.
-    OpenFile(std::string path, cob_file* program_file);
-    // Opens a document for input; opening() tells what came of it.
-    OpenFile(std::string path, cob_file* program_file, FileLayout layout,
+    OpenFile(std::string path, cob_file& file);
+    // A document to read.
+    OpenFile(std::string path, cob_file& file, FileLayout layout,
              conversion::DocumentSource source);
-    // The same for output, with texts in this character set.
-    OpenFile(std::string path, cob_file* program_file, FileLayout layout,
-             conversion::CharacterSet characters);
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile();
+    // A document to write, with texts in these characters; with an extension, more records of it.
+    OpenFile(std::string path, cob_file& file, FileLayout layout,
+             conversion::CharacterSet characters, PrivateDocument document,
+             std::unique_ptr<Extension> extension);
 
+    // What came of opening. Only when it is done or the optional file is missing may the others be
+    // called.
     const Result& opening() const { return opening_; }
     const std::string& path() const { return path_; }
-    // The runtime's own record of the file; may be null. It must be told of a close, since its
-    // DELETE FILE looks at it, and of the length of a record.
-    cob_file* program_file() const { return program_file_; }
+    cob_file& file() const { return file_; }
+    bool is_output() const { return document_.has_value(); }
+    const FileLayout& layout() const { return *layout_; }
 
-    bool is_output() const { return output_ != nullptr; }
-    // Whether the runtime has dropped the description that carried this object, and makes another.
-    bool awaits_description() const { return awaits_description_; }
-    void await_description(bool awaits) { awaits_description_ = awaits; }
-
-    Result read(FCD3& fcd);
-    Result write(const FCD3& fcd);
-    // Ends and closes the document. What could not be stored shows in the failures of the host's
-    // files, and then in failure().
-    void close();
-
-    // A failure found while the document was written; it stays with the file.
-    void fail_writing(int error);
-    const std::optional<Result>& failure() const { return failure_; }
+    // The next record, into the program's record area.
+    Result read();
+    // Writes `length` bytes of the record area, as a record of this name (empty: not known).
+    Result write(std::uint32_t length, const std::string& record);
+    // Ends the document and puts it in its place; one that is read is closed.
+    Result complete();
+    // The document is not to become complete: what goes into a pipe gets no end tag.
+    void drop();
 
   private:
-    std::uint32_t layout_length(std::uint32_t longest) const;
-    void tell_program(std::uint32_t length);
-    std::uint32_t length_of_record_read(const FCD3& fcd, std::uint32_t filled) const;
-    std::uint32_t length_of_text() const;
-    std::uint32_t longest_layout() const;
-    bool is_one_text() const;
+    // Bytes that are in no field of a layout.
+    struct Gap {
+        std::uint32_t begin;
+        std::uint32_t end;
+    };
+    void find_gaps();
     const std::vector<conversion::RecordLayout>& layouts() const;
+    std::optional<std::size_t> choose_layout(const std::string& record);
+    bool holds(const conversion::RecordLayout& layout);
+    std::optional<std::uint32_t> byte_without_field(std::size_t layout, std::uint32_t length) const;
+    Result tell_troubles();
+    Result tell_byte_without_field(std::uint32_t byte);
+    std::uint32_t layout_length() const;
+    std::uint32_t length_of_record_read() const;
+    std::uint32_t length_of_text() const;
+    bool is_one_text() const;
+    std::uint32_t longest() const { return static_cast<std::uint32_t>(file_.record_max); }
+    std::uint32_t shortest() const { return static_cast<std::uint32_t>(file_.record_min); }
 
     std::string path_;
-    cob_file* program_file_;
+    cob_file& file_;
     std::optional<conversion::DocumentSource> source_;
+    std::optional<conversion::CharacterSet> characters_;
+    std::optional<PrivateDocument> document_;
+    std::unique_ptr<Extension> extension_;
     std::optional<FileLayout> layout_;
-    std::optional<conversion::CharacterSet> characters_;  // of texts that are written
     std::unique_ptr<conversion::InputDocument> input_;
     std::unique_ptr<conversion::OutputDocument> output_;
+    std::string written_name_;            // of the file that is written to
+    std::vector<std::vector<Gap>> gaps_;  // by layout
     bool ended_ = false;
-    bool awaits_description_ = false;
+    bool has_told_bytes_ = false;  // of bytes that have no field
     Result opening_;
     std::optional<Result> failure_;
 };
+
+// Writes a document without records.
+Result write_empty_document(const FileLayout& layout, const conversion::CharacterSet& characters,
+                            const std::string& name);
 
 }  // namespace gnucobol

@@ -1,6 +1,8 @@
 #include "gnucobol/report.h"
 
+#include <cstdint>
 #include <cstdio>
+#include <map>
 
 #include "host/config.h"
 
@@ -10,6 +12,23 @@ namespace {
 
 // Statuses from here on tell of errors.
 constexpr unsigned FIRST_ERROR = 30;
+constexpr std::uint64_t PRINTED_AT_MOST = 10;
+
+// How often each message came, by file and kind.
+std::map<std::string, std::map<std::string, std::uint64_t>>& counts() {
+    static auto* const all = new std::map<std::string, std::map<std::string, std::uint64_t>>;
+    return *all;
+}
+
+bool is_verbose() {
+    const char* const value = host_config_string("SXML_VERBOSE", nullptr);
+    return value != nullptr && *value != '\0' && host_config_flag("SXML_VERBOSE", 0) != 0;
+}
+
+void print(const std::string& file, const std::string& kind, const std::string& text) {
+    if (++counts()[file][kind] > PRINTED_AT_MOST && !is_verbose()) return;
+    std::fprintf(stderr, "sxml: %s: %s\n", file.c_str(), text.c_str());
+}
 
 const char* meaning_of(Status status) {
     switch (status) {
@@ -35,12 +54,14 @@ const char* meaning_of(Status status) {
             return "the file was closed with lock";
         case Status::attributes_differ:
             return "the record description does not fit the program";
+        case Status::in_use:
+            return "another program, or another file of this one, is writing it";
         case Status::already_open:
             return "the file is open already";
         case Status::not_open:
             return "the file is not open";
         case Status::wrong_length:
-            return "the record is shorter than the file's records may be";
+            return "the record does not have a length that the file's records may have";
         case Status::read_after_end:
             return "there is no record to read any more";
         case Status::not_open_for_input:
@@ -55,17 +76,35 @@ const char* meaning_of(Status status) {
 
 }  // namespace
 
-void report_warning(const std::string& file, const std::string& warning) {
-    if (host_config_flag("SXML_VERBOSE", 0) == 0) return;
-    std::fprintf(stderr, "sxml: %s: warning: %s\n", file.c_str(), warning.c_str());
+void report(const std::string& file, const char* verb, const Result& result) {
+    const auto number = static_cast<unsigned>(result.status);
+    if (number < FIRST_ERROR && result.reason.empty() && !is_verbose()) return;
+    const std::string digits = (number < 10 ? "0" : "") + std::to_string(number);
+    print(file, std::string(verb) + digits,
+          std::string(verb) + ": file status " + digits + ": " +
+              (result.reason.empty() ? meaning_of(result.status) : result.reason));
 }
 
-void report(const std::string& file, Operation operation, Status status,
-            const std::string& reason) {
-    const auto number = static_cast<unsigned>(status);
-    if (number < FIRST_ERROR && host_config_flag("SXML_VERBOSE", 0) == 0) return;
-    std::fprintf(stderr, "sxml: %s: %s: file status %02u: %s\n", file.c_str(), verb_of(operation),
-                 number, reason.empty() ? meaning_of(status) : reason.c_str());
+void report_warning(const std::string& file, const std::string& warning) {
+    print(file, "warning", "warning: " + warning);
+}
+
+void report_data(const std::string& file, const std::string& kind, const std::string& text) {
+    print(file, "READ " + kind, "READ: " + text);
+}
+
+void sum_up_reports(const std::string& file) {
+    const auto found = counts().find(file);
+    if (found == counts().end()) return;
+    std::uint64_t untold = 0;
+    for (const auto& [kind, count] : found->second) {
+        if (count > PRINTED_AT_MOST) untold += count - PRINTED_AT_MOST;
+    }
+    if (untold > 0 && !is_verbose()) {
+        std::fprintf(stderr, "sxml: %s: %llu more messages of these kinds\n", file.c_str(),
+                     static_cast<unsigned long long>(untold));
+    }
+    counts().erase(found);
 }
 
 }  // namespace gnucobol

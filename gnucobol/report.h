@@ -1,17 +1,23 @@
-// Messages to the person who runs a program: one line each, on standard error.
+// What the adapter tells the user, on standard error.
 #pragma once
 
 #include <string>
 
-#include "gnucobol/fcd.h"
+#include "gnucobol/status.h"
 
 namespace gnucobol {
 
-// Reports an operation that ends with a status of 30 or above; with SXML_VERBOSE every status.
-// `reason` may be empty.
-void report(const std::string& file, Operation operation, Status status, const std::string& reason);
+// Tells what an operation (`verb`, as in the program) on a file gave: errors always, everything
+// with SXML_VERBOSE. Of one message for one file the first ten are printed.
+void report(const std::string& file, const char* verb, const Result& result);
 
-// Reports something odd, with SXML_VERBOSE only.
+// Tells something about a file that is no status, within the same limit.
 void report_warning(const std::string& file, const std::string& warning);
+
+// Tells that data of a document is not in a record as it is there. `kind` is what is counted.
+void report_data(const std::string& file, const std::string& kind, const std::string& text);
+
+// Says how often messages for the file were not printed. It has been closed.
+void sum_up_reports(const std::string& file);
 
 }  // namespace gnucobol

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "gnucobol/fcd.h"
+#include "gnucobol/runtime.h"
 
 namespace gnucobol {
 

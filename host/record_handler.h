@@ -29,7 +29,10 @@ struct HostRecordHandler {
     // until the next call; null for texts that go into the document as they are in the record.
     const char* (*text)(void* context, std::int32_t index, std::size_t* length);
 
-    // Reading. The encoding of the texts (a HostEncoding code), set by the module with each record.
+    // Reading. Told of each record before its data is stored: the name of its element, as names of
+    // fields are compared, valid during the call. May be null.
+    void (*begin_record)(void* context, const char* name);
+    // The encoding of the texts (a HostEncoding code), set by the module with each record.
     std::int32_t text_encoding;
     // How much of the document has been parsed, in bytes, set like that.
     std::int64_t parsed_bytes;

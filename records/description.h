@@ -24,8 +24,9 @@ enum class NameCase {
 
 // What 4GL_COLUMN_CASE asks for at the moment: lower when it is not set or has another value.
 NameCase configured_name_case();
-enum class BinarySize { by_digits_1248, by_digits_248 };  // cobc's default, and 2-4-8
-enum class RecordEncoding { ascii, ebcdic };              // of DISPLAY digits and signs
+// cobc's default, 2-4-8, and as many bytes as the digits need.
+enum class BinarySize { by_digits_1248, by_digits_248, smallest };
+enum class RecordEncoding { ascii, ebcdic };  // of DISPLAY digits and signs
 // What to do with data after a table with DEPENDING ON, which moves as the table's size changes.
 enum class MovingData { refused, fixed };  // fixed: the table always takes its full size
 // Bytes of PIC N and USAGE NATIONAL: two for each character, or as cobc 3.1 and 3.2 count them.
@@ -37,7 +38,10 @@ struct LayoutOptions {
     NationalSize national_size = NationalSize::two_bytes;
     bool binary_truncate = true;  // cobc's default
     bool filler = false;          // give FILLER items elements, too (filler_1, filler_2 ...)
-    bool ebcdic_sign = false;     // overpunched signs follow EBCDIC's convention
+    // Describe every record layout, also several of which no directive says when they are meant:
+    // under the condition that none of the others' holds. For who knows which record is meant.
+    bool every_record = false;
+    bool ebcdic_sign = false;  // overpunched signs follow EBCDIC's convention
     RecordEncoding encoding = RecordEncoding::ascii;
     MovingData moving_data = MovingData::refused;
     std::string name;  // of the description; empty: the FD's or the file's

@@ -6,12 +6,14 @@
 #include <utility>
 
 #include "conversion/documents/document_check.h"
+#include "conversion/texts/meant_number.h"
 #include "host/config.h"
 #include "host/encoding.h"
 #include "host/errors.h"
 #include "host/runtime/memory_report.h"
 #include "platform/files.h"
 #include "records/alignment.h"
+#include "records/conventions.h"
 #include "records/field_types.h"
 #include "records/numbers.h"
 
@@ -75,6 +77,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       exact_table_match_(host_config_flag(EXACT_TABLE_MATCH, 1)),
       description_(description),
       record_length_(description.record_length()),
+      has_decimal_comma_(records::has_decimal_comma(description)),
       characters_(characters),
       own_characters_(*CharacterSet::find("utf-8")),
       blank_(description.xfd(), record_length_, options.fill,
@@ -92,6 +95,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
         handler_.missing = &note_missing;
         collect_names(description.xfd());
     }
+    if (!options.is_named_by_element.empty()) handler_.begin_record = &begin_element;
     if (options_.shown_name.empty()) options_.shown_name = options_.file;
 }
 
@@ -179,9 +183,39 @@ std::optional<std::size_t> InputDocument::layout() const {
 void InputDocument::test_condition(void* document, std::int32_t number) {
     auto& self = *static_cast<InputDocument*>(document);
     Q4TestCOBOLCond(self.module_file_.xfd, number, self.record_.data());
-    if (!condition_holds(*self.module_file_.xfd, static_cast<std::int16_t>(number))) return;
+    Xfd& xfd = *self.module_file_.xfd;
+    if (!condition_holds(xfd, static_cast<std::int16_t>(number))) return;
+    if (!self.has_wanted_name(number)) {
+        xfd.conditions[number - 1].is_true &= static_cast<std::uint8_t>(~1U);
+        return;
+    }
     self.blank_.add_condition(number, self.record_.data());
     self.is_of_a_layout_ = true;
+}
+
+void InputDocument::begin_element(void* document, const char* name) {
+    auto& self = *static_cast<InputDocument*>(document);
+    self.named_layout_ = self.fields_.layout_named(name);
+}
+
+// Of the layouts that are told by the record's element, only one is meant.
+bool InputDocument::has_wanted_name(std::int32_t condition) const {
+    const std::vector<RecordLayout>& layouts = fields_.layouts();
+    if (options_.is_named_by_element.empty() || layouts.size() < 2) return true;
+    for (std::size_t i = 0; i < layouts.size(); ++i) {
+        const auto& own = layouts[i].conditions;
+        if (std::find(own.begin(), own.end(), condition) == own.end()) continue;
+        if (!options_.is_named_by_element[i]) return true;
+        const bool is_named = named_layout_ && options_.is_named_by_element[*named_layout_];
+        return is_named ? layouts[*named_layout_].name == layouts[i].name : is_first_named(i);
+    }
+    return true;
+}
+
+bool InputDocument::is_first_named(std::size_t layout) const {
+    const auto& all = options_.is_named_by_element;
+    return std::find(all.begin(), all.end(), true) - all.begin() ==
+           static_cast<std::ptrdiff_t>(layout);
 }
 
 // Nothing may be thrown through the module.
@@ -210,13 +244,17 @@ void InputDocument::store(void* document, std::int32_t index, const char* text,
 void InputDocument::store_number(std::int32_t index, std::string_view text) {
     XfdDataDesc& target = module_file_.xfd->items[index].data;
     target.address = record_.data() + module_file_.xfd->items[index].offset;
+    const std::optional<std::string> meant =
+        meant_number(text, {target.digits, target.scale, has_decimal_comma_});
+    const std::string_view written = text;
+    if (meant) text = *meant;
     XfdDataDesc source = target;
     constexpr std::size_t LONGEST = std::numeric_limits<std::int32_t>::max();
     source.address = const_cast<char*>(text.data());
     source.length = static_cast<std::int32_t>(std::min(text.size(), LONGEST));
     source.type = records::TEXT;
     if (Qconvert(&target, &source, 1) == 0 && !text.empty()) {
-        note_trouble({index, FieldFate::no_number, std::string(text), 0, 0, 0});
+        note_trouble({index, FieldFate::no_number, std::string(written), 0, 0, 0});
     }
     if (!follows_entries_) return;
     if (single_entry_.is_counted_by(record_.data(), target.address)) {

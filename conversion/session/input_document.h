@@ -74,6 +74,9 @@ class InputDocument {
         std::string shown_name;  // in messages; empty: as `file`
         BlankFill fill = BlankFill::by_type;
         bool notes_unused = false;  // unused_data() is wanted
+        // Of each layout: whether records are of it only when their element has its name, whatever
+        // its conditions say; when no layout has that name, they may be of the first. Empty: none.
+        std::vector<bool> is_named_by_element{};
     };
 
     // Opens a document. `description` describes the records as they become, in `characters`; null:
@@ -139,9 +142,12 @@ class InputDocument {
     static void test_condition(void* document, std::int32_t number);
     static void store(void* document, std::int32_t index, const char* text, std::size_t length);
     static void note_missing(void* document, std::int32_t index);
+    static void begin_element(void* document, const char* name);
     static void note_element(void* document, const HostRecordElement* element);
 
     void begin_record();
+    bool has_wanted_name(std::int32_t condition) const;
+    bool is_first_named(std::size_t layout) const;
     void begin_texts();
     void store_text(std::int32_t index, std::string_view text);
     void store_number(std::int32_t index, std::string_view text);
@@ -171,6 +177,7 @@ class InputDocument {
     std::int32_t exact_table_match_;
     const records::Description& description_;
     std::int32_t record_length_;
+    bool has_decimal_comma_;
     const CharacterSet* characters_;
     CharacterSet own_characters_;
     std::optional<FieldText> texts_;  // known with the first record
@@ -183,6 +190,7 @@ class InputDocument {
     bool has_ended_ = false;
     std::vector<std::uint8_t> record_;
     bool is_of_a_layout_ = false;
+    std::optional<std::size_t> named_layout_;  // by the record's element
     std::int32_t filled_length_ = 0;
     std::vector<FieldFate> fates_;
     std::vector<FieldTrouble> troubles_;

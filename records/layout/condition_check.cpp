@@ -65,7 +65,10 @@ std::string problem_of(const Test& test, const Bounds& bounds, int depth, std::s
         if (!left.empty() || test.kind == Test::Kind::class_test) return left;
         return comparison_problem(test, bounds);
     }
-    if (test.operands.empty()) return "the condition has an empty part";
+    // `and` of nothing holds by itself; only a whole condition may be that.
+    if (test.operands.empty() && (depth > 1 || test.kind != Test::Kind::logical_and)) {
+        return "the condition has an empty part";
+    }
     if (test.kind == Test::Kind::logical_not && test.operands.size() != 1) {
         return "NOT takes one condition";
     }

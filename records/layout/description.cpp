@@ -1,4 +1,5 @@
 #include "records/description.h"
+#include "records/conventions.h"
 
 #include <algorithm>
 
@@ -50,6 +51,10 @@ Xfd& Description::xfd() {
 }
 const Xfd& Description::xfd() const {
     return data_->block;
+}
+
+bool has_decimal_comma(const Description& description) {
+    return description.data().model.decimal_comma;
 }
 
 std::int32_t Description::record_length() const {

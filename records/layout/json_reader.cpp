@@ -139,7 +139,8 @@ class Reader {
     Test read_connective(const Key& list, Test::Kind kind, int depth, bool& complete) {
         Test test;
         test.kind = kind;
-        if (!list.is_array(1)) complete = false;
+        // `and` of nothing holds by itself; whether it may stand here is checked later.
+        if (!list.is_array(kind == Test::Kind::logical_and ? 0 : 1)) complete = false;
         for (std::size_t i = 0; complete && i < list.size(); ++i) {
             test.operands.push_back(read_test(list.element(i), depth + 1, complete));
         }

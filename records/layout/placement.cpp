@@ -15,16 +15,20 @@ struct Inherited {
     bool sign_separate = false;
 };
 
-int binary_size(int digits, BinarySize rule) {
+// The fewest bytes that hold so many decimal digits.
+int smallest_binary_size(int digits, bool is_signed) {
+    static constexpr int FEWEST[] = {1, 1, 1, 2, 2, 3, 3, 3, 4, 4, 5, 5, 5, 6, 6, 7, 7, 8, 8, 8};
+    static constexpr int SIGNED[] = {1, 1, 1, 2, 2, 3, 3, 4, 4, 4, 5, 5, 6, 6, 6, 7, 7, 8, 8, 8};
+    const int index = std::clamp(digits, 0, 19);
+    return is_signed ? SIGNED[index] : FEWEST[index];
+}
+
+int binary_size(const Picture& picture, BinarySize rule) {
+    const int digits = picture.digits;
+    if (rule == BinarySize::smallest) return smallest_binary_size(digits, picture.is_signed);
     if (digits <= 2 && rule == BinarySize::by_digits_1248) return 1;
     if (digits <= 4) return 2;
     return digits <= 9 ? 4 : 8;
-}
-
-// The fewest bytes that hold so many decimal digits.
-int smallest_binary_size(int digits) {
-    constexpr int FEWEST[] = {1, 1, 1, 2, 2, 3, 3, 3, 4, 4, 5, 5, 5, 6, 6, 7, 7, 8, 8, 8};
-    return FEWEST[std::clamp(digits, 0, 19)];
 }
 
 // Size of an item whose usage alone decides it.
@@ -275,11 +279,11 @@ class Placer {
         if (picture.category != Category::numeric) return character_size(node, picture);
         switch (node.usage) {
             case Usage::binary:
-                return sized_binary(item, binary_size(picture.digits, options_.binary_size));
+                return sized_binary(item, binary_size(picture, options_.binary_size));
             case Usage::comp_5:
-                return sized_binary(item, binary_size(picture.digits, BinarySize::by_digits_1248));
+                return sized_binary(item, binary_size(picture, BinarySize::by_digits_1248));
             case Usage::comp_x:
-                return sized_binary(item, smallest_binary_size(picture.digits));
+                return sized_binary(item, smallest_binary_size(picture.digits, false));
             case Usage::comp_3:
                 return picture.digits / 2 + 1;
             case Usage::comp_6:

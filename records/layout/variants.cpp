@@ -36,6 +36,12 @@ Test none_of(const std::vector<Node*>& nodes) {
     return none;
 }
 
+Test holds_by_itself() {
+    Test test;
+    test.kind = Test::Kind::logical_and;
+    return test;
+}
+
 // Both tests, as one flat conjunction.
 Test both(const Test& first, const Test& second) {
     Test all;
@@ -74,6 +80,17 @@ void choose_among(const std::vector<Node*>& sharing, const char* what, Diagnosti
     if (!others.empty()) note_taken(*untested.front(), others, what, diagnostics);
     for (Node* other : others) remove_elements(*other);
     if (!tested.empty()) untested.front()->own_test = none_of(tested);
+}
+
+// Gives the records without a test one: that of none of the others holds.
+void describe_each(const std::vector<Node*>& records) {
+    std::vector<Node*> tested;
+    std::copy_if(records.begin(), records.end(), std::back_inserter(tested),
+                 [](const Node* record) { return record->own_test && gives_element(*record); });
+    const Test test = tested.empty() ? holds_by_itself() : none_of(tested);
+    for (Node* record : records) {
+        if (!record->own_test && gives_element(*record)) record->own_test = test;
+    }
 }
 
 void resolve_whens(Node& record, const NameScope& scope, Diagnostics& diagnostics) {
@@ -238,7 +255,11 @@ std::size_t choose_layouts(Layouts& layouts, const NameScope& scope, const Layou
         choose_variants(*layout, scope, diagnostics);
         records.push_back(layout.get());
     }
-    choose_among(records, "of the record layouts", diagnostics);
+    if (options.every_record) {
+        describe_each(records);
+    } else {
+        choose_among(records, "of the record layouts", diagnostics);
+    }
     const auto first_undescribed = std::stable_partition(
         layouts.begin(), layouts.end(), [](const auto& layout) { return gives_element(*layout); });
     std::stable_partition(layouts.begin(), first_undescribed,

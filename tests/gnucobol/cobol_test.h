@@ -13,7 +13,7 @@
 namespace fs = std::filesystem;
 
 inline const std::string PROGRAMS = SXML_SOURCE_DIR "/tests/gnucobol/";
-inline const std::string SAMPLES = SXML_SOURCE_DIR "/gnucobol/samples/";
+inline const std::string SAMPLES = SXML_SOURCE_DIR "/examples/cobol/";
 
 // The adapter serves the runtime of GnuCOBOL 3.1.
 inline bool has_known_runtime() {

@@ -169,6 +169,7 @@
            OPEN OUTPUT FIRST-ONE.
            MOVE "one" TO TEXT-OF OF FIRST-RECORD.
            WRITE FIRST-RECORD.
+           CLOSE FIRST-ONE.
            OPEN INPUT SECOND-ONE.
            READ SECOND-ONE.
            DISPLAY "second reads " S " " TEXT-OF OF SECOND-RECORD.

@@ -36,20 +36,15 @@ sxml from-xml custfile.xml back.dat --layout "$examples/custfile.cpy"
 cmp "$examples/custfile.dat" back.dat
 
 echo "== a COBOL program, also after the installation has moved"
-if [[ $(cobc --version) == *"(GnuCOBOL) 3.1."* ]]; then
-    samples=$prefix/share/sxml/samples
-    sxml cob "$samples/make_data.cbl" -I "$samples" -o make_data
-    export SXML_PATH=$samples DD_ORDERS=orders.xml DD_CUSTOMERS=customers.xml DD_CHANGES=changes.xml DD_LEDGER=ledger.xml
-    ./make_data
-    xmllint --noout --valid customers.xml
-    mv "$prefix" "$scratch/again"
-    rm customers.xml
-    LD_LIBRARY_PATH=$scratch/again/lib SXML_PATH=$scratch/again/share/sxml/samples ./make_data
-    xmllint --noout --valid customers.xml
-else
-    echo "skipped: needs libcob 3.1"
-    mv "$prefix" "$scratch/again"
-fi
+samples=$prefix/share/sxml/examples/cobol
+sxml cob "$samples/make_data.cbl" -I "$samples" -o make_data
+export DD_ORDERS=orders.xml DD_CUSTOMERS=customers.xml DD_CHANGES=changes.xml DD_LEDGER=ledger.xml
+./make_data
+xmllint --noout --valid customers.xml
+mv "$prefix" "$scratch/again"
+rm customers.xml
+LD_LIBRARY_PATH=$scratch/again/lib ./make_data
+xmllint --noout --valid customers.xml
 
 echo "== C programs, by pkg-config and by CMake (which cannot link with a folder that has a comma)"
 prefix=$scratch/for\ C

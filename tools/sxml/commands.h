@@ -16,6 +16,7 @@ void add_dtd_command(CLI::App& application);
 void add_schema_command(CLI::App& application);
 void add_dump_command(CLI::App& application);
 void add_cob_command(CLI::App& application);
+void add_cob_cc_command(CLI::App& application);
 void add_rewrite_command(CLI::App& application);
 void add_tree_command(CLI::App& application);
 

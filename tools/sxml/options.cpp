@@ -17,6 +17,7 @@ const std::map<std::string, records::SourceFormat> SOURCE_FORMATS = {
 const std::map<std::string, records::BinarySize> BINARY_SIZES = {
     {"1-2-4-8", records::BinarySize::by_digits_1248},
     {"2-4-8", records::BinarySize::by_digits_248},
+    {"1--8", records::BinarySize::smallest},
 };
 
 const std::map<std::string, records::MovingData> MOVING_DATA = {

@@ -133,6 +133,13 @@ std::int32_t fill_record(const XmlFile& file, char* record) {
     return best;
 }
 
+void tell_beginning(const XmlFile& file) {
+    const RecordTree& tree = file.input_items->tree;
+    if (file.handler == nullptr || file.handler->begin_record == nullptr) return;
+    if (tree.last_element == 0) return;
+    file.handler->begin_record(file.handler->context, name_text(tree.names, tree.elements[1].name));
+}
+
 bool is_used(RecordTree& tree, std::uint32_t number) {
     const RecordElement& element = tree.elements[number];
     return (element.is_moved || !element.has_text) && !element.has_other_text &&
@@ -214,6 +221,7 @@ int xml_sread(XmlFile* file, void* record) {
             host_trace(-1, HOST_TRACE_ENTRIES, "Leaving, SxmlParser_parse_record");
         return 0;
     }
+    tell_beginning(*file);
     const std::int32_t best = fill_record(*file, static_cast<char*>(record));
     report_unused(*file);
     if (host_trace_on != 0) host_trace(-1, HOST_TRACE_ENTRIES, "Leaving, %d", best + 1);

@@ -1,0 +1,51 @@
+// The documents that the program has open, and what its statements do with them.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "gnucobol/layout.h"
+#include "gnucobol/open_file.h"
+#include "gnucobol/status.h"
+
+namespace gnucobol {
+
+class Files {
+  public:
+    // The process's; never destroyed.
+    static Files& instance();
+
+    // The document that a file is; null when it has none open.
+    OpenFile* find(const cob_file& file) const;
+
+    // OPEN. False, with nothing done, when the file is no document.
+    bool open(const Where& where, cob_file& file, int mode, cob_field* item);
+    void close(OpenFile& file, cob_field* item, int option);
+    void read(OpenFile& file, cob_field* item, int options);
+    void write(OpenFile& file, const Where& where, const cob_field& record, const char* expression,
+               cob_field* item);
+    // An operation that the document does not have as it is open.
+    void refuse(OpenFile& file, cob_field* item, const char* verb, Status status);
+
+    // The end of the program.
+    void finish(bool is_complete);
+
+  private:
+    void settle(cob_file& file, const std::string& path, const char* verb, cob_field* item,
+                const Result& result);
+    Result open_document(const std::string& path, const sxml_cob_file& bound, cob_file& file,
+                         int mode);
+    Result open_input(const std::string& path, const sxml_cob_file& bound, cob_file& file);
+    Result open_output(const std::string& path, const sxml_cob_file& bound, cob_file& file);
+    Result open_extend(const std::string& path, const sxml_cob_file& bound, cob_file& file);
+    Result keep(std::unique_ptr<OpenFile> file);
+    void remove(const OpenFile& file);
+
+    std::vector<std::unique_ptr<OpenFile>> files_;
+};
+
+// Whether a file can be a document by what it is called and how it is organized.
+bool may_be_document(const cob_file& file);
+
+}  // namespace gnucobol

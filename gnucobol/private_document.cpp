@@ -1,0 +1,194 @@
+#include "gnucobol/private_document.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <utility>
+
+#include "gnucobol/signals.h"
+
+namespace gnucobol {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t ANYONE = 0666;
+constexpr mode_t PERMISSIONS = 0777;
+
+bool is_done(const Result& result) {
+    return result.status == Status::done;
+}
+
+// A pipe, a device, or a descriptor under a name, whatever it is of.
+bool is_no_regular_file(const std::string& name) {
+    struct stat info {};
+    if (name.starts_with("/dev/") || name.starts_with("/proc/")) return true;
+    return stat(name.c_str(), &info) == 0 && !S_ISREG(info.st_mode);
+}
+
+// The file that the name leads to, through links, whether it is there or not.
+std::string without_links(const std::string& name) {
+    constexpr int MOST_LINKS = 40;
+    std::error_code error;
+    fs::path path = name;
+    for (int i = 0; i < MOST_LINKS && fs::is_symlink(path, error); ++i) {
+        const fs::path next = fs::read_symlink(path, error);
+        if (error) break;
+        path = next.is_absolute() ? next : path.parent_path() / next;
+    }
+    const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+    const fs::path real = fs::canonical(folder, error);
+    return error ? path.string() : (real / path.filename()).string();
+}
+
+std::string private_name(const std::string& target) {
+    const fs::path path = target;
+    return (path.parent_path() / ("." + path.filename().string() + ".part")).string();
+}
+
+bool lock(int descriptor) {
+    struct flock request {};
+    request.l_type = F_WRLCK;
+    request.l_whence = SEEK_SET;
+    return fcntl(descriptor, F_OFD_SETLK, &request) == 0;
+}
+
+bool is_locked(const std::string& file) {
+    const int descriptor = open(file.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0) return false;
+    struct flock request {};
+    request.l_type = F_WRLCK;
+    request.l_whence = SEEK_SET;
+    const bool is_held = fcntl(descriptor, F_OFD_GETLK, &request) == 0 && request.l_type != F_UNLCK;
+    close(descriptor);
+    return is_held;
+}
+
+// Whether the name still leads to the open file: another writer may have renamed it meanwhile.
+bool is_named(int descriptor, const std::string& name) {
+    struct stat held {};
+    struct stat named {};
+    return fstat(descriptor, &held) == 0 && lstat(name.c_str(), &named) == 0 &&
+           held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+}
+
+bool copy(int from, int to, off_t size) {
+    std::array<char, 65536> part{};
+    for (off_t at = 0; at < size;) {
+        const ssize_t count = pread(from, part.data(), part.size(), at);
+        if (count <= 0 || pwrite(to, part.data(), static_cast<std::size_t>(count), at) != count) {
+            return false;
+        }
+        at += count;
+    }
+    return true;
+}
+
+}  // namespace
+
+PrivateDocument::PrivateDocument(PrivateDocument&& other) noexcept
+    : target_(std::move(other.target_)),
+      name_(std::move(other.name_)),
+      has_name_(std::exchange(other.has_name_, false)),
+      descriptor_(std::exchange(other.descriptor_, -1)),
+      target_lock_(std::exchange(other.target_lock_, -1)),
+      signal_slot_(std::exchange(other.signal_slot_, -1)) {}
+
+PrivateDocument::~PrivateDocument() {
+    // The lock goes last: until then nobody else takes the file over. A signal may have removed it,
+    // and then its name is free for others.
+    if (has_name_ && is_named(descriptor_, name_)) unlink(name_.c_str());
+    forget_at_signal(signal_slot_);
+    if (descriptor_ >= 0) close(descriptor_);
+    if (target_lock_ >= 0) close(target_lock_);
+}
+
+std::variant<PrivateDocument, Result> PrivateDocument::begin(const std::string& target) {
+    PrivateDocument document;
+    if (is_no_regular_file(target)) {
+        std::error_code error;
+        if (fs::is_directory(target, error)) return refusal(EISDIR);
+        if (access(target.c_str(), W_OK) != 0) return refusal(errno);
+        document.name_ = target;
+        return document;
+    }
+    document.target_ = without_links(target);
+    struct stat info {};
+    const bool is_there = stat(document.target_.c_str(), &info) == 0;
+    if (is_there && access(document.target_.c_str(), W_OK) != 0) return refusal(errno);
+    Result result = document.begin_beside();
+    if (result.status == Status::not_permitted && is_there) result = document.begin_elsewhere();
+    if (!is_done(result)) return result;
+    const bool keeps_mode =
+        !is_there || fchmod(document.descriptor_, info.st_mode & PERMISSIONS) == 0;
+    if (!keeps_mode || ftruncate(document.descriptor_, 0) != 0) return refusal(errno);
+    return document;
+}
+
+std::string PrivateDocument::folder() const {
+    return fs::path(target_).parent_path().string();
+}
+
+Result PrivateDocument::begin_beside() {
+    name_ = private_name(target_);
+    for (;;) {
+        descriptor_ = open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, ANYONE);
+        if (descriptor_ < 0) return refusal(errno);
+        if (!lock(descriptor_)) return {Status::in_use, {}};
+        if (is_named(descriptor_, name_)) break;
+        close(descriptor_);
+    }
+    has_name_ = true;
+    signal_slot_ = remove_at_signal(name_, target_);
+    return {};
+}
+
+Result PrivateDocument::begin_elsewhere() {
+    target_lock_ = open(target_.c_str(), O_RDWR | O_CLOEXEC);
+    if (target_lock_ < 0) return refusal(errno);
+    if (!lock(target_lock_)) return {Status::in_use, {}};
+    const char* const chosen = secure_getenv("TMPDIR");
+    std::string name =
+        std::string(chosen != nullptr && *chosen != '\0' ? chosen : "/tmp") + "/sxml-XXXXXX";
+    descriptor_ = mkostemp(name.data(), O_CLOEXEC);
+    if (descriptor_ < 0) return refusal(errno);
+    unlink(name.c_str());
+    name_ = "/proc/self/fd/" + std::to_string(descriptor_);
+    return {};
+}
+
+Result PrivateDocument::copy_into_place() {
+    struct stat info {};
+    if (fstat(descriptor_, &info) != 0) return refusal(errno);
+    // Room is found before anything is changed.
+    const int error = posix_fallocate(target_lock_, 0, info.st_size);
+    if (error != 0) return refusal(error);
+    if (!copy(descriptor_, target_lock_, info.st_size) ||
+        ftruncate(target_lock_, info.st_size) != 0 || fsync(target_lock_) != 0) {
+        return refusal(errno);
+    }
+    return {};
+}
+
+Result PrivateDocument::complete() {
+    if (descriptor_ < 0) return {};
+    if (target_lock_ >= 0) return copy_into_place();
+    if (fsync(descriptor_) != 0) return refusal(errno);
+    if (rename(name_.c_str(), target_.c_str()) != 0) return refusal(errno);
+    has_name_ = false;
+    return {};
+}
+
+bool is_being_written(const std::string& document) {
+    if (is_no_regular_file(document)) return false;
+    const std::string target = without_links(document);
+    return is_locked(private_name(target)) || is_locked(target);
+}
+
+}  // namespace gnucobol

@@ -1,0 +1,28 @@
+// Runs the COBOL compiler.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace command::cob {
+
+// Runs a program found on PATH. `errors` names a file for its standard error; empty: ours.
+// Result: its exit status, 128 + n when signal n ended it. Throws Failure when it cannot be run.
+int run_program(const std::vector<std::string>& words, const std::string& errors = "");
+
+// A new folder, readable for this user alone, which goes with this object and all that is in it.
+class WorkFolder {
+  public:
+    // Throws Failure.
+    WorkFolder();
+    ~WorkFolder();
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    std::string file(const std::string& name) const { return name_ + "/" + name; }
+
+  private:
+    std::string name_;
+};
+
+}  // namespace command::cob
