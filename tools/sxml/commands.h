@@ -19,5 +19,7 @@ void add_cob_command(CLI::App& application);
 void add_cob_cc_command(CLI::App& application);
 void add_rewrite_command(CLI::App& application);
 void add_tree_command(CLI::App& application);
+void add_split_command(CLI::App& application);
+void add_join_command(CLI::App& application);
 
 }  // namespace command

@@ -1,0 +1,138 @@
+// sxml join: makes one document of several of the same description.
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <memory>
+#include <vector>
+
+#include "conversion/documents/document_frame.h"
+#include "conversion/documents/document_source.h"
+#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/commands.h"
+#include "tools/sxml/errors.h"
+#include "tools/sxml/run_files.h"
+
+namespace command {
+
+namespace {
+
+struct JoinOptions {
+    std::vector<std::string> parts;
+    std::string out;
+};
+
+struct Part {
+    conversion::DocumentSource source;
+    conversion::DocumentFrame frame;
+
+    std::string bytes(conversion::ByteRange range) const {
+        return value_of(conversion::bytes_of(source.file(), range));
+    }
+    // What comes after the last record, in the document element and after it.
+    std::string inner_end() const { return bytes({frame.children_end, frame.end_tag}); }
+    std::string outer_end() const { return bytes({frame.end_tag, frame.size}); }
+};
+
+bool is_blank(const std::string& text) {
+    // A NUL belongs to UTF-16.
+    return text.find_first_not_of(std::string(" \t\r\n\0", 5)) == std::string::npos;
+}
+
+// What makes two documents alike: how their bytes are to be read, and what their elements mean.
+struct Likeness {
+    std::string encoding;
+    std::string type;
+    std::string tag;
+};
+
+Likeness likeness_of(const Part& part) {
+    Likeness likeness;
+    likeness.encoding = part.frame.encoding.empty() ? "UTF-8" : part.frame.encoding;
+    for (char& c : likeness.encoding) {
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    const std::string mark = part.bytes({0, 2});
+    if (mark == "\xFF\xFE" || mark == "\xFE\xFF") likeness.encoding += mark;
+    likeness.type = part.bytes(part.frame.type);
+    likeness.tag = part.bytes(part.frame.tag);
+    // <orders/> and <orders> are alike.
+    const std::size_t end = likeness.tag.find_last_not_of(std::string("/> \t\r\n\0", 7));
+    likeness.tag.resize(end + 1);
+    return likeness;
+}
+
+void check_alike(const Part& first, const Likeness& wanted, const Part& part) {
+    const Likeness likeness = likeness_of(part);
+    const auto differ = [&](const std::string& what) {
+        fail(part.source.name() + ": " + what + " is not that of " + first.source.name() +
+             "; documents that are joined must be of one description");
+    };
+    if (likeness.encoding != wanted.encoding) differ("the encoding");
+    if (likeness.type != wanted.type) differ("the document type declaration");
+    if (likeness.tag != wanted.tag) differ("the start tag of the document element");
+}
+
+std::vector<Part> read_parts(const JoinOptions& options) {
+    std::vector<Part> parts;
+    for (const std::string& name : options.parts) {
+        auto source = value_of(conversion::DocumentSource::open(name));
+        const auto frame = value_of(conversion::frame_of(source.file(), source.name()));
+        parts.push_back({std::move(source), frame});
+    }
+    const Likeness wanted = likeness_of(parts.front());
+    for (const Part& part : parts) check_alike(parts.front(), wanted, part);
+    return parts;
+}
+
+// The records of a part and what else its document element holds after them, unless that is blank
+// or stands at the end of the joined document anyway.
+void write_records(const Part& part, const Part& around, conversion::ByteSink& sink) {
+    const conversion::DocumentFrame& frame = part.frame;
+    check(conversion::copy_bytes(part.source.file(), {frame.tag.end, frame.children_end}, sink));
+    if (&part == &around || frame.is_empty_tag) return;
+    const std::string end = part.inner_end();
+    if (!is_blank(end) && end != around.inner_end()) check(sink.write(end.data(), end.size()));
+    const std::string rest = part.outer_end();
+    if (rest != around.outer_end() && rest.find('<', 2) != std::string::npos) {
+        warn(part.source.name() + ": what stands after the document element is left out");
+    }
+}
+
+void join(const JoinOptions& options) {
+    RunFiles files;
+    for (const std::string& name : options.parts) files.reads(name);
+    files.writes(options.out);
+    files.check();
+    const std::vector<Part> parts = read_parts(options);
+    // The first one that has both tags gives what stands around the records.
+    const auto found =
+        std::ranges::find_if(parts, [](const Part& part) { return !part.frame.is_empty_tag; });
+    const Part& around = found == parts.end() ? parts.front() : *found;
+    AtomicOutput output(options.out);
+    conversion::ByteSink sink = output.open();
+    check(conversion::copy_bytes(around.source.file(), {0, around.frame.tag.end}, sink));
+    for (const Part& part : parts) write_records(part, around, sink);
+    check(conversion::copy_bytes(around.source.file(),
+                                 {around.frame.children_end, around.frame.size}, sink));
+    check(sink.close());
+    output.commit();
+}
+
+}  // namespace
+
+void add_join_command(CLI::App& application) {
+    CLI::App* command = application.add_subcommand(
+        "join", "make one document of several of the same description, in the order given");
+    auto options = std::make_shared<JoinOptions>();
+    command->add_option("PART", options->parts, "the documents: files or web addresses")
+        ->required()
+        ->option_text("...");
+    command->add_option("-o,--output", options->out, "the document to write, - for standard output")
+        ->required()
+        ->option_text("FILE");
+    command->footer("Example:\n  sxml join orders-*.xml --output orders.xml");
+    command->callback([options] { join(*options); });
+}
+
+}  // namespace command
