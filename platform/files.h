@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <string>
 
@@ -29,7 +30,16 @@ std::optional<FileState> state_of(int descriptor);
 
 // Cuts a file to this length. Result: 0 or the error number.
 int cut_file(int descriptor, std::uint64_t length);
-// Removes a file that may be there.
-void remove_file(const std::string& name);
+// Opens a file to be written at its end, as it is; what is written is never changed. Null on
+// failure with the reason in errno. Closed with std::fclose.
+std::FILE* open_to_append(const std::string& name);
+// Cuts an open file to nothing. Result: 0 or the error number.
+int empty_file(std::FILE* file);
+// Removes a file. Result: 0 or the error number.
+int remove_file(const char* name);
+// Gives a file another name, in the place of what has that name. Result: 0 or the error number.
+int rename_file(const char* old_name, const char* new_name);
+// Gives a file the permissions that another one has. Result: 0 or the error number.
+int copy_permissions(const char* from, const char* to);
 
 }  // namespace platform

@@ -22,6 +22,8 @@ class TemporaryFile {
     ~TemporaryFile();
 
     const std::string& name() const { return name_; }
+    // From now on it is a file like others, which its user removes. Result: its name.
+    std::string keep();
     // Gives it this name, in the place of what was there. Result: 0 or the error number.
     int rename_to(const std::string& target);
 

@@ -12,6 +12,7 @@
 #include "host/runtime/fetch.h"
 #include "platform/descriptors.h"
 #include "platform/files.h"
+#include "platform/paths.h"
 
 namespace conversion {
 
@@ -57,7 +58,8 @@ Result<DocumentSource> DocumentSource::open(const std::string& name, Pipes pipes
     if (!state) return system_problem(name, error);
     if (state->kind == platform::FileKind::folder) return system_problem(file, EISDIR);
     if (state->kind == platform::FileKind::other && pipes == Pipes::copied) return copy(file);
-    return DocumentSource(file, std::filesystem::absolute(file).string());
+    return DocumentSource(file,
+                          platform::name_of(std::filesystem::absolute(platform::path_of(file))));
 }
 
 Result<DocumentSource> DocumentSource::empty_copy(const std::string& name) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "conversion/texts/utf8.h"
+#include "platform/paths.h"
 
 namespace conversion {
 
@@ -134,7 +135,7 @@ std::optional<RecordLocator::Position> RecordLocator::position(std::uint64_t rec
 
 std::string RecordLocator::text(std::uint64_t record) {
     if (!seek(record)) return {};
-    std::ifstream input(search_->file, std::ios::binary);
+    std::ifstream input(platform::path_of(search_->file), std::ios::binary);
     std::string bytes(static_cast<std::size_t>(search_->end - search_->begin), '\0');
     input.seekg(search_->begin);
     input.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));

@@ -31,8 +31,6 @@ Result<ByteSource> ByteSource::open(const std::string& name) {
     if (name == "-") return ByteSource(STANDARD_INPUT_NAME, platform::STANDARD_INPUT);
     ByteSource source(name, platform::open_to_read(name.c_str()));
     if (source.descriptor_ < 0) return system_problem(name, errno);
-    const auto state = platform::state_of(source.descriptor_);
-    if (state && state->kind == platform::FileKind::folder) return system_problem(name, EISDIR);
     return source;
 }
 

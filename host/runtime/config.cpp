@@ -19,6 +19,7 @@
 #include "host/runtime/settings.h"
 #include "host/runtime/settings_file.h"
 #include "host/runtime/text_hash.h"
+#include "platform/environment.h"
 
 namespace host {
 
@@ -107,7 +108,7 @@ Entry* add_entry(std::string_view name, std::uint64_t hash) {
 
 void read_file() {
     config->is_file_read = true;
-    const char* file = std::getenv("SXML_CONFIG");
+    const char* file = platform::environment_variable("SXML_CONFIG");
     if (file == nullptr || *file == '\0') return;
     for (SettingsLine& line : read_settings_file(file)) {
         const std::string origin = std::string(file) + ":" + std::to_string(line.line);
@@ -133,9 +134,9 @@ void check_file_names() {
 }
 
 const char* environment_value(const std::string& name) {
-    if (canonical(name) != COLUMN_CASE) return std::getenv(name.c_str());
-    const char* value = std::getenv(COLUMN_CASE);
-    return value != nullptr ? value : std::getenv(COLUMN_CASE_ALIAS);
+    if (canonical(name) != COLUMN_CASE) return platform::environment_variable(name.c_str());
+    const char* value = platform::environment_variable(COLUMN_CASE);
+    return value != nullptr ? value : platform::environment_variable(COLUMN_CASE_ALIAS);
 }
 
 std::optional<UserValue> user_value(const Entry& entry) {

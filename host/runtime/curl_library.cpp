@@ -1,8 +1,9 @@
 #include "host/runtime/curl_library.h"
 
-#include <dlfcn.h>
-
+#include <array>
 #include <cstdio>
+
+#include "platform/libraries.h"
 
 namespace host {
 
@@ -13,16 +14,20 @@ constexpr const char* FILE_NAMES[] = {"libcurl.so.4", "libcurl-gnutls.so.4"};
 constinit CurlLibrary functions{};
 bool is_ready = false;
 
-void* open_library() {
+using Reason = std::array<char, 512>;
+
+void* open_library(Reason& reason) {
     for (const char* name : FILE_NAMES) {
-        if (void* library = dlopen(name, RTLD_NOW | RTLD_LOCAL)) return library;
+        if (void* library = platform_open_library(name, reason.data(), reason.size())) {
+            return library;
+        }
     }
     return nullptr;
 }
 
 template <class Function>
 bool find(void* library, const char* name, Function& function) {
-    function = reinterpret_cast<Function>(dlsym(library, name));
+    function = reinterpret_cast<Function>(platform_library_symbol(library, name));
     return function != nullptr;
 }
 
@@ -40,17 +45,16 @@ bool start(void* library) {
 
 const CurlLibrary* curl_library() {
     if (is_ready) return &functions;
-    void* library = open_library();
+    Reason reason{};
+    void* library = open_library(reason);
     if (library == nullptr) {
-        const char* reason = dlerror();
-        std::fprintf(stderr, "sxml: web addresses need libcurl: %s; install it\n",
-                     reason != nullptr ? reason : "it cannot be loaded");
+        std::fprintf(stderr, "sxml: web addresses need libcurl: %s; install it\n", reason.data());
         return nullptr;
     }
     is_ready = start(library);
     if (is_ready) return &functions;
     std::fputs("sxml: libcurl, which web addresses need, does not start\n", stderr);
-    dlclose(library);
+    platform_close_library(library);
     return nullptr;
 }
 

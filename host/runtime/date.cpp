@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "host/files.h"
+#include "platform/clock.h"
 #include "platform/environment.h"
 
 namespace {
@@ -33,7 +34,7 @@ bool day_of(const char* text, std::tm& day) {
     errno = 0;
     const long long seconds = std::strtoll(text, &end, 10);
     const auto moment = static_cast<std::time_t>(seconds);
-    return errno == 0 && *end == '\0' && gmtime_r(&moment, &day) != nullptr &&
+    return errno == 0 && *end == '\0' && platform::utc_time(moment, day) &&
            day.tm_year <= LAST_YEAR - FIRST_YEAR;
 }
 
@@ -53,7 +54,7 @@ std::int32_t host_date() {
     std::tm day{};
     if (!pinned_day(day)) {
         const std::time_t now = std::time(nullptr);
-        localtime_r(&now, &day);
+        platform::local_time(now, day);
     }
     return as_number(day);
 }

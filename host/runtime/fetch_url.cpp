@@ -1,8 +1,9 @@
 // Fetching a document over HTTP into a private temporary file, on libcurl.
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <new>
+#include <string>
 
 #include "host/config.h"
 #include "host/files.h"
@@ -11,8 +12,7 @@
 #include "host/runtime/settings.h"
 #include "host/runtime/tracked_memory.h"
 #include "platform/descriptors.h"
-#include "platform/environment.h"
-#include "platform/files.h"
+#include "platform/temporary_files.h"
 
 namespace {
 
@@ -23,18 +23,7 @@ constexpr const char* LIMIT_NAME = "SXML_FETCH_LIMIT";  // in MiB; 0 or less: no
 constexpr std::int16_t DEFAULT_LIMIT = 1024;
 constexpr long MOST_REDIRECTIONS = 10;
 constexpr const char* PROTOCOLS = "http,https";
-constexpr const char* FILE_PATTERN = "/sxml-XXXXXX";
-
-// A tracked block with the pattern of a temporary file's name; null when memory is exhausted.
-char* temporary_name() {
-    const char* folder = platform::environment_variable("TMPDIR");
-    if (folder == nullptr || *folder == '\0') folder = "/tmp";
-    const std::size_t size = std::strlen(folder) + std::strlen(FILE_PATTERN) + 1;
-    auto* name = static_cast<char*>(
-        host::memory::allocate(size, {"host/runtime/fetch_url", __LINE__, "temporary file name"}));
-    if (name != nullptr) std::snprintf(name, size, "%s%s", folder, FILE_PATTERN);
-    return name;
-}
+constexpr const char* FILE_STEM = "sxml";
 
 // Where a document goes.
 struct Target {
@@ -100,6 +89,14 @@ const char* fetch(const char* url, int descriptor, char* reason) {
     return reason[0] != '\0' ? reason : "libcurl gives no reason";
 }
 
+bool fetch_into(const char* url, const char* file) {
+    const int descriptor = platform::open_to_write(file);
+    if (descriptor < 0) return false;
+    std::array<char, CURL_ERROR_SIZE> reason{};
+    const bool is_complete = fetch(url, descriptor, reason.data()) == nullptr;
+    return platform::close_descriptor(descriptor) == 0 && is_complete;
+}
+
 }  // namespace
 
 std::string host::fetch_document(const std::string& url, int descriptor) {
@@ -110,17 +107,21 @@ std::string host::fetch_document(const std::string& url, int descriptor) {
 
 char* host_fetch_url(const char* url) {
     if (url == nullptr) return nullptr;
-    char* name = temporary_name();
-    if (name == nullptr) return nullptr;
-    const int descriptor = mkstemp(name);  // readable and writable for the owner alone
-    if (descriptor < 0) {
+    try {
+        auto file = platform::TemporaryFile::create(platform::temporary_folder(), FILE_STEM);
+        if (!file) return nullptr;
+        const std::size_t size = file->name().size() + 1;
+        auto* name = static_cast<char*>(host::memory::allocate(
+            size, {"host/runtime/fetch_url", __LINE__, "temporary file name"}));
+        if (name == nullptr) return nullptr;
+        std::memcpy(name, file->name().c_str(), size);
+        if (fetch_into(url, name)) {
+            file->keep();
+            return name;
+        }
         host::memory::release(name);
         return nullptr;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
     }
-    std::array<char, CURL_ERROR_SIZE> reason{};
-    const bool is_complete = fetch(url, descriptor, reason.data()) == nullptr;
-    if (platform::close_descriptor(descriptor) == 0 && is_complete) return name;
-    platform::remove_file(name);
-    host::memory::release(name);
-    return nullptr;
 }

@@ -1,17 +1,14 @@
 // The file functions that the module gets by name.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <new>
 #include <string>
 
 #include "host/runtime/module.h"
 #include "platform/descriptors.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "platform/temporary_files.h"
 
 namespace {
 
@@ -36,43 +33,48 @@ int copy_contents(int source, int target) {
     }
 }
 
-// Copies into the new file `temporary` and lets it take the target's place. 0 or the error number.
-int copy_and_replace(int source, std::string& temporary, const char* target) {
-    struct stat status {};
-    if (fstat(source, &status) != 0) return errno;
-    const int descriptor = mkstemp(temporary.data());
+// 1, or 0 with the error number in errno.
+int outcome(int error) {
+    if (error == 0) return 1;
+    errno = error;
+    return 0;
+}
+
+// Copies into a new file beside the target, which takes the target's place. 0 or the error number.
+int copy_and_replace(int source, const char* source_name, const std::string& target) {
+    auto temporary = platform::TemporaryFile::create(platform::folder_of(target),
+                                                     platform::file_name_of(target));
+    if (!temporary) return errno;
+    const std::string& name = temporary->name();
+    const int descriptor = platform::open_to_write(name.c_str());
     if (descriptor < 0) return errno;
-    constexpr mode_t permissions = 0777;
     int error = copy_contents(source, descriptor);
-    if (error == 0 && fchmod(descriptor, status.st_mode & permissions) != 0) error = errno;
-    if (close(descriptor) != 0 && error == 0) error = errno;
-    if (error == 0 && std::rename(temporary.c_str(), target) != 0) error = errno;
-    if (error != 0) unlink(temporary.c_str());
-    return error;
+    const int close_error = platform::close_descriptor(descriptor);
+    if (error == 0) error = close_error;
+    if (error == 0) error = platform::copy_permissions(source_name, name.c_str());
+    return error == 0 ? temporary->rename_to(target) : error;
 }
 
 }  // namespace
 
 int f_remove(const char* name) {
-    return check_names(name, name) != 0 && unlink(name) == 0 ? 1 : 0;
+    return check_names(name, name) != 0 ? outcome(platform::remove_file(name)) : 0;
 }
 
 int f_rename(const char* old_name, const char* new_name) {
-    return check_names(old_name, new_name) != 0 && std::rename(old_name, new_name) == 0 ? 1 : 0;
+    return check_names(old_name, new_name) != 0 ? outcome(platform::rename_file(old_name, new_name))
+                                                : 0;
 }
 
 int f_copy(const char* source, const char* target) {
     if (check_names(source, target) == 0) return 0;
+    const int descriptor = platform::open_to_read(source);
+    if (descriptor < 0) return 0;
+    int error = ENOMEM;
     try {
-        std::string temporary = std::string(target) + ".XXXXXX";
-        const int descriptor = open(source, O_RDONLY | O_CLOEXEC);
-        if (descriptor < 0) return 0;
-        const int error = copy_and_replace(descriptor, temporary, target);
-        close(descriptor);
-        errno = error;
-        return error == 0 ? 1 : 0;
+        error = copy_and_replace(descriptor, source, target);
     } catch (const std::bad_alloc&) {
-        errno = ENOMEM;
-        return 0;
     }
+    platform::close_descriptor(descriptor);
+    return outcome(error);
 }

@@ -5,10 +5,6 @@
 // output that cannot seek keeps at least the last MiB in its buffer for that.
 #include "host/files.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -22,6 +18,7 @@
 #include "host/runtime/streams.h"
 #include "host/runtime/write_failures.h"
 #include "platform/descriptors.h"
+#include "platform/files.h"
 
 namespace {
 
@@ -132,44 +129,22 @@ bool write_bytes(HostStream* stream, const char* data, std::size_t size) {
 // Writes out the rest and cuts a file that was longer before a step back.
 void finish_output(HostStream* stream) {
     if (!flush_front(stream, stream->position)) return;
-    if (stream->flushed_end > stream->buffer_start && stream->can_seek &&
-        ftruncate(stream->descriptor, static_cast<off_t>(stream->buffer_start)) != 0) {
-        fail(stream, errno);
-    }
+    if (stream->flushed_end <= stream->buffer_start || !stream->can_seek) return;
+    const int error = platform::cut_file(stream->descriptor, stream->buffer_start);
+    if (error != 0) fail(stream, error);
 }
 
 void find_start(HostStream* stream) {
-    struct stat status {};
-    const bool is_file = fstat(stream->descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    const int flags = fcntl(stream->descriptor, F_GETFL);
-    // What is appended goes to the end wherever the position is.
-    stream->can_seek = is_file && flags >= 0 && (flags & O_APPEND) == 0;
-    const off_t start = stream->can_seek ? lseek(stream->descriptor, 0, SEEK_CUR) : 0;
-    stream->can_seek = stream->can_seek && start >= 0;
-    stream->first_position = stream->can_seek ? static_cast<std::uint64_t>(start) : 0;
+    const auto start = platform::output_position(stream->descriptor);
+    stream->can_seek = start.has_value();
+    stream->first_position = start.value_or(0);
     stream->buffer_start = stream->first_position;
     stream->flushed_end = stream->first_position;
 }
 
 int open_descriptor(const char* name, Direction direction) {
-    const int flags = direction == Direction::output ? O_WRONLY | O_CREAT : O_RDONLY;
-    constexpr mode_t everybody = 0666;  // less what the process's mask takes away
-    int descriptor = -1;
-    do {
-        descriptor = open(name, flags | O_CLOEXEC, everybody);
-    } while (descriptor < 0 && errno == EINTR);
-    struct stat status {};
-    if (descriptor < 0 || fstat(descriptor, &status) != 0) return descriptor;
-    int error = 0;
-    if (direction == Direction::input && S_ISDIR(status.st_mode)) error = EISDIR;
-    // A new file is not cut: some file systems take that for a rewrite of important data, and
-    // closing it waits for the disk.
-    const bool is_old = S_ISREG(status.st_mode) && status.st_size > 0;
-    if (direction == Direction::output && is_old && ftruncate(descriptor, 0) != 0) error = errno;
-    if (error == 0) return descriptor;
-    close(descriptor);
-    errno = error;
-    return -1;
+    return direction == Direction::output ? platform::open_to_write(name)
+                                          : platform::open_to_read(name);
 }
 
 bool is_process_stream(std::string_view name) {
@@ -183,7 +158,8 @@ HostStream* open_stream(const char* name, Direction direction) {
     stream->is_own = true;
     give_buffer(stream.get());
     if (is_process_stream(name)) {
-        stream->descriptor = direction == Direction::output ? STDOUT_FILENO : STDIN_FILENO;
+        stream->descriptor =
+            direction == Direction::output ? platform::STANDARD_OUTPUT : platform::STANDARD_INPUT;
     } else {
         const bool is_named =
             direction == Direction::output && output_name != nullptr && *output_name == name;
@@ -252,9 +228,9 @@ void host_fclose(HostStream* stream) {
     if (stream == nullptr) return;
     if (stream->direction == Direction::output) finish_output(stream);
     if (!stream->is_own) return;
-    if (!is_process_stream(stream->name) && close(stream->descriptor) != 0 && errno != EINTR &&
-        stream->direction == Direction::output) {
-        fail(stream, errno);
+    if (!is_process_stream(stream->name)) {
+        const int error = platform::close_descriptor(stream->descriptor);
+        if (error != 0 && stream->direction == Direction::output) fail(stream, error);
     }
     --open_count;
     delete stream;
@@ -310,20 +286,19 @@ void host_fseek(HostStream* stream, std::uint32_t position) {
     if (!stream->can_seek) return fail(stream, ESPIPE);
     // The buffered bytes lie after the new position: nobody will see them.
     const std::uint64_t target = present - way_back;
-    if (lseek(stream->descriptor, static_cast<off_t>(target), SEEK_SET) < 0) {
-        return fail(stream, errno);
-    }
+    const int error = platform::move_output(stream->descriptor, target);
+    if (error != 0) return fail(stream, error);
     stream->buffer_start = target;
     stream->position = 0;
 }
 
 HostStream* host_standard_input() {
-    static ProcessStream input(STDIN_FILENO, Direction::input, "standard input");
+    static ProcessStream input(platform::STANDARD_INPUT, Direction::input, "standard input");
     return &*input.stream;
 }
 
 HostStream* host_standard_error() {
-    static ProcessStream output(STDERR_FILENO, Direction::output, "standard error");
+    static ProcessStream output(platform::STANDARD_ERROR, Direction::output, "standard error");
     return &*output.stream;
 }
 
@@ -332,7 +307,9 @@ int host_remove_file(const char* name) {
         errno = EINVAL;
         return -1;
     }
-    return unlink(name);
+    const int error = platform::remove_file(name);
+    if (error != 0) errno = error;
+    return error == 0 ? 0 : -1;
 }
 
 const char* host_xfd_name(const char* data_file_name) {

@@ -1,21 +1,19 @@
 #include "host/runtime/library_files.h"
 
-#include <dlfcn.h>
-#include <unistd.h>
+#include <array>
+
+#include "platform/files.h"
+#include "platform/libraries.h"
 
 namespace host {
 
 namespace {
 
 std::string folder_of_this_library() {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&library_file), &info) == 0 ||
-        info.dli_fname == nullptr) {
-        return ".";
-    }
-    const std::string file = info.dli_fname;
-    const std::size_t slash = file.rfind('/');
-    return slash == std::string::npos ? "." : file.substr(0, slash);
+    constexpr std::size_t LONGEST_PATH = 4096;
+    std::array<char, LONGEST_PATH> folder{};
+    const void* here = reinterpret_cast<const void*>(&library_file);
+    return platform_folder_of_code(here, folder.data(), folder.size()) != 0 ? folder.data() : ".";
 }
 
 }  // namespace
@@ -24,8 +22,7 @@ std::string library_file(const std::string& name) {
     static const std::string folder = folder_of_this_library();
     std::string beside = folder + "/" + name;
     std::string installed = folder + "/sxml/" + name;
-    return access(beside.c_str(), F_OK) != 0 && access(installed.c_str(), F_OK) == 0 ? installed
-                                                                                     : beside;
+    return !platform::state_of(beside) && platform::state_of(installed) ? installed : beside;
 }
 
 }  // namespace host

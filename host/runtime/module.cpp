@@ -1,18 +1,16 @@
 #include "host/runtime/module.h"
 
-#include <dlfcn.h>
-
-#include <cstdlib>
+#include <array>
 #include <stdexcept>
 
 #include "host/errors.h"
 #include "host/runtime/library_files.h"
+#include "platform/environment.h"
+#include "platform/libraries.h"
 
 namespace host {
 
 namespace {
-
-constexpr const char* MODULE_FILE = "sxml.so";
 
 template <class Function>
 Function* as_function(HostEntry* entry) {
@@ -26,9 +24,9 @@ void* missing_function() {
 
 std::string module_path(const std::string& path) {
     if (!path.empty()) return path;
-    const char* named = std::getenv("SXML_MODULE");
+    const char* named = platform::environment_variable("SXML_MODULE");
     if (named != nullptr && *named != '\0') return named;
-    return library_file(MODULE_FILE);
+    return library_file(PLATFORM_MODULE_FILE);
 }
 
 void hand_over(XmlSetHostFunctionEntry* set, const std::vector<NamedFunction>& functions) {
@@ -52,11 +50,10 @@ void hand_over(XmlSetHostFunctionEntry* set, const std::vector<NamedFunction>& f
 Module Module::load(const std::string& path, const std::vector<NamedFunction>& functions) {
     const std::string file = module_path(path);
     Module module;
-    module.library_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    std::array<char, 1024> reason{};
+    module.library_ = platform_open_library(file.c_str(), reason.data(), reason.size());
     if (module.library_ == nullptr) {
-        const char* reason = dlerror();
-        throw std::runtime_error("cannot load the module " + file + ": " +
-                                 (reason != nullptr ? reason : "unknown reason"));
+        throw std::runtime_error("cannot load the module " + file + ": " + reason.data());
     }
     auto* get_table =
         reinterpret_cast<GetDispatchTableFunction*>(module.symbol("GetDispatchTable"));
@@ -77,7 +74,7 @@ Module Module::load(const std::string& path, const std::vector<NamedFunction>& f
 }
 
 void* Module::symbol(const char* name) const {
-    return dlsym(library_, name);
+    return platform_library_symbol(library_, name);
 }
 
 int Module::make(const char* name, const char* params) const {

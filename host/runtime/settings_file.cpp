@@ -6,6 +6,8 @@
 #include <fstream>
 #include <string_view>
 
+#include "platform/paths.h"
+
 namespace host {
 
 namespace {
@@ -32,7 +34,7 @@ SettingsLine parse_line(std::string_view text, int number) {
 
 std::vector<SettingsLine> read_settings_file(const std::string& file) {
     std::vector<SettingsLine> lines;
-    std::ifstream input(file, std::ios::binary);
+    std::ifstream input(platform::path_of(file), std::ios::binary);
     std::string text;
     for (int number = 1; std::getline(input, text); ++number) {
         std::string_view content = text;

@@ -1,6 +1,6 @@
 #include "host/runtime/text_hash.h"
 
-#include <sys/random.h>
+#include "platform/random.h"
 
 namespace host {
 
@@ -10,7 +10,7 @@ namespace {
 
 [[gnu::constructor]] void draw_seed() {
     std::uint64_t drawn = 0;
-    if (getrandom(&drawn, sizeof drawn, GRND_NONBLOCK) == static_cast<ssize_t>(sizeof drawn)) {
+    if (platform::draw_random(&drawn, sizeof drawn)) {
         text_hash_seed = drawn | 1;
     }
 }

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "host/runtime/trace_control.h"
+#include "platform/environment.h"
 #include "platform/files.h"
 
 std::int16_t host_trace_on = 0;
@@ -36,7 +37,7 @@ std::FILE* output() {
     if (trace.file == nullptr) return stderr;
     if (trace.is_old) {
         trace.is_old = false;
-        platform::cut_file(fileno(trace.file), 0);
+        platform::empty_file(trace.file);
     }
     return trace.file;
 }
@@ -46,7 +47,7 @@ bool open_trace(int level, const std::string& file) {
     trace = {};
     host_trace_on = static_cast<std::int16_t>(level);
     if (file.empty()) return true;
-    trace.file = std::fopen(file.c_str(), "ae");
+    trace.file = platform::open_to_append(file);
     trace.is_old = true;
     return trace.file != nullptr;
 }
@@ -99,7 +100,7 @@ void dump_line(const unsigned char* data, std::size_t offset, std::size_t count)
 }
 
 int level_from_environment() {
-    const char* text = std::getenv("SXML_TRACE");
+    const char* text = platform::environment_variable("SXML_TRACE");
     if (text == nullptr || *text == '\0') return 0;
     const char* end = text + std::strlen(text);
     int level = 0;
@@ -116,7 +117,7 @@ int level_from_environment() {
 // The file is emptied at the first line: a program can still refuse to work with it.
 [[gnu::constructor]] void start_trace() {
     const int level = level_from_environment();
-    const char* file = std::getenv("SXML_TRACE_FILE");
+    const char* file = platform::environment_variable("SXML_TRACE_FILE");
     const char* name = level > 0 && file != nullptr ? file : "";
     if (!open_trace(level, name)) {
         std::fprintf(stderr, "sxml: cannot open SXML_TRACE_FILE %s: %s\n", name,

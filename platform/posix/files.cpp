@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 namespace platform {
 
@@ -34,8 +35,27 @@ int cut_file(int descriptor, std::uint64_t length) {
     return ftruncate(descriptor, static_cast<off_t>(length)) == 0 ? 0 : errno;
 }
 
-void remove_file(const std::string& name) {
-    unlink(name.c_str());
+std::FILE* open_to_append(const std::string& name) {
+    return std::fopen(name.c_str(), "ae");
+}
+
+int empty_file(std::FILE* file) {
+    return cut_file(fileno(file), 0);
+}
+
+int remove_file(const char* name) {
+    return unlink(name) == 0 ? 0 : errno;
+}
+
+int rename_file(const char* old_name, const char* new_name) {
+    return std::rename(old_name, new_name) == 0 ? 0 : errno;
+}
+
+int copy_permissions(const char* from, const char* to) {
+    constexpr mode_t permissions = 0777;
+    struct stat status {};
+    const bool is_done = stat(from, &status) == 0 && chmod(to, status.st_mode & permissions) == 0;
+    return is_done ? 0 : errno;
 }
 
 }  // namespace platform

@@ -58,6 +58,11 @@ TemporaryFile::~TemporaryFile() {
     if (!name_.empty()) unlink(name_.c_str());
 }
 
+std::string TemporaryFile::keep() {
+    removed_ = {};
+    return std::exchange(name_, {});
+}
+
 int TemporaryFile::rename_to(const std::string& target) {
     if (std::rename(name_.c_str(), target.c_str()) != 0) return errno;
     name_.clear();

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "platform/paths.h"
 #include "records/layout/description_data.h"
 #include "records/layout/forms.h"
 #include "records/layout/names.h"
@@ -193,7 +194,7 @@ class Compiler {
     std::string description_name() const {
         std::string name = options_.name;
         if (name.empty()) name = source_.name;
-        if (name.empty()) name = std::filesystem::path(source_.file).stem().string();
+        if (name.empty()) name = platform::name_of(platform::path_of(source_.file).stem());
         if (name.empty()) name = "RECORDS";
         return cut_name(xml_name(name, options_.name_case), MAX_DESCRIPTION_NAME);
     }

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "platform/paths.h"
 #include "records/description.h"
 
 namespace records {
@@ -14,12 +15,12 @@ constexpr std::uintmax_t MAX_FILE_SIZE = std::uintmax_t{256} * 1024 * 1024;
 
 std::optional<std::string> contents(const std::string& file, Diagnostics& diagnostics) {
     std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    const std::uintmax_t size = std::filesystem::file_size(platform::path_of(file), error);
     if (!error && size > MAX_FILE_SIZE) {
         diagnostics.error({}, file + " is too large for a record description");
         return std::nullopt;
     }
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(platform::path_of(file), std::ios::binary);
     std::ostringstream text;
     if (!error && size == 0) return std::string();
     if (error || !stream || !(text << stream.rdbuf()).good()) {
@@ -31,7 +32,7 @@ std::optional<std::string> contents(const std::string& file, Diagnostics& diagno
 }
 
 bool has_suffix(const std::string& file, std::string_view suffix) {
-    std::string found = std::filesystem::path(file).extension().string();
+    std::string found = platform::name_of(platform::path_of(file).extension());
     for (char& c : found) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
@@ -40,7 +41,7 @@ bool has_suffix(const std::string& file, std::string_view suffix) {
 
 // A description file starts with a brace, which no COBOL source does.
 bool looks_like_json(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(platform::path_of(file), std::ios::binary);
     char c = 0;
     stream >> c;
     return c == '{';

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/paths.h"
 #include "records/source/text_case.h"
 
 namespace records {
@@ -28,12 +29,12 @@ std::string join(const std::string& folder, const std::string& name) {
 
 std::optional<std::string> read_text_file(const std::string& path, std::string& why) {
     std::error_code error;
-    if (fs::is_directory(path, error)) {
+    if (fs::is_directory(platform::path_of(path), error)) {
         why = "it is a folder";
         return std::nullopt;
     }
     errno = 0;
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(platform::path_of(path), std::ios::binary);
     if (!in) {
         why = std::generic_category().message(errno != 0 ? errno : EIO);
         return std::nullopt;
@@ -57,9 +58,7 @@ std::optional<std::string> read_text_file(const std::string& path, std::string& 
 }
 
 std::string folder_of(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return "";
-    return slash == 0 ? "/" : path.substr(0, slash);
+    return platform::name_of(platform::path_of(path).parent_path());
 }
 
 CopyLibrary::CopyLibrary(std::vector<std::string> folders, int tab_width)
@@ -70,9 +69,9 @@ const CopyLibrary::Listing& CopyLibrary::list(const std::string& folder) {
     if (!is_new) return entry->second;
     std::vector<std::string> names;
     std::error_code error;
-    fs::directory_iterator files(folder.empty() ? "." : folder, error);
+    fs::directory_iterator files(platform::path_of(folder.empty() ? "." : folder), error);
     for (; !error && files != fs::directory_iterator(); files.increment(error)) {
-        names.push_back(files->path().filename().string());
+        names.push_back(platform::name_of(files->path().filename()));
     }
     // Of names that differ in case only, the first in byte order is taken.
     std::sort(names.begin(), names.end());
@@ -86,7 +85,8 @@ std::optional<std::string> CopyLibrary::find_entry(const std::string& folder,
                                                    const std::string& name, bool want_folder) {
     const auto is_wanted = [want_folder](const std::string& path) {
         std::error_code error;
-        return want_folder ? fs::is_directory(path, error) : fs::is_regular_file(path, error);
+        return want_folder ? fs::is_directory(platform::path_of(path), error)
+                           : fs::is_regular_file(platform::path_of(path), error);
     };
     std::string exact = join(folder, name);
     if (is_wanted(exact)) return exact;
@@ -122,7 +122,7 @@ std::optional<std::string> CopyLibrary::look_up(const std::string& name, const s
     std::string path = name;
     std::replace(path.begin(), path.end(), '\\', '/');
     if (path.find('\0') != std::string::npos) return std::nullopt;
-    if (path.starts_with('/'))
+    if (platform::path_of(path).has_root_directory())
         return find_in_folder(folder_of(path), path.substr(path.rfind('/') + 1));
     std::vector<std::string> places{first_folder};
     places.insert(places.end(), folders_.begin(), folders_.end());

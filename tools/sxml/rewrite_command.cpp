@@ -8,6 +8,7 @@
 #include "conversion/texts/utf8.h"
 #include "host/encoding.h"
 #include "host/runtime/streams.h"
+#include "platform/paths.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
@@ -32,7 +33,7 @@ struct RewriteOptions {
 // The last part of a file's name, with underscores for what no comment of a document may hold (two
 // hyphens in a row) or not every encoding has.
 std::string name_in_comment(const std::string& file) {
-    std::string name = std::filesystem::path(file).filename().string();
+    std::string name = platform::file_name_of(file);
     char previous = '\0';
     for (char& c : name) {
         const bool is_printable = c >= ' ' && c <= '~';

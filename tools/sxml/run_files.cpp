@@ -6,6 +6,7 @@
 
 #include "platform/descriptors.h"
 #include "platform/environment.h"
+#include "platform/paths.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
@@ -25,7 +26,8 @@ std::optional<platform::FileIdentity> identity_of(const std::optional<platform::
 // Two names of a file that does not exist yet give the same path.
 std::string path_of(const std::string& name) {
     std::error_code error;
-    return std::filesystem::weakly_canonical(std::filesystem::absolute(name), error).string();
+    return platform::name_of(std::filesystem::weakly_canonical(
+        std::filesystem::absolute(platform::path_of(name)), error));
 }
 
 }  // namespace

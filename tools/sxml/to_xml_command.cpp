@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "host/config.h"
+#include "platform/paths.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/encoding_option.h"
@@ -41,12 +42,13 @@ struct ToXmlOptions {
 // current folder for one without a place.
 std::string schema_reference(const std::string& schema, const std::string& document) {
     namespace fs = std::filesystem;
-    const fs::path folder =
-        document == "-" ? fs::current_path() : fs::absolute(document).parent_path();
-    const fs::path reference =
-        fs::weakly_canonical(fs::absolute(schema)).lexically_relative(fs::weakly_canonical(folder));
+    const fs::path folder = document == "-"
+                                ? fs::current_path()
+                                : fs::absolute(platform::path_of(document)).parent_path();
+    const fs::path reference = fs::weakly_canonical(fs::absolute(platform::path_of(schema)))
+                                   .lexically_relative(fs::weakly_canonical(folder));
     std::string escaped;
-    for (const char c : reference.string()) {
+    for (const char c : platform::name_of(reference)) {
         const auto byte = static_cast<unsigned char>(c);
         const bool is_plain =
             std::isalnum(byte) != 0 || std::string_view("/-._~").find(c) != std::string_view::npos;
