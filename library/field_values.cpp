@@ -58,7 +58,9 @@ bool is_number(const XfdItem& item) {
     return !is_binary(item) && is_numeric_type(item.data.type);
 }
 bool is_float(const XfdItem& item) {
-    return is_number(item) && item.data.type == records::FLOAT_NATIVE;
+    const bool is_floating =
+        item.data.type == records::FLOAT_NATIVE || item.data.type == records::FLOAT_HEX;
+    return is_number(item) && is_floating;
 }
 
 Complaint FieldValues::get_text(const XfdItem& item, const std::uint8_t* record,

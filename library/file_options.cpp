@@ -28,8 +28,13 @@ const Choices<records::SourceFormat> SOURCE_FORMATS = {
     {"fixed", records::SourceFormat::fixed},
     {"free", records::SourceFormat::free},
     {"variable", records::SourceFormat::variable}};
-const Choices<records::BinarySize> BINARY_SIZES = {{"1-2-4-8", records::BinarySize::by_digits_1248},
+const Choices<records::BinarySize> BINARY_SIZES = {{"1--8", records::BinarySize::smallest},
+                                                   {"1-2-4-8", records::BinarySize::by_digits_1248},
                                                    {"2-4-8", records::BinarySize::by_digits_248}};
+const Choices<records::ByteOrder> BYTE_ORDERS = {{"big-endian", records::ByteOrder::big_endian},
+                                                 {"native", records::ByteOrder::native}};
+const Choices<records::Machine> MACHINES = {{"mainframe", records::Machine::mainframe},
+                                            {"native", records::Machine::native}};
 
 const Choices<records::MovingData> MOVING_DATA = {{"fixed", records::MovingData::fixed},
                                                   {"refuse", records::MovingData::refused}};
@@ -95,6 +100,8 @@ Done take(std::string_view name, const std::string& value, FileOptions& options)
     if (name == "source-format") {
         return choose(name, value, SOURCE_FORMATS, options.copybook.format);
     }
+    if (name == "machine") return choose(name, value, MACHINES, options.layout.machine);
+    if (name == "byte-order") return choose(name, value, BYTE_ORDERS, options.layout.byte_order);
     if (name == "binary-size") return choose(name, value, BINARY_SIZES, options.layout.binary_size);
     if (name == "national-size") {
         return choose(name, value, NATIONAL_SIZES, options.layout.national_size);

@@ -24,8 +24,13 @@ enum class NameCase {
 
 // What 4GL_COLUMN_CASE asks for at the moment: lower when it is not set or has another value.
 NameCase configured_name_case();
-// cobc's default, 2-4-8, and as many bytes as the digits need.
-enum class BinarySize { by_digits_1248, by_digits_248, smallest };
+// The machine that the records' programs run on. by_encoding: the mainframe for records in EBCDIC.
+enum class Machine { by_encoding, native, mainframe };
+// Bytes of binary items; those of cobc's -fbinary-size. COMP-5 has 1, 2, 4 or 8 with cobc's 2-4-8,
+// too. smallest: 1--8. by_machine: 1-2-4-8 natively, and 2-4-8 on the mainframe, COMP-5 included.
+enum class BinarySize { by_machine, by_digits_1248, by_digits_248, smallest };
+// Of COMP, COMP-4 and BINARY: most significant byte first, or as the machine has COMP-5.
+enum class ByteOrder { big_endian, native };
 enum class RecordEncoding { ascii, ebcdic };  // of DISPLAY digits and signs
 // What to do with data after a table with DEPENDING ON, which moves as the table's size changes.
 enum class MovingData { refused, fixed };  // fixed: the table always takes its full size
@@ -34,7 +39,9 @@ enum class NationalSize { two_bytes, cobc_3_1, cobc_3_2 };
 
 struct LayoutOptions {
     NameCase name_case = NameCase::lower;
-    BinarySize binary_size = BinarySize::by_digits_1248;
+    Machine machine = Machine::by_encoding;
+    BinarySize binary_size = BinarySize::by_machine;
+    ByteOrder byte_order = ByteOrder::big_endian;
     NationalSize national_size = NationalSize::two_bytes;
     bool binary_truncate = true;  // cobc's default
     bool filler = false;          // give FILLER items elements, too (filler_1, filler_2 ...)
@@ -45,6 +52,11 @@ struct LayoutOptions {
     RecordEncoding encoding = RecordEncoding::ascii;
     MovingData moving_data = MovingData::refused;
     std::string name;  // of the description; empty: the FD's or the file's
+
+    bool is_of_mainframe() const {
+        return machine == Machine::mainframe ||
+               (machine == Machine::by_encoding && encoding == RecordEncoding::ebcdic);
+    }
 };
 
 struct DescriptionData;  // what a description owns beside the Xfd (implementation)

@@ -24,6 +24,7 @@ enum FieldType : std::int16_t {
     NATIVE_SIGNED = 11,                  // little-endian two's complement (COMP-5, INDEX, BINARY-x)
     NATIVE_UNSIGNED = 12,                // little-endian
     FLOAT_NATIVE = 13,                   // IEEE 754, 4 or 8 bytes by length
+    FLOAT_HEX = 14,                      // hexadecimal floating point, 4 or 8 bytes, big-endian
     ALPHANUMERIC = 15,
     ALPHABETIC = 16,
     EDITED = 17,       // numeric edited or alphanumeric edited: characters

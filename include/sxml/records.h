@@ -51,14 +51,16 @@ typedef struct SxmlFile SxmlFile;
  *                  is a document
  *   encoding       the character set of the records' text, as with `sxml to-xml --encoding`;
  *                  without it UTF-8
- *   format         the form of a record file, as with `sxml to-xml --record-format`: fixed
- * (default), line, rdw, bdw, gnucobol ...; lines is another name of line fd, copy-path,
- * source-format, name, binary-size, national-size, odo, debugging-lines, no-truncate, ebcdic-sign,
- * filler as the options of the command (source-format is its --format); copy-path may be given
- * several times; the last four take yes or no buffer         by-type (default), spaces, zeros or
- * keep: as `sxml from-xml --buffer` and every setting, such as SXML_CREATE_STYLE=NONE. Result: a
- * handle, to be given back with sxml_close, also when opening has failed: sxml_problem is then not
- * empty. Null only when there is no memory for the handle. */
+ *   format         the form of a record file, as with `sxml to-xml --record-format`:
+ *                  fixed (default), line, rdw, bdw, gnucobol ...; lines is another name of line
+ *   fd, copy-path, source-format, name, machine, binary-size, byte-order, national-size, odo,
+ *   debugging-lines, no-truncate, ebcdic-sign, filler
+ *                  as the options of the command (source-format is its --format); copy-path may be
+ *                  given several times; the last four take yes or no
+ *   buffer         by-type (default), spaces, zeros or keep: as `sxml from-xml --buffer`
+ * and every setting, such as SXML_CREATE_STYLE=NONE.
+ * Result: a handle, to be given back with sxml_close, also when opening has failed: sxml_problem is
+ * then not empty. Null only when there is no memory for the handle. */
 SXML_RECORDS_API SxmlFile* sxml_open(const char* layout, const char* file, const char* mode,
                                      const char* const* options);
 

@@ -39,6 +39,21 @@ void describe_text(FieldForm& form, int digits, int scale) {
     form.digits = scale > 0 ? digits + scale : std::max(digits, -scale);
 }
 
+// The smallest number in hexadecimal floating point is 5.4e-79. So many decimals hold it, and all
+// others, to the last of the digits that tell it from its neighbours: 9, or 18 of 8 bytes.
+constexpr int HEX_FLOAT_SCALE = -87;
+constexpr int HEX_DOUBLE_SCALE = -96;
+
+FieldForm hex_float_form(std::int64_t size) {
+    FieldForm form;
+    form.type = FLOAT_HEX;
+    form.scale = size == 4 ? HEX_FLOAT_SCALE : HEX_DOUBLE_SCALE;
+    form.digits = 1 - form.scale;
+    form.stored_digits = form.digits;
+    form.stored_scale = form.scale;
+    return form;
+}
+
 FieldForm float_form(std::int64_t size) {
     FieldForm form;
     form.type = FLOAT_NATIVE;
@@ -49,9 +64,14 @@ FieldForm float_form(std::int64_t size) {
     return form;
 }
 
-FieldForm native_form(std::int64_t size, bool is_signed) {
+FieldType binary_type(bool is_little_endian, bool is_signed) {
+    if (is_little_endian) return is_signed ? NATIVE_SIGNED : NATIVE_UNSIGNED;
+    return is_signed ? BINARY_SIGNED : BINARY_UNSIGNED;
+}
+
+FieldForm native_form(std::int64_t size, bool is_signed, const LayoutOptions& options) {
     FieldForm form;
-    form.type = is_signed ? NATIVE_SIGNED : NATIVE_UNSIGNED;
+    form.type = binary_type(!options.is_of_mainframe(), is_signed);
     form.stored_digits = full_range_digits(size, is_signed);
     describe_text(form, form.stored_digits, 0);
     return form;
@@ -82,9 +102,9 @@ FieldForm character_form(const Node& node, const Picture& picture) {
 FieldForm binary_form(const Node& node, const Picture& picture, const LayoutOptions& options) {
     FieldForm form;
     const bool is_signed = picture.is_signed;
-    const bool native = node.usage == Usage::comp_5;
-    form.type = native ? (is_signed ? NATIVE_SIGNED : NATIVE_UNSIGNED)
-                       : (is_signed ? BINARY_SIGNED : BINARY_UNSIGNED);
+    const bool is_native = node.usage == Usage::comp_5 ||
+                           (node.usage == Usage::binary && options.byte_order == ByteOrder::native);
+    form.type = binary_type(is_native && !options.is_of_mainframe(), is_signed);
     const bool truncate = node.usage == Usage::binary && options.binary_truncate;
     const bool from_picture = picture.category == Category::numeric;
     if (truncate) form.flags |= FIELD_TRUNCATE;
@@ -124,16 +144,16 @@ FieldForm form_of(const Node& node, const LayoutOptions& options) {
         case Usage::comp_2:
         case Usage::float_short:
         case Usage::float_long:
-            return float_form(node.size);
+            return options.is_of_mainframe() ? hex_float_form(node.size) : float_form(node.size);
         case Usage::pointer:
             return opaque_form();
         case Usage::index:
-            return native_form(node.size, true);
+            return native_form(node.size, true, options);
         case Usage::binary_char:
         case Usage::binary_short:
         case Usage::binary_long:
         case Usage::binary_double:
-            return native_form(node.size, !unsigned_item);
+            return native_form(node.size, !unsigned_item, options);
         default:
             break;
     }

@@ -234,7 +234,8 @@ class Reader {
         if (length == 0) key.member("length").error("must be at least 1 for this type");
         const bool binary = type >= BINARY_SIGNED && type <= NATIVE_UNSIGNED;
         if (binary && length > 8) key.member("length").error("must be at most 8 for this type");
-        if (type == FLOAT_NATIVE && length != 4 && length != 8) {
+        const bool is_float = type == FLOAT_NATIVE || type == FLOAT_HEX;
+        if (is_float && length != 4 && length != 8) {
             key.member("length").error("must be 4 or 8 for this type");
         }
     }

@@ -17,7 +17,7 @@ constexpr int VERSION = 1;
 template <typename Value, std::size_t size>
 using Words = std::array<std::pair<std::string_view, Value>, size>;
 
-constexpr Words<FieldType, 21> TYPES{
+constexpr Words<FieldType, 22> TYPES{
     {{"display_unsigned", DISPLAY_UNSIGNED},
      {"display_sign_trailing", DISPLAY_SIGN_TRAILING},
      {"display_sign_trailing_separate", DISPLAY_SIGN_TRAILING_SEPARATE},
@@ -31,6 +31,7 @@ constexpr Words<FieldType, 21> TYPES{
      {"native_signed", NATIVE_SIGNED},
      {"native_unsigned", NATIVE_UNSIGNED},
      {"float", FLOAT_NATIVE},
+     {"float_hex", FLOAT_HEX},
      {"alphanumeric", ALPHANUMERIC},
      {"alphabetic", ALPHABETIC},
      {"edited", EDITED},

@@ -13,6 +13,7 @@ struct Inherited {
     std::optional<Usage> usage;
     std::optional<bool> sign_leading;
     bool sign_separate = false;
+    bool synchronized = false;  // on the mainframe
 };
 
 // The fewest bytes that hold so many decimal digits.
@@ -23,17 +24,27 @@ int smallest_binary_size(int digits, bool is_signed) {
     return is_signed ? SIGNED[index] : FEWEST[index];
 }
 
-int binary_size(const Picture& picture, BinarySize rule) {
-    const int digits = picture.digits;
-    if (rule == BinarySize::smallest) return smallest_binary_size(digits, picture.is_signed);
-    if (digits <= 2 && rule == BinarySize::by_digits_1248) return 1;
-    if (digits <= 4) return 2;
-    return digits <= 9 ? 4 : 8;
+// Size of a COMP or COMP-5 item.
+int binary_size(const Picture& picture, Usage usage, const LayoutOptions& options) {
+    BinarySize rule = options.binary_size;
+    if (rule == BinarySize::smallest) {
+        return smallest_binary_size(picture.digits, picture.is_signed);
+    }
+    if (rule == BinarySize::by_digits_248 && usage == Usage::comp_5) {
+        rule = BinarySize::by_machine;
+    }
+    const bool may_be_1 = rule == BinarySize::by_digits_1248 ||
+                          (rule == BinarySize::by_machine && !options.is_of_mainframe());
+    if (picture.digits <= 2 && may_be_1) return 1;
+    if (picture.digits <= 4) return 2;
+    return picture.digits <= 9 ? 4 : 8;
 }
 
 // Size of an item whose usage alone decides it.
-int fixed_size(Usage usage) {
+int fixed_size(Usage usage, const LayoutOptions& options) {
     switch (usage) {
+        case Usage::pointer:
+            return options.is_of_mainframe() ? 4 : 8;
         case Usage::binary_char:
             return 1;
         case Usage::binary_short:
@@ -76,7 +87,7 @@ std::int64_t wide_size(const Node& node, const Picture& picture, NationalSize ru
 class Placer {
   public:
     Placer(const LayoutOptions& options, Diagnostics& diagnostics)
-        : options_(options), diagnostics_(diagnostics) {}
+        : options_(options), diagnostics_(diagnostics), is_mainframe_(options.is_of_mainframe()) {}
 
     std::unique_ptr<Node> build(const DataItem& item, Node* parent, const Inherited& inherited,
                                 int depth) {
@@ -96,6 +107,8 @@ class Placer {
             here.sign_leading = item.sign_leading;
             here.sign_separate = item.sign_separate;
         }
+        here.synchronized = item.synchronized || (inherited.synchronized && is_mainframe_);
+        node->is_synchronized = here.synchronized;
         node->usage = here.usage.value_or(Usage::display);
         node->sign_leading = here.sign_leading.value_or(false);
         node->sign_separate = here.sign_separate;
@@ -113,8 +126,10 @@ class Placer {
     void place(Node& node, std::int64_t offset) {
         node.offset = offset;
         if (node.is_group()) {
+            const std::int64_t around = entry_alignment_;
             node.size = place_children(node);
             if (node.occurs > 1) fill_up(node);
+            if (is_mainframe_) entry_alignment_ = std::max(entry_alignment_, around);
         } else {
             node.size = elementary_size(node);
             last_field_ = &node;
@@ -213,7 +228,8 @@ class Placer {
                 const std::int64_t alignment = own_alignment(*child);
                 place(*child, (end + alignment - 1) / alignment * alignment);
                 entry_alignment_ = std::max(entry_alignment_, alignment);
-                if (child->is_group() && child->source->synchronized) align_group(*child);
+                const bool is_aligned_group = child->is_group() && child->source->synchronized;
+                if (is_aligned_group && !is_mainframe_) align_group(*child);
             }
             end = std::max(end, child->offset + child->extent());
         }
@@ -229,11 +245,14 @@ class Placer {
                                  " bytes); the group is laid out for the longer one");
     }
 
-    // Bytes that a synchronized item is aligned to; 1 for all others.
+    // Bytes that a synchronized item is aligned to; 1 for all others. On the mainframe slack bytes
+    // come before the group that such an item begins, and only COMP-2 is aligned to 8.
     int own_alignment(const Node& node) {
-        if (!node.source->synchronized || node.is_group()) return 1;
-        if (!is_aligned(node.usage)) return 1;
+        if (node.is_group()) return is_mainframe_ ? own_alignment(*node.children.front()) : 1;
+        if (!node.is_synchronized || !is_aligned(node.usage)) return 1;
         const int size = static_cast<int>(elementary_size(node));
+        const bool is_double = node.usage == Usage::comp_2 || node.usage == Usage::float_long;
+        if (is_mainframe_ && size == 8 && !is_double) return 4;
         return size == 2 || size == 4 || size == 8 ? size : 1;
     }
 
@@ -241,7 +260,8 @@ class Placer {
     // cobc does it: what follows moves, and the group's own place; its items stay where they are.
     void align_group(Node& group) {
         if (!is_aligned(group.usage)) return;
-        const std::int64_t size = takes_picture(group.usage) ? group.size : fixed_size(group.usage);
+        const std::int64_t size =
+            takes_picture(group.usage) ? group.size : fixed_size(group.usage, options_);
         if (size != 2 && size != 4 && size != 8) return;
         group.offset = (group.offset + size - 1) / size * size;
         entry_alignment_ = std::max(entry_alignment_, size);
@@ -249,13 +269,14 @@ class Placer {
 
     // Fills an entry of a table up, so that the next one is aligned alike. As cobc does it: to the
     // alignment found last (a group without synchronized items, coming after them, undoes it), and
-    // with the slack bytes before the entry's last field rather than after it.
+    // with the slack bytes before the entry's last field rather than after it. The mainframe has
+    // them at the end, for the largest alignment in the entry.
     void fill_up(Node& entry) {
         const std::int64_t past = entry.size % entry_alignment_;
         if (past == 0) return;
         const std::int64_t slack = entry_alignment_ - past;
         entry.size += slack;
-        last_field_->offset += slack;
+        if (!is_mainframe_) last_field_->offset += slack;
     }
 
     std::int64_t elementary_size(const Node& node) {
@@ -266,7 +287,7 @@ class Placer {
                 report_once(item, item_name(item) + " cannot have a PICTURE, since its usage is " +
                                       usage_name(node.usage) + "; leave one of them out");
             }
-            return fixed_size(node.usage);
+            return fixed_size(node.usage, options_);
         }
         if (!item.picture) {
             report_once(item, item_name(item) + " has neither a PICTURE nor items below it");
@@ -279,9 +300,8 @@ class Placer {
         if (picture.category != Category::numeric) return character_size(node, picture);
         switch (node.usage) {
             case Usage::binary:
-                return sized_binary(item, binary_size(picture, options_.binary_size));
             case Usage::comp_5:
-                return sized_binary(item, binary_size(picture, BinarySize::by_digits_1248));
+                return sized_binary(item, binary_size(picture, node.usage, options_));
             case Usage::comp_x:
                 return sized_binary(item, smallest_binary_size(picture.digits, false));
             case Usage::comp_3:
@@ -345,6 +365,7 @@ class Placer {
 
     const LayoutOptions& options_;
     Diagnostics& diagnostics_;
+    const bool is_mainframe_;
     const DataItem* reported_ = nullptr;
     Node* last_field_ = nullptr;        // placed last
     std::int64_t entry_alignment_ = 1;  // of the synchronized items seen in the present entry

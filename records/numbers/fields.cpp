@@ -8,7 +8,7 @@ namespace records::numbers {
 namespace {
 
 // How a field's digits are stored.
-enum class Form { display, packed, binary, floating, none };
+enum class Form { display, packed, binary, floating, hexadecimal, none };
 
 Form form_of(int type) {
     switch (type) {
@@ -29,6 +29,8 @@ Form form_of(int type) {
             return Form::binary;
         case FLOAT_NATIVE:
             return Form::floating;
+        case FLOAT_HEX:
+            return Form::hexadecimal;
         default:
             return Form::none;
     }
@@ -46,6 +48,8 @@ bool read_field(const Field& field, Decimal& out) {
             return read_binary(field, out);
         case Form::floating:
             return read_float(field, out);
+        case Form::hexadecimal:
+            return read_hex_float(field, out);
         case Form::none:
             break;
     }
@@ -63,6 +67,8 @@ bool store_field(const Field& field, const Decimal& number) {
             return store_binary(field, number);
         case Form::floating:
             return store_float(field, number);
+        case Form::hexadecimal:
+            return store_hex_float(field, number);
         case Form::none:
             break;
     }

@@ -37,11 +37,13 @@ bool read_display(const Field& field, Decimal& out);
 bool read_packed(const Field& field, Decimal& out);
 bool read_binary(const Field& field, Decimal& out);
 bool read_float(const Field& field, Decimal& out);
+bool read_hex_float(const Field& field, Decimal& out);
 
 bool store_display(const Field& field, const Decimal& number);
 bool store_packed(const Field& field, const Decimal& number);
 bool store_binary(const Field& field, const Decimal& number);
 bool store_float(const Field& field, const Decimal& number);
+bool store_hex_float(const Field& field, const Decimal& number);
 
 // Any kind, by type. A type that is not one of our numeric fields reads as zero and stores nothing.
 bool read_field(const Field& field, Decimal& out);

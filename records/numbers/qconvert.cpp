@@ -32,6 +32,10 @@ bool text_to_number(const XfdDataDesc& text, char point, Decimal& out) {
     return numbers::parse_text({characters.data(), characters.size()}, point, out);
 }
 
+bool is_floating(int type) {
+    return type == FLOAT_NATIVE || type == FLOAT_HEX;
+}
+
 bool number_to_text(const Decimal& number, bool floating, char point, const XfdDataDesc& text) {
     if (floating) return numbers::write_shortest(number, point, text_of(text));
     return numbers::write_fixed(number, std::max(0, -text.scale), point, text_of(text));
@@ -85,7 +89,7 @@ extern "C" int Qconvert(XfdDataDesc* destination, const XfdDataDesc* source, int
                    : text_to_number(*source, to_field ? decimal_point(*destination) : '.', number);
     const bool fits = to_field
                           ? numbers::store_field(numbers::field_of(*destination), number)
-                          : number_to_text(number, source->type == FLOAT_NATIVE,
+                          : number_to_text(number, is_floating(source->type),
                                            from_field ? decimal_point(*source) : '.', *destination);
     return counted(valid && fits) ? 1 : 0;
 }

@@ -98,6 +98,30 @@ TEST_F(CommandTest, EbcdicFieldsThatHoldNoNumberAreNamed) {
 }
 
 // Layouts are told apart on the records as they are, whatever the translation makes of them.
+// Binary items as mainframes have them, both ways, also through a description file.
+TEST_F(CommandTest, EbcdicRecordsAreOfAMainframe) {
+    write_file("b.cpy",
+               "       01  B-REC.\n           05  C5 PIC S9(4) COMP-5.\n"
+               "           05  F1 COMP-1.\n           05  F2 COMP-2.\n");
+    const std::string record = std::string("\xFF\xFE", 2) + std::string("\xC2\x76\xA0\0", 4) +
+                               std::string("\x40\x19\x99\x99\x99\x99\x99\x9A", 8);
+    const std::string values = "  <c5>-2</c5>\r\n  <f1>-118.625</f1>\r\n  <f2>0.1</f2>\r\n";
+    write_file("b.dat", record);
+    EXPECT_EQ(sxml({"to-xml", "b.dat", "b.xml", "-l", "b.cpy", "--encoding", "cp037"}).err, "");
+    EXPECT_NE(read_file("b.xml").find(values), std::string::npos) << read_file("b.xml");
+    EXPECT_EQ(sxml({"from-xml", "b.xml", "c.dat", "-l", "b.cpy", "--encoding", "cp037"}).err, "");
+    EXPECT_EQ(read_file("c.dat"), record);
+    EXPECT_EQ(sxml({"compile", "b.cpy", "-o", "b.xfd", "--machine", "mainframe"}).err, "");
+    EXPECT_EQ(sxml({"from-xml", "b.xml", "d.dat", "-l", "b.xfd"}).err, "");
+    EXPECT_EQ(read_file("d.dat"), record);
+    const Outcome native =
+        sxml({"to-xml", "b.dat", "-", "-l", "b.cpy", "--encoding", "cp037", "--machine", "native"});
+    EXPECT_NE(native.out.find("<c5>-257</c5>"), std::string::npos) << native.out;
+    write_file("e.xml", "<b><b_rec><f1>1e76</f1></b_rec></b>");
+    const Outcome large = sxml({"from-xml", "e.xml", "e.dat", "-l", "b.xfd"});
+    EXPECT_NE(large.err.find("field f1: not a number that fits"), std::string::npos) << large.err;
+}
+
 TEST_F(CommandTest, EbcdicLayoutsAreToldApart) {
     write_file("k.cpy",
                "      *> sxml: when IS-TEXT\n"

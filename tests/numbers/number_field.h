@@ -25,7 +25,7 @@ struct FieldSpec {
 };
 
 inline bool is_floating(const FieldSpec& spec) {
-    return spec.type == records::FLOAT_NATIVE;
+    return spec.type == records::FLOAT_NATIVE || spec.type == records::FLOAT_HEX;
 }
 
 class NumberField {

@@ -307,6 +307,10 @@ TEST(CobcLayout, RandomLayouts248) {
     judge_random(BinarySize::by_digits_248, "248", "-fbinary-size=2-4-8");
 }
 
+TEST(CobcLayout, RandomLayouts1to8) {
+    judge_random(BinarySize::smallest, "1to8", "-fbinary-size=1--8");
+}
+
 // Clauses that the random records leave out.
 constexpr const char* EVERY_CLAUSE =
     "01 EVERY-REC.\n"

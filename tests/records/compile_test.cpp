@@ -285,6 +285,36 @@ TEST(Compile, LengthFollowsTheCounter) {
     EXPECT_EQ(inner.used_length("1abcdZ", 6), 6);
 }
 
+// Sizes, byte orders and slack bytes of a mainframe, where cobc is no judge.
+TEST(Compile, MainframesPlaceBinaryItemsTheirOwnWay) {
+    LayoutOptions options;
+    options.encoding = RecordEncoding::ebcdic;
+    const std::string copybook =
+        "01 R.\n 05 A PIC X(5).\n 05 B PIC X(5).\n 05 G.\n 10 P PIC S9(6) COMP SYNC.\n"
+        " 05 T OCCURS 2.\n 10 T-X PIC X.\n 10 T-P PIC S9(4)V99 COMP SYNC.\n"
+        " 10 T-H PIC S9(3) COMP SYNC.\n 10 T-N PIC X(5).\n"
+        " 05 S SYNC.\n 10 S-1 PIC 9 COMP-5.\n 10 S-2 COMP-1.\n 10 S-3 COMP-2.\n"
+        " 10 S-4 PIC S9(18) COMP.\n 10 S-5 INDEX.\n 10 S-6 POINTER.\n";
+    EXPECT_EQ(items_text(described(copybook, options).xfd()),
+              "r 0+80\n a 0+5 t15\n b 5+5 t15\n g 12+4\n  p 12+4 t9 10.0\n"
+              " t 16+16 1/2\n  t_x 16+1 t15 1/2\n  t_p 20+4 t9 10.-2 1/2\n"
+              "  t_h 24+2 t9 5.0 1/2\n  t_n 26+5 t15 1/2\n"
+              " t 32+16 2/2\n  t_x 32+1 t15 2/2\n  t_p 36+4 t9 10.-2 2/2\n"
+              "  t_h 40+2 t9 5.0 2/2\n  t_n 42+5 t15 2/2\n"
+              " s 48+32\n  s_1 48+2 t10 5.0\n  s_2 52+4 t14 88.-87\n  s_3 56+8 t14 97.-96\n"
+              "  s_4 64+8 t9 19.0\n  s_5 72+4 t9 10.0\n  s_6 76+4 t19 hex\n");
+    options.machine = Machine::native;
+    const std::string pair = "01 R.\n 05 C PIC 9 COMP.\n 05 D PIC 9 COMP-5.\n 05 F COMP-1.";
+    EXPECT_EQ(items_text(described(pair, options).xfd()),
+              "r 0+6\n c 0+1 t10 3.0\n d 1+1 t12 3.0\n f 2+4 t13 47.-46\n");
+    options.byte_order = ByteOrder::native;
+    EXPECT_NE(items_text(described(pair, options).xfd()).find("c 0+1 t12"), std::string::npos);
+    options.machine = Machine::mainframe;
+    EXPECT_NE(items_text(described(pair, options).xfd()).find("c 0+2 t10"), std::string::npos);
+    options.binary_size = BinarySize::by_digits_1248;
+    EXPECT_NE(items_text(described(pair, options).xfd()).find("d 1+1 t10"), std::string::npos);
+}
+
 TEST(Compile, RowsShowWhatGivesNoElement) {
     const Description description = described(
         "01 R.\n 05 T PIC X.\n 05 FILLER PIC X(2).\n 05 A PIC S9(3) COMP-3.\n"

@@ -20,6 +20,16 @@ const std::map<std::string, records::BinarySize> BINARY_SIZES = {
     {"1--8", records::BinarySize::smallest},
 };
 
+const std::map<std::string, records::ByteOrder> BYTE_ORDERS = {
+    {"big-endian", records::ByteOrder::big_endian},
+    {"native", records::ByteOrder::native},
+};
+
+const std::map<std::string, records::Machine> MACHINES = {
+    {"mainframe", records::Machine::mainframe},
+    {"native", records::Machine::native},
+};
+
 const std::map<std::string, records::MovingData> MOVING_DATA = {
     {"fixed", records::MovingData::fixed},
     {"refuse", records::MovingData::refused},
@@ -66,8 +76,13 @@ void add_source_options(CLI::App& command, LayoutOptions& options) {
 
 void add_description_options(CLI::App& command, LayoutOptions& options) {
     records::LayoutOptions& layout = options.layout;
+    add_choice(command, "--machine", layout.machine, MACHINES,
+               "where the records come from: sizes, byte order and floating point of binary items "
+               "(default: native; mainframe for records in EBCDIC)");
     add_choice(command, "--binary-size", layout.binary_size, BINARY_SIZES,
-               "bytes that binary items may take (default: 1-2-4-8)");
+               "bytes that binary items may take (default: 1-2-4-8; 2-4-8 of a mainframe)");
+    add_choice(command, "--byte-order", layout.byte_order, BYTE_ORDERS,
+               "of COMP, COMP-4 and BINARY items; native: that of COMP-5 (default: big-endian)");
     add_choice(command, "--national-size", layout.national_size, NATIONAL_SIZES,
                "bytes of a NATIONAL character, or the rule of a cobc (default: 2)");
     command.add_flag_callback(
