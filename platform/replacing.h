@@ -24,9 +24,12 @@ class Replacement {
     const std::string& target() const { return target_; }
     // True for what is written under its own name: standard output, pipes, devices, descriptors.
     bool is_direct() const { return !temporary_; }
-    // Has the data written to the disk and puts the file in its place. It has the permissions,
-    // owner and group of the old one as far as the process may give them. Result: 0 or the error
-    // number; the old file is then as it was.
+    // Has the data written to the disk: what can fail when several files are to change together is
+    // done for all of them before the first changes. Result: 0 or the error number.
+    int prepare();
+    // Has the data written to the disk, unless prepare() did, and puts the file in its place. It
+    // has the permissions, owner and group of the old one as far as the process may give them.
+    // Result: 0 or the error number; the old file is then as it was.
     int commit();
 
   private:
@@ -34,6 +37,7 @@ class Replacement {
 
     std::string target_;
     std::optional<TemporaryFile> temporary_;
+    bool is_on_disk_ = false;
 };
 
 }  // namespace platform

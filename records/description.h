@@ -136,7 +136,7 @@ std::string find_description_file(const std::string& data_file);
 void bind_description(const Description* description);
 
 // What Q4ParseXFD last reported on this thread: the diagnostics' text, empty when all went well.
-const std::string& last_description_error();
+std::string last_description_error();
 
 }  // namespace records
 

@@ -114,7 +114,10 @@ Result<std::unique_ptr<InputDocument>> InputDocument::open(const records::Descri
     if (!opened) {
         const int code = *host_file_error();
         const bool is_content = code == HOST_FILE_XML || code == HOST_FILE_END;
-        return is_content ? document->reading_problem() : opened.problem();
+        // Then the document is not to blame.
+        const bool is_known =
+            opened.problem().system_error != 0 || opened.problem().cause == Cause::no_memory;
+        return is_content && !is_known ? document->reading_problem() : opened.problem();
     }
     document->module_file_ = *opened;
     return document;
@@ -143,6 +146,11 @@ Result<bool> InputDocument::read() {
     const int result = module_.read(module_file_.file, record_.data());
     const int code = *host_file_error();
     if (is_out_of_memory_) return Problem{Cause::no_memory, {}, host::memory_problem(), {}};
+    if (Done hidden = take_hidden_failure()) {
+        has_ended_ = true;
+        if (hidden->cause != Cause::no_memory) hidden->place.file = options_.shown_name;
+        return *std::move(hidden);
+    }
     if (result > 0 && code == HOST_FILE_OK) {
         ++count_;
         filled_length_ = result - 1;

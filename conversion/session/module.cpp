@@ -1,15 +1,16 @@
 #include "conversion/session/module.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <vector>
 
 #include "host/errors.h"
+#include "host/runtime/memory_failure.h"
 #include "host/runtime/memory_report.h"
 #include "host/runtime/record_handlers.h"
 #include "host/runtime/streams.h"
@@ -67,21 +68,38 @@ std::string error_text(int error) {
     return std::error_code(error, std::generic_category()).message();
 }
 
-Problem problem_of_opening(const FileToOpen& file, int error) {
+Problem exhausted_memory() {
+    return {Cause::no_memory, {}, host::memory_problem(), {}};
+}
+
+Problem problem_of(const host::StreamFailure& failure) {
+    return {cause_of(failure.error),
+            {.file = failure.file},
+            error_text(failure.error),
+            {},
+            failure.error};
+}
+
+Problem problem_of_opening(const FileToOpen& file) {
+    const int error = host::take_open_failure();
     Place place{.file = file.shown_name.empty() ? file.name : file.shown_name};
     if (*host_file_error() == HOST_FILE_NO_MEMORY) {
-        return {Cause::no_memory, {}, host::memory_problem(), {}};
+        return exhausted_memory();
     }
     if (!records::last_description_error().empty()) {
         return {Cause::layout, std::move(place), records::last_description_error(), {}};
     }
-    return {cause_of(error), std::move(place), error_text(error), {}, error};
+    return {cause_of(error),
+            std::move(place),
+            error != 0 ? error_text(error) : "the file cannot be opened",
+            {},
+            error};
 }
 
 // Failures of files that nobody has asked for yet. The host tells them in one list for all files.
 struct WriteFailures {
     std::mutex mutex;
-    std::vector<host::WriteFailure> known;
+    std::vector<host::StreamFailure> known;
 };
 
 WriteFailures& write_failures() {
@@ -91,20 +109,17 @@ WriteFailures& write_failures() {
 
 template <class Wanted>
 Done take_failure(const Wanted& is_wanted) {
+    if (host::take_memory_failure()) return exhausted_memory();
     WriteFailures& failures = write_failures();
     const std::lock_guard lock(failures.mutex);
-    while (std::optional<host::WriteFailure> next = host::take_write_failure()) {
+    while (std::optional<host::StreamFailure> next = host::take_write_failure()) {
         failures.known.push_back(std::move(*next));
     }
     const auto found = std::find_if(failures.known.begin(), failures.known.end(), is_wanted);
     if (found == failures.known.end()) return std::nullopt;
-    const host::WriteFailure failure = std::move(*found);
+    const host::StreamFailure failure = std::move(*found);
     failures.known.erase(found);
-    return Problem{cause_of(failure.error),
-                   {.file = failure.file},
-                   error_text(failure.error),
-                   {},
-                   failure.error};
+    return problem_of(failure);
 }
 
 }  // namespace
@@ -113,6 +128,8 @@ Result<const host::Module*> xml_module() {
     try {
         static const host::Module module = load();
         return &module;
+    } catch (const std::bad_alloc&) {
+        return exhausted_memory();
     } catch (const std::exception& failure) {
         return Problem{Cause::input_output, {}, failure.what(), {}};
     }
@@ -130,20 +147,31 @@ Result<ModuleFile> open_module_file(const host::Module& module, const FileToOpen
     }
     Opening now{element, handler, nullptr};
     const OpeningScope scope(now, description);
-    errno = 0;
+    host::take_open_failure();
     XmlFile* const opened = module.open(file.name.c_str(), file.direction);
-    if (opened == nullptr) return problem_of_opening(file, errno);
+    Done hidden = take_hidden_failure();
+    if (opened == nullptr) return hidden ? *hidden : problem_of_opening(file);
+    if (hidden) {
+        module.close(opened);
+        return *std::move(hidden);
+    }
     return ModuleFile{opened, now.xfd};
 }
 
+Done take_hidden_failure() {
+    if (host::take_memory_failure()) return exhausted_memory();
+    const std::optional<host::StreamFailure> failure = host::take_read_failure();
+    return failure ? Done(problem_of(*failure)) : std::nullopt;
+}
+
 Done take_write_failure(const std::string& file) {
-    return take_failure([&file](const host::WriteFailure& failure) {
+    return take_failure([&file](const host::StreamFailure& failure) {
         return failure.file.empty() || failure.file == file;
     });
 }
 
 Done take_write_failure() {
-    return take_failure([](const host::WriteFailure&) { return true; });
+    return take_failure([](const host::StreamFailure&) { return true; });
 }
 
 }  // namespace conversion

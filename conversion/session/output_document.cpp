@@ -105,7 +105,7 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     const std::uint64_t exceptions = records::data_exceptions();
     module_.write(module_file_.file, record_, static_cast<std::uint32_t>(outcome_.length));
     if (records::data_exceptions() != exceptions) find_bad_numbers();
-    return std::nullopt;
+    return take_hidden_failure();
 }
 
 void OutputDocument::choose(std::optional<std::size_t> layout) {

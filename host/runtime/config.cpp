@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/runtime/immortal.h"
+#include "host/runtime/memory_failure.h"
 #include "host/runtime/memory_report.h"
 #include "host/runtime/setting_values.h"
 #include "host/runtime/settings.h"
@@ -92,24 +93,25 @@ void enter(std::vector<Entry*>& slots, Entry* entry) {
 }
 
 Entry* add_entry(std::string_view name, std::uint64_t hash) {
-    config->entries.push_back(std::make_unique<Entry>());
-    Entry* entry = config->entries.back().get();
-    entry->name = name;
-    entry->hash = hash;
-    if (config->entries.size() * 2 > config->slots.size()) {
+    if ((config->entries.size() + 1) * 2 > config->slots.size()) {
         std::vector<Entry*> slots(std::max(FIRST_SLOTS, config->slots.size() * 2));
         for (const auto& present : config->entries) enter(slots, present.get());
         config->slots.swap(slots);
-    } else {
-        enter(config->slots, entry);
     }
-    return entry;
+    auto entry = std::make_unique<Entry>();
+    entry->name = name;
+    entry->hash = hash;
+    config->entries.push_back(std::move(entry));
+    enter(config->slots, config->entries.back().get());
+    return config->entries.back().get();
 }
 
 void read_file() {
-    config->is_file_read = true;
     const char* file = platform::environment_variable("SXML_CONFIG");
-    if (file == nullptr || *file == '\0') return;
+    if (file == nullptr || *file == '\0') {
+        config->is_file_read = true;
+        return;
+    }
     for (SettingsLine& line : read_settings_file(file)) {
         const std::string origin = std::string(file) + ":" + std::to_string(line.line);
         if (contains(ENVIRONMENT_ONLY, line.name)) {
@@ -119,6 +121,7 @@ void read_file() {
         }
         config->file_values[std::string(canonical(line.name))] = {std::move(line.value), origin};
     }
+    config->is_file_read = true;
 }
 
 // Once the declared names are known, others of their family in the settings file are slips.
@@ -179,7 +182,6 @@ void resolve(Entry& entry) {
     const char* variable = environment_value(entry.name);
     entry.environment = variable != nullptr ? std::optional<std::string>(variable) : std::nullopt;
     const std::optional<UserValue> value = user_value(entry);
-    entry.is_resolved = true;
     if (!value.has_value()) return apply_default(entry);
     entry.text = value->text;
     entry.origin = value->origin;
@@ -207,7 +209,10 @@ Entry& look_up(const char* name) {
         entry = config->slots[slot];
     }
     if (entry == nullptr) entry = add_entry(wanted, hash);
-    if (!entry->is_resolved) resolve(*entry);
+    if (!entry->is_resolved) {
+        resolve(*entry);
+        entry->is_resolved = true;
+    }
     return *entry;
 }
 
@@ -219,7 +224,7 @@ Number look_up_number(const char* name, Number fallback) noexcept {
         if (entry.has_number) return static_cast<Number>(entry.number);
         if (entry.has_text && entry.setting == nullptr) report_value(entry);
     } catch (const std::bad_alloc&) {
-        return fallback;
+        note_memory_failure();
     }
     return fallback;
 }
@@ -311,6 +316,7 @@ int host_register_settings(const HostSetting* table, int count, int /*reserved*/
         for (int i = 0; i < count; ++i) look_up(table[i].name);
         apply_memory_limit();
     } catch (const std::bad_alloc&) {
+        note_memory_failure();
         return 0;
     }
     return count;
@@ -334,6 +340,7 @@ const char* host_config_string(const char* name, const char* fallback) {
         if (entry.has_text) return entry.text.c_str();
         return entry.setting != nullptr ? nullptr : fallback;
     } catch (const std::bad_alloc&) {
+        note_memory_failure();
         return fallback;
     }
 }

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/runtime/immortal.h"
+#include "host/runtime/memory_failure.h"
 
 const std::int32_t host_encoding_unit_width[9] = {1, 1, 1, 1, 2, 4, 2, 4, 1};
 
@@ -56,7 +58,10 @@ bool is_encoding_name(std::string_view name) {
 bool converter_knows(const std::string& name) {
     iconv_t converter = iconv_open("UTF-8", name.c_str());
     // NOLINTNEXTLINE(performance-no-int-to-ptr): this is how iconv_open says no
-    if (converter == reinterpret_cast<iconv_t>(-1)) return false;
+    if (converter == reinterpret_cast<iconv_t>(-1)) {
+        if (errno == ENOMEM) throw std::bad_alloc();
+        return false;
+    }
     iconv_close(converter);
     return true;
 }
@@ -119,6 +124,7 @@ std::int32_t host_encoding_code(const char* name) {
     try {
         return find_code(name);
     } catch (const std::bad_alloc&) {
+        host::note_memory_failure();
         return HOST_ENCODING_UNKNOWN;
     }
 }

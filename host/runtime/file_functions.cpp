@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "host/runtime/memory_failure.h"
 #include "host/runtime/module.h"
 #include "platform/descriptors.h"
 #include "platform/files.h"
@@ -74,6 +75,7 @@ int f_copy(const char* source, const char* target) {
     try {
         error = copy_and_replace(descriptor, source, target);
     } catch (const std::bad_alloc&) {
+        host::note_memory_failure();
     }
     platform::close_descriptor(descriptor);
     return outcome(error);

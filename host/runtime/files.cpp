@@ -6,14 +6,18 @@
 #include "host/files.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "host/runtime/immortal.h"
+#include "host/runtime/memory_failure.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/write_failures.h"
@@ -60,7 +64,10 @@ namespace {
 
 std::size_t largest_read = 0;  // 0 = no limit
 std::size_t open_count = 0;
-thread_local std::string description_name;           // what host_xfd_name gave last
+int open_error = 0;
+// What host_xfd_name gave last. An array, since a string would be destroyed with the thread, and
+// the C library ends the process when it has no memory to note that.
+thread_local constinit std::array<char, PATH_MAX> description_name{};
 constinit const std::string* output_name = nullptr;  // those of the OutputName that lives
 constinit const std::string* output_file = nullptr;
 
@@ -147,6 +154,10 @@ int open_descriptor(const char* name, Direction direction) {
                                           : platform::open_to_read(name);
 }
 
+void remember_open_failure(int error) {
+    if (open_error == 0 || open_error == ENOENT) open_error = error;
+}
+
 bool is_process_stream(std::string_view name) {
     return name == "-";
 }
@@ -191,6 +202,7 @@ std::size_t read_part(HostStream* stream, char* target, std::size_t size) {
     if (stream->position == stream->filled) {
         const ssize_t count =
             platform::read_some(stream->descriptor, stream->buffer.get(), stream->capacity);
+        if (count < 0) host::remember_read_failure(stream->name, errno);
         if (count <= 0) return 0;
         stream->position = 0;
         stream->filled = static_cast<std::size_t>(count);
@@ -217,8 +229,12 @@ HostStream* host_fopen(const char* name, const char* mode, int /*flag*/) {
         return nullptr;
     }
     try {
-        return open_stream(name, is_output ? Direction::output : Direction::input);
+        HostStream* stream = open_stream(name, is_output ? Direction::output : Direction::input);
+        if (stream == nullptr) remember_open_failure(errno);
+        return stream;
     } catch (const std::bad_alloc&) {
+        host::note_memory_failure();
+        remember_open_failure(ENOMEM);
         errno = ENOMEM;
         return nullptr;
     }
@@ -314,13 +330,10 @@ int host_remove_file(const char* name) {
 
 const char* host_xfd_name(const char* data_file_name) {
     host::refresh_environment();
-    std::string& name = description_name;
-    try {
-        name = data_file_name != nullptr ? data_file_name : "";
-    } catch (const std::bad_alloc&) {
-        return data_file_name;
-    }
-    return name.c_str();
+    const std::string_view name = data_file_name != nullptr ? data_file_name : "";
+    if (name.size() >= description_name.size()) return data_file_name;  // names no file
+    description_name[name.copy(description_name.data(), name.size())] = '\0';
+    return description_name.data();
 }
 
 namespace host {
@@ -338,6 +351,9 @@ OutputName::~OutputName() {
 
 void limit_read_size(std::size_t bytes) {
     largest_read = bytes;
+}
+int take_open_failure() {
+    return std::exchange(open_error, 0);
 }
 std::size_t open_streams() {
     return open_count;

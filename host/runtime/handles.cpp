@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/runtime/immortal.h"
+#include "host/runtime/memory_failure.h"
 #include "host/runtime/tracked_memory.h"
 
 namespace host {
@@ -150,6 +151,7 @@ std::uint32_t host_handle_type_register(const HostHandleType* type) {
     try {
         types->push_back(Type{*type, NO_SLOT, NO_SLOT, 0, 0, NO_SLOT, NO_SLOT, 0});
     } catch (const std::bad_alloc&) {
+        note_memory_failure();
         return 0;
     }
     return static_cast<std::uint32_t>(types->size());
@@ -165,6 +167,7 @@ std::uint32_t host_handle_new(std::uint32_t type, int /*reserved1*/, int /*reser
     const std::uint32_t slot = take_slot(type);
     if (slot == NO_SLOT) {
         memory::release(object);
+        note_memory_failure();
         return 0;
     }
     std::uint8_t& state = state_of(slot);

@@ -10,6 +10,7 @@
 
 #include "host/runtime/block_store.h"
 #include "host/runtime/immortal.h"
+#include "host/runtime/memory_failure.h"
 #include "host/runtime/memory_report.h"
 #include "host/runtime/sites.h"
 #include "host/runtime/tracked_memory.h"
@@ -131,7 +132,7 @@ void count_out(const BlockHeader* header) {
     counters.live_bytes -= gross_size(header);
 }
 
-void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
+void* take_new_block(std::size_t size, bool zeroed, const Origin& origin) {
     std::uint32_t number = 0;
     if (!may_allocate() || !is_within_limit(size) || !find_site(origin, number)) return nullptr;
     BlockHeader* header = take_block(size, zeroed);
@@ -146,6 +147,12 @@ void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
     count_in(header);
     if (HAS_GUARDS && !zeroed) std::memset(block, FRESH_BYTE, size);
     set_guards(header);
+    return block;
+}
+
+void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
+    void* block = take_new_block(size, zeroed, origin);
+    if (block == nullptr) note_memory_failure();
     return block;
 }
 
@@ -166,6 +173,7 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
     const std::size_t present = block_size(header);
     if (!may_allocate() || (size > present && !is_within_limit(size - present)) ||
         !find_site({source, line, description_of(block)}, number)) {
+        note_memory_failure();
         return nullptr;
     }
     count_out(header);
@@ -173,6 +181,7 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
     if (moved == nullptr) {
         count_in(header);
         --site(header->site).all_blocks;
+        note_memory_failure();
         return nullptr;
     }
     moved->site = number;

@@ -1,7 +1,10 @@
 #include "host/runtime/module.h"
 
 #include <array>
+#include <filesystem>
+#include <new>
 #include <stdexcept>
+#include <string_view>
 
 #include "host/errors.h"
 #include "host/runtime/library_files.h"
@@ -45,6 +48,13 @@ void hand_over(XmlSetHostFunctionEntry* set, const std::vector<NamedFunction>& f
     }
 }
 
+// Without memory for its own notes the loader says of a file that it is not there.
+bool is_for_want_of_memory(const std::string& file, const char* reason) {
+    return reason == nullptr || (std::string_view(reason).starts_with(
+                                     file + ": cannot open shared object file: No such") &&
+                                 access(file.c_str(), F_OK) == 0);
+}
+
 }  // namespace
 
 Module Module::load(const std::string& path, const std::vector<NamedFunction>& functions) {
@@ -53,6 +63,7 @@ Module Module::load(const std::string& path, const std::vector<NamedFunction>& f
     std::array<char, 1024> reason{};
     module.library_ = platform_open_library(file.c_str(), reason.data(), reason.size());
     if (module.library_ == nullptr) {
+        if (is_for_want_of_memory(file, reason.data())) throw std::bad_alloc();
         throw std::runtime_error("cannot load the module " + file + ": " + reason.data());
     }
     auto* get_table =

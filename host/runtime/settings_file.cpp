@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string_view>
 
+#include "host/runtime/write_failures.h"
 #include "platform/paths.h"
 
 namespace host {
@@ -52,8 +53,10 @@ std::vector<SettingsLine> read_settings_file(const std::string& file) {
         lines.push_back(std::move(line));
     }
     if (!input.eof()) {
+        const int error = errno;
+        remember_read_failure(file, error);
         std::fprintf(stderr, "sxml: cannot read the settings file %s: %s\n", file.c_str(),
-                     std::strerror(errno));
+                     std::strerror(error));
     }
     return lines;
 }

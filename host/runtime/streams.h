@@ -9,14 +9,21 @@
 
 namespace host {
 
-struct WriteFailure {
+struct StreamFailure {
     std::string file;
     int error;  // the system's error number
 };
 
 // The oldest write failure (found while writing, cutting or closing) not yet taken, on any stream;
 // taking it forgets it. The file's name is empty when there was no memory to remember it.
-RUNTIME_API std::optional<WriteFailure> take_write_failure();
+RUNTIME_API std::optional<StreamFailure> take_write_failure();
+// The oldest failure of reading not yet taken. For the module a stream that cannot be read ends
+// there, so what was read may look complete.
+RUNTIME_API std::optional<StreamFailure> take_read_failure();
+// The system's error number with which host_fopen failed since this was last asked, 0 when it did
+// not; another one comes before "no such file". The module may try another name, or do other
+// things, before it tells that it could not open a file, and errno changes. Asking forgets it.
+RUNTIME_API int take_open_failure();
 
 }  // namespace host
 

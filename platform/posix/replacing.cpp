@@ -124,9 +124,16 @@ std::optional<Replacement> Replacement::begin(const std::string& target) {
     return replacement;
 }
 
+int Replacement::prepare() {
+    if (!temporary_ || is_on_disk_) return 0;
+    const int error = flush_to_disk(temporary_->name());
+    is_on_disk_ = error == 0;
+    return error;
+}
+
 int Replacement::commit() {
     if (!temporary_) return 0;
-    if (const int error = flush_to_disk(temporary_->name()); error != 0) return error;
+    if (const int error = prepare(); error != 0) return error;
     if (const int error = temporary_->rename_to(target_); error != 0) return error;
     flush_to_disk(folder_of(target_).string());  // the name is there already
     temporary_.reset();

@@ -46,7 +46,12 @@ std::optional<TemporaryFile> TemporaryFile::create(const std::string& folder,
     const int descriptor = mkostemp(name.data(), O_CLOEXEC);
     if (descriptor < 0) return std::nullopt;
     close(descriptor);
-    return TemporaryFile(std::move(name));
+    try {
+        return TemporaryFile(name);
+    } catch (...) {
+        unlink(name.c_str());
+        throw;
+    }
 }
 
 TemporaryFile::TemporaryFile(std::string name) : name_(std::move(name)), removed_(name_) {}
@@ -74,7 +79,12 @@ std::optional<TemporaryFolder> TemporaryFolder::create() {
     std::string name = temporary_folder() + "/sxml.XXXXXX";
     const HeldSignals held;
     if (mkdtemp(name.data()) == nullptr) return std::nullopt;
-    return TemporaryFolder(std::move(name));
+    try {
+        return TemporaryFolder(name);
+    } catch (...) {
+        rmdir(name.c_str());
+        throw;
+    }
 }
 
 TemporaryFolder::TemporaryFolder(std::string name) : name_(std::move(name)), removed_(name_) {}

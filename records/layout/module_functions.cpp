@@ -1,5 +1,8 @@
 // The functions handed to the module: what they throw stays inside them.
+#include <array>
 #include <exception>
+#include <new>
+#include <string_view>
 
 #include "host/config.h"
 #include "records/layout/description_data.h"
@@ -9,14 +12,20 @@ namespace records {
 namespace {
 
 thread_local const Description* bound = nullptr;
-thread_local std::string last_error;
+// An array, since a string would be destroyed with the thread, and the C library ends the process
+// when it has no memory to note that. Longer texts are cut.
+thread_local constinit std::array<char, 2048> last_error{};
+
+void set_error(std::string_view text) {
+    last_error[text.copy(last_error.data(), last_error.size() - 1)] = '\0';
+}
 
 Xfd* parse(const std::string& name) {
     if (bound != nullptr) return std::make_unique<XfdBlock>(bound->data().block).release();
     const std::string file = find_description_file(name);
     if (file.empty()) {
-        last_error = "error: no record description for " + name +
-                     " (a file of its name with .xfd, .cpy or .cbl, on SXML_PATH or beside it)\n";
+        set_error("error: no record description for " + name +
+                  " (a file of its name with .xfd, .cpy or .cbl, on SXML_PATH or beside it)\n");
         return nullptr;
     }
     CopybookOptions copybook;
@@ -29,7 +38,7 @@ Xfd* parse(const std::string& name) {
     const std::optional<Description> description =
         load_description(file, copybook, layout, diagnostics);
     if (!description) {
-        last_error = diagnostics.text();
+        set_error(diagnostics.text());
         return nullptr;
     }
     return std::make_unique<XfdBlock>(description->data().block).release();
@@ -52,19 +61,22 @@ void bind_description(const Description* description) {
     bound = description;
 }
 
-const std::string& last_description_error() {
-    return last_error;
+std::string last_description_error() {
+    return last_error.data();
 }
 
 }  // namespace records
 
 // Host libraries may hand over other version numbers; this host's descriptions have one form.
 Xfd* Q4ParseXFD(const char* name, int /*first*/, int /*second*/) {
-    records::last_error.clear();
+    records::set_error("");
     try {
         return records::parse(name == nullptr ? "" : name);
+    } catch (const std::bad_alloc&) {
+        records::set_error("error: memory is exhausted\n");
+        return nullptr;
     } catch (const std::exception& failure) {
-        records::last_error = std::string("error: ") + failure.what() + "\n";
+        records::set_error(failure.what());
         return nullptr;
     }
 }

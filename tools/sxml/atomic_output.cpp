@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "tools/sxml/errors.h"
+#include "tools/sxml/hidden_failures.h"
 
 namespace command {
 
@@ -26,7 +27,12 @@ conversion::ByteSink AtomicOutput::open() const {
     return value_of(conversion::ByteSink::open(write_name(), shown_name()));
 }
 
+void AtomicOutput::prepare() {
+    if (const int error = replacement_.prepare(); error != 0) fail_file(target_, error);
+}
+
 void AtomicOutput::commit() {
+    check_host();
     if (const int error = replacement_.commit(); error != 0) fail_file(target_, error);
 }
 

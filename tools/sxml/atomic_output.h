@@ -28,6 +28,8 @@ class AtomicOutput {
     // Where links lead to.
     const std::string& file() const { return replacement_.target(); }
     bool is_direct() const { return replacement_.is_direct(); }
+    // Has the finished output on the disk, so that commit() can hardly fail. Throws Failure.
+    void prepare();
     // Puts the finished output in its place. Throws Failure.
     void commit();
 

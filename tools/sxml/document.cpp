@@ -1,6 +1,7 @@
 #include "tools/sxml/document.h"
 
 #include <cerrno>
+#include <new>
 
 #include "conversion/session/module.h"
 #include "host/errors.h"
@@ -27,6 +28,7 @@ const host::Module& load_module() {
 void check_written(std::initializer_list<const AtomicOutput*> outputs) {
     const conversion::Done failure = conversion::take_write_failure();
     if (!failure) return;
+    if (failure->cause == conversion::Cause::no_memory) throw std::bad_alloc();
     const std::string& file = failure->place.file;
     for (const AtomicOutput* output : outputs) {
         if (file == output->write_name()) {

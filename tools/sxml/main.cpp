@@ -9,23 +9,41 @@
 #include "platform/standard_streams.h"
 #include "tools/sxml/command_line.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/hidden_failures.h"
+
+namespace {
+
+// What went wrong follows from exhausted memory, or from an input that could not be read, wherever
+// there was any.
+int fail(const std::string& message, int status) {
+    if (command::has_memory_failed()) {
+        command::report_exhausted_memory();
+        return command::EXIT_FAILED;
+    }
+    try {
+        command::check_host();
+    } catch (const command::Failure& cause) {
+        command::say("sxml: " + std::string(cause.what()) + "\n");
+    }
+    if (!message.empty()) command::say("sxml: " + message + "\n");
+    return status;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     if (!platform::open_missing_standard_streams()) return command::EXIT_FAILED;
     platform::handle_interrupts();
     try {
         command::run_command_line(argc, argv);
+        command::check_host();
         return 0;
     } catch (const command::Failure& failure) {
-        if (*failure.what() != '\0') command::say("sxml: " + std::string(failure.what()) + "\n");
-        return failure.status();
+        return fail(failure.what(), failure.status());
     } catch (const std::bad_alloc&) {
-        // Text by text: this must take no memory.
-        command::say("sxml: ");
-        command::say(host::memory_problem());
-        command::say("\n");
+        command::report_exhausted_memory();
+        return command::EXIT_FAILED;
     } catch (const std::exception& error) {
-        command::say("sxml: " + std::string(error.what()) + "\n");
+        return fail(error.what(), command::EXIT_FAILED);
     }
-    return command::EXIT_FAILED;
 }

@@ -1,10 +1,10 @@
 #include "tools/sxml/parsed_document.h"
 
-#include <cerrno>
 #include <new>
 
 #include "conversion/documents/document_check.h"
 #include "host/errors.h"
+#include "host/runtime/streams.h"
 #include "tools/sxml/errors.h"
 
 namespace command {
@@ -13,10 +13,10 @@ namespace {
 
 constexpr std::int32_t EXPAT_NO_MEMORY = 1;  // Expat's code
 
-[[noreturn]] void fail_open(const XmlApi& api, const conversion::DocumentSource& input, int error) {
+[[noreturn]] void fail_open(const XmlApi& api, const conversion::DocumentSource& input) {
     std::int32_t code = 0;
     const std::string message = api.xml_last_error(&code);
-    if (code == XMLERR_OPEN_FILE) fail_file(input.name(), error);
+    if (code == XMLERR_OPEN_FILE) fail_file(input.name(), host::take_open_failure());
     const bool is_memory = *host_error_subcode() == EXPAT_NO_MEMORY;
     if (code == XMLERR_PARSE && *host_file_error() == HOST_FILE_XML && !is_memory) {
         // The module says what is wrong, Expat alone where.
@@ -49,7 +49,7 @@ XmlApi xml_api(const host::Module& module) {
 ParsedDocument::ParsedDocument(const XmlApi& api, const conversion::DocumentSource& input,
                                std::uint32_t options)
     : api_(api), parser_(api.xml_open_file(input.file().c_str(), options | XMLOPT_PARSE_WHOLE, 0)) {
-    if (parser_ == 0) fail_open(api, input, errno);
+    if (parser_ == 0) fail_open(api, input);
     // For the module the end of the input is no error, wherever it comes; what is missing then
     // shows in the subcode.
     if (*host_error_subcode() == 0) return;

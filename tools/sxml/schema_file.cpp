@@ -1,5 +1,6 @@
 #include "tools/sxml/schema_file.h"
 
+#include "host/runtime/streams.h"
 #include "platform/files.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/errors.h"
@@ -25,7 +26,9 @@ void write_schema_file(const host::Module& module, const AtomicOutput& schema) {
     write_empty_document(module, unused.output());
     check_written({&schema, &unused.output()});
     // The module has no result for this: what it could not open it leaves as it was.
-    if (is_empty_file(schema.write_name())) fail(schema.target() + ": the schema was not written");
+    if (!is_empty_file(schema.write_name())) return;
+    if (const int error = host::take_open_failure(); error != 0) fail_file(schema.target(), error);
+    fail(schema.target() + ": the schema was not written");
 }
 
 }  // namespace command

@@ -102,6 +102,9 @@ class SchemaBesideDocument {
         force_setting("SXML_SCHEMA_NAME", choice.reference);
     }
 
+    void prepare() {
+        if (output_) output_->prepare();
+    }
     void commit() {
         if (output_) output_->commit();
     }
@@ -149,6 +152,9 @@ int convert_records(const ToXmlOptions& options, const host::Module& module, Run
     RecordConversion conversion(input, description, characters, output, report, rejects);
     check_lines(input.format(), characters, conversion.fields(), report);
     conversion.run();
+    // Both files are complete before the first of them changes.
+    schema.prepare();
+    output.prepare();
     schema.commit();
     output.commit();
     return rejects.count() > 0 ? EXIT_REJECTED : 0;
