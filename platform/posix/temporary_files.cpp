@@ -21,6 +21,10 @@ class HeldSignals {
     HeldSignals() {
         sigset_t all;
         sigfillset(&all);
+        // Raised by what this thread itself does; held back, they would end the process.
+        for (const int own : {SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP}) {
+            sigdelset(&all, own);
+        }
         pthread_sigmask(SIG_BLOCK, &all, &before_);
     }
     ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }

@@ -42,6 +42,7 @@ std::vector<Case> cases() {
         {"to_xml_in_streams", {"to-xml", "-", "-", "-l", "custfile.xfd"}, "(records)"},
         {"from_xml", {"from-xml", "custfile.xml", "out.dat", "-l", copybook}},
         {"layout", {"layout", "ledger.cpy"}},
+        {"dump", {"dump", "ebcdic.dat", "-l", copybook, "--encoding", "cp037"}},
         {"compile", {"compile", copybook, "-o", "out.xfd"}},
         {"dtd", {"dtd", copybook}},
         {"schema", {"schema", copybook}},
