@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "host/encoding.h"
+#include "host/runtime/memory_report.h"
 
 namespace conversion {
 
@@ -22,6 +23,19 @@ constexpr const char* KNOWN_SETS =
 
 Problem unsuitable(const std::string& name, const char* why) {
     return {Cause::usage, {}, name + ": " + why, KNOWN_SETS};
+}
+
+Problem unknown(const std::string& name, int error) {
+    if (error == ENOMEM) return {Cause::no_memory, {}, host::memory_problem(), {}};
+    // The C library does not say why it lacks one that is always there.
+    for (const char* expected : {"iso-8859-1", "cp037", "cp1047", "cp500", "cp273"}) {
+        if (name != expected) continue;
+        return {Cause::usage,
+                {},
+                name + ": its converter cannot be loaded",
+                "it is not installed (package libc6), or memory is exhausted"};
+    }
+    return unsuitable(name, "not a known character set");
 }
 
 // A converter from a named character set to Unicode.
@@ -112,7 +126,7 @@ Result<CharacterSet> CharacterSet::find(const std::string& name) {
     }
     if (!is_xml_name_of_encoding(name)) return unsuitable(name, "not a known character set");
     Converter converter(name);
-    if (!converter.is_known()) return unsuitable(name, "not a known character set");
+    if (!converter.is_known()) return unknown(name, errno);
     const std::optional<Characters> characters = converter.characters();
     if (!characters) {
         return unsuitable(name, "characters of several bytes are understood in utf-8 only");
