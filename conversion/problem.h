@@ -29,6 +29,7 @@ struct Place {
     std::string file = {};                          // as the user knows it
     std::uint64_t record = 0;                       // from 1
     std::string field = {};                         // with its subscripts, as in "phone(2)"
+    std::string path = {};                          // of its element below the record's: "a/phone"
     std::optional<std::uint64_t> byte_offset = {};  // in the file, from 0
     std::optional<std::uint32_t> in_record = {};    // offset in the record, from 0
     std::uint64_t line = 0;                         // in a document, from 1
@@ -41,6 +42,8 @@ struct Problem {
     std::string what;      // subject first, without the place
     std::string remedy;    // what the user can do; may be empty
     int system_error = 0;  // errno, when a call of the system failed
+    // The bytes at fault, as they are in the record or, of a document, its text; may be empty.
+    std::string evidence = {};
 };
 
 // "FILE:LINE:COLUMN: what; remedy" or "FILE: record N, field F, byte offset B (b in the record):

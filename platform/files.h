@@ -41,5 +41,7 @@ int remove_file(const char* name);
 int rename_file(const char* old_name, const char* new_name);
 // Gives a file the permissions that another one has. Result: 0 or the error number.
 int copy_permissions(const char* from, const char* to);
+// Takes all that is written to it, and holds nothing.
+const char* null_device();
 
 }  // namespace platform

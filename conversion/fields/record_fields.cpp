@@ -156,4 +156,15 @@ std::string RecordFields::name(std::int32_t index) const {
     return item.dimensions() > 0 ? text + ")" : text;
 }
 
+std::string RecordFields::path(std::int32_t index) const {
+    std::string text = xfd_->items[index].name;
+    std::int16_t level = xfd_->items[index].level;
+    for (std::int32_t i = index - 1; i >= 0 && level > 2; --i) {
+        if (xfd_->items[i].level >= level) continue;
+        level = xfd_->items[i].level;
+        text.insert(0, std::string(xfd_->items[i].name) + "/");
+    }
+    return text;
+}
+
 }  // namespace conversion

@@ -66,6 +66,8 @@ class RecordFields {
     bool takes_any_record() const;
     // A field's name with its subscripts, such as "phone(2)".
     std::string name(std::int32_t item) const;
+    // The names of a field and the groups around it below the record, as in "address/street".
+    std::string path(std::int32_t item) const;
 
   private:
     explicit RecordFields(const Xfd& xfd) : xfd_(&xfd) {}

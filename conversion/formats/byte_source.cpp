@@ -27,10 +27,10 @@ std::ptrdiff_t read_whole(int descriptor, std::uint8_t* buffer, std::size_t size
 
 }  // namespace
 
-Result<ByteSource> ByteSource::open(const std::string& name) {
+Result<ByteSource> ByteSource::open(const std::string& name, const std::string& shown_name) {
     if (name == "-") return ByteSource(STANDARD_INPUT_NAME, platform::STANDARD_INPUT);
-    ByteSource source(name, platform::open_to_read(name.c_str()));
-    if (source.descriptor_ < 0) return system_problem(name, errno);
+    ByteSource source(shown_name.empty() ? name : shown_name, platform::open_to_read(name.c_str()));
+    if (source.descriptor_ < 0) return system_problem(source.name_, errno);
     return source;
 }
 

@@ -15,8 +15,9 @@ namespace conversion {
 
 class ByteSource {
   public:
-    // Opens a file, or takes standard input for "-". A folder is a problem.
-    static Result<ByteSource> open(const std::string& name);
+    // Opens a file, or takes standard input for "-". A folder is a problem. `shown_name` is what
+    // problems call it; empty: as it is opened.
+    static Result<ByteSource> open(const std::string& name, const std::string& shown_name = "");
     ByteSource(ByteSource&& other) noexcept;
     ByteSource& operator=(ByteSource&&) = delete;
     ~ByteSource();

@@ -116,6 +116,7 @@ class InputDocument {
     // table with OCCURS DEPENDING ON ends it. In bytes. Needs notes_unused.
     std::size_t used_length() const;
     FieldFate fate(std::int32_t item) const { return fates_[static_cast<std::size_t>(item)]; }
+    const std::vector<FieldFate>& fates() const { return fates_; }  // by item
     const std::vector<FieldTrouble>& troubles() const { return troubles_; }
     const std::vector<UnusedData>& unused_data() const { return unused_; }
     // Where an element of the record stands, as place in the document. Line and column are missing

@@ -159,10 +159,14 @@ Done OutputDocument::check_texts() const {
         std::optional<TextProblem> problem =
             text_check_.check(record_ + field.offset, field.length);
         if (!problem) continue;
-        Place place{.field = fields_.name(field.item)};
+        Place place{.field = fields_.name(field.item), .path = fields_.path(field.item)};
         place.in_record = static_cast<std::uint32_t>(field.offset + problem->position);
-        return Problem{Cause::record, std::move(place), std::move(problem->what),
-                       std::move(problem->remedy)};
+        return Problem{Cause::record,
+                       std::move(place),
+                       std::move(problem->what),
+                       std::move(problem->remedy),
+                       0,
+                       bytes_of(field)};
     }
     return std::nullopt;
 }
@@ -187,8 +191,14 @@ Done OutputDocument::check_strictly() {
     const Field& field = *outcome_.bad_numbers.front();
     Place place;
     place.field = fields_.name(field.item);
+    place.path = fields_.path(field.item);
     place.in_record = static_cast<std::uint32_t>(field.offset);
-    return Problem{Cause::record, std::move(place), "not a valid number", {}};
+    return Problem{Cause::record, std::move(place), "not a valid number", {}, 0, bytes_of(field)};
+}
+
+std::string OutputDocument::bytes_of(const Field& field) const {
+    return {reinterpret_cast<const char*>(record_) + field.offset,
+            static_cast<std::size_t>(field.length)};
 }
 
 void OutputDocument::find_bad_numbers() {

@@ -83,6 +83,7 @@ class OutputDocument {
     void find_bad_numbers();
     bool fits_with_spaces();
     Done check_strictly();
+    std::string bytes_of(const Field& field) const;
     const RecordLayout& chosen() const { return fields_.layouts()[outcome_.layout]; }
     bool is_written(const Field& field) const {
         return holds_data(field, *module_file_.xfd, outcome_.length);

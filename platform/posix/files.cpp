@@ -58,4 +58,8 @@ int copy_permissions(const char* from, const char* to) {
     return is_done ? 0 : errno;
 }
 
+const char* null_device() {
+    return "/dev/null";
+}
+
 }  // namespace platform

@@ -99,7 +99,7 @@ const FromXmlCase CASES[] = {
      {"--line"},
      1,
      "",
-     {"items.xml: record 1: ", "line feed"}},
+     {"items.xml:2:8: record 1: ", "line feed"}},
     {"latin as it is",
      items(item("<code_id>\xE9</code_id>"), "ISO-8859-1"),
      {},

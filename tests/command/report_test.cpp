@@ -118,8 +118,8 @@ TEST_F(CommandTest, RecordsOfDocumentsAreRejected) {
         ", field code_id: its character U+20AC is not in iso-8859-1 -->\n" + bad + "\n";
     EXPECT_EQ(read_file("bad.xml"),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<rejected>\n"
-              "<!-- d.xml: record 2" +
-                  why + "<!-- d.xml: record 4" + why + "</rejected>\n");
+              "<!-- d.xml:2:1: record 2" +
+                  why + "<!-- d.xml:3:1: record 4" + why + "</rejected>\n");
     const std::string report = read_file("r.json");
     for (const std::string part : {"\"status\": 3", "\"records\": 4", "\"field\": \"code_id\""}) {
         EXPECT_NE(report.find(part), std::string::npos) << part << report;

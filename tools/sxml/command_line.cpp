@@ -127,7 +127,8 @@ constexpr Subcommand SUBCOMMANDS[] = {
     {"schema", add_schema_command}, {"cob", add_cob_command},
     {"cob-cc", add_cob_cc_command}, {"rewrite", add_rewrite_command},
     {"tree", add_tree_command},     {"split", add_split_command},
-    {"join", add_join_command},     {"help", add_help_command},
+    {"join", add_join_command},     {"check", add_check_command},
+    {"help", add_help_command},
 };
 
 // Adds the subcommand that the first word names, or else all: what is not asked for would take a

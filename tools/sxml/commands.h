@@ -14,6 +14,7 @@ void add_to_xml_command(CLI::App& application);
 void add_from_xml_command(CLI::App& application);
 void add_dtd_command(CLI::App& application);
 void add_schema_command(CLI::App& application);
+void add_check_command(CLI::App& application);
 void add_dump_command(CLI::App& application);
 void add_cob_command(CLI::App& application);
 void add_cob_cc_command(CLI::App& application);

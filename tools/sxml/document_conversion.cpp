@@ -106,13 +106,13 @@ void DocumentConversion::run() {
 
 void DocumentConversion::convert() {
     report_.count_record();
+    if (observer_) observer_(document_);
     if (document_.filled_length() > 0) has_filled_ = true;
     if (const auto problem = problem_of_record()) return reject(*problem);
     conversion::Done problem = store_.add(record());
     if (!problem) return;
     if (problem->cause != conversion::Cause::record) fail(*problem);
-    problem->place.file = document_.shown_name();
-    problem->place.record = document_.count();
+    problem->place = document_.place_of(1);
     reject(*problem);
 }
 
@@ -136,11 +136,20 @@ std::optional<conversion::Problem> DocumentConversion::problem_of_record() {
     return found(Finding::no_layout, std::move(problem));
 }
 
-conversion::Problem DocumentConversion::problem_at(std::int32_t item, std::string what) const {
-    conversion::Problem problem{conversion::Cause::record, {}, std::move(what), {}};
-    problem.place.file = document_.shown_name();
-    problem.place.record = document_.count();
-    if (item >= 0) problem.place.field = document_.fields().name(item);
+// With the line and column of the record.
+conversion::Problem DocumentConversion::problem_at(std::int32_t item, std::string what) {
+    conversion::Problem problem{
+        conversion::Cause::record, document_.place_of(1), std::move(what), {}};
+    if (item < 0) return problem;
+    problem.place.field = document_.fields().name(item);
+    problem.place.path = document_.fields().path(item);
+    return problem;
+}
+
+conversion::Problem DocumentConversion::problem_at(const conversion::FieldTrouble& trouble,
+                                                   std::string what) {
+    conversion::Problem problem = problem_at(trouble.item, std::move(what));
+    problem.evidence = trouble.text;
     return problem;
 }
 
@@ -156,20 +165,20 @@ std::optional<conversion::Problem> DocumentConversion::problem_of(
     const conversion::FieldTrouble& trouble) {
     switch (trouble.fate) {
         case FieldFate::lost_character:
-            return problem_at(trouble.item, "its character " + character_name(trouble.character) +
-                                                " is not in " + document_.characters().name());
+            return problem_at(trouble, "its character " + character_name(trouble.character) +
+                                           " is not in " + document_.characters().name());
         case FieldFate::no_number:
             if (!report_.count(Finding::lost_number)) return std::nullopt;
-            return found(Finding::lost_number,
-                         problem_at(trouble.item,
-                                    "not a number that fits the field: " + quoted(trouble.text)));
+            return found(
+                Finding::lost_number,
+                problem_at(trouble, "not a number that fits the field: " + quoted(trouble.text)));
         default:
             if (!report_.count(Finding::cut_text)) return std::nullopt;
             return found(Finding::cut_text,
-                         problem_at(trouble.item, "a text of " + std::to_string(trouble.whole) +
-                                                      " bytes was cut to fit into " +
-                                                      std::to_string(trouble.size) + ": " +
-                                                      quoted(trouble.text)));
+                         problem_at(trouble, "a text of " + std::to_string(trouble.whole) +
+                                                 " bytes was cut to fit into " +
+                                                 std::to_string(trouble.size) + ": " +
+                                                 quoted(trouble.text)));
     }
 }
 

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
@@ -29,6 +31,10 @@ class DocumentConversion {
                        conversion::RecordWriter& store, const RecordsWanted& wanted,
                        RunReport& report, RejectFile& rejects);
 
+    // `observer` is told of each record when it has been read.
+    void observe(std::function<void(const conversion::InputDocument&)> observer) {
+        observer_ = std::move(observer);
+    }
     // Converts all records and closes the store. Throws Failure where the document ends too early
     // or is not well-formed, for a record that cannot be stored, unless it can be rejected, when
     // there is no room, and when no field was filled at all.
@@ -42,7 +48,8 @@ class DocumentConversion {
     std::optional<conversion::Problem> problem_of(const conversion::UnusedData& data);
     std::optional<conversion::Problem> found(Finding finding, conversion::Problem problem);
     void reject(const conversion::Problem& problem);
-    conversion::Problem problem_at(std::int32_t item, std::string what) const;
+    conversion::Problem problem_at(std::int32_t item, std::string what);
+    conversion::Problem problem_at(const conversion::FieldTrouble& trouble, std::string what);
     void check_use() const;
 
     conversion::InputDocument& document_;
@@ -51,6 +58,7 @@ class DocumentConversion {
     RecordsWanted wanted_;
     RunReport& report_;
     RejectFile& rejects_;
+    std::function<void(const conversion::InputDocument&)> observer_;
     bool has_filled_ = false;  // any field
 };
 

@@ -3,8 +3,11 @@
 
 #include <string>
 
+#include "conversion/fields/record_fields.h"
+#include "conversion/formats/record_format.h"
 #include "conversion/texts/character_set.h"
 #include "records/description.h"
+#include "tools/sxml/run_report.h"
 
 namespace command {
 
@@ -15,6 +18,11 @@ conversion::CharacterSet find_character_set(const std::string& name, const std::
 // The set of the records of a record file: `encoding`, or else what SXML_ENCODING says, or UTF-8.
 // Throws Failure (wrong usage). The settings must have been applied.
 conversion::CharacterSet records_character_set(const std::string& encoding);
+
+// For records that are lines: warns of the first binary field. Throws Failure (wrong usage) for an
+// EBCDIC set.
+void check_lines(const conversion::RecordFormat& format, const conversion::CharacterSet& characters,
+                 const conversion::RecordFields& fields, RunReport& report);
 
 // What DISPLAY numbers look like in records of this character set.
 records::RecordEncoding record_encoding(const conversion::CharacterSet& characters);

@@ -12,6 +12,7 @@
 #include "tools/sxml/layout_source.h"
 #include "tools/sxml/options.h"
 #include "tools/sxml/settings.h"
+#include "tools/sxml/text_table.h"
 
 namespace command {
 
@@ -77,30 +78,6 @@ void thin_out_conditions(std::vector<Row>& rows, const std::vector<int>& row_dep
     }
 }
 
-using Table = std::vector<std::vector<std::string>>;
-
-void append_cell(std::string& line, const std::string& text, std::size_t width, bool right) {
-    const std::string padding(width - text.size(), ' ');
-    if (!line.empty()) line += "  ";
-    line += right ? padding + text : text + padding;
-}
-
-std::string table_text(const std::vector<Column>& shown, const Table& cells) {
-    std::vector<std::size_t> widths(shown.size(), 0);
-    for (const auto& row : cells) {
-        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-    }
-    std::string text;
-    for (const auto& row : cells) {
-        std::string line;
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            append_cell(line, row[i], widths[i], shown[i].right_aligned);
-        }
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
-    }
-    return text;
-}
-
 std::string layout_table(const records::Description& description) {
     std::vector<Row> rows = description.rows();
     const std::vector<int> row_depths = depths(rows);
@@ -117,7 +94,9 @@ std::string layout_table(const records::Description& description) {
         for (std::size_t i = 0; i < rows.size(); ++i) cells[i + 1].push_back(column.text(rows[i]));
         shown.push_back(std::move(column));
     }
-    return table_text(shown, cells);
+    std::vector<bool> right_aligned;
+    for (const Column& column : shown) right_aligned.push_back(column.right_aligned);
+    return table_text(cells, right_aligned);
 }
 
 std::string length_line(const records::Description& description) {

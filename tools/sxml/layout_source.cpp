@@ -36,14 +36,25 @@ LayoutSource::LayoutSource(const LayoutOptions& options) : options_(options), na
 }
 
 records::Description LayoutSource::load(records::RecordEncoding encoding, RunFiles& files) const {
+    records::Diagnostics diagnostics;
+    records::Description description = load(encoding, diagnostics, true);
+    for (const std::string& file : diagnostics.files()) files.reads(file);
+    return description;
+}
+
+records::Description LayoutSource::load_quietly(records::RecordEncoding encoding) const {
+    records::Diagnostics diagnostics;
+    return load(encoding, diagnostics, false);
+}
+
+records::Description LayoutSource::load(records::RecordEncoding encoding,
+                                        records::Diagnostics& diagnostics, bool is_told) const {
     records::LayoutOptions layout = options_.layout;
     layout.name_case = records::configured_name_case();
     layout.encoding = encoding;
     if (encoding == records::RecordEncoding::ebcdic) layout.ebcdic_sign = true;
-    records::Diagnostics diagnostics;
     std::optional<records::Description> description = compile(layout, diagnostics);
-    for (const std::string& file : diagnostics.files()) files.reads(file);
-    say(diagnostics.text());
+    if (is_told) say(diagnostics.text());
     if (!description || diagnostics.has_errors()) {
         fail(name_ + ": there is no usable record layout" + remedy_for(diagnostics, options_));
     }

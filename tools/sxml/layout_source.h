@@ -21,7 +21,12 @@ class LayoutSource {
     // usable description. Names follow 4GL_COLUMN_CASE, so the settings must have been applied.
     records::Description load(records::RecordEncoding encoding, RunFiles& files) const;
 
+    // The same layout once more, for other records, without a word. Throws Failure.
+    records::Description load_quietly(records::RecordEncoding encoding) const;
+
   private:
+    records::Description load(records::RecordEncoding encoding, records::Diagnostics& diagnostics,
+                              bool is_told) const;
     std::optional<records::Description> compile(const records::LayoutOptions& layout,
                                                 records::Diagnostics& diagnostics) const;
 

@@ -1,9 +1,10 @@
 #include "tools/sxml/record_conversion.h"
 
-#include <string_view>
+#include <utility>
 
 #include "tools/sxml/document.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/field_value.h"
 #include "tools/sxml/progress.h"
 
 namespace command {
@@ -12,16 +13,6 @@ namespace {
 
 // Records between looks at the clock and at the output's state.
 constexpr std::uint64_t RECORDS_BETWEEN_LOOKS = 1024;
-
-std::string hexadecimal(const std::uint8_t* bytes, std::int32_t length) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    std::string text;
-    for (std::int32_t i = 0; i < length; ++i) {
-        text += DIGITS[bytes[i] >> 4];
-        text += DIGITS[bytes[i] & 0xF];
-    }
-    return text;
-}
 
 constexpr const char* NUL_HINT =
     "its NUL bytes keep a condition from holding whose literal is padded with spaces; compare with "
@@ -53,6 +44,7 @@ void RecordConversion::run() {
     Progress progress(input_.size());
     while (const std::optional<conversion::Record> record = input_.next()) {
         report_.count_record();
+        if (observer_) observer_(*record);
         convert(*record);
         if (record->number % RECORDS_BETWEEN_LOOKS == 0) {
             progress.update(record->number, record->file_offset);
@@ -97,9 +89,11 @@ void RecordConversion::report_number(const conversion::Record& record,
     problem.place.file = input_.name();
     problem.place.record = record.number;
     problem.place.field = fields().name(field.item);
+    problem.place.path = fields().path(field.item);
     problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(field.offset);
-    problem.what =
-        "not a valid number: X'" + hexadecimal(record.data + field.offset, field.length) + "'";
+    problem.evidence.assign(reinterpret_cast<const char*>(record.data) + field.offset,
+                            static_cast<std::size_t>(field.length));
+    problem.what = "not a valid number: X'" + hexadecimal(bytes_of(problem.evidence), "") + "'";
     report_.name(Finding::bad_number, problem);
 }
 

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include "conversion/session/output_document.h"
 #include "records/description.h"
@@ -27,6 +29,10 @@ class RecordConversion {
     RecordConversion& operator=(const RecordConversion&) = delete;
 
     const conversion::RecordFields& fields() const { return document_->fields(); }
+    // `observer` is told of each record before it is converted.
+    void observe(std::function<void(const conversion::Record&)> observer) {
+        observer_ = std::move(observer);
+    }
     // Converts all records and closes the document. Throws Failure for a record that cannot become
     // part of a well-formed document, unless it can be rejected, and when something could not be
     // stored.
@@ -44,6 +50,7 @@ class RecordConversion {
     RunReport& report_;
     RejectFile& rejects_;
     std::unique_ptr<conversion::OutputDocument> document_;
+    std::function<void(const conversion::Record&)> observer_;
 };
 
 }  // namespace command

@@ -12,8 +12,9 @@ namespace {
 
 constexpr std::string_view DETECT = "auto";
 
-conversion::ByteSource open_source(const std::string& file, const RecordFileOptions& options) {
-    conversion::ByteSource source = value_of(conversion::ByteSource::open(file));
+conversion::ByteSource open_source(const std::string& file, const RecordFileOptions& options,
+                                   const std::string& shown_name) {
+    conversion::ByteSource source = value_of(conversion::ByteSource::open(file, shown_name));
     check(source.leave_out(options.skip, options.skip_end));
     return source;
 }
@@ -87,9 +88,9 @@ std::optional<conversion::RecordFormat> format_of(const RecordFileOptions& optio
 }
 
 RecordInput::RecordInput(const std::string& file, const RecordFileOptions& options,
-                         conversion::RecordArea area)
+                         conversion::RecordArea area, const std::string& shown_name)
     : options_(options),
-      source_(open_source(file, options)),
+      source_(open_source(file, options, shown_name)),
       format_(settle_format(options, source_, area.length)),
       reader_(conversion::read_records(format_, source_, area)) {}
 

@@ -38,9 +38,10 @@ std::optional<conversion::RecordFormat> format_of(const RecordFileOptions& optio
 class RecordInput {
   public:
     // Opens the file ("-": standard input). Of "auto", what was taken is said on standard error.
-    // The options must outlive this. Throws Failure.
+    // The options must outlive this. `shown_name` is what messages call the file; empty: as it is
+    // opened. Throws Failure.
     RecordInput(const std::string& file, const RecordFileOptions& options,
-                conversion::RecordArea area);
+                conversion::RecordArea area, const std::string& shown_name = "");
 
     // The next record that is wanted, with its number in the file; nothing after the last. Throws
     // Failure where the file does not consist of such records, and when it has none that is

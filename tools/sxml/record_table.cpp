@@ -1,11 +1,9 @@
 #include "tools/sxml/record_table.h"
 
 #include <algorithm>
-#include <array>
 
-#include "conversion/texts/utf8.h"
-#include "records/numbers.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/field_value.h"
 
 namespace command {
 
@@ -19,65 +17,6 @@ using conversion::RecordFields;
 using conversion::RecordLayout;
 
 constexpr std::size_t BYTES_IN_A_LINE = 16;
-constexpr std::size_t LONGEST_NUMBER = 512;  // characters
-
-// Hexadecimal digits, two a byte, the bytes apart.
-std::string hexadecimal(std::span<const std::uint8_t> bytes) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        if (!text.empty()) text += ' ';
-        text += DIGITS[byte >> 4];
-        text += DIGITS[byte & 0xF];
-    }
-    return text;
-}
-
-bool is_control(char32_t code) {
-    return code < 0x20 || (code >= 0x7F && code < 0xA0);
-}
-
-// A text in UTF-8, in quotation marks, without the spaces at its end. A dot stands for what cannot
-// be shown.
-std::string shown_text(std::span<const std::uint8_t> bytes, const CharacterSet& characters) {
-    std::string text = "'";
-    while (!bytes.empty() && bytes.back() == characters.space()) {
-        bytes = bytes.first(bytes.size() - 1);
-    }
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const std::size_t width = characters.is_utf8() ? conversion::utf8_character_length(
-                                                             bytes.data() + i, bytes.size() - i)
-                                                       : 0;
-        if (width > 0) {
-            text.append(reinterpret_cast<const char*>(bytes.data()) + i, width);
-            i += width - 1;
-            continue;
-        }
-        const bool is_ascii = bytes[i] < 0x80;
-        const std::int32_t code =
-            characters.is_utf8() ? (is_ascii ? bytes[i] : -1) : characters.characters()[bytes[i]];
-        if (code < 0 || is_control(static_cast<char32_t>(code))) {
-            text += '.';
-        } else {
-            conversion::append_utf8(static_cast<char32_t>(code), text);
-        }
-    }
-    return text + "'";
-}
-
-std::string shown_number(const XfdDataDesc& field, const std::uint8_t* bytes) {
-    XfdDataDesc source = field;
-    source.address = const_cast<std::uint8_t*>(bytes);
-    records::Decimal number;
-    if (!records::decode_field(source, number)) return "not a number";
-    std::array<char, LONGEST_NUMBER> text{};
-    XfdDataDesc target{text.data(), static_cast<std::int32_t>(text.size()), 0, 0, field.scale, {}};
-    if (Qconvert(&target, &source, 1) == 0) return "not a number";
-    const std::string_view value(text.data(), text.size());
-    const std::size_t start = value.find_first_not_of(' ');
-    const std::size_t end = value.find_last_not_of(' ');
-    return start == std::string_view::npos ? "" : std::string(value.substr(start, end + 1 - start));
-}
 
 // What the source says of each field's form, by the element's name.
 std::map<std::string, std::string> pictures_of(const records::Description& description) {
@@ -184,7 +123,7 @@ std::string RecordTable::value_of_field(const Field& field,
         case FieldKind::opaque:
             return "";
         default:
-            return shown_number(xfd_.items[field.item].data, bytes.data());
+            return shown_number(xfd_.items[field.item].data, bytes.data()).value_or("not a number");
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/field_value.h"
 
 namespace command {
 
@@ -36,10 +37,12 @@ Json place_of(const conversion::Problem& problem) {
     Json json;
     if (place.record != 0) json["record"] = place.record;
     if (!place.field.empty()) json["field"] = place.field;
+    if (!place.path.empty()) json["path"] = place.path;
     if (place.byte_offset) json["byte_offset"] = *place.byte_offset;
     if (place.line != 0) json["line"] = place.line;
     if (place.column != 0) json["column"] = place.column;
     json["what"] = problem.what;
+    if (!problem.evidence.empty()) json["bytes"] = hexadecimal(bytes_of(problem.evidence));
     return json;
 }
 
@@ -71,12 +74,14 @@ RunReport::RunReport(const ReportOptions& options, std::string name)
 void RunReport::name(Finding finding, const conversion::Problem& problem) {
     const auto kind = static_cast<std::size_t>(finding);
     if (named_[kind].size() < NAMED_AT_MOST) named_[kind].push_back(problem);
-    if (!options_.is_quiet && counts_[kind] <= NAMED_AT_MOST) warn(message_of(problem));
+    const bool is_told = !options_.is_quiet && !options_.is_silent;
+    if (is_told && counts_[kind] <= NAMED_AT_MOST) warn(message_of(problem));
 }
 
-void RunReport::warn_of(const std::string& message) const {
+void RunReport::warn_of(const std::string& message) {
     if (options_.is_strict) fail(message);
-    if (!options_.is_quiet) warn(message);
+    if (!options_.is_quiet && !options_.is_silent) warn(message);
+    warnings_.push_back(message);
 }
 
 void RunReport::count_unused(const std::string& path, const std::string& hint) {
@@ -85,26 +90,43 @@ void RunReport::count_unused(const std::string& path, const std::string& hint) {
     if (unused.hint.empty()) unused.hint = hint;
 }
 
+const char* RunReport::key_of(Finding finding) {
+    return WORDINGS[static_cast<std::size_t>(finding)].key;
+}
+
+std::string RunReport::sum_of(Finding finding) const {
+    const Wording& wording = WORDINGS[static_cast<std::size_t>(finding)];
+    const std::uint64_t count = counted(finding);
+    return std::to_string(count) + " " + wording.thing + (count == 1 ? "" : "s") + wording.rest;
+}
+
+std::vector<std::string> RunReport::unused_sums() const {
+    std::vector<std::string> sums;
+    for (const auto& [path, unused] : unused_) {
+        sums.push_back(path + ": " + std::to_string(unused.count) + " not used" +
+                       (unused.hint.empty() ? "" : "; " + unused.hint));
+    }
+    return sums;
+}
+
+std::string RunReport::missing_note() const {
+    if (missing_.empty()) return {};
+    return "fields without an element in some records, which are blank there: " + missing_text();
+}
+
 void RunReport::sum_up() const {
+    if (options_.is_silent) return;
     for (std::size_t kind = 0; kind < FINDINGS; ++kind) {
-        const std::uint64_t count = counts_[kind];
-        if (count == 0) continue;
-        const Wording& wording = WORDINGS[kind];
-        std::string text = name_ + ": " + std::to_string(count) + " " + wording.thing +
-                           (count == 1 ? "" : "s") + wording.rest;
-        if (count > NAMED_AT_MOST && !options_.is_quiet) {
+        if (counts_[kind] == 0) continue;
+        std::string text = name_ + ": " + sum_of(static_cast<Finding>(kind));
+        if (counts_[kind] > NAMED_AT_MOST && !options_.is_quiet) {
             text += "; the first " + std::to_string(NAMED_AT_MOST) + " are named above";
         }
         warn(text);
     }
-    for (const auto& [path, unused] : unused_) {
-        warn(name_ + ": " + path + ": " + std::to_string(unused.count) + " not used" +
-             (unused.hint.empty() ? "" : "; " + unused.hint));
-    }
-    if (missing_.empty()) return;
-    say("sxml: note: " + name_ +
-        ": fields without an element in some records, which are blank there: " + missing_text() +
-        "\n");
+    for (const std::string& sum : unused_sums()) warn(name_ + ": " + sum);
+    const std::string note = missing_note();
+    if (!note.empty()) say("sxml: note: " + name_ + ": " + note + "\n");
 }
 
 void RunReport::note_missing(const std::string& field, std::uint64_t records) {
@@ -130,6 +152,13 @@ void RunReport::write(int status, const std::string& failure) const {
     json["input"] = name_;
     json["status"] = status;
     json["failure"] = failure.empty() ? Json() : Json(failure);
+    add_to(json);
+    // What is not UTF-8 in a text of the input must not keep the report from being written.
+    const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
+    write_output(options_.report, text + "\n");
+}
+
+void RunReport::add_to(Json& json) const {
     json["records"] = records_;
     for (std::size_t kind = 0; kind < FINDINGS; ++kind) {
         Json places = Json::array();
@@ -142,9 +171,6 @@ void RunReport::write(int status, const std::string& failure) const {
     Json missing = Json::object();
     for (const auto& [field, records] : missing_) missing[field] = records;
     json["missing"] = std::move(missing);
-    // What is not UTF-8 in a text of the input must not keep the report from being written.
-    const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
-    write_output(options_.report, text + "\n");
 }
 
 void run_with_report(const ReportOptions& options, const std::string& name,

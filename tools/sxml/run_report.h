@@ -7,6 +7,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <utility>
@@ -27,9 +28,10 @@ struct ReportOptions {
     std::string
         rejects;  // the file for records that cannot be converted; empty: the first ends the run
     std::uint64_t max_rejects = std::numeric_limits<std::uint64_t>::max();
-    bool is_strict = false;  // what would be a warning fails
-    bool is_quiet = false;   // no warnings, only the sums
-    std::string report;      // the file for programs; empty: none
+    bool is_strict = false;   // what would be a warning fails
+    bool is_quiet = false;    // no warnings, only the sums
+    bool is_silent = false;   // nothing on standard error: somebody else tells what was found
+    std::string report = {};  // the file for programs; empty: none
 };
 
 // Adds --rejects, --max-rejects, --strict, --quiet and --report. `options` must live until the
@@ -64,7 +66,7 @@ class RunReport {
     void name(Finding finding, const conversion::Problem& problem);
     bool is_strict() const { return options_.is_strict; }
     // Warns of something that concerns the run as a whole; fails when that is asked for.
-    void warn_of(const std::string& message) const;
+    void warn_of(const std::string& message);
     void count_record() { ++records_; }
     // The run's files have been checked: the report replaces no input.
     void allow_writing() { may_write_ = true; }
@@ -85,6 +87,22 @@ class RunReport {
     std::uint64_t counted(Finding finding) const {
         return counts_[static_cast<std::size_t>(finding)];
     }
+    // The first findings of a kind.
+    const std::vector<conversion::Problem>& named(Finding finding) const {
+        return named_[static_cast<std::size_t>(finding)];
+    }
+    // How the kind is called in add_to().
+    static const char* key_of(Finding finding);
+    // "3 texts cut to the length of the field"
+    std::string sum_of(Finding finding) const;
+    // "PATH: 3 not used; HINT" for each path.
+    std::vector<std::string> unused_sums() const;
+    // The fields that had no element in some records, in one line; empty: there are none.
+    std::string missing_note() const;
+    const std::vector<std::string>& warnings() const { return warnings_; }
+    std::uint64_t records() const { return records_; }
+    // What was counted and named: records, and an object for each kind of findings.
+    void add_to(nlohmann::ordered_json& json) const;
 
   private:
     std::string missing_text() const;
@@ -103,6 +121,7 @@ class RunReport {
     std::array<std::vector<conversion::Problem>, FINDINGS> named_;
     std::map<std::string, UnusedPath> unused_;
     std::vector<std::pair<std::string, std::uint64_t>> missing_;
+    std::vector<std::string> warnings_;  // of the run as a whole
 };
 
 // Makes a run, which gives its exit status, and writes its report, also when it fails. `name`: of

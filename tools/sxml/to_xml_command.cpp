@@ -27,7 +27,6 @@ namespace command {
 namespace {
 
 using conversion::CharacterSet;
-using conversion::FieldKind;
 
 struct ToXmlOptions {
     std::string records;
@@ -85,7 +84,7 @@ SchemaChoice choose_schema(const ToXmlOptions& options) {
 class SchemaBesideDocument {
   public:
     SchemaBesideDocument(const host::Module& module, const SchemaChoice& choice,
-                         const records::Description& description, const RunReport& report) {
+                         const records::Description& description, RunReport& report) {
         if (choice.reference.empty()) return;
         if ((description.xfd().flags & XFD_SEVERAL_LAYOUTS) != 0) {
             report.warn_of(choice.reference +
@@ -112,23 +111,6 @@ class SchemaBesideDocument {
   private:
     std::optional<AtomicOutput> output_;
 };
-
-void check_lines(const conversion::RecordFormat& format, const CharacterSet& characters,
-                 const conversion::RecordFields& fields, const RunReport& report) {
-    if (format.kind != conversion::RecordFormat::Kind::lines) return;
-    if (characters.is_ebcdic()) {
-        fail_usage("--line: records in " + characters.name() + " are of fixed length");
-    }
-    for (const conversion::RecordLayout& layout : fields.layouts()) {
-        for (const conversion::Field& field : layout.fields) {
-            if (field.kind == FieldKind::text || field.kind == FieldKind::display_number) continue;
-            report.warn_of(
-                "--line: field " + fields.name(field.item) +
-                " is binary; a byte in it that looks like a line end would cut its record");
-            return;
-        }
-    }
-}
 
 // Result: the exit status.
 int convert_records(const ToXmlOptions& options, const host::Module& module, RunFiles& files,

@@ -1,0 +1,187 @@
+#include "tools/sxml/field_statistics.h"
+
+#include <algorithm>
+
+#include "tools/sxml/errors.h"
+#include "tools/sxml/field_value.h"
+
+namespace command {
+
+namespace {
+
+using conversion::Field;
+using conversion::FieldFate;
+using conversion::FieldKind;
+using conversion::RecordFields;
+using conversion::RecordLayout;
+
+bool is_number(FieldKind kind) {
+    return kind == FieldKind::display_number || kind == FieldKind::other_number;
+}
+
+bool is_zero(const records::Decimal& number) {
+    return std::all_of(number.digits.begin(), number.digits.begin() + number.count,
+                       [](std::uint8_t digit) { return digit == 0; });
+}
+
+}  // namespace
+
+FieldStatistics::FieldStatistics(records::Description& description,
+                                 const conversion::CharacterSet& characters)
+    : description_(description),
+      characters_(characters),
+      fields_(value_of(RecordFields::of(description.xfd()))),
+      texts_(characters),
+      records_(fields_.layouts().size()) {
+    std::map<std::pair<std::string, std::string>, std::size_t> known;
+    for (const RecordLayout& layout : fields_.layouts()) {
+        for (const Field& field : layout.fields) {
+            const std::pair name(layout.name, fields_.path(field.item));
+            const auto [found, is_new] = known.emplace(name, rows_.size());
+            row_of_item_.emplace(field.item, found->second);
+            if (!is_new) continue;
+            Row row;
+            row.counts.layout = name.first;
+            row.counts.path = name.second;
+            row.counts.is_number = is_number(field.kind);
+            rows_.push_back(std::move(row));
+        }
+    }
+}
+
+std::size_t FieldStatistics::choose(const std::uint8_t* record) {
+    conversion::evaluate_conditions(description_.xfd(), record);
+    const std::optional<std::size_t> chosen = fields_.choose(description_.xfd());
+    is_of_a_layout_ = chosen.has_value();
+    ++(chosen ? records_[*chosen] : of_no_layout_);
+    return chosen.value_or(0);
+}
+
+void FieldStatistics::add(const conversion::Record& record) {
+    const RecordLayout& layout = fields_.layouts()[choose(record.data)];
+    const std::int32_t length =
+        description_.used_length(record.data, static_cast<std::int32_t>(record.length));
+    for (const Field& field : layout.fields) {
+        if (!conversion::holds_data(field, description_.xfd(), length)) continue;
+        Row& row = row_of(field);
+        ++row.counts.count;
+        const std::uint8_t* const bytes = record.data + field.offset;
+        if (field.kind == FieldKind::text && texts_.check(bytes, field.length)) {
+            ++row.counts.invalid;
+        } else {
+            add_value(row, field, bytes);
+        }
+    }
+    // Of a record without a layout all other bytes are lost; that is told by itself.
+    if (is_of_a_layout_) add_unnamed(record, layout, length);
+}
+
+void FieldStatistics::add(const conversion::InputDocument& document) {
+    const std::uint8_t* const record = document.record().data();
+    const RecordLayout& layout = fields_.layouts()[choose(record)];
+    const std::int32_t length = description_.used_length(record, description_.record_length());
+    for (const Field& field : layout.fields) {
+        if (!conversion::holds_data(field, description_.xfd(), length)) continue;
+        Row& row = row_of(field);
+        ++row.counts.count;
+        const FieldFate fate = document.fate(field.item);
+        if (fate == FieldFate::not_in_document) ++row.counts.blank;
+        if (fate == FieldFate::cut) ++row.counts.cut;
+        if (fate == FieldFate::no_number || fate == FieldFate::lost_character) {
+            ++row.counts.invalid;
+        }
+        if (fate == FieldFate::filled || fate == FieldFate::cut) {
+            add_value(row, field, record + field.offset);
+        }
+    }
+}
+
+void FieldStatistics::add_value(Row& row, const Field& field, const std::uint8_t* bytes) {
+    if (is_number(field.kind)) return add_number(row, field, bytes);
+    if (field.kind == FieldKind::text) return add_text(row, field, bytes);
+    const bool has_data = std::any_of(bytes, bytes + field.length,
+                                      [this](std::uint8_t byte) { return !is_blank(byte); });
+    if (!has_data) ++row.counts.blank;
+}
+
+void FieldStatistics::add_number(Row& row, const Field& field, const std::uint8_t* bytes) {
+    XfdDataDesc data = description_.xfd().items[field.item].data;
+    data.address = const_cast<std::uint8_t*>(bytes);
+    records::Decimal number;
+    const bool is_valid = records::decode_field(data, number);
+    // A binary zero is a number.
+    const bool has_data = std::any_of(bytes, bytes + field.length, [&](std::uint8_t byte) {
+        return is_valid ? byte != characters_.space() : !is_blank(byte);
+    });
+    if (!has_data) ++row.counts.blank;
+    if (!is_valid) {
+        ++row.counts.invalid;
+        return;
+    }
+    if (is_zero(number)) ++row.counts.zero;
+    if (!row.smallest || records::compare(number, *row.smallest) < 0) {
+        row.smallest = number;
+        row.counts.smallest = shown_number(data, bytes).value_or("");
+    }
+    if (!row.largest || records::compare(number, *row.largest) > 0) {
+        row.largest = number;
+        row.counts.largest = shown_number(data, bytes).value_or("");
+    }
+}
+
+void FieldStatistics::add_text(Row& row, const Field& field, const std::uint8_t* bytes) {
+    auto length = static_cast<std::size_t>(field.length);
+    while (length > 0 && is_blank(bytes[length - 1])) --length;
+    if (length == 0) {
+        ++row.counts.blank;
+        return;
+    }
+    row.counts.longest = std::max(row.counts.longest, length);
+    const std::string_view text(reinterpret_cast<const char*>(bytes), length);
+    if (!row.first || text < *row.first) row.first = text;
+    if (!row.last || text > *row.last) row.last = text;
+}
+
+// What a table's counter leaves out is not in the record.
+void FieldStatistics::add_unnamed(const conversion::Record& record, const RecordLayout& layout,
+                                  std::int32_t length) {
+    const auto size = std::min(record.length, static_cast<std::size_t>(length));
+    named_.assign(static_cast<std::size_t>(description_.record_length()), 0);
+    for (const Field& field : layout.fields) {
+        if (!conversion::condition_holds(description_.xfd(), field.condition)) continue;
+        std::fill_n(named_.begin() + field.offset, field.length, std::uint8_t{1});
+    }
+    const std::uint64_t before = unnamed_.bytes;
+    for (std::size_t i = 0; i < size; ++i) {
+        if (named_[i] != 0 || is_blank(record.data[i])) continue;
+        if (unnamed_.bytes++ > 0) continue;
+        unnamed_.first_record = record.number;
+        unnamed_.first_offset = record.file_offset + i;
+    }
+    if (unnamed_.bytes > before) ++unnamed_.records;
+}
+
+std::vector<FieldCounts> FieldStatistics::fields() const {
+    const auto shown = [this](const std::string& text) {
+        const std::string quoted = shown_text(bytes_of(text), characters_);
+        return quoted.substr(1, quoted.size() - 2);
+    };
+    std::vector<FieldCounts> all;
+    for (const Row& row : rows_) {
+        FieldCounts counts = row.counts;
+        if (row.first) counts.smallest = shown(*row.first);
+        if (row.last) counts.largest = shown(*row.last);
+        all.push_back(std::move(counts));
+    }
+    return all;
+}
+
+std::vector<std::pair<std::string, std::uint64_t>> FieldStatistics::layouts() const {
+    std::vector<std::pair<std::string, std::uint64_t>> all;
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+        all.emplace_back(fields_.layouts()[i].name, records_[i]);
+    }
+    return all;
+}
+
+}  // namespace command

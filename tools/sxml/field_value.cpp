@@ -1,0 +1,73 @@
+#include "tools/sxml/field_value.h"
+
+#include <array>
+
+#include "conversion/texts/utf8.h"
+#include "records/numbers.h"
+
+namespace command {
+
+std::string hexadecimal(std::span<const std::uint8_t> bytes, std::string_view gap) {
+    constexpr std::string_view DIGITS = "0123456789ABCDEF";
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        if (!text.empty()) text += gap;
+        text += DIGITS[byte >> 4];
+        text += DIGITS[byte & 0xF];
+    }
+    return text;
+}
+
+namespace {
+
+constexpr std::size_t LONGEST_NUMBER = 512;  // characters
+
+bool is_control(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0);
+}
+
+}  // namespace
+
+std::string shown_text(std::span<const std::uint8_t> bytes,
+                       const conversion::CharacterSet& characters) {
+    std::string text = "'";
+    while (!bytes.empty() && bytes.back() == characters.space()) {
+        bytes = bytes.first(bytes.size() - 1);
+    }
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const std::size_t width = characters.is_utf8() ? conversion::utf8_character_length(
+                                                             bytes.data() + i, bytes.size() - i)
+                                                       : 0;
+        if (width > 0) {
+            text.append(reinterpret_cast<const char*>(bytes.data()) + i, width);
+            i += width - 1;
+            continue;
+        }
+        const bool is_ascii = bytes[i] < 0x80;
+        const std::int32_t code =
+            characters.is_utf8() ? (is_ascii ? bytes[i] : -1) : characters.characters()[bytes[i]];
+        if (code < 0 || is_control(static_cast<char32_t>(code))) {
+            text += '.';
+        } else {
+            conversion::append_utf8(static_cast<char32_t>(code), text);
+        }
+    }
+    return text + "'";
+}
+
+std::optional<std::string> shown_number(const XfdDataDesc& field, const std::uint8_t* bytes) {
+    XfdDataDesc source = field;
+    source.address = const_cast<std::uint8_t*>(bytes);
+    records::Decimal number;
+    if (!records::decode_field(source, number)) return std::nullopt;
+    std::array<char, LONGEST_NUMBER> text{};
+    XfdDataDesc target{text.data(), static_cast<std::int32_t>(text.size()), 0, 0, field.scale, {}};
+    if (Qconvert(&target, &source, 1) == 0) return std::nullopt;
+    const std::string_view value(text.data(), text.size());
+    const std::size_t start = value.find_first_not_of(' ');
+    const std::size_t end = value.find_last_not_of(' ');
+    return start == std::string_view::npos ? std::string()
+                                           : std::string(value.substr(start, end + 1 - start));
+}
+
+}  // namespace command
