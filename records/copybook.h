@@ -13,6 +13,13 @@ namespace records {
 
 enum class SourceFormat { detect, fixed, free, variable };
 
+// A directive from outside of the source, for those who may not change it: what a comment
+// `sxml: ...` before the item would say. It replaces what the source says in one of its kind.
+struct ItemDirective {
+    std::string item;       // its name, qualified with OF or IN where needed
+    std::string directive;  // such as "when KIND = "A"", "name tax-id" or "hide"
+};
+
 struct CopybookOptions {
     SourceFormat format = SourceFormat::detect;
     std::vector<std::string>
@@ -21,7 +28,9 @@ struct CopybookOptions {
     std::string program;  // PROGRAM-ID of the program meant when several in a file have such an FD;
                           // empty: any
     int tab_width = 8;
-    bool debugging_lines = false;  // D in column 7 is source, not comment
+    bool debugging_lines = false;           // D in column 7 is source, not comment
+    std::vector<std::string> more_files;    // copybooks with more records of the same file
+    std::vector<ItemDirective> directives;  // applied when all have been read
 };
 
 // Reads a file and what it copies and parses the data descriptions in it. Errors and warnings go to
@@ -36,5 +45,10 @@ std::optional<RecordSource> parse_copybook_file(const std::string& file,
 std::optional<RecordSource> parse_copybook_text(std::string_view text, const std::string& name,
                                                 const CopybookOptions& options,
                                                 Diagnostics& diagnostics);
+
+// Adds the records of `options.more_files` and applies `options.directives`. Errors name the file,
+// or the item.
+void complete_source(RecordSource& source, const CopybookOptions& options,
+                     Diagnostics& diagnostics);
 
 }  // namespace records

@@ -47,6 +47,26 @@ bool looks_like_json(const std::string& file) {
     return c == '{';
 }
 
+std::optional<Description> compile(std::optional<RecordSource> source,
+                                   const CopybookOptions& copybook, const LayoutOptions& layout,
+                                   Diagnostics& diagnostics) {
+    if (source) complete_source(*source, copybook, diagnostics);
+    if (!source || diagnostics.has_errors()) return std::nullopt;
+    return compile_description(*source, layout, diagnostics);
+}
+
+std::optional<Description> from_json(std::string_view text, const std::string& file,
+                                     const CopybookOptions& copybook, const LayoutOptions& layout,
+                                     Diagnostics& diagnostics) {
+    if (!copybook.more_files.empty() || !copybook.directives.empty()) {
+        diagnostics.error({}, file +
+                                  " is a description file; conditions, names, hidden items and "
+                                  "more copybooks are for making one (sxml compile)");
+        return std::nullopt;
+    }
+    return description_from_json(text, file, layout, diagnostics);
+}
+
 }  // namespace
 
 std::optional<Description> load_description(const std::string& file,
@@ -58,11 +78,9 @@ std::optional<Description> load_description(const std::string& file,
     if (has_suffix(file, ".xfd") || (!is_source && looks_like_json(file))) {
         const std::optional<std::string> text = contents(file, diagnostics);
         if (!text) return std::nullopt;
-        return description_from_json(*text, file, layout, diagnostics);
+        return from_json(*text, file, copybook, layout, diagnostics);
     }
-    const std::optional<RecordSource> source = parse_copybook_file(file, copybook, diagnostics);
-    if (!source || diagnostics.has_errors()) return std::nullopt;
-    return compile_description(*source, layout, diagnostics);
+    return compile(parse_copybook_file(file, copybook, diagnostics), copybook, layout, diagnostics);
 }
 
 std::optional<Description> description_from_text(std::string_view text, const std::string& name,
@@ -71,11 +89,10 @@ std::optional<Description> description_from_text(std::string_view text, const st
                                                  Diagnostics& diagnostics) {
     const std::size_t start = text.find_first_not_of(" \t\r\n");
     if (start != std::string_view::npos && text[start] == '{') {
-        return description_from_json(text, name, layout, diagnostics);
+        return from_json(text, name, copybook, layout, diagnostics);
     }
-    const auto source = parse_copybook_text(text, name, copybook, diagnostics);
-    if (!source || diagnostics.has_errors()) return std::nullopt;
-    return compile_description(*source, layout, diagnostics);
+    return compile(parse_copybook_text(text, name, copybook, diagnostics), copybook, layout,
+                   diagnostics);
 }
 
 }  // namespace records

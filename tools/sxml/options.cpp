@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
+#include "tools/sxml/errors.h"
+
 namespace command {
 
 namespace {
@@ -74,6 +76,55 @@ void add_source_options(CLI::App& command, LayoutOptions& options) {
                      "treat D lines as source, not as comments");
 }
 
+// "FIELD=ELEMENT" names an item's element, any other text the document element.
+void take_names(const std::vector<std::string>& names, LayoutOptions& options) {
+    for (const std::string& name : names) {
+        const std::size_t equals = name.find('=');
+        if (equals == std::string::npos) {
+            options.layout.name = name;
+        } else {
+            options.copybook.directives.push_back(
+                {name.substr(0, equals), "name " + name.substr(equals + 1)});
+        }
+    }
+}
+
+// "RECORD: CONDITION". Throws Failure (wrong usage).
+void take_conditions(const std::vector<std::string>& texts, LayoutOptions& options) {
+    for (const std::string& text : texts) {
+        const std::size_t colon = text.find(':');
+        const std::size_t condition = text.find_first_not_of(" \t", colon + 1);
+        if (colon == std::string::npos || condition == std::string::npos) {
+            fail_usage("--when " + text +
+                       ": name the record or item and its condition, as in 'HEADER: KIND = \"H\"'");
+        }
+        options.copybook.directives.push_back(
+            {text.substr(0, colon), "when " + text.substr(condition)});
+    }
+}
+
+void add_item_options(CLI::App& command, LayoutOptions& options) {
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--when",
+            [&options](const std::vector<std::string>& all) { take_conditions(all, options); },
+            "the record or item is there when the condition holds, as the directive when says in "
+            "a copybook (may be repeated)")
+        ->allow_extra_args(false)
+        ->option_text("'RECORD: CONDITION'");
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--hide",
+            [&options](const std::vector<std::string>& all) {
+                for (const std::string& item : all) {
+                    options.copybook.directives.push_back({item, "hide"});
+                }
+            },
+            "the field, record or group gives no element (may be repeated)")
+        ->allow_extra_args(false)
+        ->option_text("FIELD");
+}
+
 void add_description_options(CLI::App& command, LayoutOptions& options) {
     records::LayoutOptions& layout = options.layout;
     add_choice(command, "--machine", layout.machine, MACHINES,
@@ -96,8 +147,11 @@ void add_description_options(CLI::App& command, LayoutOptions& options) {
                      "signs overpunched in DISPLAY numbers follow EBCDIC");
     command.add_flag("--filler", layout.filler, "give FILLER items elements, too");
     command
-        .add_option("--name", layout.name,
-                    "name of the document element (default: the FD's or the file's name)")
+        .add_option_function<std::vector<std::string>>(
+            "--name", [&options](const std::vector<std::string>& all) { take_names(all, options); },
+            "name of the document element (default: the FD's or the file's name); FIELD=ELEMENT "
+            "names the element of a field, record or group (may be repeated)")
+        ->allow_extra_args(false)
         ->option_text("NAME");
     command
         .add_option("--set", options.settings,
@@ -111,11 +165,19 @@ void add_description_options(CLI::App& command, LayoutOptions& options) {
 void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgument argument) {
     const bool positional = argument == LayoutArgument::positional;
     command
-        .add_option(positional ? "LAYOUT" : "--layout,-l", options.file,
-                    "a copybook, a program, or a description file (.xfd)")
+        .add_option_function<std::vector<std::string>>(
+            positional ? "LAYOUT" : "--layout,-l",
+            [&options](const std::vector<std::string>& files) {
+                options.file = files.front();
+                options.copybook.more_files.assign(files.begin() + 1, files.end());
+            },
+            "a copybook, a program, or a description file (.xfd); several copybooks, one for each "
+            "kind of record (may be repeated)")
+        ->allow_extra_args(positional)
         ->required()
         ->option_text(positional ? " " : "LAYOUT");
     add_source_options(command, options);
+    add_item_options(command, options);
     add_description_options(command, options);
 }
 
