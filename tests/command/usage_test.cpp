@@ -64,7 +64,7 @@ const std::vector<UsageCase> CASES = {
     {"version_of_a_subcommand", {"tree", "--version"}, 0, {"sxml 1."}},
     {"help_by_name", {"help"}, 0, {"to-xml", "tree"}},
     {"help_of_a_subcommand", {"help", "tree"}, 0, {"Usage: sxml tree", "web address (required)"}},
-    {"required_options_look_so", {"dtd", "--help"}, 0, {"(.xfd) (required)"}},
+    {"required_options_look_so", {"dtd", "--help"}, 0, {"(may be repeated) (required)"}},
     {"help_of_nothing",
      {"help", "tre"},
      2,
