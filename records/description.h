@@ -94,6 +94,16 @@ class Description {
         std::string redefines;
     };
     const std::vector<Row>& rows() const;
+    // Makes a record one of a layout whose condition asks for a text in a field without an element:
+    // reading stores the text, since the name of the record's element alone says what it is.
+    struct Mark {
+        int condition;        // number, from 1
+        std::string element;  // of the record
+        std::int32_t offset;  // of the field
+        std::int32_t length;
+        std::string text;  // in UTF-8
+    };
+    std::vector<Mark> marks() const;
     // Text of condition `number` (from 1), for messages.
     const std::string& condition_text(int number) const;
 

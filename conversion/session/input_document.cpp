@@ -78,6 +78,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       description_(description),
       record_length_(description.record_length()),
       has_decimal_comma_(records::has_decimal_comma(description)),
+      marks_(description.marks()),
       characters_(characters),
       own_characters_(*CharacterSet::find("utf-8")),
       blank_(description.xfd(), record_length_, options.fill,
@@ -95,7 +96,9 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
         handler_.missing = &note_missing;
         collect_names(description.xfd());
     }
-    if (!options.is_named_by_element.empty()) handler_.begin_record = &begin_element;
+    if (!options.is_named_by_element.empty() || !marks_.empty()) {
+        handler_.begin_record = &begin_element;
+    }
     if (options_.shown_name.empty()) options_.shown_name = options_.file;
 }
 
@@ -129,6 +132,10 @@ InputDocument::~InputDocument() {
 
 void InputDocument::begin_record() {
     blank_.begin(record_.data());
+    for (const records::Description::Mark& mark : marks_) {
+        const std::uint8_t space = characters_ != nullptr ? characters_->space() : ' ';
+        std::fill_n(record_.begin() + mark.offset, mark.length, space);
+    }
     single_entry_.begin_record();
     std::fill(fates_.begin(), fates_.end(), FieldFate::not_in_document);
     troubles_.clear();
@@ -190,6 +197,11 @@ std::optional<std::size_t> InputDocument::layout() const {
 // The fields that belong to the condition are filled next.
 void InputDocument::test_condition(void* document, std::int32_t number) {
     auto& self = *static_cast<InputDocument*>(document);
+    try {
+        self.mark_record(number);
+    } catch (const std::bad_alloc&) {
+        self.is_out_of_memory_ = true;
+    }
     Q4TestCOBOLCond(self.module_file_.xfd, number, self.record_.data());
     Xfd& xfd = *self.module_file_.xfd;
     if (!condition_holds(xfd, static_cast<std::int16_t>(number))) return;
@@ -224,6 +236,20 @@ bool InputDocument::is_first_named(std::size_t layout) const {
     const auto& all = options_.is_named_by_element;
     return std::find(all.begin(), all.end(), true) - all.begin() ==
            static_cast<std::ptrdiff_t>(layout);
+}
+
+// Stores what makes the record one of the layout that its element's name stands for.
+void InputDocument::mark_record(std::int32_t condition) {
+    if (!named_layout_) return;
+    const std::string& name = fields_.layouts()[*named_layout_].name;
+    for (const records::Description::Mark& mark : marks_) {
+        if (mark.condition != condition || mark.element != name) continue;
+        if (!texts_) begin_texts();
+        std::string text = mark.text;
+        if (texts_->converts()) texts_->convert(mark.text, text);
+        const std::size_t size = std::min(text.size(), static_cast<std::size_t>(mark.length));
+        std::copy_n(text.begin(), size, record_.begin() + mark.offset);
+    }
 }
 
 // Nothing may be thrown through the module.

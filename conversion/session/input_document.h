@@ -152,6 +152,7 @@ class InputDocument {
     void begin_texts();
     void store_text(std::int32_t index, std::string_view text);
     void store_number(std::int32_t index, std::string_view text);
+    void mark_record(std::int32_t condition);
     bool convert(std::int32_t index, std::string_view& text);
     void place(const XfdItem& item, std::string_view text);
     void note_trouble(FieldTrouble trouble);
@@ -179,6 +180,7 @@ class InputDocument {
     const records::Description& description_;
     std::int32_t record_length_;
     bool has_decimal_comma_;
+    std::vector<records::Description::Mark> marks_;
     const CharacterSet* characters_;
     CharacterSet own_characters_;
     std::optional<FieldText> texts_;  // known with the first record

@@ -21,6 +21,21 @@ void keep_until_exit(XmlFile* file) {
     files->push_back(file);
 }
 
+// The document would not declare the prefix.
+Done check_names(const Xfd& xfd) {
+    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
+        const std::string_view name = xfd.items[i].name;
+        if (name.find(':') == name.npos) continue;
+        Place place;
+        place.file = xfd.name;
+        return Problem{Cause::layout, std::move(place),
+                       "the element " + std::string(name) +
+                           " cannot be written, as the document would not declare its prefix",
+                       "give it a name without one (`*> sxml: name ...`) to write documents"};
+    }
+    return {};
+}
+
 }  // namespace
 
 OutputDocument::OutputDocument(const host::Module& module, const records::Description& description,
@@ -44,6 +59,7 @@ Result<std::unique_ptr<OutputDocument>> OutputDocument::open(
     const Result<const host::Module*> module = xml_module();
     if (!module) return module.problem();
     if (Done problem = check_document_settings(characters)) return *problem;
+    if (Done problem = check_names(description.xfd())) return *problem;
     Result<RecordFields> fields = RecordFields::of(description.xfd());
     if (!fields) return fields.problem();
     std::unique_ptr<OutputDocument> document(

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "records/layout/description_data.h"
+#include "records/layout/variants.h"
 #include "records/numbers.h"
 
 namespace records {
@@ -38,6 +39,34 @@ std::int32_t occurrences(const LengthRule& rule, const std::uint8_t* record) {
     if (number.negative && value != 0) return -1;
     return value < rule.min || value > rule.max ? -1 : static_cast<std::int32_t>(value);
 }
+
+// Tells of the fields with an element in a layout, table entries by their first one.
+class LayoutFields {
+  public:
+    explicit LayoutFields(const ModelItem& layout) { visit(layout); }
+
+    // The condition that all fields belong to; 0 when there is no such condition.
+    int condition() const { return is_mixed_ ? 0 : std::max(condition_, 0); }
+    bool overlap(const Operand& place) const {
+        return std::any_of(fields_.begin(), fields_.end(), [&](const ModelItem* field) {
+            return field->offset < place.offset + place.length &&
+                   place.offset < field->offset + field->length;
+        });
+    }
+
+  private:
+    void visit(const ModelItem& item) {
+        for (const ModelItem& child : item.children) visit(child);
+        if (item.group || item.name.empty()) return;
+        fields_.push_back(&item);
+        is_mixed_ = is_mixed_ || (condition_ >= 0 && condition_ != item.condition);
+        condition_ = item.condition;
+    }
+
+    std::vector<const ModelItem*> fields_;
+    int condition_ = -1;
+    bool is_mixed_ = false;
+};
 
 }  // namespace
 
@@ -96,6 +125,22 @@ bool Description::is_counter_of_one(const void* record, const void* place) const
 
 const std::vector<Description::Row>& Description::rows() const {
     return data_->rows;
+}
+
+std::vector<Description::Mark> Description::marks() const {
+    std::vector<Mark> result;
+    for (const ModelItem& layout : data_->model.layouts) {
+        if (layout.name.empty()) continue;
+        const LayoutFields fields(layout);
+        if (fields.condition() == 0) continue;
+        const auto condition = static_cast<std::size_t>(fields.condition() - 1);
+        const Test& test = data_->model.conditions[condition].test;
+        if (!asks_for_text(test) || fields.overlap(test.left)) continue;
+        const std::size_t number = data_->block.tests->first_number[condition] + 1;
+        result.push_back({static_cast<int>(number), layout.name, test.left.offset, test.left.length,
+                          test.right.value});
+    }
+    return result;
 }
 
 const std::string& Description::condition_text(int number) const {

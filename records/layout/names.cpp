@@ -46,7 +46,7 @@ class NameSettler {
         const std::string key = folded(node.name);
         siblings.insert(key);
         const auto [entry, is_new] = declared_.try_emplace(key, Declared{&node, layout});
-        if (!is_new && !node.is_group()) warn_if_different(*entry->second.node, node);
+        if (!is_new) warn_if_different(*entry->second.node, node);
         std::set<std::string> own;
         for (const auto& child : node.children) settle(*child, layout, own);
     }
@@ -58,6 +58,11 @@ class NameSettler {
         const Node* node;
         const Node* layout;
     };
+
+    // Both are called so on purpose.
+    static bool is_given(const Node& node) {
+        return node.source->xml_name == node.name && !node.name.empty();
+    }
 
     void shorten(Node& node) {
         if (node.name.size() <= MAX_ITEM_NAME) return;
@@ -75,6 +80,7 @@ class NameSettler {
         const auto found = declared_.find(key);
         if (found == declared_.end()) return false;
         const Node& other = *found->second.node;
+        if (is_given(node) && is_given(other)) return false;
         if (node.is_group() || other.is_group()) return true;
         if (node.name != other.name) return true;
         // A field read before its record's layout is known must not take the text of another
@@ -108,6 +114,7 @@ class NameSettler {
     }
 
     void warn_if_different(const Node& first, const Node& second) {
+        if (first.is_group() || second.is_group()) return warn_of_groups(second);
         const bool alike = is_numeric_type(first.form.type) == is_numeric_type(second.form.type) &&
                            first.form.digits == second.form.digits &&
                            first.form.scale == second.form.scale &&
@@ -117,6 +124,14 @@ class NameSettler {
                              "fields called " + first.name +
                                  " differ in type or size; an XML Schema describes the first of "
                                  "them only");
+    }
+
+    void warn_of_groups(const Node& second) {
+        if (!warned_.insert(second.name).second) return;
+        diagnostics_.warning(second.source->place,
+                             "several items are given the name " + second.name +
+                                 ", one of them a group; such documents have no valid DTD, and an "
+                                 "XML Schema describes the first of them only");
     }
 
     const LayoutOptions& options_;
@@ -148,6 +163,14 @@ void set_name_from_directive(Node& node, const LayoutOptions& options, Diagnosti
 }  // namespace
 
 bool is_xml_name(std::string_view name) {
+    // A prefix is a name by itself.
+    const std::size_t colon = name.find(':');
+    if (colon != name.npos) {
+        const std::string_view local = name.substr(colon + 1);
+        return local.find(':') == local.npos && is_xml_name(name.substr(0, colon)) &&
+               !local.empty() && (is_letter(local[0]) || local[0] == '_') &&
+               is_xml_name("_" + std::string(local));
+    }
     if (name.empty() || !(is_letter(name[0]) || name[0] == '_') || starts_with_xml(name)) {
         return false;
     }

@@ -237,6 +237,12 @@ bool has_own_field(const Node& layout) {
 
 }  // namespace
 
+bool asks_for_text(const Test& test) {
+    return test.kind == Test::Kind::comparison && test.relation == Expression::Relation::equal &&
+           test.left.kind == Operand::Kind::item && test.left.tables == 0 && test.left.length > 0 &&
+           test.right.kind == Operand::Kind::text;
+}
+
 void choose_variants(Node& record, const NameScope& scope, Diagnostics& diagnostics) {
     resolve_whens(record, scope, diagnostics);
     for_each(record, [&](Node& group) {
@@ -436,7 +442,13 @@ class FieldConditions {
         });
     }
 
+    // Reading stores the value that the layout's condition asks for in a field without an element.
+    static bool is_told_by_name(const Node& layout) {
+        return layout.own_test && asks_for_text(*layout.own_test);
+    }
+
     void warn_of_missing(const Node& layout, const Operand& item) {
+        if (is_told_by_name(layout)) return;
         diagnostics_.warning(layout.source->place,
                              "a condition tests " + item.value + ", of which " +
                                  item_name(*layout.source) +

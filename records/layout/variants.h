@@ -35,4 +35,8 @@ std::size_t choose_layouts(Layouts& layouts, const NameScope& scope, const Layou
 std::vector<Condition> number_conditions(const Layouts& layouts, std::size_t described,
                                          Diagnostics& diagnostics);
 
+// Whether the test holds when an item of every record has a certain text: the left and the right
+// side of the comparison.
+bool asks_for_text(const Test& test);
+
 }  // namespace records

@@ -73,6 +73,24 @@ class DirectiveParser {
         cursor_.advance();
         if (!result_.xml_name.empty()) context_.error(start, "the item already has a name");
         result_.xml_name = name.raw;
+        take_local_name();
+    }
+
+    // What comes after a prefix, as in "a:price".
+    void take_local_name() {
+        const auto touches = [this](std::size_t ahead) {
+            return !cursor_.peek(ahead).space_before && !cursor_.peek(ahead).first_on_line;
+        };
+        if (!cursor_.at(WordKind::colon) || !touches(0)) return;
+        const Token local = cursor_.peek(1);
+        if (local.kind == WordKind::directive_end || !touches(1) || !is_xml_name(local.raw)) {
+            failed_ = true;
+            context_.error(local, "expected a name after the prefix, found " + quoted(local));
+            return;
+        }
+        cursor_.advance();
+        cursor_.advance();
+        result_.xml_name += ":" + std::string(local.raw);
     }
 
     // The cursor goes after the line, which should be at its end.
