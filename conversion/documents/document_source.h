@@ -22,6 +22,12 @@ class DocumentSource {
     // ".xml" added to its name. With Pipes::copied the file can be read more than once, whatever it
     // is; otherwise pipes and devices are not touched.
     static Result<DocumentSource> open(const std::string& name, Pipes pipes = Pipes::copied);
+    // The document with the elements at a path, such as orders/page/order, for its records: a
+    // private copy in which everything else within the document element is spaces, so that each
+    // record has the line, column and byte offset that it has here. In constant memory. A problem
+    // for a document that is not well-formed, and when there is no such element. Throws
+    // std::bad_alloc.
+    Result<DocumentSource> with_records_at(const std::string& path) const;
     // A file, whether it exists or not.
     static DocumentSource of_file(const std::string& file) { return {file, file}; }
 

@@ -121,14 +121,14 @@ struct Subcommand {
     void (*add)(CLI::App& application);
 };
 constexpr Subcommand SUBCOMMANDS[] = {
-    {"to-xml", add_to_xml_command}, {"from-xml", add_from_xml_command},
-    {"layout", add_layout_command}, {"compile", add_compile_command},
-    {"dtd", add_dtd_command},       {"dump", add_dump_command},
-    {"schema", add_schema_command}, {"cob", add_cob_command},
-    {"cob-cc", add_cob_cc_command}, {"rewrite", add_rewrite_command},
-    {"tree", add_tree_command},     {"split", add_split_command},
-    {"join", add_join_command},     {"check", add_check_command},
-    {"help", add_help_command},
+    {"to-xml", add_to_xml_command},     {"from-xml", add_from_xml_command},
+    {"layout", add_layout_command},     {"compile", add_compile_command},
+    {"dtd", add_dtd_command},           {"dump", add_dump_command},
+    {"schema", add_schema_command},     {"cob", add_cob_command},
+    {"cob-cc", add_cob_cc_command},     {"rewrite", add_rewrite_command},
+    {"tree", add_tree_command},         {"split", add_split_command},
+    {"join", add_join_command},         {"check", add_check_command},
+    {"copybook", add_copybook_command}, {"help", add_help_command},
 };
 
 // Adds the subcommand that the first word names, or else all: what is not asked for would take a

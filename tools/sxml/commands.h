@@ -9,6 +9,7 @@ class App;
 namespace command {
 
 void add_layout_command(CLI::App& application);
+void add_copybook_command(CLI::App& application);
 void add_compile_command(CLI::App& application);
 void add_to_xml_command(CLI::App& application);
 void add_from_xml_command(CLI::App& application);

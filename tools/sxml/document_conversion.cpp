@@ -42,8 +42,8 @@ const char* hint_text(conversion::UnusedData::Hint hint) {
         case Hint::attribute:
             return "fields take the texts of elements, not attributes";
         case Hint::level:
-            return "the records seem to be one level deeper in the document: each child of the "
-                   "document element is taken for a record";
+            return "the records seem to be one level deeper in the document; "
+                   "`--record DOCUMENT-ELEMENT/ELEMENT/RECORD` takes the elements at such a path";
         default:
             return "";
     }

@@ -29,6 +29,8 @@ using conversion::CharacterSet;
 struct FromXmlOptions {
     std::string xml;
     std::string records;
+    std::string
+        path;  // of the elements that are the records; empty: the document element's children
     LayoutOptions layout;
     RecordFileOptions output;
     std::uint32_t min_record_length = 0;
@@ -63,7 +65,6 @@ int convert_document(const FromXmlOptions& options, const conversion::DocumentSo
     const auto format = format_of(options.output);
     if (!format) fail_usage("--record-format auto: a file to be written does not tell its format");
     const std::optional<CharacterSet> characters = character_set(options, *format);
-    files.reads(source.file());
     files.writes(options.records);
     note_outputs(options.report, files);
     const auto encoding =
@@ -89,7 +90,12 @@ void convert_from_xml(const FromXmlOptions& options) {
     RunFiles files;
     load_module();
     apply_settings(options.layout.settings);
-    const auto source = value_of(conversion::DocumentSource::open(options.xml));
+    const auto document = value_of(conversion::DocumentSource::open(options.xml));
+    files.reads(document.file());
+    const auto reduced = options.path.empty()
+                             ? std::nullopt
+                             : std::optional(value_of(document.with_records_at(options.path)));
+    const conversion::DocumentSource& source = reduced ? *reduced : document;
     run_with_report(options.report, source.name(), [&](RunReport& report) {
         return convert_document(options, source, files, report);
     });
@@ -130,6 +136,7 @@ void add_from_xml_command(CLI::App& application) {
             "or keep what the record before held (default: spaces in characters, zero in numbers)")
         ->check(CLI::IsMember({"spaces", "zeros", "keep"}))
         ->option_text("spaces|zeros|keep");
+    add_record_path_option(*command, options->path);
     add_report_options(*command, options->report);
     command->footer(
         "Example:\n"

@@ -181,4 +181,12 @@ void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgumen
     add_description_options(command, options);
 }
 
+void add_record_path_option(CLI::App& command, std::string& path) {
+    command
+        .add_option("--record", path,
+                    "the elements that are the records, by the names from the document element on: "
+                    "orders/page/order (default: the document element's children)")
+        ->option_text("PATH");
+}
+
 }  // namespace command

@@ -26,4 +26,7 @@ enum class LayoutArgument { positional, option };
 // command line has been parsed.
 void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgument argument);
 
+// Adds --record, which says where in a document the records are.
+void add_record_path_option(CLI::App& command, std::string& path);
+
 }  // namespace command

@@ -1,0 +1,283 @@
+#include "conversion/samples/document_profile.h"
+
+#include <expat.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "conversion/documents/document_check.h"
+#include "conversion/formats/byte_source.h"
+
+namespace conversion {
+
+namespace {
+
+constexpr std::size_t PIECE = std::size_t{1} << 16;
+constexpr int MOST_DIGITS = 18;  // in one number; every COBOL takes as many
+
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool is_white(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+bool begins_with_date(std::string_view text) {
+    constexpr std::string_view FORM = "dddd-dd-dd";
+    if (text.size() < FORM.size()) return false;
+    for (std::size_t i = 0; i < FORM.size(); ++i) {
+        if (FORM[i] == 'd' ? !is_digit(text[i]) : text[i] != FORM[i]) return false;
+    }
+    return text.size() == FORM.size() || !is_digit(text[FORM.size()]);
+}
+
+// Attributes that from-xml counts as data.
+bool is_data(std::string_view attribute) {
+    return attribute != "xmlns" && !attribute.starts_with("xmlns:") &&
+           !attribute.starts_with("xml:") && !attribute.starts_with("xsi:");
+}
+
+}  // namespace
+
+void TextProfile::add(std::string_view head, std::uint64_t bytes, std::uint64_t characters) {
+    if (bytes == 0) return;
+    const bool is_whole = bytes == head.size();
+    are_dates_ = are_dates_ && is_whole && begins_with_date(head);
+    are_numbers_ = are_numbers_ && is_whole && add_number(head);
+    ++texts_;
+    most_bytes_ = std::max(most_bytes_, bytes);
+    most_characters_ = std::max(most_characters_, characters);
+}
+
+// False when the text is not a number that a field gives back.
+bool TextProfile::add_number(std::string_view text) {
+    const bool is_below_zero = text.starts_with('-');
+    if (is_below_zero) text.remove_prefix(1);
+    const std::size_t point = text.find('.');
+    const std::string_view whole = text.substr(0, point);
+    const std::string_view part = point == text.npos ? "" : text.substr(point + 1);
+    const auto are_digits = [](std::string_view digits) {
+        return std::all_of(digits.begin(), digits.end(), is_digit);
+    };
+    const bool is_padded = whole.size() > 1 && whole.starts_with('0');
+    const bool is_cut = whole.empty() || (point != text.npos && part.empty());
+    if (!are_digits(whole) || !are_digits(part) || is_padded || is_cut) return false;
+    const bool is_zero = text.find_first_not_of("0.") == text.npos;
+    if (is_below_zero && is_zero) return false;
+    const auto decimals = static_cast<int>(part.size());
+    has_minus_ = has_minus_ || is_below_zero;
+    whole_digits_ = std::max(whole_digits_, static_cast<int>(whole.size()));
+    least_decimals_ = texts_ == 0 ? decimals : std::min(least_decimals_, decimals);
+    most_decimals_ = std::max(most_decimals_, decimals);
+    return true;
+}
+
+bool TextProfile::is_number() const {
+    return texts_ > 0 && are_numbers_ && whole_digits_ + most_decimals_ <= MOST_DIGITS;
+}
+
+std::string path_of(const ElementProfile& element) {
+    std::string path = element.name;
+    for (const ElementProfile* at = element.parent; at != nullptr && at->parent != nullptr;
+         at = at->parent) {
+        path.insert(0, at->name + "/");
+    }
+    return path;
+}
+
+// One document, as Expat tells of it.
+class ProfileReader {
+  public:
+    ProfileReader(DocumentProfile& profile, const std::string& shown_name)
+        : profile_(profile),
+          shown_name_(shown_name),
+          parser_(XML_ParserCreate(nullptr), &XML_ParserFree) {
+        if (!parser_) throw std::bad_alloc();
+        XML_SetUserData(parser_.get(), this);
+        XML_SetElementHandler(parser_.get(), &start, &finish);
+        XML_SetCharacterDataHandler(parser_.get(), &text);
+    }
+
+    Done read(const std::string& file);
+
+  private:
+    // An element that is open, and the text in it so far.
+    struct Open {
+        ElementProfile* element;
+        std::list<ElementProfile>::iterator next;  // where a new path among its children goes
+        bool has_children = false;
+        std::string head{};  // the text's first bytes, without white space in front
+        std::uint64_t bytes = 0;
+        std::uint64_t characters = 0;
+        std::uint64_t trimmed_bytes = 0;  // without white space at the end
+        std::uint64_t trimmed_characters = 0;
+    };
+
+    static ProfileReader& of(void* user) { return *static_cast<ProfileReader*>(user); }
+    static void XMLCALL start(void* user, const XML_Char* name, const XML_Char** attributes);
+    static void XMLCALL finish(void* user, const XML_Char*);
+    static void XMLCALL text(void* user, const XML_Char* text, int length);
+    void open(const std::string& name);
+    void open_root(const std::string& name);
+    ElementProfile* child(Open& around, const std::string& name);
+    void close();
+    void add_text(Open& open, std::string_view text) const;
+    Place place() const;
+    void stop(std::string what, std::string remedy);
+
+    DocumentProfile& profile_;
+    const std::string& shown_name_;
+    std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
+    std::vector<Open> open_;
+    Done problem_;
+    bool is_out_of_memory_ = false;
+};
+
+Place ProfileReader::place() const {
+    Place place;
+    place.file = shown_name_;
+    place.line = XML_GetCurrentLineNumber(parser_.get());
+    place.column = XML_GetCurrentColumnNumber(parser_.get()) + 1;
+    return place;
+}
+
+void ProfileReader::stop(std::string what, std::string remedy) {
+    problem_ = Problem{Cause::document, place(), std::move(what), std::move(remedy)};
+    XML_StopParser(parser_.get(), XML_FALSE);
+}
+
+// Nothing may be thrown through Expat.
+void XMLCALL ProfileReader::start(void* user, const XML_Char* name, const XML_Char** attributes) {
+    ProfileReader& self = of(user);
+    try {
+        self.open(name);
+        if (self.problem_) return;
+        Place& first = self.open_.back().element->attributes;
+        for (; *attributes != nullptr && first.line == 0; attributes += 2) {
+            if (is_data(*attributes)) first = self.place();
+        }
+    } catch (const std::bad_alloc&) {
+        self.is_out_of_memory_ = true;
+        XML_StopParser(self.parser_.get(), XML_FALSE);
+    }
+}
+
+void XMLCALL ProfileReader::finish(void* user, const XML_Char*) {
+    of(user).close();
+}
+
+void XMLCALL ProfileReader::text(void* user, const XML_Char* text, int length) {
+    ProfileReader& self = of(user);
+    try {
+        self.add_text(self.open_.back(), {text, static_cast<std::size_t>(length)});
+    } catch (const std::bad_alloc&) {
+        self.is_out_of_memory_ = true;
+        XML_StopParser(self.parser_.get(), XML_FALSE);
+    }
+}
+
+void ProfileReader::open_root(const std::string& name) {
+    ElementProfile& root = profile_.root_;
+    if (root.count > 0 && root.name != name) {
+        return stop("the document element is " + name + ", and that of another sample " + root.name,
+                    "give samples of one kind of document");
+    }
+    root.name = name;
+    ++root.count;
+    open_.push_back({&root, root.children.begin()});
+}
+
+void ProfileReader::open(const std::string& name) {
+    if (open_.empty()) return open_root(name);
+    if (open_.size() >= DocumentProfile::MOST_DEPTH) {
+        return stop("elements nest deeper than " + std::to_string(DocumentProfile::MOST_DEPTH),
+                    "records have no such depth");
+    }
+    Open& around = open_.back();
+    around.has_children = true;
+    ElementProfile* const element = child(around, name);
+    if (element == nullptr) return;
+    if (element->opened_in != around.element->count) {
+        element->opened_in = around.element->count;
+        element->here = 0;
+        ++element->parents;
+    }
+    ++element->count;
+    element->most = std::max(element->most, ++element->here);
+    open_.push_back({element, element->children.begin()});
+}
+
+// The path's profile. A new one comes after the path of the element before. Null when there are too
+// many.
+ElementProfile* ProfileReader::child(Open& around, const std::string& name) {
+    ElementProfile& parent = *around.element;
+    const auto found = parent.by_name.find(name);
+    if (found != parent.by_name.end()) {
+        around.next = std::next(found->second->self);
+        return found->second;
+    }
+    if (++profile_.paths_ > DocumentProfile::MOST_PATHS) {
+        stop("there are more than " + std::to_string(DocumentProfile::MOST_PATHS) +
+                 " different elements",
+             "no record has so many fields");
+        return nullptr;
+    }
+    const auto made = parent.children.insert(around.next, ElementProfile{name, &parent});
+    made->self = made;
+    parent.by_name.emplace(name, &*made);
+    return &*made;
+}
+
+void ProfileReader::add_text(Open& open, std::string_view text) const {
+    for (const char c : text) {
+        if (open.bytes == 0 && is_white(c)) continue;
+        ++open.bytes;
+        if ((static_cast<unsigned char>(c) & 0xC0U) != 0x80) ++open.characters;
+        if (open.head.size() < TextProfile::HEAD) open.head += c;
+        if (is_white(c)) continue;
+        open.trimmed_bytes = open.bytes;
+        open.trimmed_characters = open.characters;
+    }
+}
+
+void ProfileReader::close() {
+    Open& open = open_.back();
+    if (open.has_children && open.trimmed_bytes > 0) {
+        if (open.element->mixed.line == 0) open.element->mixed = place();
+    } else {
+        const std::string_view head(open.head);
+        open.element->text.add(head.substr(0, open.trimmed_bytes), open.trimmed_bytes,
+                               open.trimmed_characters);
+    }
+    open_.pop_back();
+}
+
+Done ProfileReader::read(const std::string& file) {
+    Result<ByteSource> source = ByteSource::open(file);
+    if (!source) return source.problem();
+    std::vector<std::uint8_t> piece(PIECE);
+    for (bool is_last = false; !is_last;) {
+        const Result<std::size_t> count = source->read(piece.data(), piece.size());
+        if (!count) return count.problem();
+        is_last = *count < piece.size();
+        const XML_Status status =
+            XML_Parse(parser_.get(), reinterpret_cast<const char*>(piece.data()),
+                      static_cast<int>(*count), is_last ? XML_TRUE : XML_FALSE);
+        if (is_out_of_memory_) throw std::bad_alloc();
+        if (status == XML_STATUS_OK) continue;
+        if (!problem_) stop(XML_ErrorString(XML_GetErrorCode(parser_.get())), "");
+        return problem_;
+    }
+    return {};
+}
+
+Done DocumentProfile::add(const std::string& file, const std::string& shown_name) {
+    if (Done problem = check_document(file, shown_name)) return problem;
+    return ProfileReader(*this, shown_name).read(file);
+}
+
+}  // namespace conversion

@@ -1,0 +1,31 @@
+// From what sample documents hold to a copybook that reads them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "conversion/problem.h"
+#include "conversion/samples/document_profile.h"
+
+namespace conversion {
+
+struct CopybookWishes {
+    int grow = 20;            // lengths and tables get so many percent more than was seen
+    bool is_packed = false;   // numbers are COMP-3
+    std::string made_from{};  // the samples, for the comment at the beginning
+};
+
+struct SampleCopybook {
+    std::string text;  // in fixed format
+    // What of the documents it cannot read, or cannot tell apart, each with its place or path.
+    std::vector<Problem> losses;
+    // Names differ in case or have hyphens: documents must be read under 4GL_COLUMN_CASE 2.
+    bool needs_exact_names = false;
+};
+
+// A copybook with a record layout for each kind of records, told apart by the names of their
+// elements. A problem when there is no record that has fields, or when a record would be larger
+// than records can be. Throws std::bad_alloc.
+Result<SampleCopybook> copybook_of(const DocumentProfile& profile, const CopybookWishes& wishes);
+
+}  // namespace conversion

@@ -1,0 +1,317 @@
+// Copybooks made from sample documents: cobc compiles them, and with them a document goes into
+// records and comes back. Expat alone says what both documents hold.
+
+#include <expat.h>
+
+#include <algorithm>
+#include <array>
+
+#include "tests/command/command_run.h"
+
+namespace {
+
+// The texts of the elements that have one, each with its path. What fields without data come to is
+// left out: empty texts and zeros.
+class Contents {
+  public:
+    static std::vector<std::string> of(const std::string& document) {
+        Contents contents;
+        XML_Parser parser = XML_ParserCreate(nullptr);
+        XML_SetUserData(parser, &contents);
+        XML_SetElementHandler(parser, start, finish);
+        XML_SetCharacterDataHandler(parser, text);
+        EXPECT_EQ(XML_Parse(parser, document.data(), static_cast<int>(document.size()), 1),
+                  XML_STATUS_OK)
+            << document;
+        XML_ParserFree(parser);
+        return contents.lines_;
+    }
+
+  private:
+    static void XMLCALL start(void* user, const XML_Char* name, const XML_Char**) {
+        auto& self = *static_cast<Contents*>(user);
+        self.path_.emplace_back(name);
+        self.text_.clear();
+    }
+    static void XMLCALL text(void* user, const XML_Char* text, int length) {
+        static_cast<Contents*>(user)->text_.append(text, static_cast<std::size_t>(length));
+    }
+    static void XMLCALL finish(void* user, const XML_Char*) {
+        auto& self = *static_cast<Contents*>(user);
+        const char* white = " \t\r\n";
+        const std::size_t begin = self.text_.find_first_not_of(white);
+        if (begin != std::string::npos) {
+            const std::size_t end = self.text_.find_last_not_of(white);
+            std::string line = self.text_.substr(begin, end + 1 - begin);
+            const bool is_zero = line.find_first_not_of("0.") == std::string::npos;
+            // The document element is called as the user wishes.
+            for (std::size_t i = self.path_.size(); i-- > 1;) line.insert(0, self.path_[i] + "/");
+            if (!is_zero) self.lines_.push_back(line);
+        }
+        self.text_.clear();
+        self.path_.pop_back();
+    }
+
+    std::vector<std::string> path_;
+    std::string text_;
+    std::vector<std::string> lines_;
+};
+
+struct Sample {
+    const char* name;
+    std::string document;
+    std::vector<std::string> options;   // of copybook
+    std::vector<std::string> settings;  // of from-xml and to-xml
+    std::vector<std::string> parts;     // of the copybook
+};
+
+void PrintTo(const Sample& one, std::ostream* out) {
+    *out << one.name;
+}
+
+class CopybookTest : public CommandTest, public testing::WithParamInterface<Sample> {};
+
+const std::string PROGRAM =
+    "       IDENTIFICATION DIVISION.\n       PROGRAM-ID. READER.\n"
+    "       ENVIRONMENT DIVISION.\n       INPUT-OUTPUT SECTION.\n       FILE-CONTROL.\n"
+    "           SELECT DATA-FILE ASSIGN TO \"sample.dat\".\n"
+    "       DATA DIVISION.\n       FILE SECTION.\n       FD  DATA-FILE.\n"
+    "       COPY \"sample.cpy\".\n"
+    "       PROCEDURE DIVISION.\n           OPEN INPUT DATA-FILE.\n           STOP RUN.\n";
+
+TEST_P(CopybookTest, ReadsTheSampleAndWritesItAgain) {
+    const Sample& sample = GetParam();
+    write_file("sample.xml", sample.document);
+    write_file("reader.cbl", PROGRAM);
+    std::vector<std::string> words = {"copybook", "sample.xml", "-o", "sample.cpy"};
+    words.insert(words.end(), sample.options.begin(), sample.options.end());
+    const Outcome made = sxml(words);
+    ASSERT_EQ(made.status, 0) << made.err;
+    EXPECT_EQ(made.err.find("warning"), std::string::npos) << made.err;
+    const std::string copybook = read_file("sample.cpy");
+    for (const std::string& part : sample.parts) {
+        EXPECT_NE(copybook.find(part), std::string::npos) << part << "\nin: " << copybook;
+    }
+    const Outcome compiled = run({"cobc", "-fsyntax-only", "reader.cbl"});
+    EXPECT_EQ(compiled.status, 0) << compiled.err << copybook;
+
+    words = {"from-xml", "sample.xml", "sample.dat", "--layout", "sample.cpy", "--strict"};
+    words.insert(words.end(), sample.settings.begin(), sample.settings.end());
+    const Outcome read = sxml(words);
+    ASSERT_EQ(read.status, 0) << read.err << copybook;
+    words = {"to-xml", "sample.dat", "again.xml", "--layout", "sample.cpy", "--strict"};
+    words.insert(words.end(), sample.settings.begin(), sample.settings.end());
+    const Outcome written = sxml(words);
+    ASSERT_EQ(written.status, 0) << written.err << copybook;
+    EXPECT_EQ(Contents::of(read_file("again.xml")), Contents::of(sample.document)) << copybook;
+}
+
+const std::string INVOICES =
+    "<?xml version='1.0'?><invoices>\n"
+    "<invoice><number>1001</number><date>2026-11-02</date><customer><name>M\xC3\xBCller &amp; "
+    "Co</name><zip>01067</zip></customer>\n"
+    "<line><article>bolt</article><quantity>12</quantity><price>0.25</price></line>"
+    "<line><article>nut</article><quantity>100</quantity><price>1.10</price></line>"
+    "<total>-113.00</total></invoice>\n"
+    "<invoice><number>1002</number><date>2026-11-03</date><customer><name>Smith</name>"
+    "<zip>90210</zip></customer><line><article>washer</article><quantity>1</quantity>"
+    "<price>3.99</price></line><total>3.99</total><note>urgent</note></invoice></invoices>";
+
+const std::string KINDS =
+    "<batch><header><sender>ACME</sender><sent>2026-11-23T10:00:00</sent></header>"
+    "<order><number>7</number><address><city>Bonn</city></address></order>"
+    "<refund><number>8</number><reason>late</reason><address><city>Ulm</city>"
+    "<street>Am Ring 5</street></address></refund>"
+    "<order><number>9</number><address><city>Kiel</city></address></order></batch>";
+
+const std::string CAPITALS =
+    "<Feed><lineItem-List><ItemId>A7</ItemId><SORT>up</SORT><seller><Name>A</Name></seller>"
+    "<buyer><Name>B</Name></buyer></lineItem-List></Feed>";
+
+// Names that COBOL keeps for itself, or cannot hold, or that become alike.
+std::string awkward_names() {
+    std::string record = "<r>";
+    int number = 0;
+    for (const std::string name :
+         {"move", "perform", "a-b", "a_b", "a.b", "aB", "_7", "n7", "x", "value", "picture",
+          "record-contains-more-than-thirty-letters", "record-contains-more-than-thirty-letterz"}) {
+        record += "<" + name + ">t" + std::to_string(++number) + "</" + name + ">";
+    }
+    return "<all>" + record + "</r></all>";
+}
+
+std::string flat_export(int rows) {
+    std::string document = "<export>";
+    for (int row = 1; row <= rows; ++row) {
+        const std::string number = std::to_string(row);
+        document += "<row><id>" + number + "</id><name>name " + number + "</name><amount>" +
+                    std::to_string(row % 977 + 1) + ".5</amount></row>\n";
+    }
+    return document + "</export>";
+}
+
+const std::vector<std::string> EXACT = {"--set", "4GL_COLUMN_CASE=2"};
+
+INSTANTIATE_TEST_SUITE_P(
+    Samples, CopybookTest,
+    testing::Values(
+        Sample{"invoices",
+               INVOICES,
+               {},
+               {},
+               {"01  INVOICE.", "OCCURS 3.", "PIC S9(4)V9(2).", "*> sxml: name date",
+                "longest 11 characters, 12 bytes", "ZIP PIC X(6)", "in 1 of 2"}},
+        Sample{"packed",
+               INVOICES,
+               {"--packed", "--grow", "0"},
+               {},
+               {"PIC S9(3)V9(2) COMP-3.", "OCCURS 2."}},
+        Sample{"kinds",
+               KINDS,
+               {},
+               {"--encoding", "utf-8"},
+               {"01  HEADER.", "01  ORDER-RECORD.", "*> sxml: when REFUND-KIND ="}},
+        Sample{"kinds in EBCDIC", KINDS, {}, {"--encoding", "cp037"}, {}},
+        Sample{"capitals", CAPITALS, {}, EXACT, {"*> sxml: name lineItem-List", "ITEM-ID"}},
+        Sample{"names", awkward_names(), {}, EXACT, {"*> sxml: name move"}},
+        Sample{"export", flat_export(10000), {}, {}, {"10000 records", "ID PIC 9(6)"}}),
+    [](const testing::TestParamInfo<Sample>& sample) {
+        std::string name = sample.param.name;
+        std::replace(name.begin(), name.end(), ' ', '_');
+        return name;
+    });
+
+struct Loss {
+    const char* name;
+    std::string document;
+    std::vector<std::string> options;
+    int status;
+    std::string said;
+};
+
+// What cannot be read is said with its place; what is hostile ends with an error.
+TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
+    std::string deep;
+    for (int i = 0; i < 100; ++i) deep += "<d>";
+    std::string bomb = "<!DOCTYPE a [<!ENTITY e0 'ha'>";
+    for (int i = 1; i < 40; ++i) {
+        const std::string inner = "&e" + std::to_string(i - 1) + ";";
+        bomb += "<!ENTITY e" + std::to_string(i) + " '" + inner + inner + "'>";
+    }
+    std::string many = "<a><r>";
+    for (int i = 0; i < 100'001; ++i) many += "<n" + std::to_string(i) + "/>";
+    std::string wide = "<a><r>";
+    for (int i = 0; i < 40'000; ++i) wide += "<t>1</t>";
+    const std::vector<Loss> losses = {
+        {"attributes",
+         "<a><r no='1'><b>x</b></r>\n<r no='2'><b>y</b></r></a>",
+         {},
+         0,
+         "s.xml:1:4: r: attributes cannot be read"},
+        {"mixed", "<a><r>\n<b>x<c>y</c></b></r></a>", {}, 0, "s.xml:2:13: r/b: the text beside"},
+        {"text as record", "<a><r>x</r><s><t>y</t></s></a>", {}, 0, "r: cannot be read"},
+        {"two places",
+         "<a><r><b><n>1</n></b><c><n>2</n></c></r><r><b/><c><n>3</n></c></r></a>",
+         {},
+         0,
+         "elements called n stand in several places"},
+        {"letters beyond ASCII",
+         "<a><r><b>x</b><\xC3\xBC>y</\xC3\xBC></r></a>",
+         {},
+         0,
+         "r/\xC3\xBC: cannot be read"},
+        {"no records", "<a/>", {}, 1, "no child of the document element"},
+        {"unclosed", "<a><r><b>x</b></r>", {}, 1, "s.xml:1:19: no element found"},
+        {"deep", "<a>" + deep, {}, 1, "s.xml:"},
+        {"deep and closed", "", {}, 1, "nest deeper than 64"},
+        {"entities", bomb + "]><a>&e39;</a>", {}, 1, "s.xml:"},
+        {"many names", many + "</r></a>", {}, 1, "more than 100000 different"},
+        {"long table", wide + "</r></a>", {}, 1, "a table more than 32767 entries"},
+        {"growth", "<a><r><b>x</b></r></a>", {"--grow", "1%2"}, 2, "--grow: 1%2 is not"},
+        {"one file", "<a><r><b>x</b></r></a>", {"-o", "s.xml"}, 2, "they are one file"},
+    };
+    for (const Loss& loss : losses) {
+        SCOPED_TRACE(loss.name);
+        std::string document = loss.document;
+        if (document.empty()) {
+            for (int i = 0; i < 70; ++i) document = "<d>" + document + "</d>";
+        }
+        write_file("s.xml", document);
+        std::vector<std::string> words = {"copybook", "s.xml"};
+        words.insert(words.end(), loss.options.begin(), loss.options.end());
+        const Outcome outcome = sxml(words);
+        EXPECT_EQ(outcome.status, loss.status) << outcome.err;
+        EXPECT_NE(outcome.err.find(loss.said), std::string::npos) << outcome.err;
+        EXPECT_EQ(read_file("s.xml"), document);
+    }
+}
+
+// Several samples make one copybook.
+TEST_F(CommandTest, MakesACopybookOfSeveralSamples) {
+    write_file("one.xml", "<a><r><b>x</b></r></a>");
+    write_file("two.xml", "<a><r><b>longer</b><c>5</c></r></a>");
+    write_file("other.xml", "<z><r/></z>");
+    const Outcome both = sxml({"copybook", "one.xml", "two.xml", "--grow=0%"});
+    EXPECT_EQ(both.status, 0) << both.err;
+    EXPECT_NE(both.out.find("B PIC X(6)."), std::string::npos) << both.out;
+    EXPECT_NE(both.out.find("in 1 of 2"), std::string::npos) << both.out;
+    EXPECT_EQ(sxml({"copybook", "one.xml", "other.xml"}).status, 1);
+}
+
+// A prefix is part of a name as it is written; no document could declare it.
+TEST_F(CommandTest, ReadsNamesWithPrefixes) {
+    write_file("s.xml", "<f xmlns:a='urn:a'><a:item><a:price>1.25</a:price></a:item></f>");
+    ASSERT_EQ(sxml({"copybook", "s.xml", "-o", "s.cpy"}).status, 0);
+    EXPECT_NE(read_file("s.cpy").find("*> sxml: name a:price"), std::string::npos);
+    const Outcome read = sxml({"from-xml", "s.xml", "s.dat", "--layout", "s.cpy", "--strict"});
+    EXPECT_EQ(read.status, 0) << read.err;
+    EXPECT_EQ(read_file("s.dat"), "0125");
+    const Outcome written = sxml({"to-xml", "s.dat", "t.xml", "--layout", "s.cpy"});
+    EXPECT_EQ(written.status, 1);
+    EXPECT_NE(written.err.find("a:item cannot be written"), std::string::npos) << written.err;
+    EXPECT_EQ(files(), (std::vector<std::string>{"s.cpy", "s.dat", "s.xml"}));
+}
+
+// Records further down, with places as in the document, in every encoding that Expat knows.
+TEST_F(CommandTest, TakesRecordsAtAPath) {
+    const std::string document =
+        "<?xml version='1.0'?>\n<orders>\r\n <head at='1'>\xC3\xA9 text</head>\n <page n='1'>\n"
+        "  <order><id>7</id></order><other><id>1</id></other>\n  <order><id>8</id>\n"
+        "   <more>x</more></order></page><order><id>2</id></order>\n"
+        " <page><order/><order><id>9</id></order></page></orders>\n";
+    write_file("utf-8.xml", document);
+    ASSERT_EQ(run({"iconv", "-f", "utf-8", "-t", "utf-16", "utf-8.xml"}, "", "utf-16.xml").status,
+              0);
+    ASSERT_EQ(run({"iconv", "-f", "utf-8", "-t", "utf-16be", "utf-8.xml"}, "", "big.xml").status,
+              0);
+    write_file("n.cpy", "       01  R.\n      *> sxml: name id\n           05  ID-NO PIC 9.\n");
+    for (const std::string file : {"utf-8.xml", "utf-16.xml", "big.xml"}) {
+        SCOPED_TRACE(file);
+        const Outcome read =
+            sxml({"from-xml", file, "-", "--layout", "n.cpy", "--record", "orders/page/order"});
+        EXPECT_EQ(read.status, 0) << read.err;
+        EXPECT_EQ(read.out, "7809");
+        const bool has_place = read.err.find(file + ":7:4: record 2: more") != std::string::npos;
+        EXPECT_TRUE(has_place || file != "utf-8.xml") << read.err;
+        const Outcome made = sxml({"copybook", file, "--record", "orders/page/order", "--grow=0%"});
+        EXPECT_EQ(made.status, 0) << made.err;
+        EXPECT_NE(made.out.find("4 records"), std::string::npos) << made.out;
+        EXPECT_EQ(made.out.find("OTHER"), std::string::npos) << made.out;
+    }
+    write_file("broken.xml", "<orders>\n<page></pages></orders>");
+    write_file("entity.xml", "<!DOCTYPE a [<!ENTITY e '<r><b>1</b></r>'>]><a><p>&e;</p></a>");
+    const std::vector<std::array<const char*, 4>> refused = {
+        {"utf-8.xml", "orders/nothing", "1", "utf-8.xml: there is no element at orders/nothing"},
+        {"utf-8.xml", "orders", "2", "is not a path to records"},
+        {"utf-8.xml", "orders//order", "2", "is not a path to records"},
+        {"broken.xml", "orders/page", "1", "broken.xml:2:9: mismatched tag"},
+        {"entity.xml", "a/p/r", "1", "the records come from an entity"},
+    };
+    for (const auto& [file, path, status, said] : refused) {
+        const Outcome outcome = sxml({"copybook", file, "--record", path});
+        EXPECT_EQ(std::to_string(outcome.status), status) << outcome.err;
+        EXPECT_NE(outcome.err.find(said), std::string::npos) << outcome.err;
+    }
+}
+
+}  // namespace
