@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <iterator>
 #include <mutex>
 #include <new>
 #include <optional>
 #include <system_error>
 #include <vector>
 
+#include "host/config.h"
 #include "host/errors.h"
 #include "host/runtime/memory_failure.h"
 #include "host/runtime/memory_report.h"
@@ -56,10 +58,16 @@ host::NamedFunction named(const char* name, Function* function) {
     return {name, reinterpret_cast<HostFunction*>(function)};
 }
 
+// Documents that our faces read may take the module's lane for plain records, unless the user says
+// otherwise.
+constexpr HostSetting SETTINGS[] = {
+    {"SXML_PLAIN_RECORDS", HOST_SETTING_FLAG, {.number = 1}, nullptr, 0, {}}};
+
 host::Module load() {
     host::Module module = host::Module::load(
         "", {named("Q4ParseXFD", &Q4ParseXFD), named("Q4XFDFree", &Q4XFDFree),
              named("Q4TestCOBOLCond", &Q4TestCOBOLCond), named("Qconvert", &Qconvert)});
+    host_register_settings(SETTINGS, static_cast<int>(std::size(SETTINGS)), 0);
     host::find_record_handlers(&handler_being_opened);
     return module;
 }

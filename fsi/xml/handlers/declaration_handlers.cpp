@@ -8,6 +8,7 @@
 #include "fsi/xml/handlers/content_model.h"
 #include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/handlers.h"
+#include "fsi/xml/handlers/plain_records.h"
 #include "fsi/xml/handlers/trace_message.h"
 #include "host/memory.h"
 #include "host/strings.h"
@@ -124,9 +125,10 @@ void element_decl(void* expat, const char* name, XML_Content* model) {
     if (host_trace_on) host_trace(-1, HOST_TRACE_PARSER, "Leaving");
 }
 
-void attlist_decl(void*, const char* element, const char* attribute, const char* type,
+void attlist_decl(void* expat, const char* element, const char* attribute, const char* type,
                   const char* value, int required) {
-    if (!host_trace_on) return;
+    forbid_plain_records(parser_of(expat));
+    if (!host_trace_on || !(parser_of(expat).flags & XMLOPT_ATTLIST_DECLS)) return;
     trace_message(1, HOST_TRACE_ELEMENTS, "attribute list declaration (%d)", required);
     trace_given(HOST_TRACE_ELEMENTS, "element: %s", element);
     trace_given(HOST_TRACE_ELEMENTS, "attribute: %s", attribute);
@@ -137,6 +139,7 @@ void attlist_decl(void*, const char* element, const char* attribute, const char*
 
 void entity_decl(void* expat, const char* name, int is_parameter, const char* value, int length,
                  const char* base, const char* sysid, const char* pubid, const char* notation) {
+    forbid_plain_records(parser_of(expat));
     if (!is_parameter) limit_entity(parser_of(expat), name, value, length);
     if (!host_trace_on) return;
     trace_message(1, HOST_TRACE_DECLARATIONS, "entity declaration: %s (%d)", name, is_parameter);

@@ -192,9 +192,11 @@ HostTextSpan unread_span(XmlParser& parser) {
 }
 
 // Expat suspends itself where a stepwise parser has to stop, so that all that is there can be fed;
-// the trace shows every tag by itself.
+// the trace shows every tag by itself. Where records may take the lane, Expat gets no more than it
+// has to see.
 bool feeds_freely(const XmlParser& parser) {
-    return (parser.state & XMLPS_STEPWISE) && !host_trace_on;
+    constexpr std::uint32_t BOTH = XMLPS_STEPWISE | XMLPS_PLAIN_RECORDS;
+    return (parser.state & BOTH) == XMLPS_STEPWISE && !host_trace_on;
 }
 
 // Feeds the next piece of the buffer. `*at_gt` tells whether it ended in a `>`.

@@ -38,6 +38,14 @@ void choose_text_handler(const XmlParser& parser, bool kept_before) {
 
 }  // namespace
 
+std::uint32_t stored_name_number(const XmlParser& parser, const char* name) {
+    RecordNames& names = parser.record->names;
+    const std::uint32_t written = number_of_next_name(names, name);
+    if (!written) return 0;
+    const std::uint32_t stored = names.names[written].stored_as;
+    return stored ? stored : stored_number(parser, names, written);
+}
+
 void deliver_records(XmlParser& parser, RecordTree* tree) {
     if (!parser.expat || parser.record == tree) return;
     parser.record = tree;
@@ -58,10 +66,7 @@ void start_in_record(void* expat, const char* name, const char** attributes) {
     RecordTree& tree = *parser.record;
     const bool kept_text = tree.keeps_text;
     ++parser.depth;
-    const std::uint32_t written = number_of_next_name(tree.names, name);
-    if (!written) return stop_out_of_memory(parser);
-    std::uint32_t stored = tree.names.names[written].stored_as;
-    if (!stored) stored = stored_number(parser, tree.names, written);
+    const std::uint32_t stored = stored_name_number(parser, name);
     if (!stored || !start_record_element(tree, stored)) return stop_out_of_memory(parser);
     for (; *attributes && tree.notes_unused; attributes += 2) note_attribute(tree, *attributes);
     if (parser.depth == 2) start_record(parser);

@@ -9,6 +9,10 @@
 // after the document element has started. The tree stays the caller's and is to outlive its use.
 void deliver_records(XmlParser& parser, RecordTree* tree);
 
+// The number under which elements of a name are stored, for the next start tag; 0 when memory is
+// exhausted.
+std::uint32_t stored_name_number(const XmlParser& parser, const char* name);
+
 extern "C" {
 // The handlers that Expat calls meanwhile.
 void XMLCALL start_in_record(void* expat, const char* name, const char** attributes);

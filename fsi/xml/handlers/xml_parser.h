@@ -48,7 +48,8 @@ enum XmlParserState : std::uint32_t {
     XMLPS_ROOT_ENDED = 0x1000,         // the document element has ended
     XMLPS_END_TOLD = 0x2000,           // a caller who asked for a record was told so
     XMLPS_ENTITIES_TOO_DEEP = 0x4000,  // why the parse was stopped
-    XMLPS_READ = 0x8000                // the document is one that was read, not built
+    XMLPS_READ = 0x8000,               // the document is one that was read, not built
+    XMLPS_PLAIN_RECORDS = 0x10000      // records may take the lane, see plain_records.h
 };
 
 // A processing instruction; the parser owns both strings.
@@ -94,9 +95,12 @@ struct XmlParser {
     std::int64_t record_start;  // where the record asked for last starts in the input
     EntityReferences entities;  // see entity_limit.h, as for the next one
     EntityDeclaration declaration;
-    std::int32_t missing;  // once the input has ended: Expat's code for what the document
-                           // lacks, 0 when it is complete
-    RecordTree* record;    // see record_handlers.h; not owned, null for the element tree
+    std::int32_t missing;           // once the input has ended: Expat's code for what the document
+                                    // lacks, 0 when it is complete
+    std::uint64_t bytes_passed;     // input bytes that took the lane
+    std::uint64_t records_taken;    // by the lane
+    std::uint32_t records_refused;  // that it tried
+    RecordTree* record;             // see record_handlers.h; not owned, null for the element tree
 };
 
 // Where in the input, in bytes from its start, the event that Expat tells of begins; negative

@@ -3,7 +3,9 @@
 
 #include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/handlers/parse_driver.h"
+#include "fsi/xml/handlers/plain_records.h"
 #include "fsi/xml/parsexml/parser_handle.h"
+#include "host/config.h"
 #include "host/errors.h"
 #include "host/handles.h"
 #include "host/memory.h"
@@ -51,6 +53,8 @@ XmlErrorCode parse_beginning(XmlParserInfo& info) {
     XmlParser* parser = info.parser;
     const bool whole = (parser->flags & XMLOPT_PARSE_WHOLE) != 0;
     if (!whole) parser->state |= XMLPS_STEPWISE;
+    const bool is_sequential = (parser->flags & ~XMLOPT_NAME_MODE) == XMLOPT_SEQUENTIAL_FILE;
+    if (is_sequential && host_config_flag("SXML_PLAIN_RECORDS", 0)) allow_plain_records(*parser);
     // A document element that is an empty-element tag starts and ends at once.
     while (may_go_on() && parser->depth == 0 && parser->tree.root == 0)
         parse_to_next_gt(parser, info.stream);

@@ -1,5 +1,6 @@
 // Reading a document record by record: a record is a child of the document element.
 #include "fsi/xml/handlers/parse_driver.h"
+#include "fsi/xml/handlers/plain_records.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "host/errors.h"
 #include "sxml/xml_api.h"
@@ -34,6 +35,7 @@ std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
     // A record that is an empty-element tag starts and ends at once, so the depth alone does not
     // show that there was one.
     parser->state &= ~std::uint32_t{XMLPS_RECORD_STARTED};
+    if (take_plain_record(*parser, info->stream)) return 1;
     do {
         parse_to_next_gt(parser, info->stream);
     } while (error == HOST_FILE_OK && parser->depth == 1 &&

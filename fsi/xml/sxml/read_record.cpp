@@ -190,7 +190,8 @@ bool parse_record(const XmlFile& file) {
     file.input_items->text_encoding = text_encoding(*parser);
     if (file.handler != nullptr) {
         file.handler->text_encoding = text_encoding(*parser);
-        file.handler->parsed_bytes = XML_GetCurrentByteIndex(parser->expat);
+        file.handler->parsed_bytes =
+            current_byte_index(*parser) + static_cast<std::int64_t>(parser->bytes_passed);
     }
     if (host_trace_on > DUMP_ABOVE) dump_record(file);
     if (!traced) {
