@@ -6,6 +6,7 @@
 #include "records/numbers/decimals.h"
 #include "records/numbers/fields.h"
 #include "records/numbers/number_text.h"
+#include "records/numbers/quick_number.h"
 #include "records/numbers/quick_text.h"
 
 namespace records {
@@ -83,6 +84,7 @@ extern "C" int Qconvert(XfdDataDesc* destination, const XfdDataDesc* source, int
     const bool from_field = is_numeric_type(source->type);
     const bool to_field = is_numeric_type(destination->type);
     if (from_field && !to_field && numbers::write_quickly(*source, *destination)) return 1;
+    if (!from_field && to_field && numbers::store_quickly(*source, *destination)) return 1;
     Decimal number;
     const bool valid =
         from_field ? numbers::read_field(numbers::field_of(*source), number)

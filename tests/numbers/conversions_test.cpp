@@ -6,6 +6,7 @@
 
 #include "records/numbers/fields.h"
 #include "records/numbers/number_text.h"
+#include "records/numbers/quick_number.h"
 #include "records/numbers/quick_text.h"
 #include "tests/numbers/number_field.h"
 
@@ -426,6 +427,45 @@ TEST(Numbers, QuickTextsAreThoseOfTheLongWay) {
                                   << to_hex(bytes) << " flags " << flags;
     }
     EXPECT_GT(quick, 30'000);
+}
+
+// Texts that are numbers or nearly so into fields of every kind, with any bytes before.
+TEST(Numbers, QuickNumbersAreThoseOfTheLongWay) {
+    std::mt19937 random(18);
+    const auto below = [&random](unsigned limit) { return static_cast<int>(random() % limit); };
+    int quick = 0;
+    for (int i = 0; i < 300'000; ++i) {
+        const FieldSpec spec{static_cast<FieldType>(1 + below(13)), below(22), below(8) - 5,
+                             1 + below(12), below(3) == 0 ? below(128) : 0};
+        std::string text;
+        if (below(4) == 0) text = "-+ 0"[below(4)];
+        for (int left = below(unsigned(4 + below(18))); left > 0; --left) {
+            text += below(40) == 0 ? ".,e x"[below(5)] : static_cast<char>('0' + below(10));
+        }
+        if (below(2) == 0)
+            text.insert(text.size() - static_cast<std::size_t>(below(3)) % (text.size() + 1), ".");
+        std::string before(static_cast<std::size_t>(spec.length), '\0');
+        for (char& byte : before) byte = static_cast<char>(below(256));
+        NumberField field(spec);
+        NumberField expected(spec);
+        field.set_bytes(before);
+        expected.set_bytes(before);
+        XfdDataDesc source = field.data();
+        source.address = text.data();
+        source.length = static_cast<std::int32_t>(text.size());
+        if (!numbers::store_quickly(source, field.data())) {
+            ASSERT_EQ(field.bytes(), before) << text;
+            continue;
+        }
+        ++quick;
+        Decimal number;
+        EXPECT_TRUE(numbers::parse_text(text, '.', number)) << text;
+        EXPECT_TRUE(numbers::store_field(numbers::field_of(expected.data()), number)) << text;
+        ASSERT_EQ(to_hex(field.bytes()), to_hex(expected.bytes()))
+            << text << " type " << spec.type << " " << spec.digits << " " << spec.scale << " flags "
+            << spec.flags;
+    }
+    EXPECT_GT(quick, 20'000);
 }
 
 TEST(Numbers, CompareExactly) {
