@@ -10,7 +10,7 @@
 keep_built() { # PREFIX
     local name kept=()
     for name in "${programs[@]}"; do
-        if [ "$name" = sxml ] || [ -x "$1_$name" ]; then
+        if [[ $name == sxml* ]] || [ -x "$1_$name" ]; then
             kept+=("$name")
         else
             echo "  $name: not measured, $(basename "$1_$name") is not built"
@@ -73,7 +73,7 @@ report() { # BYTES SMALL LARGE RECORDS
             -v processor="$(best_processor "$name")" -v base="$base" -v bytes="$1" \
             -v records="$records" \
             -v instructions="$(instructions_per_record "$name" "$2" "$3" "$4")" 'BEGIN {
-                printf "  %-9s %6.3f s (processor %6.3f s)  %7.1f MB/s of XML  %9.0f records/s  ",
+                printf "  %-10s %6.3f s (processor %6.3f s)  %7.1f MB/s of XML  %9.0f records/s  ",
                     name, best, processor, bytes / best / 1e6, records / best
                 printf "%5.2f of sxml\047s time  %s instructions a record\n",
                     best / base, instructions }'
@@ -88,6 +88,6 @@ target() {
         -v kind="$4" -v limit="$5" 'BEGIN {
             ratio = above / below
             met = kind == "least" ? ratio >= limit : kind == "most" ? ratio <= limit : ratio < limit
-            printf "  target: %s %s %.1f; measured %.2f: %s\n", what,
+            printf "  target: %s %s %.2f; measured %.2f: %s\n", what,
                 kind == "below" ? kind : "at " kind, limit, ratio, met ? "met" : "missed" }'
 }

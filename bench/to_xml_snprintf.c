@@ -1,4 +1,4 @@
-/* The program one would write first: snprintf and fwrite for each field.
+/* A program with some care: one snprintf and one fwrite for each record.
  *     to_xml_snprintf RECORDS XML VERSION DATE */
 #include <stdio.h>
 #include <string.h>
@@ -12,8 +12,7 @@ static int is_blank(unsigned char c) {
 }
 
 /* Escapes a text into `buffer`, blanks at its ends left out. */
-static void escape(const unsigned char* text, size_t length, char* buffer, size_t size) {
-    size_t used = 0;
+static void escape(const unsigned char* text, size_t length, char* buffer) {
     while (length > 0 && is_blank(text[length - 1])) --length;
     while (length > 0 && is_blank(text[0])) ++text, --length;
     for (size_t i = 0; i < length && text[i] != 0; ++i) {
@@ -25,62 +24,52 @@ static void escape(const unsigned char* text, size_t length, char* buffer, size_
                              : c == '"'  ? "&quot;"
                                          : NULL;
         if (entity != NULL) {
-            used += (size_t)snprintf(buffer + used, size - used, "%s", entity);
+            buffer = stpcpy(buffer, entity);
         } else if (c < 0x20) {
-            used += (size_t)snprintf(buffer + used, size - used, "&#x%02x;", c);
+            buffer += sprintf(buffer, "&#x%02x;", c);
         } else {
-            buffer[used++] = (char)c;
+            *buffer++ = (char)c;
         }
     }
-    buffer[used] = '\0';
+    *buffer = '\0';
 }
 
-static void write_element(int level, const char* name, const char* value) {
-    char line[256];
-    const int length =
-        snprintf(line, sizeof line, "%*s<%s>%s</%s>\r\n", level, " ", name, value, name);
-    fwrite(line, 1, (size_t)length, out);
-}
-
-static void write_text(int level, const char* name, const unsigned char* text, size_t length) {
-    char value[128];
-    escape(text, length, value, sizeof value);
-    write_element(level, name, value);
-}
-
-static void write_number(const char* name, const unsigned char* digits, int length) {
-    char value[32];
+static long display_number(const unsigned char* digits, int length) {
     long number = 0;
     for (int i = 0; i < length; ++i) number = number * 10 + (digits[i] - '0');
-    snprintf(value, sizeof value, "%ld", number);
-    write_element(2, name, value);
+    return number;
 }
 
-static void write_packed(const char* name, const unsigned char* packed, int length) {
-    char value[32];
+static long packed_number(const unsigned char* packed, int length) {
     long number = 0;
     for (int i = 0; i < length; ++i) {
         number = number * 10 + (packed[i] >> 4);
         if (i < length - 1) number = number * 10 + (packed[i] & 0xF);
     }
-    const int negative = (packed[length - 1] & 0xF) == 0xD;
-    snprintf(value, sizeof value, "%s%ld.%02ld", negative ? "-" : "", number / 100, number % 100);
-    write_element(2, name, value);
+    return number;
 }
 
 static void write_record(const unsigned char* record) {
-    fputs(" <customer>\r\n", out);
-    write_number("cust_id", record + CUST_ID, CUST_ID_LENGTH);
-    write_text(2, "cust_name", record + CUST_NAME, CUST_NAME_LENGTH);
-    write_packed("balance", record + BALANCE, BALANCE_LENGTH);
-    fputs("  <addr>\r\n", out);
-    write_text(3, "city", record + CITY, CITY_LENGTH);
-    write_text(3, "zip", record + ZIP, ZIP_LENGTH);
-    fputs("  </addr>\r\n", out);
+    enum { PLACE = 128 }; /* more than any text, all entities */
+    char text[3 + PHONES][PLACE];
+    char whole[2048];
+    const long balance = packed_number(record + BALANCE, BALANCE_LENGTH);
+    const int negative = (record[BALANCE + BALANCE_LENGTH - 1] & 0xF) == 0xD;
+    escape(record + CUST_NAME, CUST_NAME_LENGTH, text[0]);
+    escape(record + CITY, CITY_LENGTH, text[1]);
+    escape(record + ZIP, ZIP_LENGTH, text[2]);
     for (int i = 0; i < PHONES; ++i) {
-        write_text(2, "phone", record + PHONE + i * PHONE_LENGTH, PHONE_LENGTH);
+        escape(record + PHONE + i * PHONE_LENGTH, PHONE_LENGTH, text[3 + i]);
     }
-    fputs(" </customer>\r\n", out);
+    const int length =
+        snprintf(whole, sizeof whole,
+                 " <customer>\r\n  <cust_id>%ld</cust_id>\r\n  <cust_name>%s</cust_name>\r\n"
+                 "  <balance>%s%ld.%02ld</balance>\r\n  <addr>\r\n   <city>%s</city>\r\n"
+                 "   <zip>%s</zip>\r\n  </addr>\r\n  <phone>%s</phone>\r\n  <phone>%s</phone>\r\n"
+                 "  <phone>%s</phone>\r\n </customer>\r\n",
+                 display_number(record + CUST_ID, CUST_ID_LENGTH), text[0], negative ? "-" : "",
+                 balance / 100, balance % 100, text[1], text[2], text[3], text[4], text[5]);
+    fwrite(whole, 1, (size_t)length, out);
 }
 
 int main(int argc, char** argv) {
