@@ -116,6 +116,13 @@ void sxml_cob_unlock_file(cob_file* file, cob_field* item) {
     if (!is_refused(file, item, "UNLOCK", Status::done)) cob_unlock_file(file, item);
 }
 
+// CANCEL. The runtime of release 3.2 is asked to close only files that it has open itself.
+void sxml_cob_file_free(cob_file** file, cob_file_key** keys) {
+    OpenFile* const open = *file != nullptr ? Files::instance().find(**file) : nullptr;
+    if (open != nullptr) sxml_cob_close(*file, nullptr, COB_CLOSE_NORMAL, 1);
+    cob_file_free(file, keys);
+}
+
 void sxml_cob_stop_run(int status) {
     gnucobol::note_stop_run();
     cob_stop_run(status);

@@ -65,6 +65,7 @@ extern void sxml_cob_delete(cob_file*, cob_field*);
 extern void sxml_cob_start(cob_file*, int, cob_field*, cob_field*, cob_field*);
 extern void sxml_cob_delete_file(cob_file*, cob_field*);
 extern void sxml_cob_unlock_file(cob_file*, cob_field*);
+extern void sxml_cob_file_free(cob_file**, cob_file_key**);
 extern void sxml_cob_file_sort_init(cob_file*, unsigned, const unsigned char*, void*, cob_field*);
 extern void sxml_cob_file_sort_using(const struct sxml_cob_source*, const char*, cob_file*,
                                      cob_file*);
@@ -97,6 +98,7 @@ extern int sxml_cob_error_proc(const void*, const void*);
 #define cob_start(...) (sxml_cob_documents ? sxml_cob_start(__VA_ARGS__) : (cob_start)(__VA_ARGS__))
 #define cob_delete_file sxml_cob_delete_file
 #define cob_unlock_file sxml_cob_unlock_file
+#define cob_file_free sxml_cob_file_free
 #define cob_file_sort_init sxml_cob_file_sort_init
 #define cob_file_sort_using(sort_file, file) \
     sxml_cob_file_sort_using(SXML_COB_HERE, sort_file, file)

@@ -147,6 +147,8 @@ TEST_F(CobolTest, SeveralProgramsInOneSource) {
 
 TEST_F(CobolTest, OtherFilesWorkAsWithoutTheHandler) {
     set("SXML_FILES", "*");
+    set("COB_LS_VALIDATE",
+        "no");  // or release 3.2 rejects the blanks of a record that was never filled
     const std::string plain = same_output("keyed", {"MASTER", "LIST"});
     EXPECT_NE(plain.find("read 00third"), std::string::npos) << plain;
     EXPECT_NE(plain.find("list 10"), std::string::npos) << plain;

@@ -15,18 +15,8 @@ namespace fs = std::filesystem;
 inline const std::string PROGRAMS = SXML_SOURCE_DIR "/tests/gnucobol/";
 inline const std::string SAMPLES = SXML_SOURCE_DIR "/examples/cobol/";
 
-// The adapter serves the runtime of GnuCOBOL 3.1.
-inline bool has_known_runtime() {
-    return std::system("cobc --version | grep -q '(GnuCOBOL) 3\\.1\\.'") == 0;
-}
-
 class CobolTest : public CommandTest {
   protected:
-    void SetUp() override {
-        CommandTest::SetUp();
-        if (!has_known_runtime()) GTEST_SKIP() << "skipped: needs libcob 3.1";
-    }
-
     void TearDown() override {
         for (const std::string& name : variables_) unsetenv(name.c_str());
         CommandTest::TearDown();
@@ -54,7 +44,19 @@ class CobolTest : public CommandTest {
         ASSERT_EQ(outcome.status, 0) << outcome.err;
     }
 
-    static Outcome run_program(const std::vector<std::string>& words) { return run(words); }
+    // Debian's libcob 3.2 begins each program with this line.
+    static void remove_version_warnings(std::string& text) {
+        const std::string warning = "Warning: program compiled against libxml ";
+        for (std::size_t at = text.find(warning); at < text.size(); at = text.find(warning)) {
+            text.erase(at, text.find('\n', at) + 1 - at);
+        }
+    }
+
+    static Outcome run_program(const std::vector<std::string>& words) {
+        Outcome outcome = run(words);
+        remove_version_warnings(outcome.err);
+        return outcome;
+    }
 
     // The files of these names are NAME.suffix from now on.
     void assign(const std::vector<std::string>& names, const std::string& suffix) {

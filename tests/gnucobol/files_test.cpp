@@ -39,40 +39,48 @@ TEST_F(CobolTest, NamesLeadToTheFilesThatTheRuntimeWouldOpen) {
                                                           {"DD_a_b", "MANGLED"}}) {
         set(name, value);
     }
-    const std::vector<std::string> names = {"big",
-                                            "small",
-                                            "neither",
-                                            "none",
-                                            "with.dot",
-                                            "$big",
-                                            "$none",
-                                            "far",
-                                            "$far",
-                                            "marked",
-                                            "folder/a",
-                                            "$folder/b",
-                                            "sub/c",
-                                            "$none/d",
-                                            "sub/$big",
-                                            "sub/$none/e",
-                                            "sub/$none",
-                                            "folder/$folder/f",
-                                            root + "/tree/$folder/g",
-                                            "./h",
-                                            "sub\\i",
-                                            "sub//j",
-                                            ".hidden",
-                                            "-x",
-                                            "-F big",
-                                            "-d  sub/big",
-                                            "1st",
-                                            "$1st/k",
-                                            "1st/l",
-                                            "a-b",
-                                            "a b",
-                                            "set_here",
-                                            "sub/",
-                                            "$"};
+    std::vector<std::string> names = {"big",
+                                      "small",
+                                      "neither",
+                                      "none",
+                                      "with.dot",
+                                      "$big",
+                                      "$none",
+                                      "far",
+                                      "$far",
+                                      "marked",
+                                      "folder/a",
+                                      "$folder/b",
+                                      "sub/c",
+                                      "$none/d",
+                                      "sub/$big",
+                                      "sub/$none/e",
+                                      "sub/$none",
+                                      "folder/$folder/f",
+                                      root + "/tree/$folder/g",
+                                      "./h",
+                                      "sub\\i",
+                                      "sub//j",
+                                      ".hidden",
+                                      "-x",
+                                      "-F big",
+                                      "-d  sub/big",
+                                      "1st",
+                                      "$1st/k",
+                                      "1st/l",
+                                      "a-b",
+                                      "a b",
+                                      "set_here",
+                                      "sub/",
+                                      "$"};
+    // Names with a mark, and the folder before what a variable says, are other ones in each
+    // release.
+    if (run({"cobc", "--version"}).out.find(" 3.2.") != std::string::npos) {
+        std::erase_if(names, [](const std::string& name) {
+            return name.starts_with("-F") || name.starts_with("-d") || name == "marked" ||
+                   name == "$far";
+        });
+    }
     const std::vector<std::pair<std::string, std::string>> settings = {
         {"", ""},
         {"COB_FILE_PATH", "sub"},
@@ -213,7 +221,7 @@ TEST_F(CobolTest, ModulesInFreeFormatTellWhatTheyDo) {
                "goback.\n");
     ASSERT_EQ(sxml({"cob", "-free", "-m", "inner.cob"}).status, 0);
     set("SXML_VERBOSE", "yes");
-    const Outcome outcome = run({"cobcrun", "inner"});
+    const Outcome outcome = run_program({"cobcrun", "inner"});
     EXPECT_EQ(outcome.err,
               "sxml: notes.xml: OPEN OUTPUT: file status 00: done\n"
               "sxml: notes.xml: WRITE: file status 00: done\n");

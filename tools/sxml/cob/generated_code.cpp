@@ -57,7 +57,9 @@ std::string between(const std::string& line, char open, char close) {
     return line.substr(begin + 1, end - begin - 1);
 }
 
-std::optional<std::int64_t> number_of(const std::string& text) {
+// "10", for cobc 3.2 "10LL".
+std::optional<std::int64_t> number_of(std::string text) {
+    if (text.ends_with("LL")) text.resize(text.size() - 2);
     if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) {
         return std::nullopt;
     }

@@ -297,6 +297,8 @@ Source read_expanded(const std::string& file, const std::string& expanded, bool 
             if (end > quote) at.file = line.substr(quote + 1, end - quote - 1);
             continue;
         }
+        // Put in by cobc 3.2 where a dialect asks what begins in area A.
+        if (line.starts_with("#area_a")) continue;
         lines.push_back(std::move(line));
         source.lines.push_back(at);
         ++at.number;
