@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <sstream>
 
@@ -13,6 +14,23 @@
 namespace gnucobol {
 
 namespace {
+
+// No signal comes while this lives: the runtime's handler would wait for a lock that the runtime
+// holds while it shows its configuration.
+class SignalsBlocked {
+  public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &earlier_);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &earlier_, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+  private:
+    sigset_t earlier_{};
+};
 
 // Standard output goes to a file in memory while this lives.
 class CapturedOutput {
@@ -59,6 +77,7 @@ class CapturedOutput {
 
 // The runtime shows its configuration and gives no other access to it.
 std::string shown_configuration() {
+    const SignalsBlocked blocked;
     CapturedOutput output;
     if (!output.works()) return {};
     print_runtime_conf();
