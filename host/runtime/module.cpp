@@ -50,14 +50,12 @@ void hand_over(XmlSetHostFunctionEntry* set, const std::vector<NamedFunction>& f
 
 // Without memory for its own notes the loader says of a file that it is not there, or that it
 // cannot create or allocate something.
-bool is_for_want_of_memory(const std::string& file, const char* reason) {
-    if (reason == nullptr) return true;
-    const std::string_view text = reason;
+bool is_for_want_of_memory(const std::string& file, std::string_view reason) {
     for (const char* sign : {": cannot create ", ": cannot allocate ", "out of memory"}) {
-        if (text.find(sign) != std::string_view::npos) return true;
+        if (reason.find(sign) != std::string_view::npos) return true;
     }
-    return text.starts_with(file + ": cannot open shared object file: No such") &&
-           access(file.c_str(), F_OK) == 0;
+    return reason.starts_with(file + ": cannot open shared object file: No such") &&
+           std::filesystem::exists(file);
 }
 
 }  // namespace

@@ -12,7 +12,8 @@ void* platform_open_library(const char* name, char* problem, size_t size) {
     void* library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
     if (library) return library;
     const char* reason = dlerror();
-    snprintf(problem, size, "%s", reason ? reason : "the library cannot be loaded");
+    /* Without memory the loader has no words for it. */
+    snprintf(problem, size, "%s", reason ? reason : "out of memory");
     return NULL;
 }
 
