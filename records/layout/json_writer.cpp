@@ -35,7 +35,7 @@ void set_form(Json& object, const FieldForm& form) {
 }
 
 Json operand_json(const Operand& operand) {
-    Json object;
+    Json object = Json::object();
     if (operand.kind != Operand::Kind::item) {
         object[std::string(json::word_of(json::LITERALS, operand.kind))] = operand.value;
         return object;
@@ -49,7 +49,7 @@ Json operand_json(const Operand& operand) {
 }
 
 Json test_json(const Test& test) {
-    Json object;
+    Json object = Json::object();
     switch (test.kind) {
         case Test::Kind::comparison:
             object["compare"] = json::word_of(json::RELATIONS, test.relation);
@@ -73,7 +73,7 @@ Json test_json(const Test& test) {
 }
 
 Json condition_json(const Condition& condition) {
-    Json object;
+    Json object = Json::object();
     object["text"] = condition.text;
     if (!condition.tables.empty()) {
         Json tables = Json::array();
@@ -87,7 +87,7 @@ Json condition_json(const Condition& condition) {
 }
 
 Json length_rule_json(const LengthRule& rule) {
-    Json object;
+    Json object = Json::object();
     if (rule.condition != 0) object["condition"] = rule.condition;
     object["counter"] = operand_json(rule.counter);
     object["table_offset"] = rule.table_offset;
@@ -99,7 +99,7 @@ Json length_rule_json(const LengthRule& rule) {
 
 // All keys of an item but its subordinates.
 Json item_json(const ModelItem& item) {
-    Json object;
+    Json object = Json::object();
     set_unless_empty(object, "name", item.name);
     set_unless_empty(object, "cobol", item.cobol_name);
     object["level"] = item.level;

@@ -131,7 +131,7 @@ std::string check_text(const CheckOutcome& outcome) {
 }
 
 std::string check_json(const CheckOutcome& outcome) {
-    Json json;
+    Json json = Json::object();
     json["input"] = outcome.name;
     json["as"] = outcome.is_document ? "xml" : "records";
     json["loses"] = outcome.loses();

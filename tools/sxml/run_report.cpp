@@ -34,7 +34,7 @@ constexpr std::array<Wording, FINDINGS> WORDINGS = {{
 
 Json place_of(const conversion::Problem& problem) {
     const conversion::Place& place = problem.place;
-    Json json;
+    Json json = Json::object();
     if (place.record != 0) json["record"] = place.record;
     if (!place.field.empty()) json["field"] = place.field;
     if (!place.path.empty()) json["path"] = place.path;
@@ -148,7 +148,7 @@ std::string RunReport::missing_text() const {
 
 void RunReport::write(int status, const std::string& failure) const {
     if (options_.report.empty() || !may_write_) return;
-    Json json;
+    Json json = Json::object();
     json["input"] = name_;
     json["status"] = status;
     json["failure"] = failure.empty() ? Json() : Json(failure);
