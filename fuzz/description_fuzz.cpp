@@ -1,6 +1,8 @@
 // Description files of any content: read, or refused; what is read is consistent and stays the same
 // when written and read again.
 #include <cstdlib>
+#include <iostream>
+#include <source_location>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,8 +11,10 @@
 
 namespace {
 
-void require(bool holds) {
-    if (!holds) std::abort();
+void require(bool holds, std::source_location place = std::source_location::current()) {
+    if (holds) return;
+    std::cerr << "line " << place.line() << " does not hold\n";
+    std::abort();
 }
 
 // The module reads a record of the description's length at the places that the items give.
@@ -19,7 +23,8 @@ void check(const Xfd& xfd, std::int32_t record_length) {
     require(xfd.record_scan_count == xfd.item_count);
     for (int i = 0; i < xfd.item_count; ++i) {
         const XfdItem& item = xfd.items[i];
-        require(item.offset >= 0 && item.data.length > 0);
+        // A field without bytes marks the records of its layout by its condition.
+        require(item.offset >= 0 && item.data.length >= (item.condition > 0 ? 0 : 1));
         require(item.offset <= record_length - item.data.length);
         require(item.condition == XFD_GROUP ||
                 (item.condition >= 0 && item.condition <= xfd.condition_count));

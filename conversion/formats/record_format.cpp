@@ -62,9 +62,8 @@ Result<RecordFormat> RecordFormat::find(std::string_view name) {
     if (const std::uint32_t size = block_size_in(wanted)) {
         return RecordFormat{std::string(wanted), Kind::blocks, WITH_LENGTHS.front().header, size};
     }
-    return Problem{Cause::usage,
-                   {},
-                   "there is no record format " + std::string(name),
+    const Place place;
+    return Problem{Cause::usage, place, "there is no record format " + std::string(name),
                    "there are fixed, line, rdw, rdw:little, rdw:payload, rdw:little:payload, bdw, "
                    "bdw:SIZE (9 to 32760), gnucobol, gnucobol:1, gnucobol:2 and gnucobol:3"};
 }

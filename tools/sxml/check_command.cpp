@@ -38,13 +38,23 @@ struct CheckOptions {
     bool is_json = false;
 };
 
+// Every record is converted, and nobody is told but the report.
+ReportOptions silent_report() {
+    ReportOptions options;
+    options.rejects = platform::null_device();
+    options.is_silent = true;
+    return options;
+}
+
 // What a check needs, once for both directions.
 struct Check {
+    Check(const CheckOptions& given, const DocumentSource& document, RunFiles& run_files)
+        : options(given), source(document), files(run_files) {}
+
     const CheckOptions& options;
     const DocumentSource& source;
     RunFiles& files;
-    // Every record is converted, and nobody is told but the report.
-    ReportOptions silence = {.rejects = platform::null_device(), .is_silent = true};
+    ReportOptions silence = silent_report();
     RunReport report = RunReport(silence, source.name());
     RejectFile rejects = RejectFile(silence);
 };
@@ -184,7 +194,7 @@ void check_file(const CheckOptions& options) {
     const DocumentSource source = value_of(DocumentSource::open(options.file));
     files.reads(options.file);
     files.writes("-");
-    Check check{options, source, files};
+    Check check(options, source, files);
     const bool is_document =
         options.kind.empty() ? looks_like_document(source) : options.kind == "xml";
     if (is_document ? check_document(check) : check_records(check)) {
