@@ -53,7 +53,8 @@ XmlErrorCode parse_beginning(XmlParserInfo& info) {
     XmlParser* parser = info.parser;
     const bool whole = (parser->flags & XMLOPT_PARSE_WHOLE) != 0;
     if (!whole) parser->state |= XMLPS_STEPWISE;
-    const bool is_sequential = (parser->flags & ~std::uint32_t{XMLOPT_NAME_MODE}) == XMLOPT_SEQUENTIAL_FILE;
+    const bool is_sequential =
+        (parser->flags & ~std::uint32_t{XMLOPT_NAME_MODE}) == XMLOPT_SEQUENTIAL_FILE;
     if (is_sequential && host_config_flag("SXML_PLAIN_RECORDS", 0)) allow_plain_records(*parser);
     // A document element that is an empty-element tag starts and ends at once.
     while (may_go_on() && parser->depth == 0 && parser->tree.root == 0)
