@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <new>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "conversion/formats/byte_source.h"
@@ -12,23 +13,6 @@ namespace conversion {
 namespace {
 
 constexpr std::size_t PIECE = std::size_t{1} << 16;
-
-// Expat's lines count from 1, its columns from 0. The older functions are as wide as a long.
-#ifdef SXML_HAS_XML_GetCurrentLineNumber64
-std::uint64_t current_line(XML_Parser parser) {
-    return XML_GetCurrentLineNumber64(parser);
-}
-std::uint64_t current_column(XML_Parser parser) {
-    return XML_GetCurrentColumnNumber64(parser);
-}
-#else
-std::uint64_t current_line(XML_Parser parser) {
-    return XML_GetCurrentLineNumber(parser);
-}
-std::uint64_t current_column(XML_Parser parser) {
-    return XML_GetCurrentColumnNumber(parser);
-}
-#endif
 
 // Feeds the whole document, until it ends or Expat has had enough.
 Result<XML_Status> feed(XML_Parser parser, ByteSource& source) {
@@ -63,9 +47,14 @@ CheckedParser& CheckedParser::of(void* parser) {
 }
 
 void CheckedParser::judge(EntityDepth depth) {
-    if (depth == EntityDepth::ALLOWED) return;
-    depth_ = depth;
-    XML_StopParser(expat(), XML_FALSE);
+    if (depth == EntityDepth::NO_MEMORY) stop_without_memory();
+    if (depth == EntityDepth::TOO_DEEP) {
+        try {
+            stop(Problem{Cause::document, place(), ENTITIES_NEST_TOO_DEEP, ""});
+        } catch (const std::bad_alloc&) {
+            stop_without_memory();
+        }
+    }
 }
 
 void XMLCALL CheckedParser::end_entities(void* parser) {
@@ -85,22 +74,36 @@ void CheckedParser::stop() {
     XML_StopParser(expat(), XML_FALSE);
 }
 
+void CheckedParser::stop(Problem problem) {
+    problem_ = std::move(problem);
+    stop();
+}
+
+void CheckedParser::stop_without_memory() {
+    has_no_memory_ = true;
+    stop();
+}
+
+Place CheckedParser::place() const {
+    Place place;
+    place.file = shown_name_;
+    place.line = line_of_event(expat());
+    place.column = column_of_event(expat());
+    return place;
+}
+
 Done CheckedParser::parse(const std::string& file, const std::string& shown_name) {
+    shown_name_ = shown_name;
     Result<ByteSource> source = ByteSource::open(file);
     if (!source) return source.problem();
     const Result<XML_Status> status = feed(expat(), *source);
     if (!status) return status.problem();
-    if (depth_ == EntityDepth::NO_MEMORY) throw std::bad_alloc();
-    if (*status == XML_STATUS_OK || is_stopped_) return {};
-    const bool is_too_deep = depth_ == EntityDepth::TOO_DEEP;
-    if (!is_too_deep && XML_GetErrorCode(expat()) == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-    Place place;
-    place.file = shown_name;
-    place.line = current_line(expat());
-    place.column = current_column(expat()) + 1;
-    return Problem{
-        Cause::document, place,
-        is_too_deep ? ENTITIES_NEST_TOO_DEEP : XML_ErrorString(XML_GetErrorCode(expat())), ""};
+    if (has_no_memory_) throw std::bad_alloc();
+    if (is_stopped_) return problem_;
+    if (*status == XML_STATUS_OK) return {};
+    const XML_Error error = XML_GetErrorCode(expat());
+    if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+    return Problem{Cause::document, place(), XML_ErrorString(error), ""};
 }
 
 }  // namespace conversion

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "conversion/documents/expat_position.h"
 #include "conversion/problem.h"
 #include "host/entities/entity_depth.h"
 
@@ -27,11 +28,20 @@ class CheckedParser {
     static void* owner(void* parser) { return of(parser).owner_; }
     static CheckedParser& of(void* parser);
 
-    // Ends parse() before the end of the document, without a problem. For handlers.
+    // For handlers, through which nothing may be thrown: they end parse() before the end of the
+    // document, without a problem, with one, or with std::bad_alloc. Expat may still call the
+    // handler of the end tag of an element without content: see is_stopped().
     void stop();
+    void stop(Problem problem);
+    void stop_without_memory();
+    bool is_stopped() const { return is_stopped_; }
+    // Where the present event stands: the document's name as shown, line and column.
+    Place place() const;
+
     // Parses the document in a file to its end. A problem of Cause::document, with line and column,
     // when it is not well-formed, not complete, or refused for entities that nest too deep; another
-    // when it cannot be read. `shown_name` is what problems call it. Throws std::bad_alloc.
+    // when it cannot be read, or when a handler stopped with one. `shown_name` is what problems
+    // call the document. Throws std::bad_alloc.
     Done parse(const std::string& file, const std::string& shown_name);
 
   private:
@@ -43,9 +53,11 @@ class CheckedParser {
 
     std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
     void* owner_;
+    std::string shown_name_;
     EntityReferences entities_{};
-    EntityDepth depth_ = EntityDepth::ALLOWED;
-    bool is_stopped_ = false;
+    bool is_stopped_ = false;  // by a handler, its own or the caller's
+    bool has_no_memory_ = false;
+    Done problem_;  // of the handler that stopped
 };
 
 }  // namespace conversion

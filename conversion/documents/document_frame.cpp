@@ -15,16 +15,6 @@ namespace {
 
 constexpr std::uint64_t PIECE = std::uint64_t{1} << 16;
 
-#ifdef SXML_HAS_XML_GetCurrentByteIndex64
-std::uint64_t byte_index(XML_Parser parser) {
-    return static_cast<std::uint64_t>(XML_GetCurrentByteIndex64(parser));
-}
-#else
-std::uint64_t byte_index(XML_Parser parser) {
-    return static_cast<std::uint64_t>(XML_GetCurrentByteIndex(parser));
-}
-#endif
-
 struct Walk {
     DocumentFrame frame;
     const AfterChild& after_child;
@@ -35,11 +25,8 @@ Walk& walk_of(void* parser) {
     return *static_cast<Walk*>(CheckedParser::owner(parser));
 }
 
-// Where the present event begins and ends. Within an entity that is the reference to it.
 ByteRange event_range(void* parser) {
-    auto* const expat = static_cast<XML_Parser>(parser);
-    const std::uint64_t begin = byte_index(expat);
-    return {begin, begin + static_cast<std::uint64_t>(XML_GetCurrentByteCount(expat))};
+    return bytes_of_event(static_cast<XML_Parser>(parser));
 }
 
 void XMLCALL declare(void* parser, const XML_Char*, const XML_Char* encoding, int) {

@@ -6,16 +6,11 @@
 #include <functional>
 #include <string>
 
+#include "conversion/documents/expat_position.h"
 #include "conversion/formats/byte_sink.h"
 #include "conversion/problem.h"
 
 namespace conversion {
-
-// Bytes of a file, from 0; `end` is the first one that does not belong to them.
-struct ByteRange {
-    std::uint64_t begin = 0;
-    std::uint64_t end = 0;
-};
 
 struct DocumentFrame {
     std::uint64_t children = 0;      // of the document element; several in one entity count as one

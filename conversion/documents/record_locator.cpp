@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "conversion/documents/expat_position.h"
 #include "conversion/texts/utf8.h"
 #include "platform/paths.h"
 
@@ -59,8 +60,7 @@ struct RecordLocator::Search {
     bool is_suspended = false;
     bool is_over = false;            // the end, or what cannot be parsed
     std::vector<Position> elements;  // of the wanted record
-    std::int64_t begin = 0;
-    std::int64_t end = 0;
+    ByteRange bytes;                 // of it; the end is 0 until that is found
 
     static Search& of(void* user) { return *static_cast<Search*>(user); }
     bool is_in_wanted_record() const { return depth > 1 && record == wanted; }
@@ -69,9 +69,8 @@ struct RecordLocator::Search {
         Search& self = of(user);
         if (++self.depth == 2) ++self.record;
         if (!self.is_in_wanted_record()) return;
-        if (self.depth == 2) self.begin = XML_GetCurrentByteIndex(self.parser);
-        self.elements.push_back(
-            {XML_GetCurrentLineNumber(self.parser), XML_GetCurrentColumnNumber(self.parser) + 1});
+        if (self.depth == 2) self.bytes.begin = bytes_of_event(self.parser).begin;
+        self.elements.push_back({line_of_event(self.parser), column_of_event(self.parser)});
     }
 
     static void XMLCALL finish(void* user, const XML_Char*) {
@@ -79,7 +78,7 @@ struct RecordLocator::Search {
         const bool is_end = self.depth == 2 && self.is_in_wanted_record();
         --self.depth;
         if (!is_end) return;
-        self.end = XML_GetCurrentByteIndex(self.parser) + XML_GetCurrentByteCount(self.parser);
+        self.bytes.end = bytes_of_event(self.parser).end;
         XML_StopParser(self.parser, XML_TRUE);
     }
 
@@ -114,13 +113,13 @@ RecordLocator::~RecordLocator() = default;
 // True when the whole record has been found.
 bool RecordLocator::seek(std::uint64_t record) {
     Search& search = *search_;
-    if (search.wanted == record) return search.end > 0;
+    if (search.wanted == record) return search.bytes.end > 0;
     if (record < search.wanted) return false;
     search.wanted = record;
     search.elements.clear();
-    search.end = 0;
-    while (search.end == 0 && (search.is_suspended || !search.is_over)) search.go_on();
-    return search.end > 0;
+    search.bytes.end = 0;
+    while (search.bytes.end == 0 && (search.is_suspended || !search.is_over)) search.go_on();
+    return search.bytes.end > 0;
 }
 
 std::optional<RecordLocator::Position> RecordLocator::position(std::uint64_t record,
@@ -136,8 +135,9 @@ std::optional<RecordLocator::Position> RecordLocator::position(std::uint64_t rec
 std::string RecordLocator::text(std::uint64_t record) {
     if (!seek(record)) return {};
     std::ifstream input(platform::path_of(search_->file), std::ios::binary);
-    std::string bytes(static_cast<std::size_t>(search_->end - search_->begin), '\0');
-    input.seekg(search_->begin);
+    const ByteRange range = search_->bytes;
+    std::string bytes(static_cast<std::size_t>(range.end - range.begin), '\0');
+    input.seekg(static_cast<std::streamoff>(range.begin));
     input.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<std::size_t>(input.gcount()));
     const bool is_big = bytes.starts_with(std::string("\0<", 2));

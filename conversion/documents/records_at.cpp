@@ -1,15 +1,13 @@
 // A document whose records are the elements at a path: everything else becomes spaces, so that what
 // is left stands where it stood.
 
-#include <expat.h>
-
 #include <algorithm>
-#include <memory>
+#include <limits>
 #include <new>
 #include <string_view>
 #include <vector>
 
-#include "conversion/documents/document_check.h"
+#include "conversion/documents/checked_parser.h"
 #include "conversion/documents/document_source.h"
 #include "conversion/formats/byte_sink.h"
 #include "conversion/formats/byte_source.h"
@@ -84,46 +82,27 @@ class PartialCopy {
 // One run over a document.
 class RecordsAt {
   public:
-    RecordsAt(const std::string& path, const std::string& shown_name, PartialCopy& copy)
-        : steps_(steps_of(path)),
-          path_(path),
-          shown_name_(shown_name),
-          copy_(copy),
-          parser_(XML_ParserCreate(nullptr), &XML_ParserFree) {
-        if (!parser_) throw std::bad_alloc();
-        XML_SetUserData(parser_.get(), this);
-        XML_SetElementHandler(parser_.get(), &start, &finish);
+    RecordsAt(const std::string& path, PartialCopy& copy)
+        : steps_(steps_of(path)), path_(path), copy_(copy), parser_(this) {
+        XML_SetElementHandler(parser_.expat(), &start, &finish);
     }
 
-    // The document is well-formed.
-    Done run(ByteSource& source) {
-        std::vector<std::uint8_t> piece(PIECE);
-        std::uint64_t size = 0;
-        for (bool is_last = false; !is_last && !problem_;) {
-            const Result<std::size_t> count = source.read(piece.data(), piece.size());
-            if (!count) return count.problem();
-            size += *count;
-            is_last = *count < piece.size();
-            const auto* text = reinterpret_cast<const char*>(piece.data());
-            const XML_Status status = XML_Parse(parser_.get(), text, static_cast<int>(*count),
-                                                is_last ? XML_TRUE : XML_FALSE);
-            if (is_out_of_memory_) throw std::bad_alloc();
-            if (status == XML_STATUS_OK || problem_) continue;
-            stop(XML_ErrorString(XML_GetErrorCode(parser_.get())), "");
-        }
-        if (problem_) return problem_;
+    Done run(const DocumentSource& document) {
+        if (Done problem = parser_.parse(document.file(), document.name())) return problem;
         if (records_ == 0) {
             Place place;
-            place.file = shown_name_;
+            place.file = document.name();
             return Problem{Cause::document, std::move(place), "there is no element at " + path_,
                            "give the names from the document element on, as in orders/page/order; "
                            "`sxml tree` shows them"};
         }
-        return copy_.copy(size, PartialCopy::As::it_is);
+        return copy_.copy(std::numeric_limits<std::uint64_t>::max(), PartialCopy::As::it_is);
     }
 
   private:
-    static RecordsAt& of(void* user) { return *static_cast<RecordsAt*>(user); }
+    static RecordsAt& of(void* parser) {
+        return *static_cast<RecordsAt*>(CheckedParser::owner(parser));
+    }
 
     static void XMLCALL start(void* user, const XML_Char* name, const XML_Char**) {
         RecordsAt& self = of(user);
@@ -132,7 +111,7 @@ class RecordsAt {
             self.matching_ == depth && depth < self.steps_.size() && self.steps_[depth] == name;
         if (is_on_path) ++self.matching_;
         if (depth == 0) {
-            self.copy(self.end_of_event(), PartialCopy::As::it_is);
+            self.copy(self.event().end, PartialCopy::As::it_is);
         } else if (is_on_path && self.matching_ == self.steps_.size()) {
             self.begin_record();
         }
@@ -144,15 +123,14 @@ class RecordsAt {
             return stop("the records come from an entity, of which no part can be taken",
                         "replace entities first, as `xmllint --noent` does");
         }
-        copy(static_cast<std::uint64_t>(XML_GetCurrentByteIndex(parser_.get())),
-             PartialCopy::As::spaces);
+        copy(event().begin, PartialCopy::As::spaces);
     }
 
     // What comes from an entity stands where the reference to it stands.
     bool is_of_entity() const {
         int offset = 0;
         int size = 0;
-        const char* text = XML_GetInputContext(parser_.get(), &offset, &size);
+        const char* text = XML_GetInputContext(parser_.expat(), &offset, &size);
         if (text == nullptr || offset + 1 >= size) return false;
         return text[offset] == '&' || (text[offset] == '\0' && text[offset + 1] == '&');
     }
@@ -163,47 +141,35 @@ class RecordsAt {
         const bool is_record = depth + 1 == self.steps_.size() && self.matching_ == depth + 1;
         if (self.matching_ == depth + 1) self.matching_ = depth;
         if (depth == 0) {
-            self.copy(static_cast<std::uint64_t>(XML_GetCurrentByteIndex(self.parser_.get())),
-                      PartialCopy::As::spaces);
+            self.copy(self.event().begin, PartialCopy::As::spaces);
         } else if (is_record) {
-            self.copy(self.end_of_event(), PartialCopy::As::it_is);
+            self.copy(self.event().end, PartialCopy::As::it_is);
         }
     }
 
-    std::uint64_t end_of_event() const {
-        return static_cast<std::uint64_t>(XML_GetCurrentByteIndex(parser_.get()) +
-                                          XML_GetCurrentByteCount(parser_.get()));
-    }
+    ByteRange event() const { return bytes_of_event(parser_.expat()); }
 
-    // Nothing may be thrown through Expat.
+    // Nothing may be thrown through Expat, which may go on for a call after it was stopped.
     void copy(std::uint64_t end, PartialCopy::As as) {
+        if (parser_.is_stopped()) return;
         try {
-            problem_ = copy_.copy(end, as);
+            if (Done problem = copy_.copy(end, as)) parser_.stop(*std::move(problem));
         } catch (const std::bad_alloc&) {
-            is_out_of_memory_ = true;
+            parser_.stop_without_memory();
         }
-        if (problem_ || is_out_of_memory_) XML_StopParser(parser_.get(), XML_FALSE);
     }
 
     void stop(std::string what, std::string remedy) {
-        Place place;
-        place.file = shown_name_;
-        place.line = XML_GetCurrentLineNumber(parser_.get());
-        place.column = XML_GetCurrentColumnNumber(parser_.get()) + 1;
-        problem_ = Problem{Cause::document, std::move(place), std::move(what), std::move(remedy)};
-        XML_StopParser(parser_.get(), XML_FALSE);
+        parser_.stop({Cause::document, parser_.place(), std::move(what), std::move(remedy)});
     }
 
     std::vector<std::string> steps_;
     const std::string& path_;
-    const std::string& shown_name_;
     PartialCopy& copy_;
-    std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
+    CheckedParser parser_;
     std::size_t depth_ = 0;
     std::size_t matching_ = 0;  // steps that the open elements are
     std::uint64_t records_ = 0;
-    Done problem_;
-    bool is_out_of_memory_ = false;
 };
 
 }  // namespace
@@ -215,18 +181,15 @@ Result<DocumentSource> DocumentSource::with_records_at(const std::string& path) 
                        "--record: " + path + " is not a path to records",
                        "give the names from the document element on, as in orders/page/order"};
     }
-    if (Done problem = check_document(file_, name_)) return *problem;
     Result<DocumentSource> reduced = empty_copy(name_);
     if (!reduced) return reduced;
-    Result<ByteSource> parsed = ByteSource::open(file_);
     Result<ByteSource> copied = ByteSource::open(file_);
     Result<ByteSink> sink =
         ByteSink::open(reduced->file(), "the copy of " + name_ + " for its records");
-    if (!parsed) return parsed.problem();
     if (!copied) return copied.problem();
     if (!sink) return sink.problem();
     PartialCopy copy(*copied, *sink);
-    if (Done problem = RecordsAt(path, name_, copy).run(*parsed)) return *problem;
+    if (Done problem = RecordsAt(path, copy).run(*this)) return *problem;
     if (Done problem = sink->close()) return *problem;
     return reduced;
 }

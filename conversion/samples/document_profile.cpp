@@ -1,21 +1,16 @@
 #include "conversion/samples/document_profile.h"
 
-#include <expat.h>
-
 #include <algorithm>
-#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
 
-#include "conversion/documents/document_check.h"
-#include "conversion/formats/byte_source.h"
+#include "conversion/documents/checked_parser.h"
 
 namespace conversion {
 
 namespace {
 
-constexpr std::size_t PIECE = std::size_t{1} << 16;
 constexpr int MOST_DIGITS = 18;  // in one number; every COBOL takes as many
 
 bool is_digit(char c) {
@@ -92,17 +87,14 @@ std::string path_of(const ElementProfile& element) {
 // One document, as Expat tells of it.
 class ProfileReader {
   public:
-    ProfileReader(DocumentProfile& profile, const std::string& shown_name)
-        : profile_(profile),
-          shown_name_(shown_name),
-          parser_(XML_ParserCreate(nullptr), &XML_ParserFree) {
-        if (!parser_) throw std::bad_alloc();
-        XML_SetUserData(parser_.get(), this);
-        XML_SetElementHandler(parser_.get(), &start, &finish);
-        XML_SetCharacterDataHandler(parser_.get(), &text);
+    explicit ProfileReader(DocumentProfile& profile) : profile_(profile), parser_(this) {
+        XML_SetElementHandler(parser_.expat(), &start, &finish);
+        XML_SetCharacterDataHandler(parser_.expat(), &text);
     }
 
-    Done read(const std::string& file);
+    Done read(const std::string& file, const std::string& shown_name) {
+        return parser_.parse(file, shown_name);
+    }
 
   private:
     // An element that is open, and the text in it so far.
@@ -117,7 +109,9 @@ class ProfileReader {
         std::uint64_t trimmed_characters = 0;
     };
 
-    static ProfileReader& of(void* user) { return *static_cast<ProfileReader*>(user); }
+    static ProfileReader& of(void* parser) {
+        return *static_cast<ProfileReader*>(CheckedParser::owner(parser));
+    }
     static void XMLCALL start(void* user, const XML_Char* name, const XML_Char** attributes);
     static void XMLCALL finish(void* user, const XML_Char*);
     static void XMLCALL text(void* user, const XML_Char* text, int length);
@@ -126,48 +120,38 @@ class ProfileReader {
     ElementProfile* child(Open& around, const std::string& name);
     void close();
     void add_text(Open& open, std::string_view text) const;
-    Place place() const;
-    void stop(std::string what, std::string remedy);
+    void stop(std::string what, std::string remedy) {
+        parser_.stop({Cause::document, parser_.place(), std::move(what), std::move(remedy)});
+    }
 
     DocumentProfile& profile_;
-    const std::string& shown_name_;
-    std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
+    CheckedParser parser_;
     std::vector<Open> open_;
-    Done problem_;
-    bool is_out_of_memory_ = false;
 };
-
-Place ProfileReader::place() const {
-    Place place;
-    place.file = shown_name_;
-    place.line = XML_GetCurrentLineNumber(parser_.get());
-    place.column = XML_GetCurrentColumnNumber(parser_.get()) + 1;
-    return place;
-}
-
-void ProfileReader::stop(std::string what, std::string remedy) {
-    problem_ = Problem{Cause::document, place(), std::move(what), std::move(remedy)};
-    XML_StopParser(parser_.get(), XML_FALSE);
-}
 
 // Nothing may be thrown through Expat.
 void XMLCALL ProfileReader::start(void* user, const XML_Char* name, const XML_Char** attributes) {
     ProfileReader& self = of(user);
     try {
         self.open(name);
-        if (self.problem_) return;
+        if (self.parser_.is_stopped()) return;
         Place& first = self.open_.back().element->attributes;
         for (; *attributes != nullptr && first.line == 0; attributes += 2) {
-            if (is_data(*attributes)) first = self.place();
+            if (is_data(*attributes)) first = self.parser_.place();
         }
     } catch (const std::bad_alloc&) {
-        self.is_out_of_memory_ = true;
-        XML_StopParser(self.parser_.get(), XML_FALSE);
+        self.parser_.stop_without_memory();
     }
 }
 
 void XMLCALL ProfileReader::finish(void* user, const XML_Char*) {
-    of(user).close();
+    ProfileReader& self = of(user);
+    if (self.parser_.is_stopped()) return;
+    try {
+        self.close();
+    } catch (const std::bad_alloc&) {
+        self.parser_.stop_without_memory();
+    }
 }
 
 void XMLCALL ProfileReader::text(void* user, const XML_Char* text, int length) {
@@ -175,8 +159,7 @@ void XMLCALL ProfileReader::text(void* user, const XML_Char* text, int length) {
     try {
         self.add_text(self.open_.back(), {text, static_cast<std::size_t>(length)});
     } catch (const std::bad_alloc&) {
-        self.is_out_of_memory_ = true;
-        XML_StopParser(self.parser_.get(), XML_FALSE);
+        self.parser_.stop_without_memory();
     }
 }
 
@@ -247,7 +230,7 @@ void ProfileReader::add_text(Open& open, std::string_view text) const {
 void ProfileReader::close() {
     Open& open = open_.back();
     if (open.has_children && open.trimmed_bytes > 0) {
-        if (open.element->mixed.line == 0) open.element->mixed = place();
+        if (open.element->mixed.line == 0) open.element->mixed = parser_.place();
     } else {
         const std::string_view head(open.head);
         open.element->text.add(head.substr(0, open.trimmed_bytes), open.trimmed_bytes,
@@ -256,28 +239,8 @@ void ProfileReader::close() {
     open_.pop_back();
 }
 
-Done ProfileReader::read(const std::string& file) {
-    Result<ByteSource> source = ByteSource::open(file);
-    if (!source) return source.problem();
-    std::vector<std::uint8_t> piece(PIECE);
-    for (bool is_last = false; !is_last;) {
-        const Result<std::size_t> count = source->read(piece.data(), piece.size());
-        if (!count) return count.problem();
-        is_last = *count < piece.size();
-        const XML_Status status =
-            XML_Parse(parser_.get(), reinterpret_cast<const char*>(piece.data()),
-                      static_cast<int>(*count), is_last ? XML_TRUE : XML_FALSE);
-        if (is_out_of_memory_) throw std::bad_alloc();
-        if (status == XML_STATUS_OK) continue;
-        if (!problem_) stop(XML_ErrorString(XML_GetErrorCode(parser_.get())), "");
-        return problem_;
-    }
-    return {};
-}
-
 Done DocumentProfile::add(const std::string& file, const std::string& shown_name) {
-    if (Done problem = check_document(file, shown_name)) return problem;
-    return ProfileReader(*this, shown_name).read(file);
+    return ProfileReader(*this).read(file, shown_name);
 }
 
 }  // namespace conversion

@@ -244,6 +244,12 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
         EXPECT_NE(outcome.err.find(loss.said), std::string::npos) << outcome.err;
         EXPECT_EQ(read_file("s.xml"), document);
     }
+    write_file("other.xml", "<other/>");
+    write_file("s.xml", "<a><r><b>x</b></r></a>");
+    const Outcome outcome = sxml({"copybook", "s.xml", "other.xml"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("other.xml:1:1: the document element is other"), std::string::npos)
+        << outcome.err;
 }
 
 // Several samples make one copybook.

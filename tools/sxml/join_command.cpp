@@ -29,9 +29,16 @@ struct Part {
     std::string bytes(conversion::ByteRange range) const {
         return value_of(conversion::bytes_of(source.file(), range));
     }
-    // What comes after the last record, in the document element and after it.
-    std::string inner_end() const { return bytes({frame.children_end, frame.end_tag}); }
-    std::string outer_end() const { return bytes({frame.end_tag, frame.size}); }
+};
+
+// What comes after a document's last record, in the document element and after that.
+struct Ending {
+    explicit Ending(const Part& part)
+        : inner(part.bytes({part.frame.children_end, part.frame.end_tag})),
+          outer(part.bytes({part.frame.end_tag, part.frame.size})) {}
+
+    std::string inner;
+    std::string outer;
 };
 
 bool is_blank(const std::string& text) {
@@ -85,16 +92,20 @@ std::vector<Part> read_parts(const JoinOptions& options) {
     return parts;
 }
 
-// The records of a part and what else its document element holds after them, unless that is blank
-// or stands at the end of the joined document anyway.
-void write_records(const Part& part, const Part& around, conversion::ByteSink& sink) {
-    const conversion::DocumentFrame& frame = part.frame;
-    check(conversion::copy_bytes(part.source.file(), {frame.tag.end, frame.children_end}, sink));
-    if (&part == &around || frame.is_empty_tag) return;
-    const std::string end = part.inner_end();
-    if (!is_blank(end) && end != around.inner_end()) check(sink.write(end.data(), end.size()));
-    const std::string rest = part.outer_end();
-    if (rest != around.outer_end() && rest.find('<', 2) != std::string::npos) {
+// The records of a part.
+void write_records(const Part& part, conversion::ByteSink& sink) {
+    const conversion::ByteRange records = {part.frame.tag.end, part.frame.children_end};
+    check(conversion::copy_bytes(part.source.file(), records, sink));
+}
+
+// What a part's document element holds after its records, unless that is blank or stands at the end
+// of the joined document anyway.
+void write_ending(const Part& part, const Ending& around, conversion::ByteSink& sink) {
+    const Ending own(part);
+    if (!is_blank(own.inner) && own.inner != around.inner) {
+        check(sink.write(own.inner.data(), own.inner.size()));
+    }
+    if (own.outer != around.outer && own.outer.find('<', 2) != std::string::npos) {
         warn(part.source.name() + ": what stands after the document element is left out");
     }
 }
@@ -112,7 +123,11 @@ void join(const JoinOptions& options) {
     AtomicOutput output(options.out);
     conversion::ByteSink sink = output.open();
     check(conversion::copy_bytes(around.source.file(), {0, around.frame.tag.end}, sink));
-    for (const Part& part : parts) write_records(part, around, sink);
+    const Ending ending(around);
+    for (const Part& part : parts) {
+        write_records(part, sink);
+        if (!part.frame.is_empty_tag) write_ending(part, ending, sink);
+    }
     check(conversion::copy_bytes(around.source.file(),
                                  {around.frame.children_end, around.frame.size}, sink));
     check(sink.close());
