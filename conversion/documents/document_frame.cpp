@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "conversion/documents/checked_parser.h"
+#include "platform/paths.h"
 
 namespace conversion {
 
@@ -64,7 +65,7 @@ void XMLCALL finish(void* parser, const XML_Char*) {
 // Hands the bytes of a range to `take`, piece by piece, until that has a problem.
 template <class Take>
 Done for_pieces(const std::string& file, ByteRange range, const Take& take) {
-    std::ifstream input(file, std::ios::binary);
+    std::ifstream input(platform::path_of(file), std::ios::binary);
     if (!input) return system_problem(file, errno);
     input.seekg(static_cast<std::streamoff>(range.begin));
     std::vector<char> piece(PIECE);
@@ -88,7 +89,7 @@ Done for_pieces(const std::string& file, ByteRange range, const Take& take) {
 Result<DocumentFrame> frame_of(const std::string& file, const std::string& shown_name,
                                const AfterChild& after_child) {
     std::error_code error;
-    const std::uint64_t size = std::filesystem::file_size(file, error);
+    const std::uint64_t size = std::filesystem::file_size(platform::path_of(file), error);
     if (error) return system_problem(shown_name, error.value());
     Walk walk{.frame = {}, .after_child = after_child};
     walk.frame.size = size;

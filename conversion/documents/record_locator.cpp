@@ -42,7 +42,9 @@ std::string utf8_of_utf16(const std::string& bytes, bool is_big_endian) {
 
 struct RecordLocator::Search {
     explicit Search(std::string name)
-        : file(std::move(name)), input(file, std::ios::binary), parser(XML_ParserCreate(nullptr)) {
+        : file(std::move(name)),
+          input(platform::path_of(file), std::ios::binary),
+          parser(XML_ParserCreate(nullptr)) {
         if (parser == nullptr) throw std::bad_alloc();
     }
     ~Search() { XML_ParserFree(parser); }

@@ -55,7 +55,7 @@ class PartialCopy {
     // UTF-16 shows in the first character, which is '<' or a byte order mark.
     void note_units(std::size_t count) {
         if (count < 2) return;
-        is_wide_ = piece_[0] == 0 || piece_[1] == 0 || (piece_[0] | piece_[1]) == 0xFF;
+        is_wide_ = piece_[0] == 0 || piece_[1] == 0 || piece_[0] >= 0xFE;  // no UTF-8 begins so
         is_big_endian_ = piece_[0] == 0 || piece_[0] == 0xFE;
     }
 

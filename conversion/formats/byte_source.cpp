@@ -38,7 +38,11 @@ ByteSource::ByteSource(std::string name, int descriptor)
     : name_(std::move(name)), descriptor_(descriptor) {}
 
 ByteSource::ByteSource(ByteSource&& other) noexcept
-    : name_(std::move(other.name_)), descriptor_(std::exchange(other.descriptor_, -1)) {}
+    : name_(std::move(other.name_)),
+      descriptor_(std::exchange(other.descriptor_, -1)),
+      offset_(other.offset_),
+      ahead_(std::move(other.ahead_)),
+      left_out_at_end_(other.left_out_at_end_) {}
 
 ByteSource::~ByteSource() {
     if (descriptor_ > platform::STANDARD_ERROR) platform::close_descriptor(descriptor_);

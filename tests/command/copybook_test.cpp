@@ -290,8 +290,9 @@ TEST_F(CommandTest, TakesRecordsAtAPath) {
               0);
     ASSERT_EQ(run({"iconv", "-f", "utf-8", "-t", "utf-16be", "utf-8.xml"}, "", "big.xml").status,
               0);
+    write_file("marked.xml", "\xEF\xBB\xBF" + document);
     write_file("n.cpy", "       01  R.\n      *> sxml: name id\n           05  ID-NO PIC 9.\n");
-    for (const std::string file : {"utf-8.xml", "utf-16.xml", "big.xml"}) {
+    for (const std::string file : {"utf-8.xml", "marked.xml", "utf-16.xml", "big.xml"}) {
         SCOPED_TRACE(file);
         const Outcome read =
             sxml({"from-xml", file, "-", "--layout", "n.cpy", "--record", "orders/page/order"});

@@ -132,6 +132,26 @@ TEST_F(SplitTest, WhatIsNotOfOneDescriptionIsNotJoined) {
     EXPECT_EQ(outcome.err,
               "sxml: warning: b.xml: what stands after the document element is left out\n");
     EXPECT_EQ(sxml({"join", "a.xml", "b.xml", "-o", "b.xml"}).status, 2);
+    write_file("b.xml", "<!DOCTYPE a []><a b='1'/><!-- lost -->");
+    EXPECT_EQ(sxml({"join", "a.xml", "b.xml", "-o", "-"}).err,
+              "sxml: warning: b.xml: what stands after the document element is left out\n");
+}
+
+// Under whatever name they are read.
+TEST_F(SplitTest, NoDocumentIsWrittenOver) {
+    const std::string document = "<a><r/></a>";
+    write_file("e-1.xml", document);
+    write_file("c.cpy", "01 R PIC X.\n");
+    for (const std::string line :
+         {"split e-1 --output e --parts 1", "join e-1 e-1 --output e-1.xml",
+          "from-xml e-1 e-1.xml --layout c.cpy", "from-xml - e-1.xml --layout c.cpy <e-1.xml",
+          "copybook - --output e-1.xml <e-1.xml", "tree e-1 >>e-1.xml",
+          "check e-1 -l c.cpy >>e-1.xml"}) {
+        const Outcome outcome = run({"bash", "-c", SXML_BUILD_DIR "/bin/sxml " + line});
+        EXPECT_EQ(outcome.status, 2) << line << outcome.err;
+        EXPECT_NE(outcome.err.find("they are one file"), std::string::npos) << outcome.err;
+        EXPECT_EQ(read_file("e-1.xml"), document) << line;
+    }
 }
 
 TEST_F(SplitTest, WhatCannotBeMeantIsRefused) {

@@ -192,7 +192,7 @@ void check_file(const CheckOptions& options) {
     load_module();
     apply_settings(options.layout.settings);
     const DocumentSource source = value_of(DocumentSource::open(options.file));
-    files.reads(options.file);
+    files.reads_document(options.file, source);
     files.writes("-");
     Check check(options, source, files);
     const bool is_document =

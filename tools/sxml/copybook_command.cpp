@@ -52,7 +52,7 @@ void make_copybook(CopybookOptions& options) {
     conversion::DocumentProfile profile;
     for (const std::string& name : options.samples) {
         const auto document = value_of(conversion::DocumentSource::open(name));
-        files.reads(document.file());
+        files.reads_document(name, document);
         const auto reduced = options.path.empty()
                                  ? std::nullopt
                                  : std::optional(value_of(document.with_records_at(options.path)));

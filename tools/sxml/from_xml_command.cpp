@@ -91,7 +91,7 @@ void convert_from_xml(const FromXmlOptions& options) {
     load_module();
     apply_settings(options.layout.settings);
     const auto document = value_of(conversion::DocumentSource::open(options.xml));
-    files.reads(document.file());
+    files.reads_document(options.xml, document);
     const auto reduced = options.path.empty()
                              ? std::nullopt
                              : std::optional(value_of(document.with_records_at(options.path)));

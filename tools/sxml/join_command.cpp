@@ -80,10 +80,11 @@ void check_alike(const Part& first, const Likeness& wanted, const Part& part) {
     if (likeness.tag != wanted.tag) differ("the start tag of the document element");
 }
 
-std::vector<Part> read_parts(const JoinOptions& options) {
+std::vector<Part> read_parts(const JoinOptions& options, RunFiles& files) {
     std::vector<Part> parts;
     for (const std::string& name : options.parts) {
         auto source = value_of(conversion::DocumentSource::open(name));
+        files.reads_document(name, source);
         const auto frame = value_of(conversion::frame_of(source.file(), source.name()));
         parts.push_back({std::move(source), frame});
     }
@@ -102,20 +103,20 @@ void write_records(const Part& part, conversion::ByteSink& sink) {
 // of the joined document anyway.
 void write_ending(const Part& part, const Ending& around, conversion::ByteSink& sink) {
     const Ending own(part);
-    if (!is_blank(own.inner) && own.inner != around.inner) {
+    if (!part.frame.is_empty_tag && !is_blank(own.inner) && own.inner != around.inner) {
         check(sink.write(own.inner.data(), own.inner.size()));
     }
-    if (own.outer != around.outer && own.outer.find('<', 2) != std::string::npos) {
+    if (own.outer != around.outer &&
+        own.outer.find('<', part.frame.is_empty_tag ? 0 : 2) != own.outer.npos) {
         warn(part.source.name() + ": what stands after the document element is left out");
     }
 }
 
 void join(const JoinOptions& options) {
     RunFiles files;
-    for (const std::string& name : options.parts) files.reads(name);
     files.writes(options.out);
+    const std::vector<Part> parts = read_parts(options, files);
     files.check();
-    const std::vector<Part> parts = read_parts(options);
     // The first one that has both tags gives what stands around the records.
     const auto found =
         std::ranges::find_if(parts, [](const Part& part) { return !part.frame.is_empty_tag; });
@@ -126,7 +127,7 @@ void join(const JoinOptions& options) {
     const Ending ending(around);
     for (const Part& part : parts) {
         write_records(part, sink);
-        if (!part.frame.is_empty_tag) write_ending(part, ending, sink);
+        if (&part != &around) write_ending(part, ending, sink);
     }
     check(conversion::copy_bytes(around.source.file(),
                                  {around.frame.children_end, around.frame.size}, sink));

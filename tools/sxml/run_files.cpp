@@ -51,6 +51,10 @@ void RunFiles::reads(const std::string& name) {
     }
 }
 
+void RunFiles::reads_document(const std::string& name, const conversion::DocumentSource& source) {
+    reads(name == "-" ? name : source.file());
+}
+
 void RunFiles::writes(const std::string& name) {
     if (name == "-") {
         outputs_.push_back(

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "conversion/documents/document_source.h"
 #include "platform/files.h"
 
 namespace command {
@@ -17,6 +18,8 @@ class RunFiles {
 
     // "-" is standard input. Addresses on the web and what does not exist do not matter.
     void reads(const std::string& name);
+    // A document that was asked for by `name`: standard input itself for "-", else the file found.
+    void reads_document(const std::string& name, const conversion::DocumentSource& source);
     // "-" is standard output.
     void writes(const std::string& name);
     // Throws Failure (wrong usage), naming both, when an output is a file that is read, or when two

@@ -8,6 +8,7 @@
 
 #include "conversion/documents/document_frame.h"
 #include "conversion/documents/document_source.h"
+#include "platform/paths.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/errors.h"
@@ -86,9 +87,9 @@ std::string stem_of(const SplitOptions& options) {
     if (options.in == "-" || conversion::is_url(options.in)) {
         fail_usage("split: name the parts with --output: the document has no file name of its own");
     }
-    std::filesystem::path path = options.in;
+    std::filesystem::path path = platform::path_of(options.in);
     if (path.extension() == ".xml") path.replace_extension();
-    return path.string();
+    return platform::name_of(path);
 }
 
 void write_part(const std::string& file, const conversion::DocumentFrame& frame,
@@ -106,8 +107,8 @@ void split(SplitOptions options) {
     }
     options.out = stem_of(options);
     RunFiles files;
-    files.reads(options.in);
     const auto input = value_of(conversion::DocumentSource::open(options.in));
+    files.reads_document(options.in, input);
     Cuts cuts(options);
     const conversion::DocumentFrame frame = value_of(
         conversion::frame_of(input.file(), input.name(),
@@ -125,6 +126,7 @@ void split(SplitOptions options) {
         write_part(input.file(), frame, {begin, ends[part]}, *outputs.back());
         begin = ends[part];
     }
+    for (const auto& output : outputs) output->prepare();
     std::string list;
     for (std::size_t part = 0; part < outputs.size(); ++part) {
         outputs[part]->commit();

@@ -23,10 +23,10 @@ void print_tree(const TreeOptions& options) {
     RunFiles files;
     const host::Module& module = load_module();
     const XmlApi api = xml_api(module);
-    files.reads(options.in);
+    const auto input = value_of(conversion::DocumentSource::open(options.in));
+    files.reads_document(options.in, input);
     files.writes("-");
     files.check();
-    const auto input = value_of(conversion::DocumentSource::open(options.in));
     const ParsedDocument document(api, input,
                                   XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA | XMLOPT_XML_DECL);
     using Texts = TreePrinter::Texts;
