@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "conversion/documents/document_check.h"
+#include "gnucobol/copying.h"
 
 namespace gnucobol {
 
@@ -48,20 +49,6 @@ std::string part_of(int descriptor, std::uint64_t offset, std::uint64_t size) {
     const ssize_t count = pread(descriptor, part.data(), size, static_cast<off_t>(offset));
     part.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return part;
-}
-
-bool copy(int from, std::uint64_t begin, std::uint64_t end, int to, std::uint64_t offset) {
-    std::array<char, 65536> part{};
-    while (begin < end) {
-        const std::size_t wanted = std::min<std::uint64_t>(part.size(), end - begin);
-        const ssize_t count = pread(from, part.data(), wanted, static_cast<off_t>(begin));
-        if (count <= 0) return false;
-        const auto size = static_cast<std::size_t>(count);
-        if (pwrite(to, part.data(), size, static_cast<off_t>(offset)) != count) return false;
-        begin += size;
-        offset += size;
-    }
-    return true;
 }
 
 // The length of `wanted` at the beginning of `text`, where the dated comment may differ; nothing
@@ -125,15 +112,14 @@ Result Extension::begin(const std::string& old_document, int target) {
                 "can be added; write it anew"};
     }
     old_size_ = size - end_.size();
-    return copy(old.number(), 0, old_size_, target, 0) ? Result{} : refusal(errno);
+    return copy_part(old.number(), 0, old_size_, target, 0);
 }
 
 Result Extension::append(int target) const {
     const std::uint64_t size = size_of(descriptor_);
     const std::uint64_t whole = begin_size_ + end_.size();
     if (size < whole) return {Status::permanent_error, "the new records are not complete"};
-    const bool is_copied = copy(descriptor_, begin_size_, size, target, old_size_);
-    return is_copied ? Result{} : refusal(errno);
+    return copy_part(descriptor_, begin_size_, size, target, old_size_);
 }
 
 }  // namespace gnucobol

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "gnucobol/copying.h"
 #include "gnucobol/signals.h"
 
 namespace gnucobol {
@@ -28,7 +29,9 @@ bool is_done(const Result& result) {
 // A pipe, a device, or a descriptor under a name, whatever it is of.
 bool is_no_regular_file(const std::string& name) {
     struct stat info {};
-    if (name.starts_with("/dev/") || name.starts_with("/proc/")) return true;
+    // Regular files may be in /dev/shm.
+    if (name.starts_with("/dev/fd/") || name.starts_with("/dev/std")) return true;
+    if (name.starts_with("/proc/")) return true;
     return stat(name.c_str(), &info) == 0 && !S_ISREG(info.st_mode);
 }
 
@@ -60,7 +63,7 @@ bool lock(int descriptor) {
 }
 
 bool is_locked(const std::string& file) {
-    const int descriptor = open(file.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (descriptor < 0) return false;
     struct flock request {};
     request.l_type = F_WRLCK;
@@ -76,18 +79,6 @@ bool is_named(int descriptor, const std::string& name) {
     struct stat named {};
     return fstat(descriptor, &held) == 0 && lstat(name.c_str(), &named) == 0 &&
            held.st_ino == named.st_ino && held.st_dev == named.st_dev;
-}
-
-bool copy(int from, int to, off_t size) {
-    std::array<char, 65536> part{};
-    for (off_t at = 0; at < size;) {
-        const ssize_t count = pread(from, part.data(), part.size(), at);
-        if (count <= 0 || pwrite(to, part.data(), static_cast<std::size_t>(count), at) != count) {
-            return false;
-        }
-        at += count;
-    }
-    return true;
 }
 
 }  // namespace
@@ -169,11 +160,11 @@ Result PrivateDocument::copy_into_place() {
     // Room is found before anything is changed.
     const int error = posix_fallocate(target_lock_, 0, info.st_size);
     if (error != 0) return refusal(error);
-    if (!copy(descriptor_, target_lock_, info.st_size) ||
-        ftruncate(target_lock_, info.st_size) != 0 || fsync(target_lock_) != 0) {
-        return refusal(errno);
-    }
-    return {};
+    const auto size = static_cast<std::uint64_t>(info.st_size);
+    Result copied = copy_part(descriptor_, 0, size, target_lock_, 0);
+    if (!is_done(copied)) return copied;
+    const bool is_kept = ftruncate(target_lock_, info.st_size) == 0 && fsync(target_lock_) == 0;
+    return is_kept ? Result{} : refusal(errno);
 }
 
 Result PrivateDocument::complete() {

@@ -50,16 +50,12 @@ const char* meaning_of(Status status) {
             return "there is no such file";
         case Status::not_permitted:
             return "an XML file cannot be used like this";
-        case Status::locked:
-            return "the file was closed with lock";
         case Status::attributes_differ:
             return "the record description does not fit the program";
         case Status::in_use:
             return "another program, or another file of this one, is writing it";
         case Status::already_open:
             return "the file is open already";
-        case Status::not_open:
-            return "the file is not open";
         case Status::wrong_length:
             return "the record does not have a length that the file's records may have";
         case Status::read_after_end:

@@ -14,7 +14,7 @@ namespace gnucobol {
 namespace {
 
 constexpr std::array<int, 5> POLITE = {SIGINT, SIGHUP, SIGQUIT, SIGTERM, SIGPIPE};
-constexpr std::array<int, 3> FAULTS = {SIGSEGV, SIGBUS, SIGFPE};
+constexpr std::array<int, 5> FAULTS = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
 // A file to remove. Plain arrays, since a handler looks at them.
 struct Slot {

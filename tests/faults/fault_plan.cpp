@@ -24,8 +24,6 @@ Counts own_counts{};
 Counts* counts = &own_counts;
 // The initial-exec model: the first use of the variable must not allocate.
 [[gnu::tls_model("initial-exec")]] thread_local int suspended = 0;
-[[gnu::tls_model("initial-exec")]] thread_local int depth = 0;  // of calls of sxml_extfh
-bool is_within_only = false;
 
 Kind kind_of(std::string_view name) {
     constexpr std::array<std::string_view, 7> names = {"none", "memory", "read", "write",
@@ -69,7 +67,6 @@ const Plan& plan() {
     if (const char* text = std::getenv("SXML_FAULT")) read_plan(text);
     if (const char* page = std::getenv("SXML_FAULT_PAGE")) map_counts(page);
     is_traced = std::getenv("SXML_FAULT_TRACE") != nullptr;
-    is_within_only = std::getenv("SXML_FAULT_WITHIN") != nullptr;
     // Programs that this one starts run undisturbed.
     unsetenv("LD_PRELOAD");
     return the_plan;
@@ -85,7 +82,7 @@ Suspension::~Suspension() {
 
 bool fails(Kind kind) {
     const Plan& wanted = plan();
-    if (wanted.kind != kind || suspended != 0 || (is_within_only && depth == 0)) return false;
+    if (wanted.kind != kind || suspended != 0) return false;
     const std::uint64_t call = std::atomic_ref(counts->calls).fetch_add(1) + 1;
     if (wanted.first == 0 || call < wanted.first) return false;
     if (call > wanted.first && !wanted.goes_on) return false;
@@ -98,13 +95,3 @@ bool fails(Kind kind) {
 }
 
 }  // namespace faults
-
-// The entry that the COBOL runtime calls, around which calls count when only those are wanted.
-extern "C" __attribute__((visibility("default"))) int sxml_extfh(unsigned char* opcode, void* fcd) {
-    using Handler = int (*)(unsigned char*, void*);
-    static const auto handler = reinterpret_cast<Handler>(dlsym(RTLD_NEXT, "sxml_extfh"));
-    ++faults::depth;
-    const int result = handler(opcode, fcd);
-    --faults::depth;
-    return result;
-}

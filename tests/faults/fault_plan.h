@@ -4,7 +4,6 @@
 //   as
 //                     well. KIND is memory, read, write, sync, rename or open; ERRNO is a number.
 //   SXML_FAULT_PAGE   a file of 16 bytes for the two counts of Counts, as they are at the end
-//   SXML_FAULT_WITHIN only calls made inside of sxml_extfh count
 //   SXML_FAULT_TRACE  prints where each failing call stands
 #pragma once
 
@@ -30,7 +29,7 @@ struct Plan {
 const Plan& plan();
 // Counts a call. True when it shall fail.
 bool fails(Kind kind);
-// Counting stops inside, in this thread; false outside of a function that SXML_FAULT_WITHIN names.
+// Counting stops inside, in this thread.
 class Suspension {
   public:
     Suspension();

@@ -148,7 +148,6 @@ class Sweep {
     explicit Sweep(const Program& program) : program_(program), before_(folder_now()) {
         for (const auto& [name, value] : program.settings) setenv(name.c_str(), value.c_str(), 1);
         setenv("SXML_FAULT_PAGE", page_.name().c_str(), 1);
-        if (program.within_handler) setenv("SXML_FAULT_WITHIN", "1", 1);
         normal_ = run(program.words, program.input);
         EXPECT_EQ(normal_.status, 0) << normal_.err;
         after_ = folder_now();
@@ -159,7 +158,6 @@ class Sweep {
     ~Sweep() {
         for (const auto& [name, value] : program_.settings) unsetenv(name.c_str());
         unsetenv("SXML_FAULT_PAGE");
-        unsetenv("SXML_FAULT_WITHIN");
     }
 
     void fail_each(const Fault& fault) {

@@ -12,7 +12,6 @@ struct Program {
     std::vector<std::string> words;                             // the command line
     std::string input;                                          // its standard input
     std::vector<std::pair<std::string, std::string>> settings;  // environment variables
-    bool within_handler = false;      // only calls made while a COBOL file is worked on count
     std::string failure_status = {};  // in what the program displays: it has noticed a failure,
                                       // whatever its exit status
 };

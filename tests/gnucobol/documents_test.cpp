@@ -38,6 +38,7 @@ TEST_F(EndingTest, DocumentsAreCompleteWhenTheProgramEndsAsItMeansTo) {
         {"./ending crash new", false, unchanged},
         {"./ending wait new & sleep 0.3; kill -TERM $!; wait $!", false, unchanged},
         {"./ending wait new & sleep 0.3; kill -HUP $!; wait $!", false, unchanged},
+        {"./ending wait new & sleep 0.3; kill -ABRT $!; wait $!", false, unchanged},
         {"timeout -s INT 0.3 ./ending wait new", false, unchanged},
         {"./ending wait new & sleep 0.3; kill -KILL $!; wait $! 2>/dev/null", false, ""}};
     for (const End& end : ends) {

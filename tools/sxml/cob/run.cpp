@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 #include "platform/temporary_files.h"
@@ -57,8 +58,10 @@ int run_program(const std::vector<std::string>& words, const std::string& errors
     while (waitpid(child, &status, 0) < 0) {
         if (errno != EINTR) fail(words[0] + " cannot be waited for: " + system_error_text(errno));
     }
-    constexpr int BY_SIGNAL = 128;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : BY_SIGNAL + WTERMSIG(status);
+    if (WIFSIGNALED(status)) {
+        fail(words[0] + " was ended by a signal: " + strsignal(WTERMSIG(status)));
+    }
+    return WEXITSTATUS(status);
 }
 
 WorkFolder::WorkFolder() : name_(platform::temporary_folder() + "/sxml-cob-XXXXXX") {

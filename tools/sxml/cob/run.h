@@ -7,7 +7,7 @@
 namespace command::cob {
 
 // Runs a program found on PATH. `errors` names a file for its standard error; empty: ours.
-// Result: its exit status, 128 + n when signal n ended it. Throws Failure when it cannot be run.
+// Result: its exit status. Throws Failure when it cannot be run, or when a signal ends it.
 int run_program(const std::vector<std::string>& words, const std::string& errors = "");
 
 // A new folder, readable for this user alone, which goes with this object and all that is in it.
