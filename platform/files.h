@@ -39,8 +39,8 @@ int empty_file(std::FILE* file);
 int remove_file(const char* name);
 // Gives a file another name, in the place of what has that name. Result: 0 or the error number.
 int rename_file(const char* old_name, const char* new_name);
-// Gives a file the permissions that another one has. Result: 0 or the error number.
-int copy_permissions(const char* from, const char* to);
+// Gives an open file the permissions that another one has. Result: 0 or the error number.
+int copy_permissions(int from, int to);
 // Takes all that is written to it, and holds nothing.
 const char* null_device();
 

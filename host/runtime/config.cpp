@@ -239,8 +239,14 @@ void forget_resolved(std::string_view name) {
     }
 }
 
-void apply_memory_limit() {
+// Without the memory to look it up the limit stays as it was.
+void apply_memory_limit() noexcept {
     constexpr unsigned MEBIBYTE = 20;
+    try {
+        look_up(MEMORY_LIMIT);
+    } catch (const std::bad_alloc&) {
+        return note_memory_failure();
+    }
     const auto limit = look_up_number(MEMORY_LIMIT, std::int16_t{0});
     limit_memory(limit > 0 ? static_cast<std::uint64_t>(limit) << MEBIBYTE : 0);
 }

@@ -9,6 +9,7 @@
 #include "host/files.h"
 #include "host/runtime/curl_library.h"
 #include "host/runtime/fetch.h"
+#include "host/runtime/memory_failure.h"
 #include "host/runtime/settings.h"
 #include "host/runtime/tracked_memory.h"
 #include "platform/descriptors.h"
@@ -19,7 +20,7 @@ namespace {
 constexpr long CONNECT_SECONDS = 30;
 constexpr long STALLED_SECONDS = 60;                    // without a byte: the transfer is given up
 constexpr long MOST_SECONDS = 3600;                     // for the whole transfer
-constexpr const char* LIMIT_NAME = "SXML_FETCH_LIMIT";  // in MiB; 0 or less: no limit
+constexpr const char* LIMIT_NAME = "SXML_FETCH_LIMIT";  // in MiB
 constexpr std::int16_t DEFAULT_LIMIT = 1024;
 constexpr long MOST_REDIRECTIONS = 10;
 constexpr const char* PROTOCOLS = "http,https";
@@ -35,7 +36,8 @@ struct Target {
 std::uint64_t largest_document() {
     constexpr std::uint64_t mebibyte = std::uint64_t{1024} * 1024;
     const std::int16_t limit = host_config_number(LIMIT_NAME, DEFAULT_LIMIT);
-    return limit > 0 ? static_cast<std::uint64_t>(limit) * mebibyte : UINT64_MAX;
+    // No value takes the limit away: "no" or 0 may be a slip.
+    return static_cast<std::uint64_t>(limit > 0 ? limit : DEFAULT_LIMIT) * mebibyte;
 }
 
 // Anything but the number of bytes as result ends the transfer.
@@ -122,6 +124,7 @@ char* host_fetch_url(const char* url) {
         host::memory::release(name);
         return nullptr;
     } catch (const std::bad_alloc&) {
+        host::note_memory_failure();
         return nullptr;
     }
 }

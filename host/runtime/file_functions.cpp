@@ -42,7 +42,7 @@ int outcome(int error) {
 }
 
 // Copies into a new file beside the target, which takes the target's place. 0 or the error number.
-int copy_and_replace(int source, const char* source_name, const std::string& target) {
+int copy_and_replace(int source, const std::string& target) {
     auto temporary = platform::TemporaryFile::create(platform::folder_of(target),
                                                      platform::file_name_of(target));
     if (!temporary) return errno;
@@ -50,9 +50,9 @@ int copy_and_replace(int source, const char* source_name, const std::string& tar
     const int descriptor = platform::open_to_write(name.c_str());
     if (descriptor < 0) return errno;
     int error = copy_contents(source, descriptor);
+    if (error == 0) error = platform::copy_permissions(source, descriptor);
     const int close_error = platform::close_descriptor(descriptor);
     if (error == 0) error = close_error;
-    if (error == 0) error = platform::copy_permissions(source_name, name.c_str());
     return error == 0 ? temporary->rename_to(target) : error;
 }
 
@@ -73,7 +73,7 @@ int f_copy(const char* source, const char* target) {
     if (descriptor < 0) return 0;
     int error = ENOMEM;
     try {
-        error = copy_and_replace(descriptor, source, target);
+        error = copy_and_replace(descriptor, target);
     } catch (const std::bad_alloc&) {
         host::note_memory_failure();
     }

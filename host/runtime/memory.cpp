@@ -71,11 +71,9 @@ bool may_allocate() {
 
 // False when `more` bytes would be beyond the limit.
 bool is_within_limit(std::uint64_t more) {
-    if (counters.live_bytes <= counters.limit && more <= counters.limit - counters.live_bytes) {
-        return true;
-    }
-    counters.limit_was_met = true;
-    return false;
+    counters.limit_was_met =
+        counters.live_bytes > counters.limit || more > counters.limit - counters.live_bytes;
+    return !counters.limit_was_met;
 }
 
 void report_damage(const void* block, const Origin& origin, const char* what) {

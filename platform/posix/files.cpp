@@ -51,10 +51,10 @@ int rename_file(const char* old_name, const char* new_name) {
     return std::rename(old_name, new_name) == 0 ? 0 : errno;
 }
 
-int copy_permissions(const char* from, const char* to) {
+int copy_permissions(int from, int to) {
     constexpr mode_t permissions = 0777;
     struct stat status {};
-    const bool is_done = stat(from, &status) == 0 && chmod(to, status.st_mode & permissions) == 0;
+    const bool is_done = fstat(from, &status) == 0 && fchmod(to, status.st_mode & permissions) == 0;
     return is_done ? 0 : errno;
 }
 

@@ -15,7 +15,8 @@ namespace platform {
 
 namespace {
 
-// While this lives, no signal comes between making a file and noting that it is to be removed.
+// While this lives, no signal comes to this thread between making a file and noting that it is to
+// be removed.
 class HeldSignals {
   public:
     HeldSignals() {

@@ -1,6 +1,9 @@
 // Hexadecimal floating point of 4 or 8 bytes, as mainframes have it: a sign bit, 7 bits of exponent
 // (a power of 16, 64 more than it is) and a fraction of 6 or 14 hexadecimal digits.
+#include <algorithm>
+#include <array>
 #include <bit>
+#include <cstdlib>
 
 #include "records/numbers/decimals.h"
 #include "records/numbers/fields.h"
@@ -13,7 +16,7 @@ constexpr int MAX_EXPONENT = 127;
 // Powers of ten beyond which every number is too large, or too small.
 constexpr std::int64_t MAX_PLACE = 80;
 
-// A whole number without a sign of up to 2048 bits: room for 400 digits with 80 zeros, in units of
+// A whole number without a sign of up to 2080 bits: room for 400 digits with 80 zeros, in units of
 // a field's last bit.
 class BigNumber {
   public:

@@ -83,9 +83,7 @@ void end_record_element(RecordTree& tree);
 // when memory is exhausted.
 bool append_record_text(RecordTree& tree, const char* text, std::size_t length);
 
-// For a tree that notes what is unused: an attribute of the innermost open element, and a text of
-// it that is not kept. Declarations of namespaces, what says how to read a document, and white
-// space are no data.
+// Whether a text is nothing but white space.
 inline bool is_blank(const char* text, std::size_t length) {
     const auto is_space = [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; };
     for (std::size_t i = 0; i < length; ++i) {
@@ -93,6 +91,10 @@ inline bool is_blank(const char* text, std::size_t length) {
     }
     return true;
 }
+
+// For a tree that notes what is unused: an attribute of the innermost open element, and a text of
+// it that is not kept. Declarations of namespaces, what says how to read a document, and white
+// space are no data.
 void note_attribute(RecordTree& tree, const char* name);
 void note_lost_text(RecordTree& tree, const char* text, std::size_t length);
 

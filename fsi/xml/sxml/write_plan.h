@@ -46,6 +46,6 @@ constexpr std::int32_t MOST_PLANNED_TEXT = 1024;
 // So many bytes may be read from where any piece of markup begins, in steps of as many.
 constexpr std::size_t MARKUP_READ_SIZE = 16;
 
-// A plan of all layouts whose walk is no longer than the description has items. Null when memory is
-// exhausted. Released with host_free.
+// A plan of the layouts, up to the first with which the walks of all together become longer than
+// the description has items. Null when memory is exhausted. Released with host_free.
 WritePlan* new_write_plan(const Xfd& xfd, const ItemTags& tags);
