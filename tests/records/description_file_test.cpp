@@ -7,6 +7,7 @@
 #include "host/files.h"
 #include "host/runtime/settings.h"
 #include "tests/records/layout_fixture.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 
@@ -164,8 +165,7 @@ TEST(DescriptionFile, AnyDamageIsSurvived) {
 
 class Lookup : public testing::Test {
   protected:
-    Lookup() : folder_(fs::path(SXML_BUILD_DIR) / "tests" / "lookup") {
-        fs::remove_all(folder_);
+    Lookup() {
         fs::create_directories(folder_ / "data");
         fs::create_directories(folder_ / "layouts");
     }
@@ -179,7 +179,8 @@ class Lookup : public testing::Test {
         return file.empty() ? file : fs::relative(file, folder_).string();
     }
 
-    fs::path folder_;
+    ScratchFolder scratch_;
+    const fs::path folder_ = scratch_.path();
 };
 
 TEST_F(Lookup, SuffixesFoldersAndLetterCase) {
