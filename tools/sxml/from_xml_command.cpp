@@ -12,12 +12,12 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/document_conversion.h"
-#include "tools/sxml/encoding_option.h"
 #include "tools/sxml/errors.h"
-#include "tools/sxml/layout_source.h"
-#include "tools/sxml/options.h"
-#include "tools/sxml/record_input.h"
-#include "tools/sxml/settings.h"
+#include "tools/sxml/options/encoding_option.h"
+#include "tools/sxml/options/layout_source.h"
+#include "tools/sxml/options/options.h"
+#include "tools/sxml/options/record_input.h"
+#include "tools/sxml/options/settings.h"
 
 namespace command {
 

@@ -9,9 +9,9 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/layout_source.h"
-#include "tools/sxml/options.h"
-#include "tools/sxml/settings.h"
+#include "tools/sxml/options/layout_source.h"
+#include "tools/sxml/options/options.h"
+#include "tools/sxml/options/settings.h"
 #include "tools/sxml/text_table.h"
 
 namespace command {

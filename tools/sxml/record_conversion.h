@@ -9,7 +9,7 @@
 #include "conversion/session/output_document.h"
 #include "records/description.h"
 #include "tools/sxml/atomic_output.h"
-#include "tools/sxml/record_input.h"
+#include "tools/sxml/options/record_input.h"
 #include "tools/sxml/reject_file.h"
 #include "tools/sxml/run_report.h"
 

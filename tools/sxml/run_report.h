@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "conversion/problem.h"
-#include "tools/sxml/run_files.h"
+#include "tools/sxml/options/run_files.h"
 
 namespace CLI {
 class App;

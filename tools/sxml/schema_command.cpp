@@ -6,11 +6,11 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/layout_source.h"
-#include "tools/sxml/options.h"
+#include "tools/sxml/options/layout_source.h"
+#include "tools/sxml/options/options.h"
+#include "tools/sxml/options/settings.h"
 #include "tools/sxml/schema_file.h"
 #include "tools/sxml/scratch_output.h"
-#include "tools/sxml/settings.h"
 
 namespace command {
 

@@ -4,8 +4,8 @@
 #include "platform/files.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/options/settings.h"
 #include "tools/sxml/scratch_output.h"
-#include "tools/sxml/settings.h"
 
 namespace command {
 

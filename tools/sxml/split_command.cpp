@@ -12,7 +12,7 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/errors.h"
-#include "tools/sxml/run_files.h"
+#include "tools/sxml/options/run_files.h"
 
 namespace command {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "conversion/formats/byte_sink.h"
-#include "tools/sxml/parsed_document.h"
+#include "tools/sxml/documents/parsed_document.h"
 
 namespace command {
 

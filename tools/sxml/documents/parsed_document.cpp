@@ -1,4 +1,4 @@
-#include "tools/sxml/parsed_document.h"
+#include "tools/sxml/documents/parsed_document.h"
 
 #include <new>
 

@@ -1,7 +1,7 @@
-#include "tools/sxml/encoding_option.h"
+#include "tools/sxml/options/encoding_option.h"
 
 #include "tools/sxml/errors.h"
-#include "tools/sxml/settings.h"
+#include "tools/sxml/options/settings.h"
 
 namespace command {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "conversion/texts/character_set.h"
-#include "tools/sxml/field_statistics.h"
+#include "tools/sxml/check/field_statistics.h"
 #include "tools/sxml/run_report.h"
 
 namespace command {

@@ -1,4 +1,4 @@
-#include "tools/sxml/layout_source.h"
+#include "tools/sxml/options/layout_source.h"
 
 #include <algorithm>
 

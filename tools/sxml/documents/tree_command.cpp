@@ -5,10 +5,10 @@
 
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
+#include "tools/sxml/documents/parsed_document.h"
+#include "tools/sxml/documents/tree_printer.h"
 #include "tools/sxml/errors.h"
-#include "tools/sxml/parsed_document.h"
-#include "tools/sxml/run_files.h"
-#include "tools/sxml/tree_printer.h"
+#include "tools/sxml/options/run_files.h"
 
 namespace command {
 

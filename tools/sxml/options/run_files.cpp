@@ -1,4 +1,4 @@
-#include "tools/sxml/run_files.h"
+#include "tools/sxml/options/run_files.h"
 
 #include <cerrno>
 #include <cstdlib>

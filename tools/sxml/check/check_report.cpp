@@ -1,4 +1,4 @@
-#include "tools/sxml/check_report.h"
+#include "tools/sxml/check/check_report.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

@@ -12,9 +12,9 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
+#include "tools/sxml/documents/parsed_document.h"
 #include "tools/sxml/errors.h"
-#include "tools/sxml/parsed_document.h"
-#include "tools/sxml/run_files.h"
+#include "tools/sxml/options/run_files.h"
 
 namespace command {
 

@@ -1,4 +1,4 @@
-#include "tools/sxml/record_diagnosis.h"
+#include "tools/sxml/check/record_diagnosis.h"
 
 #include <algorithm>
 #include <optional>

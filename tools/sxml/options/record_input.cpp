@@ -1,4 +1,4 @@
-#include "tools/sxml/record_input.h"
+#include "tools/sxml/options/record_input.h"
 
 #include <CLI/CLI.hpp>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "tools/sxml/settings.h"
+#include "tools/sxml/options/settings.h"
 
 #include "host/config.h"
 #include "host/runtime/settings.h"

@@ -1,4 +1,4 @@
-#include "tools/sxml/options.h"
+#include "tools/sxml/options/options.h"
 
 #include <CLI/CLI.hpp>
 #include <map>

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "records/description.h"
-#include "tools/sxml/options.h"
-#include "tools/sxml/run_files.h"
+#include "tools/sxml/options/options.h"
+#include "tools/sxml/options/run_files.h"
 
 namespace command {
 

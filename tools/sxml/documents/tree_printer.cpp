@@ -1,4 +1,4 @@
-#include "tools/sxml/tree_printer.h"
+#include "tools/sxml/documents/tree_printer.h"
 
 #include <strings.h>
 

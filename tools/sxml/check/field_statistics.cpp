@@ -1,4 +1,4 @@
-#include "tools/sxml/field_statistics.h"
+#include "tools/sxml/check/field_statistics.h"
 
 #include <algorithm>
 
