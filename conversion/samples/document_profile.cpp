@@ -117,6 +117,7 @@ class ProfileReader {
     static void XMLCALL text(void* user, const XML_Char* text, int length);
     void open(const std::string& name);
     void open_root(const std::string& name);
+    void note_prefixes(const XML_Char** attributes);
     ElementProfile* child(Open& around, const std::string& name);
     void close();
     void add_text(Open& open, std::string_view text) const;
@@ -135,6 +136,7 @@ void XMLCALL ProfileReader::start(void* user, const XML_Char* name, const XML_Ch
     try {
         self.open(name);
         if (self.parser_.is_stopped()) return;
+        if (self.open_.size() == 1) self.note_prefixes(attributes);
         Place& first = self.open_.back().element->attributes;
         for (; *attributes != nullptr && first.line == 0; attributes += 2) {
             if (is_data(*attributes)) first = self.parser_.place();
@@ -174,6 +176,16 @@ void ProfileReader::open_root(const std::string& name) {
     open_.push_back({&root, root.children.begin()});
 }
 
+void ProfileReader::note_prefixes(const XML_Char** attributes) {
+    for (; *attributes != nullptr; attributes += 2) {
+        const std::string_view name = attributes[0];
+        if (name == "xmlns") profile_.prefixes_.emplace_back("", attributes[1]);
+        if (name.starts_with("xmlns:")) {
+            profile_.prefixes_.emplace_back(name.substr(name.find(':') + 1), attributes[1]);
+        }
+    }
+}
+
 void ProfileReader::open(const std::string& name) {
     if (open_.empty()) return open_root(name);
     if (open_.size() >= DocumentProfile::MOST_DEPTH) {
@@ -194,25 +206,35 @@ void ProfileReader::open(const std::string& name) {
     open_.push_back({element, element->children.begin()});
 }
 
-// The path's profile. A new one comes after the path of the element before. Null when there are too
-// many.
-ElementProfile* ProfileReader::child(Open& around, const std::string& name) {
-    ElementProfile& parent = *around.element;
+ElementProfile* DocumentProfile::child(ElementProfile& parent, const std::string& name,
+                                       std::list<ElementProfile>::iterator& next) {
     const auto found = parent.by_name.find(name);
     if (found != parent.by_name.end()) {
-        around.next = std::next(found->second->self);
+        next = std::next(found->second->self);
         return found->second;
     }
-    if (++profile_.paths_ > DocumentProfile::MOST_PATHS) {
-        stop("there are more than " + std::to_string(DocumentProfile::MOST_PATHS) +
-                 " different elements",
-             "no record has so many fields");
-        return nullptr;
-    }
-    const auto made = parent.children.insert(around.next, ElementProfile{name, &parent});
+    if (paths_ >= MOST_PATHS) return nullptr;
+    ++paths_;
+    const auto made = parent.children.insert(next, ElementProfile{name, &parent});
     made->self = made;
     parent.by_name.emplace(name, &*made);
     return &*made;
+}
+
+void DocumentProfile::remove(ElementProfile& parent, ElementProfile& child) {
+    parent.by_name.erase(child.name);
+    parent.children.erase(child.self);
+}
+
+// A path that is new comes after that of the element before.
+ElementProfile* ProfileReader::child(Open& around, const std::string& name) {
+    ElementProfile* const child = profile_.child(*around.element, name, around.next);
+    if (child == nullptr) {
+        stop("there are more than " + std::to_string(DocumentProfile::MOST_PATHS) +
+                 " different elements",
+             "no record has so many fields");
+    }
+    return child;
 }
 
 void ProfileReader::add_text(Open& open, std::string_view text) const {

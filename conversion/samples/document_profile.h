@@ -3,11 +3,15 @@
 
 #include <cstdint>
 #include <list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "conversion/problem.h"
+#include "conversion/samples/declaration.h"
 
 namespace conversion {
 
@@ -57,8 +61,9 @@ struct ElementProfile {
     std::uint64_t parents = 0;  // elements around that have one at least
     std::uint64_t most = 0;     // in one element around
     TextProfile text{};
-    Place attributes{};  // the first with values; line 0 when there is none
-    Place mixed{};       // the first with a text beside elements, likewise
+    Place attributes{};                     // the first with values; line 0 when there is none
+    Place mixed{};                          // the first with a text beside elements, likewise
+    std::optional<Declaration> declared{};  // nothing: by no schema and no document type
 
     // While profiling: where it stands in the list that it is in, how many there are in the element
     // around that is open, and which one that is, by its count.
@@ -84,10 +89,22 @@ class DocumentProfile {
 
     // The document element; its children are the kinds of records.
     const ElementProfile& root() const { return root_; }
+    ElementProfile& root() { return root_; }
+
+    // Prefixes that the samples' document elements declare, each with its URI; "" is the default.
+    const std::vector<std::pair<std::string, std::string>>& prefixes() const { return prefixes_; }
+
+    // The child of this name. A new one, without elements, comes before `next`, which is then, or
+    // otherwise, what comes after the child. Null when there are MOST_PATHS already. Throws
+    // std::bad_alloc.
+    ElementProfile* child(ElementProfile& parent, const std::string& name,
+                          std::list<ElementProfile>::iterator& next);
+    static void remove(ElementProfile& parent, ElementProfile& child);
 
   private:
     ElementProfile root_{};
     std::size_t paths_ = 0;
+    std::vector<std::pair<std::string, std::string>> prefixes_{};
     friend class ProfileReader;
 };
 

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "conversion/samples/cobol_names.h"
+#include "conversion/samples/field_form.h"
 
 namespace conversion {
 
@@ -13,7 +14,6 @@ namespace {
 constexpr int DEEPEST_LEVEL = 49;
 constexpr std::size_t MARGIN = 72;                          // the last column of a line
 constexpr std::size_t LONGEST_NAME = 52;                    // what a directive's line holds
-constexpr std::uint64_t MOST_OCCURS = 32767;                // of a table
 constexpr std::uint64_t MOST_FIELDS = 1'000'000;            // with every occurrence counted
 constexpr std::uint64_t MOST_BYTES = 256U * 1024U * 1024U;  // of a record
 
@@ -53,10 +53,6 @@ std::string level_text(int level) {
     return (level < 10 ? "0" : "") + std::to_string(level);
 }
 
-std::string counted(std::uint64_t count, const std::string& what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 class CopybookMaker {
   public:
     CopybookMaker(const DocumentProfile& profile, const CopybookWishes& wishes)
@@ -84,12 +80,12 @@ class CopybookMaker {
     void add_selector(const std::string& name, const std::string& record);
     Size add_item(const ElementProfile& element, int level, const std::string& around);
     Size add_items(const ElementProfile& element, int level, const std::string& name);
-    void add_seen(const ElementProfile& element);
+    void add_comment(const std::string& text);
+    void note_guesses(const ElementProfile& element, const FieldForm& form, const TableForm& table);
+    void say_guesses();
     void add_name(const std::string& cobol_name, const std::string& element);
     void add_entry(int indent, const std::string& entry, const std::vector<std::string>& clauses);
     void add_line(int indent, const std::string& text);
-    std::string picture(const TextProfile& text, Size& size) const;
-    std::uint64_t grown(std::uint64_t seen) const;
 
     const ElementProfile& root_;
     const CopybookWishes& wishes_;
@@ -105,6 +101,8 @@ class CopybookMaker {
     std::map<std::string, Use> uses_;
     std::size_t selector_length_ = 0;
     Size largest_;
+    std::size_t guesses_ = 0;
+    const ElementProfile* first_guess_ = nullptr;
 };
 
 // Levels 1, 5, 10 ... 45, then one by one.
@@ -116,11 +114,6 @@ int level_below(int level) {
 int indent_of(int level) {
     const int steps = level == 1 ? 0 : level <= 45 ? level / 5 : 9 + level - 45;
     return 7 + std::min(steps, 6) * 4;
-}
-
-std::uint64_t CopybookMaker::grown(std::uint64_t seen) const {
-    const auto percent = static_cast<std::uint64_t>(100 + wishes_.grow);
-    return (seen * percent + 99) / 100;
 }
 
 void CopybookMaker::lose(const ElementProfile& element, Place place, std::string what,
@@ -156,9 +149,8 @@ void CopybookMaker::collect_names(const ElementProfile& element, int level) {
     }
     Use& use = uses_.try_emplace(element.name, Use{&element}).first->second;
     ++(element.children.empty() ? use.fields : use.groups);
-    if (element.parent != nullptr && element.parents < element.parent->count) {
-        use.is_optional = true;
-    }
+    const bool may_be_missing = element.declared && element.declared->least == 0;
+    if (may_be_missing || element.parents < element.parent->count) use.is_optional = true;
     for (const ElementProfile& child : element.children) {
         collect_names(child, level_below(level));
     }
@@ -196,7 +188,8 @@ CopybookMaker::Kinds CopybookMaker::kinds() {
     for (const ElementProfile& kind : root_.children) {
         if (!has_fields(kind, 1)) {
             say_losses(kind);
-            const bool is_text = kind.text.texts() > 0;
+            const bool is_text = kind.children.empty() &&
+                                 (kind.text.texts() > 0 || (kind.declared && kind.declared->text));
             if (is_text || !kind.children.empty()) {
                 lose(kind, {},
                      is_text ? "cannot be read: its text is not in an element below it"
@@ -232,7 +225,7 @@ void CopybookMaker::add_entry(int indent, const std::string& entry,
 }
 
 void CopybookMaker::begin_text() {
-    add_line(6, "*> Made by sxml copybook from " + wishes_.made_from + ".");
+    add_comment("Made by sxml copybook from " + wishes_.made_from + ".");
     if (result_.needs_exact_names) {
         add_line(6, "*> Read with --set 4GL_COLUMN_CASE=2 (names have capitals or");
         add_line(6, "*> hyphens).");
@@ -247,48 +240,36 @@ void CopybookMaker::add_name(const std::string& cobol_name, const std::string& e
     add_line(6, "*> sxml: name " + element);
 }
 
-// What was seen, as a comment.
-void CopybookMaker::add_seen(const ElementProfile& element) {
-    std::string seen;
-    const TextProfile& text = element.text;
-    if (element.children.empty()) {
-        seen = text.texts() == 0 ? "always empty"
-                                 : "longest " + counted(text.most_characters(), "character");
-        if (text.most_bytes() != text.most_characters()) {
-            seen += ", " + counted(text.most_bytes(), "byte");
+// A comment, on as many lines as it takes.
+void CopybookMaker::add_comment(const std::string& text) {
+    constexpr std::size_t WIDTH = MARGIN - 11;
+    for (std::size_t begin = 0; begin < text.size();) {
+        std::size_t end = text.size();
+        if (end - begin > WIDTH) {
+            const std::size_t blank = text.rfind(' ', begin + WIDTH);
+            end = blank != text.npos && blank > begin ? blank : begin + WIDTH;
         }
-        if (text.is_number() && text.has_mixed_decimals()) seen += ", decimals vary";
-        if (text.is_date()) seen += ", dates";
-        if (text.texts() > 0 && text.texts() < element.count) {
-            seen += ", " + counted(element.count - text.texts(), "time") + " empty";
-        }
+        add_line(6, "*>   " + text.substr(begin, end - begin));
+        begin = end < text.size() && text[end] == ' ' ? end + 1 : end;
     }
-    const auto add = [&seen](const std::string& more) {
-        seen += (seen.empty() ? "" : "; ") + more;
-    };
-    if (element.most > 1) add("up to " + std::to_string(element.most) + " times");
-    if (element.parents < element.parent->count) {
-        add("in " + std::to_string(element.parents) + " of " +
-            std::to_string(element.parent->count));
-    }
-    if (!seen.empty()) add_line(6, "*>   " + seen);
 }
 
-std::string CopybookMaker::picture(const TextProfile& text, Size& size) const {
-    size.fields = 1;
-    if (!text.is_number()) {
-        size.bytes = text.is_date() ? text.most_bytes() : grown(text.most_bytes());
-        size.bytes = std::max<std::uint64_t>(size.bytes, 1);
-        return "PIC X(" + std::to_string(size.bytes) + ")";
-    }
-    const auto decimals = static_cast<std::uint64_t>(text.decimals());
-    const std::uint64_t seen = static_cast<std::uint64_t>(text.whole_digits());
-    const std::uint64_t whole = std::min(grown(seen), 18 - decimals);
-    size.bytes = whole + decimals;
-    std::string result = text.is_negative() ? "PIC S9(" : "PIC 9(";
-    result += std::to_string(whole) + ")";
-    if (decimals > 0) result += "V9(" + std::to_string(decimals) + ")";
-    return result;
+void CopybookMaker::note_guesses(const ElementProfile& element, const FieldForm& form,
+                                 const TableForm& table) {
+    if (form.is_guess && guesses_++ == 0) first_guess_ = &element;
+    if (!table.is_guess) return;
+    lose(element, element.declared->place,
+         "may occur any number of times; " + std::to_string(table.occurs) + " is a guess",
+         "give samples that have the element, or correct the OCCURS clause");
+}
+
+// One message for all fields for which neither a schema nor samples give a limit.
+void CopybookMaker::say_guesses() {
+    if (guesses_ == 0) return;
+    std::string what = "may be of any length; the picture is a guess";
+    if (guesses_ > 1) what += " (as are those of " + counted(guesses_ - 1, "more field") + ")";
+    lose(*first_guess_, first_guess_->declared->place, std::move(what),
+         "give samples that have the element, or correct the pictures with such a comment");
 }
 
 CopybookMaker::Size CopybookMaker::add_item(const ElementProfile& element, int level,
@@ -296,21 +277,25 @@ CopybookMaker::Size CopybookMaker::add_item(const ElementProfile& element, int l
     if (!has_fields(element, level)) return {};
     const std::string name = names_.add(element.name, around);
     const int indent = indent_of(level);
-    add_seen(element);
+    const bool is_field = element.children.empty();
+    const FieldForm form = is_field ? field_of(element, wishes_.grow) : FieldForm{};
+    const TableForm table = table_of(element, wishes_.grow);
+    const bool is_guess = form.is_guess || table.is_guess;
+    const std::string comment = comment_on(element);
+    add_comment(comment + (is_guess ? comment.empty() ? "a guess" : "; a guess" : ""));
+    note_guesses(element, form, table);
     add_name(name, element.name);
     std::vector<std::string> clauses;
     Size size;
-    if (element.children.empty()) {
-        clauses.push_back(picture(element.text, size));
-        if (wishes_.is_packed && element.text.is_number()) clauses.emplace_back("COMP-3");
+    if (is_field) {
+        size = {form.bytes, 1};
+        clauses.push_back(form.picture);
+        if (wishes_.is_packed && form.is_number) clauses.emplace_back("COMP-3");
     }
-    std::uint64_t occurs = 1;
-    if (element.most > 1) {
-        occurs = grown(element.most);
-        clauses.push_back("OCCURS " + std::to_string(occurs));
-    }
+    std::uint64_t occurs = table.occurs;
+    if (occurs > 1) clauses.push_back("OCCURS " + std::to_string(occurs));
     add_entry(indent, level_text(level) + "  " + name, clauses);
-    if (!element.children.empty()) size = add_items(element, level, name);
+    if (!is_field) size = add_items(element, level, name);
     largest_.fields = std::max(largest_.fields, occurs > MOST_OCCURS ? MOST_FIELDS + 1 : 0);
     occurs = std::min(occurs, MOST_OCCURS);
     return {std::min(size.bytes * occurs, MOST_BYTES + 1),
@@ -337,7 +322,7 @@ void CopybookMaker::add_kind(const ElementProfile& kind, bool is_one_of_several)
     const std::string name = names_.add(kind.name, "");
     const std::string selector = is_one_of_several ? names_.add(name + "-KIND", "") : "";
     result_.text += "\n";
-    add_line(6, "*>   " + counted(kind.count, "record"));
+    if (kind.count > 0) add_comment(counted(kind.count, "record"));
     if (is_one_of_several) add_selector(selector, kind.name);
     add_name(name, kind.name);
     add_entry(indent_of(1), "01  " + name, {});
@@ -361,6 +346,7 @@ Result<SampleCopybook> CopybookMaker::make() {
     }
     begin_text();
     for (const ElementProfile* kind : all) add_kind(*kind, all.size() > 1);
+    say_guesses();
     if (largest_.bytes <= MOST_BYTES && largest_.fields <= MOST_FIELDS) return std::move(result_);
     return Problem{Cause::document,
                    {.file = wishes_.made_from},

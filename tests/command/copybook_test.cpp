@@ -1,61 +1,13 @@
 // Copybooks made from sample documents: cobc compiles them, and with them a document goes into
-// records and comes back. Expat alone says what both documents hold.
-
-#include <expat.h>
+// records and comes back.
 
 #include <algorithm>
 #include <array>
 
 #include "tests/command/command_run.h"
+#include "tests/command/contents.h"
 
 namespace {
-
-// The texts of the elements that have one, each with its path. What fields without data come to is
-// left out: empty texts and zeros.
-class Contents {
-  public:
-    static std::vector<std::string> of(const std::string& document) {
-        Contents contents;
-        XML_Parser parser = XML_ParserCreate(nullptr);
-        XML_SetUserData(parser, &contents);
-        XML_SetElementHandler(parser, start, finish);
-        XML_SetCharacterDataHandler(parser, text);
-        EXPECT_EQ(XML_Parse(parser, document.data(), static_cast<int>(document.size()), 1),
-                  XML_STATUS_OK)
-            << document;
-        XML_ParserFree(parser);
-        return contents.lines_;
-    }
-
-  private:
-    static void XMLCALL start(void* user, const XML_Char* name, const XML_Char**) {
-        auto& self = *static_cast<Contents*>(user);
-        self.path_.emplace_back(name);
-        self.text_.clear();
-    }
-    static void XMLCALL text(void* user, const XML_Char* text, int length) {
-        static_cast<Contents*>(user)->text_.append(text, static_cast<std::size_t>(length));
-    }
-    static void XMLCALL finish(void* user, const XML_Char*) {
-        auto& self = *static_cast<Contents*>(user);
-        const char* white = " \t\r\n";
-        const std::size_t begin = self.text_.find_first_not_of(white);
-        if (begin != std::string::npos) {
-            const std::size_t end = self.text_.find_last_not_of(white);
-            std::string line = self.text_.substr(begin, end + 1 - begin);
-            const bool is_zero = line.find_first_not_of("0.") == std::string::npos;
-            // The document element is called as the user wishes.
-            for (std::size_t i = self.path_.size(); i-- > 1;) line.insert(0, self.path_[i] + "/");
-            if (!is_zero) self.lines_.push_back(line);
-        }
-        self.text_.clear();
-        self.path_.pop_back();
-    }
-
-    std::vector<std::string> path_;
-    std::string text_;
-    std::vector<std::string> lines_;
-};
 
 struct Sample {
     const char* name;
@@ -103,7 +55,7 @@ TEST_P(CopybookTest, ReadsTheSampleAndWritesItAgain) {
     words.insert(words.end(), sample.settings.begin(), sample.settings.end());
     const Outcome written = sxml(words);
     ASSERT_EQ(written.status, 0) << written.err << copybook;
-    EXPECT_EQ(Contents::of(read_file("again.xml")), Contents::of(sample.document)) << copybook;
+    EXPECT_EQ(contents_of(read_file("again.xml")), contents_of(sample.document)) << copybook;
 }
 
 const std::string INVOICES =

@@ -1,4 +1,4 @@
-// sxml copybook: makes a copybook that reads documents, from samples of them.
+// sxml copybook: makes a copybook that reads documents, from samples of them or their schema.
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -8,6 +8,7 @@
 
 #include "conversion/documents/document_source.h"
 #include "conversion/samples/sample_copybook.h"
+#include "conversion/schemas/schema_profile.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/errors.h"
@@ -19,10 +20,11 @@ namespace command {
 namespace {
 
 struct CopybookOptions {
-    std::vector<std::string> samples;
+    std::vector<std::string> inputs;  // samples and schemas
     std::string output = "-";
     std::string grow = "20%";
     std::string path;  // of the elements that are the records
+    bool is_of_samples = false;
     conversion::CopybookWishes wishes;
 };
 
@@ -45,29 +47,56 @@ std::string in_comment(std::string text) {
     return text;
 }
 
+// What the documents and schemas say.
+struct Sources {
+    conversion::DocumentProfile profile;
+    conversion::SchemaSet schemas;
+};
+
+void add_sample(Sources& sources, const conversion::DocumentSource& document,
+                const std::string& path) {
+    const auto reduced =
+        path.empty() ? std::nullopt : std::optional(value_of(document.with_records_at(path)));
+    const conversion::DocumentSource& source = reduced ? *reduced : document;
+    check(sources.profile.add(source.file(), source.name()));
+}
+
+// Result: what the schemas describe that has no form in records.
+std::vector<conversion::Problem> read_sources(Sources& sources, CopybookOptions& options,
+                                              RunFiles& files) {
+    for (const std::string& name : options.inputs) {
+        const auto document = value_of(conversion::DocumentSource::open(name));
+        files.reads_document(name, document);
+        if (conversion::is_schema(document.file())) {
+            check(sources.schemas.add(document.file(), document.name()));
+        } else {
+            add_sample(sources, document, options.path);
+        }
+        std::string& all = options.wishes.made_from;
+        all += (all.empty() ? "" : ", ") + in_comment(document.name());
+    }
+    const bool has_sample = !sources.profile.root().name.empty();
+    if (options.is_of_samples && (!has_sample || sources.schemas.is_empty())) {
+        fail_usage("--sampled needs a schema and samples");
+    }
+    if (sources.schemas.is_empty()) return {};
+    return value_of(conversion::declare_by_schema(sources.profile, sources.schemas,
+                                                  {options.path, options.is_of_samples}));
+}
+
 void make_copybook(CopybookOptions& options) {
     options.wishes.grow = percent_of(options.grow);
     RunFiles files;
     files.writes(options.output);
-    conversion::DocumentProfile profile;
-    for (const std::string& name : options.samples) {
-        const auto document = value_of(conversion::DocumentSource::open(name));
-        files.reads_document(name, document);
-        const auto reduced = options.path.empty()
-                                 ? std::nullopt
-                                 : std::optional(value_of(document.with_records_at(options.path)));
-        const conversion::DocumentSource& source = reduced ? *reduced : document;
-        check(profile.add(source.file(), source.name()));
-        std::string& all = options.wishes.made_from;
-        all += (all.empty() ? "" : ", ") + in_comment(source.name());
-    }
+    Sources sources;
+    const std::vector<conversion::Problem> without_form = read_sources(sources, options, files);
+    for (const std::string& file : sources.schemas.files()) files.reads(file);
     files.check();
     const conversion::SampleCopybook copybook =
-        value_of(conversion::copybook_of(profile, options.wishes));
+        value_of(conversion::copybook_of(sources.profile, options.wishes));
     write_output(options.output, copybook.text);
-    for (const conversion::Problem& loss : copybook.losses) {
-        warn(conversion::message_of(loss));
-    }
+    for (const conversion::Problem& loss : without_form) warn(conversion::message_of(loss));
+    for (const conversion::Problem& loss : copybook.losses) warn(conversion::message_of(loss));
     if (copybook.needs_exact_names) {
         say("sxml: note: element names have capitals or hyphens; convert with "
             "--set 4GL_COLUMN_CASE=2\n");
@@ -78,11 +107,11 @@ void make_copybook(CopybookOptions& options) {
 
 void add_copybook_command(CLI::App& application) {
     CLI::App* command = application.add_subcommand(
-        "copybook", "make a copybook that reads documents, from samples of them");
+        "copybook", "make a copybook that reads documents, from samples of them or their schema");
     auto options = std::make_shared<CopybookOptions>();
     command
-        ->add_option("IN", options->samples,
-                     "sample documents: files, web addresses, - for standard input")
+        ->add_option("IN", options->inputs,
+                     "sample documents and XML Schemas: files, web addresses, - for standard input")
         ->required()
         ->option_text("...");
     command->add_option("-o,--output", options->output, "the copybook (default: standard output)")
@@ -92,10 +121,13 @@ void add_copybook_command(CLI::App& application) {
                      "how much longer than seen texts, numbers and tables may be (default: 20%)")
         ->option_text("PERCENT");
     command->add_flag("--packed", options->wishes.is_packed, "make numbers COMP-3");
+    command->add_flag("--sampled", options->is_of_samples,
+                      "leave out what a schema allows and no sample has");
     add_record_path_option(*command, options->path);
     command->footer(
         "Example:\n"
         "  sxml copybook orders1.xml orders2.xml -o orders.cpy\n"
+        "  sxml copybook orders.xsd orders1.xml -o orders.cpy\n"
         "  sxml from-xml orders1.xml orders.dat --layout orders.cpy");
     command->callback([options] { make_copybook(*options); });
 }

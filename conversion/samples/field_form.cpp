@@ -1,0 +1,153 @@
+#include "conversion/samples/field_form.h"
+
+#include <algorithm>
+
+namespace conversion {
+
+namespace {
+
+constexpr std::uint64_t GUESSED_TEXT = 80;
+constexpr std::uint64_t GUESSED_OCCURS = 10;
+constexpr int MOST_DIGITS = 18;  // of numbers without a limit; every COBOL takes as many
+constexpr int GUESSED_DECIMALS = 5;
+
+std::uint64_t grown(std::uint64_t seen, int grow) {
+    return (seen * static_cast<std::uint64_t>(100 + grow) + 99) / 100;
+}
+
+FieldForm text_form(std::uint64_t bytes) {
+    FieldForm form;
+    form.bytes = std::max<std::uint64_t>(bytes, 1);
+    form.picture = "PIC X(" + std::to_string(form.bytes) + ")";
+    return form;
+}
+
+FieldForm number_form(int whole, int decimals, bool is_negative) {
+    FieldForm form;
+    form.is_number = true;
+    form.bytes = static_cast<std::uint64_t>(whole + decimals);
+    form.picture = is_negative ? "PIC S" : "PIC ";
+    if (whole > 0) form.picture += "9(" + std::to_string(whole) + ")";
+    if (decimals > 0) form.picture += "V9(" + std::to_string(decimals) + ")";
+    return form;
+}
+
+FieldForm form_by_samples(const TextProfile& text, int grow) {
+    if (!text.is_number()) {
+        return text_form(text.is_date() ? text.most_bytes() : grown(text.most_bytes(), grow));
+    }
+    const auto seen = static_cast<std::uint64_t>(text.whole_digits());
+    const auto most = static_cast<std::uint64_t>(MOST_DIGITS - text.decimals());
+    const auto whole = static_cast<int>(std::min(grown(seen, grow), most));
+    return number_form(whole, text.decimals(), text.is_negative());
+}
+
+FieldForm declared_text(const TextProfile& seen, const TextLimits& limits, int grow) {
+    if (limits.length) return text_form(std::max(*limits.length, seen.most_bytes()));
+    if (seen.texts() > 0) return text_form(grown(seen.most_bytes(), grow));
+    FieldForm form = text_form(GUESSED_TEXT);
+    form.is_guess = true;
+    return form;
+}
+
+FieldForm declared_number(const TextProfile& seen, const TextLimits& limits, int grow) {
+    const bool is_known = limits.whole_digits && limits.decimals;
+    if (!is_known && seen.is_number()) {
+        const FieldForm sample = form_by_samples(seen, grow);
+        const int decimals = std::max(limits.decimals.value_or(0), seen.decimals());
+        const auto sampled = static_cast<int>(sample.bytes) - seen.decimals();
+        const int whole = limits.whole_digits.value_or(std::min(sampled, MOST_DIGITS - decimals));
+        return number_form(whole, decimals, limits.may_be_negative);
+    }
+    const int decimals = limits.decimals.value_or(GUESSED_DECIMALS);
+    const int left = std::max(MOST_DIGITS - decimals, 0);
+    FieldForm form =
+        number_form(limits.whole_digits.value_or(left), decimals, limits.may_be_negative);
+    form.is_guess = !is_known;
+    return form;
+}
+
+// A number that may be empty, which zero is not.
+FieldForm declared_text_of_number(const TextProfile& seen, const TextLimits& limits, int grow) {
+    const FieldForm number = declared_number(seen, limits, grow);
+    constexpr std::uint64_t SIGN_AND_POINT = 2;
+    FieldForm form = text_form(std::max(number.bytes + SIGN_AND_POINT, seen.most_bytes()));
+    form.is_guess = number.is_guess;
+    return form;
+}
+
+void add(std::string& comment, const std::string& more) {
+    if (more.empty()) return;
+    comment += (comment.empty() ? "" : "; ") + more;
+}
+
+std::string comment_on_text(const ElementProfile& element) {
+    const TextProfile& text = element.text;
+    if (text.texts() == 0) return element.count > 0 ? "always empty" : "";
+    std::string seen = "longest " + counted(text.most_characters(), "character");
+    if (text.most_bytes() != text.most_characters()) {
+        seen += ", " + counted(text.most_bytes(), "byte");
+    }
+    if (text.is_number() && text.has_mixed_decimals()) seen += ", decimals vary";
+    if (text.is_date()) seen += ", dates";
+    if (text.texts() < element.count) {
+        seen += ", " + counted(element.count - text.texts(), "time") + " empty";
+    }
+    return seen;
+}
+
+std::string comment_on_declaration(const Declaration& declared) {
+    std::string said = declared.text ? declared.text->shown : "";
+    if (declared.text && declared.text->may_be_empty) said += ", may be empty";
+    if (declared.most > 1) {
+        const bool is_bounded = declared.most != Declaration::UNBOUNDED;
+        add(said, std::to_string(declared.least) + " to " +
+                      (is_bounded ? std::to_string(declared.most) : "any number of") + " times");
+    } else if (declared.least == 0) {
+        add(said, "optional");
+    }
+    return said;
+}
+
+}  // namespace
+
+std::string counted(std::uint64_t count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+FieldForm field_of(const ElementProfile& element, int grow) {
+    const TextProfile& seen = element.text;
+    if (!element.declared) return form_by_samples(seen, grow);
+    if (!element.declared->text) {
+        if (seen.texts() > 0) return form_by_samples(seen, grow);
+        return declared_text(seen, {}, grow);
+    }
+    const TextLimits& limits = *element.declared->text;
+    if (!limits.is_number) return declared_text(seen, limits, grow);
+    return limits.may_be_empty ? declared_text_of_number(seen, limits, grow)
+                               : declared_number(seen, limits, grow);
+}
+
+TableForm table_of(const ElementProfile& element, int grow) {
+    const std::uint64_t seen = element.most;
+    const std::uint64_t by_samples = seen > 1 ? grown(seen, grow) : 1;
+    if (!element.declared || element.declared->most <= 1) return {by_samples};
+    const std::uint64_t most = element.declared->most;
+    if (most <= MOST_OCCURS) return {std::max(most, seen)};
+    if (seen > 0) return {std::max<std::uint64_t>(by_samples, 2)};
+    return {GUESSED_OCCURS, true};
+}
+
+std::string comment_on(const ElementProfile& element) {
+    std::string comment;
+    if (element.declared) add(comment, comment_on_declaration(*element.declared));
+    if (element.children.empty()) add(comment, comment_on_text(element));
+    if (element.most > 1) add(comment, "up to " + std::to_string(element.most) + " times");
+    if (element.parents < element.parent->count) {
+        add(comment, "in " + std::to_string(element.parents) + " of " +
+                         std::to_string(element.parent->count));
+    }
+    return comment;
+}
+
+}  // namespace conversion

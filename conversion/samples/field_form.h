@@ -1,0 +1,38 @@
+// Which field or table an element gets, by what samples show and what a schema says.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "conversion/samples/document_profile.h"
+
+namespace conversion {
+
+struct FieldForm {
+    std::string picture;  // the clause
+    std::uint64_t bytes = 0;
+    bool is_number = false;
+    bool is_guess = false;  // neither samples nor a schema give a limit
+};
+
+struct TableForm {
+    std::uint64_t occurs = 1;  // 1: not a table
+    bool is_guess = false;
+};
+
+constexpr std::uint64_t MOST_OCCURS = 32767;  // of a table
+
+// The field of an element without elements. Where a schema sets a limit, that counts; otherwise
+// what was seen, and `grow` percent more.
+FieldForm field_of(const ElementProfile& element, int grow);
+
+// How often it occurs in the one around it, in the same way.
+TableForm table_of(const ElementProfile& element, int grow);
+
+// What a schema says of it and what was seen, in one line; may be empty.
+std::string comment_on(const ElementProfile& element);
+
+// "1 record", "2 records"
+std::string counted(std::uint64_t count, const std::string& what);
+
+}  // namespace conversion

@@ -1,0 +1,9 @@
+// What documents hold, as Expat alone says.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The texts of the elements that have one, each with its path. What fields without data come to is
+// left out: empty texts and zeros.
+std::vector<std::string> contents_of(const std::string& document);
