@@ -190,6 +190,7 @@ Result OpenFile::read() {
     ended_ = !read || !*read;
     if (!read) return result_of(read.problem());
     if (ended_) return {Status::at_end, {}};
+    if (input_->problem()) return result_of(*input_->problem());
     const std::span<const std::uint8_t> record = input_->record();
     const std::size_t copied = std::min<std::size_t>(record.size(), longest());
     std::memcpy(file_.record->data, record.data(), copied);
@@ -233,6 +234,10 @@ Result OpenFile::tell_troubles() {
 std::uint32_t OpenFile::length_of_record_read() const {
     if (shortest() >= longest()) return longest();
     const records::Description& description = layout_->description;
+    if (description.slides()) {
+        return std::clamp(static_cast<std::uint32_t>(input_->record().size()), shortest(),
+                          longest());
+    }
     std::uint32_t length = layout_length();
     if (description.min_record_length() < description.record_length()) {
         const std::int32_t used =

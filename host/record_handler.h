@@ -25,6 +25,9 @@ struct HostRecordHandler {
     // Writing. The index of the item of level 1 to write. The conditions of the description have
     // been evaluated; the module does not have them evaluated again.
     std::int32_t (*choose_layout)(void* context);
+    // Not 0: the host moves items between records. Those that a record does not have lie beyond its
+    // end in the description.
+    std::int32_t moves_items;
     // The text of the character field of the item at `index` in the record being written, valid
     // until the next call; null for texts that go into the document as they are in the record.
     const char* (*text)(void* context, std::int32_t index, std::size_t* length);

@@ -37,7 +37,8 @@ const Choices<records::Machine> MACHINES = {{"mainframe", records::Machine::main
                                             {"native", records::Machine::native}};
 
 const Choices<records::MovingData> MOVING_DATA = {{"fixed", records::MovingData::fixed},
-                                                  {"refuse", records::MovingData::refused}};
+                                                  {"refuse", records::MovingData::refused},
+                                                  {"sliding", records::MovingData::sliding}};
 const Choices<records::NationalSize> NATIONAL_SIZES = {
     {"2", records::NationalSize::two_bytes},
     {"cobc-3.1", records::NationalSize::cobc_3_1},

@@ -92,6 +92,11 @@ Result<std::unique_ptr<RecordFile>> RecordFile::open(const std::string& layout,
     std::optional<records::Description> description =
         records::load_description(layout, options.copybook, options.layout, diagnostics);
     if (!description) return problem_of(Cause::layout, "", text_of(diagnostics), "");
+    if (description->slides()) {
+        return problem_of(
+            Cause::layout, "", "tables with DEPENDING ON that slide are not supported here",
+            "use the command sxml, or odo=fixed if every record holds its tables whole");
+    }
     Result<conversion::RecordFields> fields = conversion::RecordFields::of(description->xfd());
     if (!fields) return fields.problem();
     std::unique_ptr<RecordFile> file(new RecordFile(*std::move(description), *std::move(characters),

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "records/copybook.h"
 #include "records/data_item.h"
 #include "records/diagnostics.h"
+#include "records/sliding.h"
 
 namespace records {
 
@@ -33,7 +35,12 @@ enum class BinarySize { by_machine, by_digits_1248, by_digits_248, smallest };
 enum class ByteOrder { big_endian, native };
 enum class RecordEncoding { ascii, ebcdic };  // of DISPLAY digits and signs
 // What to do with data after a table with DEPENDING ON, which moves as the table's size changes.
-enum class MovingData { refused, fixed };  // fixed: the table always takes its full size
+enum class MovingData {
+    by_machine,  // refused; on the mainframe sliding
+    refused,
+    fixed,   // the table always takes its full size
+    sliding  // the table takes the room of the entries in use
+};
 // Bytes of PIC N and USAGE NATIONAL: two for each character, or as cobc 3.1 and 3.2 count them.
 enum class NationalSize { two_bytes, cobc_3_1, cobc_3_2 };
 
@@ -50,12 +57,16 @@ struct LayoutOptions {
     bool every_record = false;
     bool ebcdic_sign = false;  // overpunched signs follow EBCDIC's convention
     RecordEncoding encoding = RecordEncoding::ascii;
-    MovingData moving_data = MovingData::refused;
+    MovingData moving_data = MovingData::by_machine;
     std::string name;  // of the description; empty: the FD's or the file's
 
     bool is_of_mainframe() const {
         return machine == Machine::mainframe ||
                (machine == Machine::by_encoding && encoding == RecordEncoding::ebcdic);
+    }
+    bool slides() const {
+        return moving_data == MovingData::sliding ||
+               (moving_data == MovingData::by_machine && is_of_mainframe());
     }
 };
 
@@ -77,7 +88,21 @@ class Description {
     // record; otherwise, or when the counter is out of range, `length` itself. Never above
     // `length`.
     std::int32_t used_length(const void* record, std::int32_t length) const;
-    // Whether at `place` in the record is the counter of the table that ends it, with the value 1.
+    // Whether records lie packed in files: tables with OCCURS DEPENDING ON take the room of their
+    // entries in use, and what comes after them follows at once. The lengths and offsets of all
+    // items, record_length() too, are those of the full record, with every entry in its place.
+    bool slides() const;
+    // Spreads a packed record of a layout (by its number among the described ones) into `full`,
+    // of which record_length() bytes can be written; what the record does not have stays as it is.
+    // `runs`: its parts in both forms, in order; a record that ends too early has fewer. Result:
+    // the first counter that is out of its range, where the record is not spread any further.
+    std::optional<CounterProblem> spread(std::size_t layout, std::span<const std::uint8_t> packed,
+                                         std::uint8_t* full, std::vector<SlidingRun>& runs) const;
+    // The parts of a full record, so that it can be packed.
+    std::optional<CounterProblem> find_runs(std::size_t layout, const std::uint8_t* full,
+                                            std::vector<SlidingRun>& runs) const;
+    // Whether at `place` in the record is the counter of the table that ends it, or of one that
+    // slides, with the value 1.
     bool is_counter_of_one(const void* record, const void* place) const;
 
     // One line of `sxml layout`: an item at its first occurrence, groups and hidden items included.

@@ -100,6 +100,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
         handler_.begin_record = &begin_element;
     }
     if (options_.shown_name.empty()) options_.shown_name = options_.file;
+    if (description.slides()) sliding_.emplace(description, std::uint8_t{' '});
 }
 
 Result<std::unique_ptr<InputDocument>> InputDocument::open(const records::Description& description,
@@ -142,6 +143,7 @@ void InputDocument::begin_record() {
     elements_.clear();
     unused_.clear();
     without_element_.clear();
+    problem_.reset();
     is_of_a_layout_ = takes_any_record_;
     filled_length_ = 0;
     handler_.exact_table_match = exact_table_match_;
@@ -161,6 +163,7 @@ Result<bool> InputDocument::read() {
     if (result > 0 && code == HOST_FILE_OK) {
         ++count_;
         filled_length_ = result - 1;
+        if (sliding_) pack();
         if (!elements_.empty()) collect_unused();
         if (!without_element_.empty()) count_missing();
         return true;
@@ -362,6 +365,53 @@ void InputDocument::note_missing(void* document, std::int32_t index) {
     }
 }
 
+void InputDocument::pack() {
+    const std::size_t chosen = layout().value_or(0);
+    problem_ = sliding_->look_at(record_.data(), chosen, fields_);
+    packed_.clear();
+    if (problem_) return;
+    sliding_->pack(record_.data(), packed_);
+    const Xfd& xfd = *module_file_.xfd;
+    for (const Field& field : fields_.layouts()[chosen].fields) {
+        if (fate(field.item) == FieldFate::not_in_document) continue;
+        if (sliding_->has_all(field.offset, field.length)) continue;
+        if (is_blank(xfd.items[field.item]) || is_repeated(field.item)) continue;
+        problem_ = Problem{Cause::record,
+                           {.field = fields_.name(field.item)},
+                           "there is data for an entry that the table's counter does not count",
+                           "the counter is to be the number of entries"};
+        return;
+    }
+}
+
+bool InputDocument::is_blank(const XfdItem& item) const {
+    const std::uint8_t* const bytes = record_.data() + item.offset;
+    const bool is_binary = item.format == XFD_FORMAT_BINARY;
+    if (!is_binary && is_numeric_type(item.data.type)) {
+        XfdDataDesc data = item.data;
+        data.address = const_cast<std::uint8_t*>(bytes);
+        records::Decimal number;
+        return records::decode_field(data, number) &&
+               records::compare(number, records::Decimal{}) == 0;
+    }
+    const std::uint8_t blank = is_binary ? std::uint8_t{0} : characters_->space();
+    return std::all_of(bytes, bytes + item.data.length,
+                       [blank](std::uint8_t byte) { return byte == blank; });
+}
+
+// Elements of a table's only entry carry no number for it, and so are taken for every entry.
+bool InputDocument::is_repeated(std::int32_t item) const {
+    if (handler_.exact_table_match != 0) return false;
+    const Xfd& xfd = *module_file_.xfd;
+    const XfdItem& own = xfd.items[item];
+    const std::uint8_t* const bytes = record_.data() + own.offset;
+    return std::any_of(xfd.items, xfd.items + xfd.item_count, [&](const XfdItem& other) {
+        return std::string_view(other.name) == own.name && other.data.length == own.data.length &&
+               sliding_->has_all(other.offset, other.data.length) &&
+               std::equal(bytes, bytes + own.data.length, record_.data() + other.offset);
+    });
+}
+
 // Fields of other layouts are not missing, nor entries that the counter of a table does not count.
 void InputDocument::count_missing() {
     const std::optional<std::size_t> chosen = layout();
@@ -370,12 +420,18 @@ void InputDocument::count_missing() {
     const std::int32_t used = description_.used_length(record_.data(), record_length_);
     for (const std::int32_t item : without_element_) {
         const bool is_own = item >= own.first_item && item < own.end_item;
-        const bool is_used = module_file_.xfd->items[item].offset < used;
+        const bool is_used = is_counted(item, used);
         if (is_own && is_used) ++missing_[static_cast<std::size_t>(item)];
     }
 }
 
+bool InputDocument::is_counted(std::int32_t item, std::int32_t used) const {
+    const XfdItem& field = module_file_.xfd->items[item];
+    return sliding_ ? sliding_->has_all(field.offset, field.data.length) : field.offset < used;
+}
+
 std::size_t InputDocument::used_length() const {
+    if (sliding_) return packed_.size();
     const std::optional<std::size_t> chosen = layout();
     if (!chosen) return static_cast<std::size_t>(filled_length_);
     const RecordLayout& own = fields_.layouts()[*chosen];

@@ -13,6 +13,7 @@
 #include "conversion/fields/blank_record.h"
 #include "conversion/fields/record_fields.h"
 #include "conversion/fields/single_entry.h"
+#include "conversion/fields/sliding_record.h"
 #include "conversion/problem.h"
 #include "conversion/session/module.h"
 #include "conversion/texts/character_set.h"
@@ -103,7 +104,13 @@ class InputDocument {
     std::uint64_t count() const { return count_; }
 
     // Of the record read last, until the next is read:
-    std::span<const std::uint8_t> record() const { return record_; }
+    // Packed where tables slide.
+    std::span<const std::uint8_t> record() const { return sliding_ ? packed_ : record_; }
+    // Why there is no such record: its tables slide, and a counter is out of its range, or an entry
+    // that the counter does not count has data.
+    const Done& problem() const { return problem_; }
+    // Of the longest record, bytes.
+    std::size_t record_length() const { return record_.size(); }
     // False: each of several layouts has a condition and none holds, so that only the fields of
     // every record were filled.
     bool is_of_a_layout() const { return is_of_a_layout_; }
@@ -159,6 +166,10 @@ class InputDocument {
     void collect_names(const Xfd& xfd);
     void collect_unused();
     void count_missing();
+    bool is_counted(std::int32_t item, std::int32_t used) const;
+    void pack();
+    bool is_blank(const XfdItem& item) const;
+    bool is_repeated(std::int32_t item) const;
     std::string path_of(std::size_t element) const;
     UnusedData unused_text(std::size_t element) const;
     Problem reading_problem() const;
@@ -192,6 +203,9 @@ class InputDocument {
     std::uint64_t count_ = 0;
     bool has_ended_ = false;
     std::vector<std::uint8_t> record_;
+    std::optional<SlidingRecord> sliding_;
+    std::vector<std::uint8_t> packed_;
+    Done problem_;
     bool is_of_a_layout_ = false;
     std::optional<std::size_t> named_layout_;  // by the record's element
     std::int32_t filled_length_ = 0;

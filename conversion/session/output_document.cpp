@@ -1,6 +1,7 @@
 #include "conversion/session/output_document.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "conversion/session/document_settings.h"
@@ -51,6 +52,9 @@ OutputDocument::OutputDocument(const host::Module& module, const records::Descri
     handler_.context = this;
     handler_.choose_layout = &choose_layout;
     if (characters.is_ebcdic()) handler_.text = &translate_text;
+    if (!description.slides()) return;
+    sliding_.emplace(description, characters.space());
+    handler_.moves_items = 1;
 }
 
 Result<std::unique_ptr<OutputDocument>> OutputDocument::open(
@@ -108,9 +112,17 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     record_ = record;
     outcome_.length = description_.used_length(record, length);
     outcome_.bad_numbers.clear();
+    if (sliding_) {
+        const auto size = static_cast<std::size_t>(length);
+        if (Done problem = spread({record, size}, layout)) return problem;
+    }
     choose(layout);
-    if (Done problem = check_length(length)) return problem;
-    if (outcome_.length < description_.record_length()) complete_cut_field();
+    if (sliding_) {
+        if (Done problem = hide_unused_entries()) return problem;
+    } else {
+        if (Done problem = check_length(length)) return problem;
+        if (outcome_.length < description_.record_length()) complete_cut_field();
+    }
     if (Done problem = check_texts()) return problem;
     if (is_strict_) {
         if (Done problem = check_strictly()) return problem;
@@ -122,6 +134,42 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     module_.write(module_file_.file, record_, static_cast<std::uint32_t>(outcome_.length));
     if (records::data_exceptions() != exceptions) find_bad_numbers();
     return take_hidden_failure();
+}
+
+Done OutputDocument::spread(std::span<const std::uint8_t> packed,
+                            std::optional<std::size_t> layout) {
+    if (Done problem = sliding_->spread(packed, fields_, *module_file_.xfd, layout)) return problem;
+    record_ = sliding_->full();
+    outcome_.length = description_.record_length();
+    return std::nullopt;
+}
+
+// The module steps over items that lie beyond the record's end. A problem when the record ends
+// within a field.
+Done OutputDocument::hide_unused_entries() {
+    constexpr std::int32_t BEYOND = std::numeric_limits<std::int32_t>::max();
+    const Xfd& own = description_.xfd();
+    for (std::int32_t i = 0; i < own.item_count; ++i) {
+        const XfdItem& item = own.items[i];
+        const bool is_group = item.condition == XFD_GROUP;
+        const bool is_there =
+            is_group ? item.dimensions() == 0 || sliding_->has_any(item.offset, item.data.length)
+                     : sliding_->has_all(item.offset, item.data.length);
+        module_file_.xfd->items[i].offset = is_there ? item.offset : BEYOND;
+    }
+    for (const Field& field : chosen().fields) {
+        if (!condition_holds(*module_file_.xfd, field.condition)) continue;
+        if (!sliding_->has_any(field.offset, field.length)) continue;
+        if (sliding_->has_all(field.offset, field.length)) continue;
+        return Problem{Cause::record, place_of(field, 0), "the record ends within the field", ""};
+    }
+    return std::nullopt;
+}
+
+Place OutputDocument::place_of(const Field& field, std::int32_t position) const {
+    Place place{.field = fields_.name(field.item), .path = fields_.path(field.item)};
+    place.in_record = static_cast<std::uint32_t>(offset_in_record(field.offset) + position);
+    return place;
 }
 
 void OutputDocument::choose(std::optional<std::size_t> layout) {
@@ -175,10 +223,8 @@ Done OutputDocument::check_texts() const {
         std::optional<TextProblem> problem =
             text_check_.check(record_ + field.offset, field.length);
         if (!problem) continue;
-        Place place{.field = fields_.name(field.item), .path = fields_.path(field.item)};
-        place.in_record = static_cast<std::uint32_t>(field.offset + problem->position);
         return Problem{Cause::record,
-                       std::move(place),
+                       place_of(field, problem->position),
                        std::move(problem->what),
                        std::move(problem->remedy),
                        0,
@@ -205,11 +251,7 @@ Done OutputDocument::check_strictly() {
     find_bad_numbers();
     if (outcome_.bad_numbers.empty()) return std::nullopt;
     const Field& field = *outcome_.bad_numbers.front();
-    Place place;
-    place.field = fields_.name(field.item);
-    place.path = fields_.path(field.item);
-    place.in_record = static_cast<std::uint32_t>(field.offset);
-    return Problem{Cause::record, std::move(place), "not a valid number", {}, 0, bytes_of(field)};
+    return Problem{Cause::record, place_of(field, 0), "not a valid number", {}, 0, bytes_of(field)};
 }
 
 std::string OutputDocument::bytes_of(const Field& field) const {

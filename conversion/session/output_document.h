@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "conversion/fields/record_fields.h"
+#include "conversion/fields/sliding_record.h"
 #include "conversion/problem.h"
 #include "conversion/session/module.h"
 #include "conversion/texts/character_set.h"
@@ -63,6 +64,11 @@ class OutputDocument {
     Done write(const std::uint8_t* record, std::int32_t length,
                std::optional<std::size_t> layout = std::nullopt);
     const Outcome& outcome() const { return outcome_; }
+    // Where in the record written last the byte is that the description has at `offset`: records
+    // with tables that slide are packed.
+    std::int32_t offset_in_record(std::int32_t offset) const {
+        return sliding_ ? sliding_->packed_offset(offset) : offset;
+    }
 
     // Writes the end tag.
     void close();
@@ -78,6 +84,9 @@ class OutputDocument {
 
     void choose(std::optional<std::size_t> layout);
     void complete_cut_field();
+    Done spread(std::span<const std::uint8_t> packed, std::optional<std::size_t> layout);
+    Done hide_unused_entries();
+    Place place_of(const Field& field, std::int32_t position) const;
     Done check_length(std::int32_t length) const;
     Done check_texts() const;
     void find_bad_numbers();
@@ -86,7 +95,8 @@ class OutputDocument {
     std::string bytes_of(const Field& field) const;
     const RecordLayout& chosen() const { return fields_.layouts()[outcome_.layout]; }
     bool is_written(const Field& field) const {
-        return holds_data(field, *module_file_.xfd, outcome_.length);
+        return holds_data(field, *module_file_.xfd, outcome_.length) &&
+               (!sliding_ || sliding_->has_all(field.offset, field.length));
     }
 
     const host::Module& module_;
@@ -96,6 +106,7 @@ class OutputDocument {
     bool has_lengths_;
     RecordFields fields_;
     TextCheck text_check_;
+    std::optional<SlidingRecord> sliding_;
     HostRecordHandler handler_{};
     ModuleFile module_file_;
     const std::uint8_t* record_ = nullptr;  // being written

@@ -27,7 +27,8 @@ ModelItem model_item(const Node& node) {
     item.condition = node.condition;
     if (source.occurs && !node.is_wrapped) {
         item.table = Table{node.occurs, std::min(source.occurs->min, node.occurs),
-                           static_cast<std::int32_t>(node.stride), source.occurs->depending_on};
+                           static_cast<std::int32_t>(node.stride), source.occurs->depending_on,
+                           node.counter};
     }
     if (!item.group) {
         item.form = node.form;
@@ -61,6 +62,40 @@ void drop_empty_groups(Node& record, Diagnostics& diagnostics) {
     });
 }
 
+bool has_counter(const Node& node) {
+    return node.source->occurs && !node.source->occurs->depending_on.empty();
+}
+
+// Whether a table with DEPENDING ON is not what ends the record.
+bool has_moving_data(const Node& node, bool is_last = true) {
+    if (has_counter(node) && !is_last) return true;
+    for (std::size_t i = 0; i < node.children.size(); ++i) {
+        const bool is_end = is_last && node.occurs <= 1 &&
+                            std::all_of(node.children.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                                        node.children.end(),
+                                        [](const auto& later) { return later->redefined >= 0; });
+        if (has_moving_data(*node.children[i], is_end)) return true;
+    }
+    return false;
+}
+
+const Node* root_of(const Node& node) {
+    const Node* at = &node;
+    while (at->parent != nullptr) at = at->parent;
+    return at;
+}
+
+// Whether the item redefines another one of its group, or is redefined.
+bool shares_its_place(const Node& node) {
+    if (node.redefined >= 0) return true;
+    if (node.parent == nullptr) return false;
+    const auto& siblings = node.parent->children;
+    return std::any_of(siblings.begin(), siblings.end(), [&](const auto& other) {
+        return other->redefined >= 0 &&
+               siblings[static_cast<std::size_t>(other->redefined)].get() == &node;
+    });
+}
+
 class Compiler {
   public:
     Compiler(const RecordSource& source, const LayoutOptions& options, Diagnostics& diagnostics)
@@ -78,7 +113,11 @@ class Compiler {
         for (const auto& layout : layouts_) {
             set_forms(*layout, options_, diagnostics_);
             set_names(*layout, options_, diagnostics_, fillers);
-            find_length_rules(*layout, scope);
+            if (options_.slides() && has_moving_data(*layout)) {
+                find_counters(*layout, scope);
+            } else {
+                find_length_rules(*layout, scope);
+            }
             wrap_field(*layout, options_);
             drop_empty_groups(*layout, diagnostics_);
         }
@@ -101,6 +140,45 @@ class Compiler {
             std::unique_ptr<Node> placed = place_record(*record, options_, diagnostics_);
             if (placed) layouts_.push_back(std::move(placed));
         }
+    }
+
+    // Of each table that slides: where its counter is.
+    void find_counters(Node& record, const NameScope& scope) {
+        for_each(record, [&](Node& table) {
+            if (!has_counter(table)) return;
+            const Occurs& occurs = *table.source->occurs;
+            std::vector<std::string> name{occurs.depending_on};
+            name.insert(name.end(), occurs.depending_on_of.begin(), occurs.depending_on_of.end());
+            const NameScope::Found counter = scope.find(name, table);
+            const std::string problem = counter_problem(record, table, counter);
+            if (problem.empty()) {
+                table.counter = operand_of(*counter.node, table);
+            } else {
+                diagnostics_.error(occurs.place, problem);
+            }
+        });
+    }
+
+    static std::string counter_problem(const Node& record, const Node& table,
+                                       const NameScope::Found& counter) {
+        const std::string name = table.source->occurs->depending_on;
+        for (const Node* at = &table; at != nullptr; at = at->parent) {
+            if (shares_its_place(*at)) {
+                return item_name(*table.source) + " cannot slide, since " + item_name(*at->source) +
+                       " redefines an item or is redefined; give --odo fixed";
+            }
+        }
+        const bool is_number = counter.node != nullptr && counter.condition == nullptr &&
+                               is_numeric_type(counter.node->form.type);
+        if (!is_number || root_of(*counter.node) != &record) {
+            return "the counter " + name +
+                   " is not a number in the record, so that the table's length is not known; give "
+                   "--odo fixed if every record holds the whole table";
+        }
+        if (counter.node->offset + counter.node->size > table.offset) {
+            return "the counter " + name + " must come before its table";
+        }
+        return {};
     }
 
     // Remembers how the record's length follows from a counter when a table with one ends it.

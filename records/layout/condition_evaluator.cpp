@@ -5,6 +5,7 @@
 
 #include "records/layout/code_page.h"
 #include "records/layout/comparison.h"
+#include "records/layout/counter.h"
 
 namespace records {
 namespace {
@@ -77,18 +78,8 @@ Bytes bytes_at(const Operand& item, const std::uint8_t* record,
 }
 
 Decimal number_at(const Operand& item, Bytes bytes) {
-    XfdDataDesc data{};
-    data.address = const_cast<std::uint8_t*>(bytes.data);
-    data.length = item.length;
-    data.type = item.form.type;
-    data.digits = static_cast<std::int8_t>(item.form.digits);
-    data.scale = static_cast<std::int8_t>(item.form.scale);
-    set_field_extra(data, {static_cast<std::int8_t>(item.form.stored_digits),
-                           static_cast<std::int8_t>(item.form.stored_scale),
-                           item.form.flags,
-                           {}});
     Decimal number;
-    decode_field(data, number);
+    decode_field(descriptor_of(item, bytes.data), number);
     return number;
 }
 

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
+#include "records/layout/counter.h"
 #include "records/layout/description_data.h"
 #include "records/layout/variants.h"
-#include "records/numbers.h"
 
 namespace records {
 namespace {
@@ -17,27 +17,14 @@ bool condition_holds(const DescriptionData& data, int condition, const std::uint
     return test.holds(record, first_occurrence);
 }
 
-// The counter's value, or -1 when it is out of the rule's range.
-std::int32_t occurrences(const LengthRule& rule, const std::uint8_t* record) {
-    const Operand& counter = rule.counter;
-    XfdDataDesc data{};
-    data.address = const_cast<std::uint8_t*>(record) + counter.offset;
-    data.length = counter.length;
-    data.type = counter.form.type;
-    data.digits = static_cast<std::int8_t>(counter.form.digits);
-    data.scale = static_cast<std::int8_t>(counter.form.scale);
-    set_field_extra(data, {static_cast<std::int8_t>(counter.form.stored_digits),
-                           static_cast<std::int8_t>(counter.form.stored_scale),
-                           counter.form.flags,
-                           {}});
-    Decimal number;
-    if (!decode_field(data, number) || number.scale != 0 || number.count > 10) return -1;
-    std::int64_t value = 0;
-    for (int i = 0; i < number.count; ++i) {
-        value = value * 10 + number.digits[static_cast<std::size_t>(i)];
-    }
-    if (number.negative && value != 0) return -1;
-    return value < rule.min || value > rule.max ? -1 : static_cast<std::int32_t>(value);
+bool has_counter_of_one(const SlidingPlan& plan, const std::uint8_t* record, const void* place) {
+    return std::any_of(plan.begin(), plan.end(), [&](const SlidingPiece& piece) {
+        if (!piece.table) return false;
+        const std::optional<Operand>& counter = piece.table->counter;
+        const bool is_one = counter && counter->tables == 0 && record + counter->offset == place &&
+                            count_of(*counter, record + counter->offset, 1, 1).has_value();
+        return is_one || has_counter_of_one(piece.entry, record, place);
+    });
 }
 
 // Tells of the fields with an element in a layout, table entries by their first one.
@@ -66,6 +53,52 @@ class LayoutFields {
     std::vector<const ModelItem*> fields_;
     int condition_ = -1;
     bool is_mixed_ = false;
+};
+
+bool is_sliding_counter_of_one(const DescriptionData& data, const std::uint8_t* record,
+                               const void* place) {
+    return std::any_of(data.plans.begin(), data.plans.end(), [&](const SlidingPlan& plan) {
+        return has_counter_of_one(plan, record, place);
+    });
+}
+
+// Copies a packed record to where its parts belong.
+class Spreader : public SlidingWalk {
+  public:
+    Spreader(std::span<const std::uint8_t> packed, std::uint8_t* full,
+             std::vector<SlidingRun>& runs)
+        : SlidingWalk(full), packed_(packed), full_(full), runs_(runs) {}
+
+  private:
+    bool take(std::int32_t offset, std::int32_t length) override {
+        const auto left = static_cast<std::int32_t>(packed_.size()) - position_;
+        const std::int32_t taken = std::min(length, left);
+        std::copy_n(packed_.data() + position_, taken, full_ + offset);
+        if (taken > 0) runs_.push_back({offset, position_, taken});
+        position_ += taken;
+        return taken == length;
+    }
+
+    std::span<const std::uint8_t> packed_;
+    std::uint8_t* full_;
+    std::vector<SlidingRun>& runs_;
+    std::int32_t position_ = 0;
+};
+
+class RunFinder : public SlidingWalk {
+  public:
+    RunFinder(const std::uint8_t* full, std::vector<SlidingRun>& runs)
+        : SlidingWalk(full), runs_(runs) {}
+
+  private:
+    bool take(std::int32_t offset, std::int32_t length) override {
+        runs_.push_back({offset, position_, length});
+        position_ += length;
+        return true;
+    }
+
+    std::vector<SlidingRun>& runs_;
+    std::int32_t position_ = 0;
 };
 
 }  // namespace
@@ -107,18 +140,38 @@ std::int32_t Description::used_length(const void* record, std::int32_t length) c
             (length < record_length() || !condition_holds(*data_, rule.condition, bytes))) {
             continue;
         }
-        const std::int32_t count = occurrences(rule, bytes);
-        if (count < 0) return length;
-        return std::min(length, rule.table_offset + count * rule.stride);
+        const auto count = count_of(rule.counter, bytes + rule.counter.offset, rule.min, rule.max);
+        if (!count) return length;
+        return std::min(length, rule.table_offset + *count * rule.stride);
     }
     return length;
 }
 
+bool Description::slides() const {
+    return !data_->plans.empty();
+}
+
+std::optional<CounterProblem> Description::spread(std::size_t layout,
+                                                  std::span<const std::uint8_t> packed,
+                                                  std::uint8_t* full,
+                                                  std::vector<SlidingRun>& runs) const {
+    runs.clear();
+    return Spreader(packed, full, runs).run(data_->plans[layout]);
+}
+
+std::optional<CounterProblem> Description::find_runs(std::size_t layout, const std::uint8_t* full,
+                                                     std::vector<SlidingRun>& runs) const {
+    runs.clear();
+    return RunFinder(full, runs).run(data_->plans[layout]);
+}
+
 bool Description::is_counter_of_one(const void* record, const void* place) const {
     const auto* bytes = static_cast<const std::uint8_t*>(record);
+    if (slides()) return is_sliding_counter_of_one(*data_, bytes, place);
     const auto& rules = data_->model.length_rules;
     return std::any_of(rules.begin(), rules.end(), [&](const LengthRule& rule) {
-        return bytes + rule.counter.offset == place && occurrences(rule, bytes) == 1 &&
+        return bytes + rule.counter.offset == place &&
+               count_of(rule.counter, bytes + rule.counter.offset, rule.min, rule.max) == 1 &&
                (rule.condition == 0 || condition_holds(*data_, rule.condition, bytes));
     });
 }

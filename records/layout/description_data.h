@@ -10,6 +10,7 @@
 #include "records/description.h"
 #include "records/layout/condition_evaluator.h"
 #include "records/layout/model.h"
+#include "records/layout/sliding_plan.h"
 
 namespace records {
 
@@ -44,6 +45,7 @@ struct DescriptionData {
     Model model;
     XfdBlock block;
     std::vector<Description::Row> rows;
+    std::vector<SlidingPlan> plans;  // of the described layouts; none where nothing slides
 };
 
 // Builds the module's structures from a model that is consistent. Errors (too many items,

@@ -197,6 +197,15 @@ void add_rows(const Model& model, const ModelItem& item, std::vector<Description
     for (const ModelItem& child : item.children) add_rows(model, child, rows);
 }
 
+std::vector<SlidingPlan> sliding_plans(const Model& model, std::string& problem) {
+    std::vector<SlidingPlan> plans;
+    if (std::none_of(model.layouts.begin(), model.layouts.end(), has_counted_table)) return plans;
+    for (const ModelItem& layout : model.layouts) {
+        if (!layout.name.empty()) plans.push_back(make_sliding_plan(layout, problem));
+    }
+    return plans;
+}
+
 std::size_t described_layouts(const Model& model) {
     return static_cast<std::size_t>(
         std::count_if(model.layouts.begin(), model.layouts.end(),
@@ -240,7 +249,8 @@ std::unique_ptr<DescriptionData> flatten(Model model, std::string& problem) {
     block.flags = described_layouts(data->model) > 1 ? XFD_SEVERAL_LAYOUTS : std::uint8_t{0};
     block.connect();
     for (const ModelItem& layout : data->model.layouts) add_rows(data->model, layout, data->rows);
-    return data;
+    data->plans = sliding_plans(data->model, problem);
+    return problem.empty() ? std::move(data) : nullptr;
 }
 
 }  // namespace records

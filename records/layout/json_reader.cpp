@@ -319,17 +319,34 @@ class Reader {
     void read_table(const Key& key, ModelItem& item, Surroundings& inside) {
         if (!key.has("occurs")) return;
         const Key occurs = key.member("occurs");
-        if (!occurs.is_object_of({"count", "stride", "min", "depending_on"})) return;
+        if (!occurs.is_object_of({"count", "stride", "min", "depending_on", "counter"})) return;
         Table table;
         table.occurs = static_cast<std::int32_t>(occurs.integer("count", 1, MAX_OCCURS));
         table.stride = static_cast<std::int32_t>(occurs.integer("stride", 1, model_.record_length));
         table.min = static_cast<std::int32_t>(occurs.integer("min", 0, table.occurs, table.occurs));
         table.depending_on = occurs.optional_text("depending_on");
+        if (occurs.has("counter")) table.counter = read_counter(occurs, inside);
         if (table.occurs > 1) {
             inside.tables.push_back({table.occurs, table.stride});
             inside.last_shift += static_cast<std::int64_t>(table.occurs - 1) * table.stride;
         }
         item.table = table;
+    }
+
+    // Where the table slides. The counter may lie in tables around.
+    Operand read_counter(const Key& occurs, const Surroundings& around) {
+        bool complete = true;
+        Operand counter = read_operand(occurs.member("counter"), complete);
+        std::int64_t end = std::int64_t{counter.offset} + counter.length;
+        const auto tables = static_cast<std::size_t>(counter.tables);
+        for (std::size_t i = 0; i < std::min(tables, around.tables.size()); ++i) {
+            end += static_cast<std::int64_t>(around.tables[i].occurs - 1) * around.tables[i].stride;
+        }
+        if (!complete || counter.kind != Operand::Kind::item || tables > around.tables.size() ||
+            end > model_.record_length || !is_numeric_type(counter.form.type)) {
+            occurs.member("counter").error("must be a number that lies in the record");
+        }
+        return counter;
     }
 
     void read_place(const Key& key, ModelItem& item, const Surroundings& inside) {

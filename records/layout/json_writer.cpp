@@ -111,6 +111,7 @@ Json item_json(const ModelItem& item) {
             table["min"] = item.table->min;
             table["depending_on"] = item.table->depending_on;
         }
+        if (item.table->counter) table["counter"] = operand_json(*item.table->counter);
         object["occurs"] = table;
     }
     set_unless_empty(object, "redefines", item.redefines);

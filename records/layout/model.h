@@ -76,7 +76,8 @@ struct Table {
     std::int32_t occurs = 1;  // 1 gives no dimension
     std::int32_t min = 1;     // with depending_on
     std::int32_t stride = 0;
-    std::string depending_on;  // empty when the number of occurrences is fixed
+    std::string depending_on;        // empty when the number of occurrences is fixed
+    std::optional<Operand> counter;  // where records take the room of the entries in use only
 };
 
 struct ModelItem {

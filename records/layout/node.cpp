@@ -26,6 +26,7 @@ std::unique_ptr<Node> clone(const Node& node, Node* parent) {
     copy->sign_leading = node.sign_leading;
     copy->sign_separate = node.sign_separate;
     copy->is_synchronized = node.is_synchronized;
+    copy->counter = node.counter;
     copy->redefined = node.redefined;
     copy->form = node.form;
     copy->name = node.name;

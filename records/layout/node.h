@@ -29,7 +29,8 @@ struct Node {
     Usage usage = Usage::display;
     bool sign_leading = false;
     bool sign_separate = false;
-    bool is_synchronized = false;  // on the mainframe also by a group around it
+    bool is_synchronized = false;    // on the mainframe also by a group around it
+    std::optional<Operand> counter;  // of a table that slides
     int redefined = -1;  // index among the parent's children of the item whose place this shares
 
     // In XML.

@@ -146,7 +146,9 @@ class Placer {
 
     // Tables with DEPENDING ON have one size here. Where others do not, what follows them moves.
     void check_moving_data(const Node& root) {
-        if (options_.moving_data == MovingData::refused) check_moving_data(root, nullptr, nullptr);
+        if (options_.moving_data != MovingData::fixed && !options_.slides()) {
+            check_moving_data(root, nullptr, nullptr);
+        }
     }
 
     bool failed() const { return too_deep_ || too_long_; }
@@ -164,8 +166,8 @@ class Placer {
                            item_name(*around->source) + ", whose entries then differ in length"
                      : item_name(*next->source) + " comes after the table " + name +
                            ", whose DEPENDING ON moves it") +
-                    "; this is not supported. If every record holds the whole table, used or not, "
-                    "give --odo fixed");
+                    "; say how the records lie: --odo sliding when a table takes the room of its "
+                    "entries in use, --odo fixed when every record holds the whole table");
         }
         if (node.occurs > 1) around = &node;
         for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {

@@ -116,8 +116,14 @@ void DocumentConversion::convert() {
     reject(*problem);
 }
 
-std::span<const std::uint8_t> DocumentConversion::record() const {
-    const std::span<const std::uint8_t> whole = document_.record();
+std::span<const std::uint8_t> DocumentConversion::record() {
+    std::span<const std::uint8_t> whole = document_.record();
+    const std::size_t least = wanted_.has_lengths ? wanted_.min_length : document_.record_length();
+    if (whole.size() < least) {
+        padded_.assign(whole.begin(), whole.end());
+        padded_.resize(least, document_.characters().space());
+        whole = padded_;
+    }
     if (!wanted_.has_lengths) return whole;
     const std::size_t length = std::max<std::size_t>(document_.used_length(), wanted_.min_length);
     return whole.first(std::min(length, whole.size()));
@@ -125,6 +131,12 @@ std::span<const std::uint8_t> DocumentConversion::record() const {
 
 // Why the record cannot be converted, if it cannot; what it loses is reported.
 std::optional<conversion::Problem> DocumentConversion::problem_of_record() {
+    if (document_.problem()) {
+        conversion::Problem problem = *document_.problem();
+        problem.place.file = document_.shown_name();
+        problem.place.record = document_.count();
+        return problem;
+    }
     for (const conversion::FieldTrouble& trouble : document_.troubles()) {
         if (auto problem = problem_of(trouble)) return problem;
     }

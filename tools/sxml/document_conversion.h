@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
@@ -42,7 +43,7 @@ class DocumentConversion {
 
   private:
     void convert();
-    std::span<const std::uint8_t> record() const;
+    std::span<const std::uint8_t> record();
     std::optional<conversion::Problem> problem_of_record();
     std::optional<conversion::Problem> problem_of(const conversion::FieldTrouble& trouble);
     std::optional<conversion::Problem> problem_of(const conversion::UnusedData& data);
@@ -59,6 +60,7 @@ class DocumentConversion {
     RunReport& report_;
     RejectFile& rejects_;
     std::function<void(const conversion::InputDocument&)> observer_;
+    std::vector<std::uint8_t> padded_;
     bool has_filled_ = false;  // any field
 };
 

@@ -90,8 +90,9 @@ void RecordConversion::report_number(const conversion::Record& record,
     problem.place.record = record.number;
     problem.place.field = fields().name(field.item);
     problem.place.path = fields().path(field.item);
-    problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(field.offset);
-    problem.evidence.assign(reinterpret_cast<const char*>(record.data) + field.offset,
+    const std::int32_t offset = document_->offset_in_record(field.offset);
+    problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(offset);
+    problem.evidence.assign(reinterpret_cast<const char*>(record.data) + offset,
                             static_cast<std::size_t>(field.length));
     problem.what = "not a valid number: X'" + hexadecimal(bytes_of(problem.evidence), "") + "'";
     report_.name(Finding::bad_number, problem);

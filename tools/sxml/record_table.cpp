@@ -1,6 +1,7 @@
 #include "tools/sxml/record_table.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "tools/sxml/errors.h"
 #include "tools/sxml/field_value.h"
@@ -41,6 +42,7 @@ RecordTable::RecordTable(records::Description& description, const CharacterSet& 
       characters_(characters),
       fields_(value_of(RecordFields::of(description.xfd()))),
       pictures_(pictures_of(description)) {
+    if (description.slides()) sliding_.emplace(description, characters.space());
     for (const RecordLayout& layout : fields_.layouts()) {
         for (const Field& field : layout.fields) {
             name_width_ = std::max(name_width_, fields_.name(field.item).size());
@@ -50,7 +52,12 @@ RecordTable::RecordTable(records::Description& description, const CharacterSet& 
 }
 
 std::string RecordTable::of(const Record& record) {
-    conversion::evaluate_conditions(xfd_, record.data);
+    conversion::Done problem;
+    if (sliding_) {
+        problem = sliding_->spread({record.data, record.length}, fields_, xfd_, std::nullopt);
+    } else {
+        conversion::evaluate_conditions(xfd_, record.data);
+    }
     const std::optional<std::size_t> chosen = fields_.choose(xfd_);
     std::string text = "Record " + std::to_string(record.number) + ", byte offset " +
                        std::to_string(record.file_offset) + ", " + std::to_string(record.length) +
@@ -60,6 +67,7 @@ std::string RecordTable::of(const Record& record) {
     const RecordLayout& layout = layouts[chosen.value_or(0)];
     if (layouts.size() > 1 && chosen) text += ", " + layout.name;
     if (!chosen) text += ", of no layout; shown as " + layout.name;
+    if (problem) text += ", " + problem->place.field + ": " + problem->what;
     return text + "\n" + line("Offset", "Bytes", "Field", "Picture", "Value") +
            lines_of(layout, record, !chosen);
 }
@@ -83,12 +91,19 @@ std::string RecordTable::line(const std::string& offset, const std::string& byte
 std::string RecordTable::lines_of(const RecordLayout& layout, const Record& record,
                                   bool takes_all) const {
     std::vector<Field> shown;
-    const auto length = static_cast<std::int32_t>(record.length);
+    const auto length = sliding_ ? std::numeric_limits<std::int32_t>::max()
+                                 : static_cast<std::int32_t>(record.length);
     std::copy_if(layout.fields.begin(), layout.fields.end(), std::back_inserter(shown),
                  [&](const Field& field) {
                      return takes_all ? field.offset + field.length <= length
                                       : conversion::holds_data(field, xfd_, length);
                  });
+    if (sliding_) {
+        std::erase_if(shown, [this](const Field& field) {
+            return !sliding_->has_all(field.offset, field.length);
+        });
+        for (Field& field : shown) field.offset = sliding_->packed_offset(field.offset);
+    }
     std::stable_sort(shown.begin(), shown.end(),
                      [](const Field& a, const Field& b) { return a.offset < b.offset; });
     std::string text;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "conversion/fields/record_fields.h"
+#include "conversion/fields/sliding_record.h"
 #include "conversion/formats/record_format.h"
 #include "conversion/texts/character_set.h"
 #include "records/description.h"
@@ -41,6 +42,7 @@ class RecordTable {
     Xfd& xfd_;
     const conversion::CharacterSet& characters_;
     conversion::RecordFields fields_;
+    std::optional<conversion::SlidingRecord> sliding_;
     std::map<std::string, std::string> pictures_;  // by element name
     std::size_t name_width_ = 10;
     std::size_t picture_width_ = 7;

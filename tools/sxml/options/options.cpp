@@ -35,6 +35,7 @@ const std::map<std::string, records::Machine> MACHINES = {
 const std::map<std::string, records::MovingData> MOVING_DATA = {
     {"fixed", records::MovingData::fixed},
     {"refuse", records::MovingData::refused},
+    {"sliding", records::MovingData::sliding},
 };
 
 const std::map<std::string, records::NationalSize> NATIONAL_SIZES = {
@@ -141,8 +142,8 @@ void add_description_options(CLI::App& command, LayoutOptions& options) {
         "binary items hold all that fits their bytes, whatever their picture says");
     add_choice(
         command, "--odo", layout.moving_data, MOVING_DATA,
-        "tables with DEPENDING ON that do not end the record: refuse them (default), or take "
-        "them as full in every record");
+        "tables with DEPENDING ON that do not end the record: refuse them (default), take them as "
+        "full in every record (fixed), or let what follows them slide (default of a mainframe)");
     command.add_flag("--ebcdic-sign", layout.ebcdic_sign,
                      "signs overpunched in DISPLAY numbers follow EBCDIC");
     command.add_flag("--filler", layout.filler, "give FILLER items elements, too");
