@@ -92,11 +92,6 @@ Result<std::unique_ptr<RecordFile>> RecordFile::open(const std::string& layout,
     std::optional<records::Description> description =
         records::load_description(layout, options.copybook, options.layout, diagnostics);
     if (!description) return problem_of(Cause::layout, "", text_of(diagnostics), "");
-    if (description->slides()) {
-        return problem_of(
-            Cause::layout, "", "tables with DEPENDING ON that slide are not supported here",
-            "use the command sxml, or odo=fixed if every record holds its tables whole");
-    }
     Result<conversion::RecordFields> fields = conversion::RecordFields::of(description->xfd());
     if (!fields) return fields.problem();
     std::unique_ptr<RecordFile> file(new RecordFile(*std::move(description), *std::move(characters),
@@ -118,6 +113,7 @@ RecordFile::RecordFile(records::Description description, CharacterSet characters
       blank_(description_.xfd(), description_.record_length(), conversion::BlankFill::by_type,
              characters_.space()),
       record_(static_cast<std::size_t>(description_.record_length())) {
+    if (description_.slides()) sliding_.emplace(description_, characters_.space());
     clear();
 }
 
@@ -192,7 +188,8 @@ Result<bool> RecordFile::read() {
 Result<bool> RecordFile::read_document() {
     Result<bool> outcome = input_->read();
     if (!outcome || !*outcome) return outcome;
-    std::ranges::copy(input_->record(), record_.begin());
+    if (input_->problem()) return input_->problem().value();
+    if (Done problem = take(input_->record(), input_->layout())) return *std::move(problem);
     if (!input_->is_of_a_layout()) {
         warnings_.emplace_back("none of the record layouts' conditions holds");
     }
@@ -216,10 +213,44 @@ Result<bool> RecordFile::read_record_file() {
     if (!next) return next.problem();
     if (!*next) return false;
     const conversion::Record& record = **next;
-    const std::size_t length = std::min(record.length, record_.size());
-    const auto end = std::copy_n(record.data, length, record_.begin());
+    Done problem = take({record.data, record.length}, std::nullopt);
+    if (!problem) return true;
+    conversion::Place& place = problem->place;
+    if (place.in_record) place.byte_offset = record.file_offset + *place.in_record;
+    return *std::move(problem);
+}
+
+// Takes a record as it lies in a file. A problem when its tables slide and its counters are wrong.
+Done RecordFile::take(std::span<const std::uint8_t> record, std::optional<std::size_t> layout) {
+    if (sliding_) {
+        Done problem = sliding_->spread(record, fields_, description_.xfd(), layout);
+        std::copy_n(sliding_->full(), record_.size(), record_.begin());
+        return at_record(std::move(problem));
+    }
+    const std::size_t length = std::min(record.size(), record_.size());
+    const auto end = std::copy_n(record.data(), length, record_.begin());
     std::fill(end, record_.end(), characters_.space());
-    return true;
+    return std::nullopt;
+}
+
+// The record as it is to lie in a file: packed where its tables slide.
+Result<std::span<const std::uint8_t>> RecordFile::record_to_write() {
+    if (!sliding_) return std::span<const std::uint8_t>(record_);
+    evaluate();
+    const std::size_t layout = fields_.choose(description_.xfd()).value_or(0);
+    if (Done problem = sliding_->look_at(record_.data(), layout, fields_)) return *problem;
+    sliding_->pack(record_.data(), packed_);
+    if (writer_ && !options_.format.has_lengths()) {
+        packed_.resize(record_.size(), characters_.space());
+    }
+    return std::span<const std::uint8_t>(packed_);
+}
+
+Done RecordFile::at_record(Done problem) const {
+    if (!problem) return problem;
+    problem->place.file = target_.name;
+    problem->place.record = number_ + 1;
+    return problem;
 }
 
 Done RecordFile::write() {
@@ -229,14 +260,13 @@ Done RecordFile::write() {
                           "open it with the mode w, and write before sxml_finish");
     }
     const Settings settings(options_);
-    Done problem = output_ ? output_->write(record_.data(), description_.record_length())
-                           : writer_->add(record_);
+    auto record = record_to_write();
+    if (!record) return at_record(record.problem());
+    Done problem = output_
+                       ? output_->write(record->data(), static_cast<std::int32_t>(record->size()))
+                       : writer_->add(*record);
     if (!problem && output_) problem = conversion::take_write_failure();
-    if (problem) {
-        problem->place.file = target_.name;
-        problem->place.record = number_ + 1;
-        return problem;
-    }
+    if (problem) return at_record(std::move(problem));
     ++number_;
     if (output_) {
         for (const conversion::Field* field : output_->outcome().bad_numbers) {
@@ -322,8 +352,10 @@ bool RecordFile::applies(int field) {
     const std::int32_t length =
         description_.used_length(record_.data(), description_.record_length());
     const std::int32_t index = names_.index(field);
+    if (sliding_) sliding_->look_at(record_.data(), fields_.choose(xfd).value_or(0), fields_);
     return std::ranges::any_of(layout.fields, [&](const conversion::Field& one) {
-        return one.item == index && conversion::holds_data(one, xfd, length);
+        return one.item == index && conversion::holds_data(one, xfd, length) &&
+               (!sliding_ || sliding_->has_all(one.offset, one.length));
     });
 }
 

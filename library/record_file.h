@@ -11,6 +11,7 @@
 #include "conversion/documents/document_source.h"
 #include "conversion/fields/blank_record.h"
 #include "conversion/fields/record_fields.h"
+#include "conversion/fields/sliding_record.h"
 #include "conversion/formats/record_format.h"
 #include "conversion/problem.h"
 #include "conversion/session/input_document.h"
@@ -66,6 +67,9 @@ class RecordFile {
     conversion::Done open_output();
     conversion::Result<bool> read_document();
     conversion::Result<bool> read_record_file();
+    conversion::Done take(std::span<const std::uint8_t> record, std::optional<std::size_t> layout);
+    conversion::Result<std::span<const std::uint8_t>> record_to_write();
+    conversion::Done at_record(conversion::Done problem) const;
     conversion::Problem field_problem(int field, const Complaint& complaint) const;
     conversion::Done missing_field(int field) const;
     void evaluate();
@@ -81,7 +85,9 @@ class RecordFile {
     FieldValues values_;
     conversion::BlankRecord blank_;
 
-    std::vector<std::uint8_t> record_;
+    std::vector<std::uint8_t> record_;  // with all entries of its tables
+    std::optional<conversion::SlidingRecord> sliding_;
+    std::vector<std::uint8_t> packed_;
     std::vector<std::uint8_t> is_set_;  // 1 for bytes that the program has set
     std::vector<bool> held_;            // conditions, as last evaluated
     std::uint64_t number_ = 0;

@@ -6,7 +6,6 @@ namespace conversion {
 
 namespace {
 
-constexpr std::size_t BLOCK_HEADER = 4;
 constexpr std::size_t LOOKED_AT = std::size_t{1} << 20;
 
 // What a file would be in a format.

@@ -9,7 +9,6 @@ namespace conversion {
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
-constexpr std::size_t BLOCK_HEADER = 4;
 // Of the segments of a record that its header's length cannot tell: as mainframes make them.
 constexpr std::size_t LARGEST_SEGMENT = 32756;
 

@@ -5,7 +5,6 @@ namespace conversion {
 namespace {
 
 constexpr std::uint8_t LARGE_BLOCK = 0x80;
-constexpr std::size_t BLOCK_HEADER = 4;
 
 }  // namespace
 

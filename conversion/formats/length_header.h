@@ -33,6 +33,9 @@ struct LengthHeader {
                                               Segment segment = Segment::whole) const;
 };
 
+// Bytes of the header of a block.
+constexpr std::size_t BLOCK_HEADER = 4;
+
 // The header of a block: a record's of four bytes that counts itself, or, with the first bit set,
 // a length in the other 31 bits. Result: bytes after it; nothing when it is not one.
 std::optional<std::size_t> block_payload(const std::uint8_t* bytes);

@@ -157,7 +157,8 @@ SXML_RECORDS_API int sxml_set_decimal(SxmlFile* file, int field, int64_t value, 
 
 /* Blanks the record: characters spaces, numbers zero. */
 SXML_RECORDS_API int sxml_clear(SxmlFile* file);
-/* The record's bytes. */
+/* The record's bytes; where tables slide (the option odo), with all their entries, whether in use
+ * or not, as the fields' offsets have it. In a file those in use lie by themselves. */
 SXML_RECORDS_API const void* sxml_record(SxmlFile* file, size_t* length);
 /* Takes a record's bytes, as many as sxml_record tells or fewer; the rest is blank. */
 SXML_RECORDS_API int sxml_set_record(SxmlFile* file, const void* record, size_t length);

@@ -79,6 +79,11 @@ class FormatsTest : public CommandTest {
         write_file("recs.cpy", COPYBOOK);
     }
 
+    static std::vector<std::string> with(const std::string& command,
+                                         std::vector<std::string> words) {
+        words.insert(words.begin(), command);
+        return words;
+    }
     static Outcome to_xml(const std::string& file, const std::vector<std::string>& options) {
         std::vector<std::string> words = {"to-xml", file, "out.xml", "-l", "recs.cpy"};
         words.insert(words.end(), options.begin(), options.end());
@@ -110,6 +115,13 @@ TEST_F(FormatsTest, ComeBackWithTheSameBytes) {
         const Outcome back = from_xml({"--record-format", format});
         EXPECT_EQ(back.status, 0) << back.err;
         EXPECT_EQ(read_file("back"), text);
+        const std::vector<std::string> shown = {"in", "-l", "recs.cpy", "--record-format", format};
+        Outcome outcome = sxml(with("dump", shown));
+        EXPECT_NE(outcome.out.find(", 13 bytes\nOffset"), std::string::npos) << outcome.out;
+        EXPECT_NE(outcome.out.find("Record 5, byte offset"), std::string::npos) << outcome.out;
+        outcome = sxml(with("check", shown));
+        EXPECT_EQ(outcome.status, 0) << outcome.out;
+        EXPECT_EQ(outcome.out.rfind("in: 5 records of a record file\n", 0), 0U) << outcome.out;
         const std::string found = detected_as(format);
         const Outcome detected = to_xml("in", {"--record-format", "auto"});
         EXPECT_EQ(detected.err, "sxml: in: read with --record-format " + found + "\n");

@@ -115,6 +115,23 @@ TEST_F(SlidingTest, RecordsOfFixedLengthAreFilledUp) {
     EXPECT_NE(dump.out.find("12  6D 69 64"), std::string::npos) << dump.out;
 }
 
+// What check counts: entries in use only, at the places where they lie.
+TEST_F(SlidingTest, ChecksCountEntriesInUse) {
+    write_file("s.cpy",
+               "       01  REC.\n           05  N PIC 9.\n"
+               "           05  T PIC 9(2) OCCURS 0 TO 3 DEPENDING ON N.\n"
+               "           05  Z PIC 9.\n");
+    write_file("s.dat", "211225  07      1335    ");
+    const Outcome outcome = sxml({"check", "s.dat", "-l", "s.cpy", "--odo", "sliding"});
+    EXPECT_EQ(outcome.status, 0) << outcome.out;
+    const std::string row = "t           3                                      11        33";
+    EXPECT_NE(outcome.out.find(row), std::string::npos) << outcome.out;
+    EXPECT_EQ(sxml({"to-xml", "s.dat", "s.xml", "-l", "s.cpy", "--odo", "sliding"}).status, 0);
+    const Outcome document = sxml({"check", "s.xml", "-l", "s.cpy", "--odo", "sliding"});
+    EXPECT_EQ(document.status, 0) << document.out;
+    EXPECT_NE(document.out.find(row), std::string::npos) << document.out;
+}
+
 // Bad records are named with their place, and can be put aside.
 TEST_F(SlidingTest, CountersAndLengthsThatCannotBeAreNamed) {
     write_file("s.cpy",

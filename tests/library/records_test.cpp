@@ -91,6 +91,50 @@ TEST_F(RecordsTest, NumbersThatDoNotFitAreTakenAsTexts) {
     EXPECT_EQ(value, -3);
 }
 
+// Programs see all entries of a table, files hold those in use.
+TEST_F(RecordsTest, TablesSlideInFilesAndDocuments) {
+    write_file("r.cpy",
+               "       01  R.\n           05  N PIC 9.\n"
+               "           05  T PIC X(2) OCCURS 0 TO 3 DEPENDING ON N.\n"
+               "           05  Z PIC X(3).\n");
+    const char* const sliding[] = {"odo=sliding", nullptr};
+    const auto set = [](SxmlFile* file, const char* field, const char* text) {
+        EXPECT_EQ(sxml_set_text(file, sxml_field(file, field), text), 0) << sxml_problem(file);
+    };
+    for (const char* const name : {"s.dat", "s.xml"}) {
+        SCOPED_TRACE(name);
+        SxmlFile* file = sxml_open("r.cpy", name, "w", sliding);
+        set(file, "n", "2");
+        set(file, "t(1)", "a1");
+        set(file, "t(2)", "a2");
+        set(file, "z", "end");
+        EXPECT_EQ(sxml_applies(file, sxml_field(file, "t(2)")), 1);
+        EXPECT_EQ(sxml_applies(file, sxml_field(file, "t(3)")), 0);
+        EXPECT_EQ(sxml_write(file), 0) << sxml_problem(file);
+        set(file, "z", "END");
+        EXPECT_EQ(sxml_write(file), 0) << sxml_problem(file);
+        EXPECT_EQ(sxml_finish(file), 0) << sxml_problem(file);
+        sxml_close(file);
+        file = sxml_open("r.cpy", name, "r", sliding);
+        ASSERT_EQ(sxml_read(file), 1) << sxml_problem(file);
+        EXPECT_STREQ(sxml_get_text(file, sxml_field(file, "t(2)")), "a2");
+        EXPECT_STREQ(sxml_get_text(file, sxml_field(file, "z")), "end");
+        ASSERT_EQ(sxml_read(file), 1) << sxml_problem(file);
+        EXPECT_STREQ(sxml_get_text(file, sxml_field(file, "z")), "END");
+        EXPECT_EQ(sxml_read(file), 0) << sxml_problem(file);
+        sxml_close(file);
+    }
+    EXPECT_EQ(read_file("s.dat"), "2a1a2end  0END      ");
+    write_file("s.dat", "2a1a2end  7END      ");
+    SxmlFile* const file = sxml_open("r.cpy", "s.dat", "r", sliding);
+    EXPECT_EQ(sxml_read(file), 1);
+    EXPECT_EQ(sxml_read(file), -1);
+    EXPECT_NE(std::string(sxml_problem(file)).find("record 2, field N, byte offset 10"),
+              std::string::npos)
+        << sxml_problem(file);
+    sxml_close(file);
+}
+
 TEST_F(RecordsTest, FailuresStayAndNameTheRecord) {
     std::size_t length = 0;
     ASSERT_NE(sxml_record(open(), &length), nullptr);

@@ -33,6 +33,7 @@ FieldStatistics::FieldStatistics(records::Description& description,
       fields_(value_of(RecordFields::of(description.xfd()))),
       texts_(characters),
       records_(fields_.layouts().size()) {
+    if (description.slides()) sliding_.emplace(description, characters.space());
     std::map<std::pair<std::string, std::string>, std::size_t> known;
     for (const RecordLayout& layout : fields_.layouts()) {
         for (const Field& field : layout.fields) {
@@ -57,15 +58,34 @@ std::size_t FieldStatistics::choose(const std::uint8_t* record) {
     return chosen.value_or(0);
 }
 
+// The bytes that the layout's offsets are for; where tables slide, all of their entries.
+const std::uint8_t* FieldStatistics::spread(std::span<const std::uint8_t> record) {
+    if (!sliding_) return record.data();
+    // What is wrong with its counters, the conversion tells.
+    (void)sliding_->spread(record, fields_, description_.xfd(), std::nullopt);
+    return sliding_->full();
+}
+
+bool FieldStatistics::holds_data(const Field& field, std::int32_t length) const {
+    return conversion::holds_data(field, description_.xfd(), length) &&
+           (!sliding_ || sliding_->has_all(field.offset, field.length));
+}
+
+std::int32_t FieldStatistics::used_length(std::span<const std::uint8_t> record) const {
+    if (sliding_) return description_.record_length();
+    return description_.used_length(record.data(), static_cast<std::int32_t>(record.size()));
+}
+
 void FieldStatistics::add(const conversion::Record& record) {
-    const RecordLayout& layout = fields_.layouts()[choose(record.data)];
-    const std::int32_t length =
-        description_.used_length(record.data, static_cast<std::int32_t>(record.length));
+    const std::span<const std::uint8_t> read(record.data, record.length);
+    const std::uint8_t* const whole = spread(read);
+    const RecordLayout& layout = fields_.layouts()[choose(whole)];
+    const std::int32_t length = used_length(read);
     for (const Field& field : layout.fields) {
-        if (!conversion::holds_data(field, description_.xfd(), length)) continue;
+        if (!holds_data(field, length)) continue;
         Row& row = row_of(field);
         ++row.counts.count;
-        const std::uint8_t* const bytes = record.data + field.offset;
+        const std::uint8_t* const bytes = whole + field.offset;
         if (field.kind == FieldKind::text && texts_.check(bytes, field.length)) {
             ++row.counts.invalid;
         } else {
@@ -77,11 +97,11 @@ void FieldStatistics::add(const conversion::Record& record) {
 }
 
 void FieldStatistics::add(const conversion::InputDocument& document) {
-    const std::uint8_t* const record = document.record().data();
+    const std::uint8_t* const record = spread(document.record());
     const RecordLayout& layout = fields_.layouts()[choose(record)];
-    const std::int32_t length = description_.used_length(record, description_.record_length());
+    const std::int32_t length = used_length(document.record());
     for (const Field& field : layout.fields) {
-        if (!conversion::holds_data(field, description_.xfd(), length)) continue;
+        if (!holds_data(field, length)) continue;
         Row& row = row_of(field);
         ++row.counts.count;
         const FieldFate fate = document.fate(field.item);
@@ -148,8 +168,9 @@ void FieldStatistics::add_unnamed(const conversion::Record& record, const Record
     const auto size = std::min(record.length, static_cast<std::size_t>(length));
     named_.assign(static_cast<std::size_t>(description_.record_length()), 0);
     for (const Field& field : layout.fields) {
-        if (!conversion::condition_holds(description_.xfd(), field.condition)) continue;
-        std::fill_n(named_.begin() + field.offset, field.length, std::uint8_t{1});
+        if (!holds_data(field, length)) continue;
+        const std::int32_t offset = sliding_ ? sliding_->packed_offset(field.offset) : field.offset;
+        std::fill_n(named_.begin() + offset, field.length, std::uint8_t{1});
     }
     const std::uint64_t before = unnamed_.bytes;
     for (std::size_t i = 0; i < size; ++i) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "conversion/fields/record_fields.h"
+#include "conversion/fields/sliding_record.h"
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
 #include "conversion/texts/character_set.h"
@@ -66,6 +67,9 @@ class FieldStatistics {
         std::optional<std::string> first, last;             // texts: bytes, blanks at the end cut
     };
 
+    const std::uint8_t* spread(std::span<const std::uint8_t> record);
+    bool holds_data(const conversion::Field& field, std::int32_t length) const;
+    std::int32_t used_length(std::span<const std::uint8_t> record) const;
     // The layout that the record is counted with.
     std::size_t choose(const std::uint8_t* record);
     Row& row_of(const conversion::Field& field) { return rows_[row_of_item_.at(field.item)]; }
@@ -79,6 +83,7 @@ class FieldStatistics {
     records::Description& description_;
     const conversion::CharacterSet& characters_;
     conversion::RecordFields fields_;
+    std::optional<conversion::SlidingRecord> sliding_;
     conversion::TextCheck texts_;
     std::vector<Row> rows_;
     std::map<std::int32_t, std::size_t> row_of_item_;

@@ -4,6 +4,8 @@
 #include <optional>
 
 #include "conversion/fields/record_fields.h"
+#include "conversion/fields/sliding_record.h"
+#include "conversion/formats/format_detection.h"
 #include "conversion/texts/text_check.h"
 #include "records/field_types.h"
 #include "records/numbers.h"
@@ -23,8 +25,8 @@ using Records = std::vector<Bytes>;
 
 constexpr std::size_t FEWEST_RECORDS = 2;  // one alone may fit by chance
 constexpr std::size_t LARGEST_START = 16;  // bytes before the first record
-constexpr std::size_t HEADER = 4;          // of a record with a length
-constexpr std::size_t LONGEST = 4;         // times the length that the layout has
+constexpr std::size_t HEADER = conversion::LengthHeader::MOST_BYTES;
+constexpr std::size_t LONGEST = 4;  // times the length that the layout has
 
 // What is taken for the layout's bytes: from byte `from` of the record on, those `by` bytes later.
 struct Shift {
@@ -40,7 +42,13 @@ class Judge {
           characters_(reading.characters),
           length_(static_cast<std::size_t>(reading.description.record_length())),
           fields_(value_of(RecordFields::of(xfd_))),
-          texts_(characters_) {}
+          texts_(characters_) {
+        if (reading.description.slides()) {
+            sliding_.emplace(reading.description, characters_.space());
+        }
+    }
+
+    bool slides() const { return sliding_.has_value(); }
 
     std::size_t record_length() const { return length_; }
     const RecordFields& fields() const { return fields_; }
@@ -79,7 +87,20 @@ class Judge {
                            [&](Bytes record) { return is_right(record, shift); });
     }
 
+    bool is_right_spread(Bytes bytes) {
+        if (sliding_->spread(bytes, fields_, xfd_, std::nullopt)) return false;
+        record_.assign(sliding_->full(), sliding_->full() + length_);
+        const std::optional<std::size_t> layout = fields_.choose(xfd_);
+        if (!layout) return false;
+        const auto& fields = fields_.layouts()[*layout].fields;
+        return std::all_of(fields.begin(), fields.end(), [&](const Field& field) {
+            return !conversion::condition_holds(xfd_, field.condition) ||
+                   !sliding_->has_all(field.offset, field.length) || is_right(field);
+        });
+    }
+
     bool is_right(Bytes bytes, Shift shift) {
+        if (sliding_) return is_right_spread(bytes);
         // Conditions may look at any byte of the layout.
         record_.assign(length_, characters_.space());
         const auto size = static_cast<std::int64_t>(bytes.size());
@@ -131,6 +152,7 @@ class Judge {
     const CharacterSet& characters_;
     std::size_t length_;
     RecordFields fields_;
+    std::optional<conversion::SlidingRecord> sliding_;
     conversion::TextCheck texts_;
     std::vector<std::uint8_t> record_;
     bool has_number_ = false;
@@ -144,21 +166,6 @@ Records regular_records(Bytes bytes, std::size_t start, std::size_t length, std:
     for (std::size_t at = start; at + length <= bytes.size() && records.size() < RECORDS_LOOKED_AT;
          at += length + gap) {
         records.push_back(bytes.subspan(at, length));
-    }
-    return records;
-}
-
-// The records of a file in which each is preceded by its length, or none.
-Records records_with_headers(const RecordSample& sample) {
-    const Bytes bytes = sample.bytes;
-    Records records;
-    std::size_t at = 0;
-    while (at + HEADER <= bytes.size() && records.size() < RECORDS_LOOKED_AT) {
-        const std::size_t length = std::size_t{bytes[at]} << 8 | bytes[at + 1];
-        if (length < HEADER || bytes[at + 2] != 0 || bytes[at + 3] != 0) return {};
-        if (at + length > bytes.size()) return sample.is_whole_file ? Records() : records;
-        records.push_back(bytes.subspan(at + HEADER, length - HEADER));
-        at += length;
     }
     return records;
 }
@@ -292,10 +299,13 @@ std::string reason_for_misfit(const RecordSample& sample, Reading& own, std::spa
         const bool fits = judge.all_fit(regular_records(sample.bytes, 0, judge.record_length(), 0));
         return fits ? "the records seem to be of fixed length; try --record-format fixed" : "";
     }
-    if (records_with_headers(sample).size() >= FEWEST_RECORDS) {
-        return "each record seems to be preceded by its length in 4 bytes (00 nn 00 00); try "
-               "--record-format rdw, with a layout as long as the longest record";
+    const conversion::FileStart start{sample.bytes, sample.is_whole_file,
+                                      LONGEST * judge.record_length()};
+    if (const auto format = conversion::format_with_lengths(start)) {
+        return "each record seems to be preceded by its length; try --record-format " +
+               format->name + ", with a layout as long as the longest record";
     }
+    if (judge.slides()) return {};
     using Reason = std::string (*)(const RecordSample&, Judge&);
     for (const Reason find :
          {&reason_of_line_ends, &reason_of_length, &reason_of_shift, &reason_of_start}) {
