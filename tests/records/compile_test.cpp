@@ -192,8 +192,8 @@ TEST(Compile, ErrorsNamePlaceAndRemedy) {
         {"01 R.\n 05 A PIC S9 COMP-3 SIGN LEADING.", "does not go with usage COMP-3"},
         {"01 R.\n 05 A PIC S9.9 COMP-3.", "goes with usage DISPLAY only"},
         {"01 R.\n 05 N PIC 9.\n 05 G.\n 10 T PIC X OCCURS 4 DEPENDING N.\n 05 Z PIC X.",
-         "4:13: error: Z comes after the table T, whose DEPENDING ON moves it; this is not "
-         "supported. If every record holds the whole table, used or not, give --odo fixed"},
+         "4:13: error: Z comes after the table T, whose DEPENDING ON moves it; say how the "
+         "records lie: --odo sliding"},
         {"01 R.\n 05 N PIC 9.\n 05 G OCCURS 2.\n 10 T PIC X OCCURS 4 DEPENDING N.",
          "T has DEPENDING ON and lies in the table G"},
         {"01 R.\n 05 FILLER PIC X.", "no field of the record gives an element"},
