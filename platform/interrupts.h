@@ -8,7 +8,7 @@ namespace platform {
 struct InterruptEntry;
 
 // While this lives, the file, or the folder that is empty but for such files, is removed when a
-// signal ends the process.
+// signal ends the process; not when it ends a child that began as a copy of the process.
 class RemovedOnInterrupt {
   public:
     RemovedOnInterrupt() = default;
@@ -27,5 +27,8 @@ class RemovedOnInterrupt {
 // limit on the size of files fails like others (EFBIG) instead of ending the process. Programs that
 // are run in the place of this one find all signals as they were.
 void handle_interrupts();
+
+// Removes all these files, for a program with signal handlers of its own: async-signal-safe.
+void remove_interrupted_files();
 
 }  // namespace platform

@@ -107,7 +107,7 @@ Entry* add_entry(std::string_view name, std::uint64_t hash) {
 }
 
 void read_file() {
-    const char* file = platform::environment_variable("SXML_CONFIG");
+    const char* file = platform::trusted_environment_variable("SXML_CONFIG");
     if (file == nullptr || *file == '\0') {
         config->is_file_read = true;
         return;

@@ -33,7 +33,7 @@ const char* text_or_blank(const char* text) {
 }
 
 [[gnu::destructor]] void report_at_exit() {
-    const char* wanted = platform::environment_variable("SXML_HOST_LEAKS");
+    const char* wanted = platform::trusted_environment_variable("SXML_HOST_LEAKS");
     if (wanted == nullptr || std::string_view(wanted) != "1") return;
     std::fputs(leak_report().c_str(), stderr);
 }

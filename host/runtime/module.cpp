@@ -27,7 +27,7 @@ void* missing_function() {
 
 std::string module_path(const std::string& path) {
     if (!path.empty()) return path;
-    const char* named = platform::environment_variable("SXML_MODULE");
+    const char* named = platform::trusted_environment_variable("SXML_MODULE");
     if (named != nullptr && *named != '\0') return named;
     return library_file(PLATFORM_MODULE_FILE);
 }

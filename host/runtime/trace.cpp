@@ -100,7 +100,7 @@ void dump_line(const unsigned char* data, std::size_t offset, std::size_t count)
 }
 
 int level_from_environment() {
-    const char* text = platform::environment_variable("SXML_TRACE");
+    const char* text = platform::trusted_environment_variable("SXML_TRACE");
     if (text == nullptr || *text == '\0') return 0;
     const char* end = text + std::strlen(text);
     int level = 0;
@@ -117,7 +117,7 @@ int level_from_environment() {
 // The file is emptied at the first line: a program can still refuse to work with it.
 [[gnu::constructor]] void start_trace() {
     const int level = level_from_environment();
-    const char* file = platform::environment_variable("SXML_TRACE_FILE");
+    const char* file = platform::trusted_environment_variable("SXML_TRACE_FILE");
     const char* name = level > 0 && file != nullptr ? file : "";
     if (!open_trace(level, name)) {
         std::fprintf(stderr, "sxml: cannot open SXML_TRACE_FILE %s: %s\n", name,

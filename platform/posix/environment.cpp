@@ -8,4 +8,8 @@ const char* environment_variable(const char* name) {
     return std::getenv(name);
 }
 
+const char* trusted_environment_variable(const char* name) {
+    return secure_getenv(name);
+}
+
 }  // namespace platform

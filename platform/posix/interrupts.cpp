@@ -15,6 +15,7 @@ namespace platform {
 struct InterruptEntry {
     std::atomic<bool> is_used = false;
     std::string path;
+    pid_t owner = 0;
     InterruptEntry* next = nullptr;
 };
 
@@ -36,13 +37,7 @@ InterruptEntry* unused_entry() {
 }
 
 void remove_files_and_die(int signal_number) {
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (entry->is_used) unlink(entry->path.c_str());
-    }
-    // Folders, empty by now.
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (entry->is_used) rmdir(entry->path.c_str());
-    }
+    remove_interrupted_files();
     // SA_RESETHAND has restored the default action, so this ends the process with the signal.
     raise(signal_number);
 }
@@ -63,6 +58,7 @@ RemovedOnInterrupt::RemovedOnInterrupt(const std::string& path) {
     std::string whole = std::filesystem::absolute(path).string();
     entry_ = unused_entry();
     entry_->path = std::move(whole);
+    entry_->owner = getpid();
     entry_->is_used = true;
 }
 
@@ -76,6 +72,17 @@ RemovedOnInterrupt& RemovedOnInterrupt::operator=(RemovedOnInterrupt&& other) no
 
 RemovedOnInterrupt::~RemovedOnInterrupt() {
     if (entry_ != nullptr) entry_->is_used = false;
+}
+
+void remove_interrupted_files() {
+    const pid_t process = getpid();
+    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+        if (entry->is_used && entry->owner == process) unlink(entry->path.c_str());
+    }
+    // Folders, empty by now.
+    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+        if (entry->is_used && entry->owner == process) rmdir(entry->path.c_str());
+    }
 }
 
 void handle_interrupts() {

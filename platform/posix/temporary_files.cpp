@@ -39,7 +39,7 @@ class HeldSignals {
 }  // namespace
 
 std::string temporary_folder() {
-    const char* folder = environment_variable("TMPDIR");
+    const char* folder = trusted_environment_variable("TMPDIR");
     return folder != nullptr && *folder != '\0' ? folder : "/tmp";
 }
 
