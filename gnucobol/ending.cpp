@@ -1,5 +1,7 @@
 #include "gnucobol/ending.h"
 
+#include <pthread.h>
+
 #include <cstdlib>
 
 #include "gnucobol/runtime.h"
@@ -64,14 +66,19 @@ void at_exit() {
 
 }  // namespace
 
-void watch_ending(void (*finish)(bool is_complete)) {
+void watch_ending(const EndingHandlers& handlers) {
     if (finish_documents == nullptr) {
         static int (*procedure)() = exit_procedure;
-        finish_documents = finish;
+        finish_documents = handlers.finish;
         std::atexit(at_exit);
+        pthread_atfork(nullptr, nullptr, handlers.leave_to_parent);
         call_routine(cob_sys_exit_proc, INSTALL, &procedure);
         install_error_procedure();
     }
+    survive_errors();
+}
+
+void survive_errors() {
     if (!has_error) return;
     // The program has survived the error. The runtime has forgotten the procedures that it called.
     has_error = false;

@@ -4,10 +4,18 @@
 
 namespace gnucobol {
 
-// From now on the end of the program is watched. `finish` is called once, when the process ends,
-// with whether the documents are complete. Called again before each operation, it sees to it that
-// the runtime still tells of its errors.
-void watch_ending(void (*finish)(bool is_complete));
+struct EndingHandlers {
+    // Called once, when the process ends, with whether the documents are complete.
+    void (*finish)(bool is_complete);
+    // Called in each child process that begins as a copy of this one.
+    void (*leave_to_parent)();
+};
+
+// From now on the end of the program is watched.
+void watch_ending(const EndingHandlers& handlers);
+
+// Before each operation: sees to it that the runtime still tells of its errors.
+void survive_errors();
 
 // The program runs STOP RUN.
 void note_stop_run();

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <stdexcept>
@@ -15,6 +14,7 @@
 
 #include "conversion/documents/document_check.h"
 #include "gnucobol/copying.h"
+#include "gnucobol/nameless_file.h"
 
 namespace gnucobol {
 
@@ -69,18 +69,12 @@ std::optional<std::size_t> same_beginning(std::string_view text, std::string_vie
 
 }  // namespace
 
-Extension::Extension(const std::string& folder)
-    : descriptor_(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600)) {
-    if (descriptor_ < 0) {
-        std::string name = "/tmp/sxml-XXXXXX";
-        descriptor_ = mkostemp(name.data(), O_CLOEXEC);
-        if (descriptor_ >= 0) unlink(name.c_str());
-    }
+Extension::Extension(const std::string& folder) : descriptor_(nameless_file(folder)) {
     if (descriptor_ < 0) {
         throw std::runtime_error(std::string("there is no room for new records: ") +
                                  std::strerror(errno));
     }
-    name_ = "/proc/self/fd/" + std::to_string(descriptor_);
+    name_ = name_of_descriptor(descriptor_);
 }
 
 Extension::~Extension() {

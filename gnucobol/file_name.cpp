@@ -105,15 +105,17 @@ class NameMapping {
         const bool has_dollar = assigned_.front() == '$';
         const auto value = from_environment(assigned_.substr(has_dollar ? 1 : 0));
         if (!value) return in_folder(assigned_);
-        // Behind a dollar sign the second character tells whether the path is absolute.
-        const std::size_t told_by = has_dollar ? 1 : 0;
+        // In release 3.1, after a dollar sign the second character tells whether the path is
+        // absolute.
+        constexpr bool IS_OLD = __LIBCOB_RELEASE < 30200;
+        const std::size_t told_by = IS_OLD && has_dollar ? 1 : 0;
         if (value->size() > told_by && is_separator((*value)[told_by])) return *value;
         return is_marked(*value) ? without_mark(*value) : in_folder(*value);
     }
 
     // The first part of a relative path may be a variable's name, with or without a dollar sign;
     // the other parts only with one. A part with a dollar sign and no value goes, unless it is the
-    // last. No separator comes behind a part, other than the first, that has a dollar sign.
+    // last. No separator comes after a part, other than the first, that has a dollar sign.
     std::string mapped_path() const {
         const bool is_absolute = is_separator(assigned_.front());
         const std::vector<std::string> parts = parts_of(assigned_, "/\\");

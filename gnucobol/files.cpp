@@ -65,8 +65,7 @@ std::variant<conversion::CharacterSet, Result> characters_to_write() {
 // A layout that was not bound into the program may have other records.
 std::optional<Result> length_difference(const cob_file& file, const FileLayout& layout) {
     const auto described = static_cast<std::size_t>(layout.description.record_length());
-    const bool is_bound = layout.origin.starts_with("FD ");
-    if (described == file.record_max || (is_bound && described < file.record_max)) {
+    if (described == file.record_max || (layout.is_bound && described < file.record_max)) {
         return std::nullopt;
     }
     return Result{Status::attributes_differ,
@@ -76,6 +75,15 @@ std::optional<Result> length_difference(const cob_file& file, const FileLayout& 
 
 void finish_files(bool is_complete) {
     Files::instance().finish(is_complete);
+}
+
+void leave_files_to_parent() {
+    Files::instance().leave_to_parent();
+}
+
+bool is_there(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0;
 }
 
 }  // namespace
@@ -133,7 +141,7 @@ Result Files::open_document(const std::string& path, const sxml_cob_file& bound,
                 "the Report Writer makes pages, no records; give the file another name"};
     }
     watch_signals();
-    watch_ending(finish_files);
+    watch_ending({finish_files, leave_files_to_parent});
     switch (mode) {
         case COB_OPEN_INPUT:
             return open_input(path, bound, file);
@@ -174,41 +182,46 @@ Result Files::open_input(const std::string& path, const sxml_cob_file& bound, co
 
 Result Files::open_output(const std::string& path, const sxml_cob_file& bound, cob_file& file) {
     if (conversion::is_url(path)) return {Status::not_permitted, "a web address is only read"};
-    FileLayout layout = find_layout(path, bound);
-    if (auto difference = length_difference(file, layout)) return *difference;
-    auto characters = characters_to_write();
-    if (const auto* const refused = std::get_if<Result>(&characters)) return *refused;
     auto document = PrivateDocument::begin(path);
     if (const auto* const refused = std::get_if<Result>(&document)) return *refused;
-    return keep(std::make_unique<OpenFile>(
-        path, file, std::move(layout), std::get<conversion::CharacterSet>(std::move(characters)),
-        std::get<PrivateDocument>(std::move(document)), nullptr));
+    return write_document(path, bound, file, std::get<PrivateDocument>(std::move(document)), false);
 }
 
 Result Files::open_extend(const std::string& path, const sxml_cob_file& bound, cob_file& file) {
-    struct stat info {};
-    const bool is_there = !conversion::is_url(path) && stat(path.c_str(), &info) == 0;
-    if (is_there && !S_ISREG(info.st_mode)) {
+    if (conversion::is_url(path)) return {Status::not_permitted, "a web address is only read"};
+    auto begun = PrivateDocument::begin(path);
+    if (const auto* const refused = std::get_if<Result>(&begun)) {
+        const bool is_missing =
+            refused->status != Status::in_use && file.flag_optional == 0 && !is_there(path);
+        return is_missing ? Result{Status::not_found, {}} : *refused;
+    }
+    auto& document = std::get<PrivateDocument>(begun);
+    if (document.descriptor() < 0) {
         return {Status::not_permitted, "records are only added to a regular file"};
     }
-    if (!is_there || info.st_size == 0) {
-        if (!is_there && file.flag_optional == 0) return {Status::not_found, {}};
-        Result result = open_output(path, bound, file);
-        if (result.status == Status::done && !is_there) result.status = Status::optional_missing;
-        return result;
-    }
+    const std::optional<std::uint64_t> old_size = document.old_size();
+    if (!old_size && file.flag_optional == 0) return {Status::not_found, {}};
+    Result result =
+        write_document(path, bound, file, std::move(document), old_size.value_or(0) > 0);
+    if (result.status == Status::done && !old_size) result.status = Status::optional_missing;
+    return result;
+}
+
+// Opens a document that has been begun, with the records of the one that is there or without.
+Result Files::write_document(const std::string& path, const sxml_cob_file& bound, cob_file& file,
+                             PrivateDocument document, bool is_extended) {
     FileLayout layout = find_layout(path, bound);
     if (auto difference = length_difference(file, layout)) return *difference;
     auto chosen = characters_to_write();
     if (const auto* const refused = std::get_if<Result>(&chosen)) return *refused;
     auto& characters = std::get<conversion::CharacterSet>(chosen);
-    auto begun = PrivateDocument::begin(path);
-    if (const auto* const refused = std::get_if<Result>(&begun)) return *refused;
-    auto& document = std::get<PrivateDocument>(begun);
-    auto extension = std::make_unique<Extension>(document.folder());
-    Result result = write_empty_document(layout, characters, extension->name());
-    if (result.status == Status::done) result = extension->begin(path, document.descriptor());
-    if (result.status != Status::done) return result;
+    std::unique_ptr<Extension> extension;
+    if (is_extended) {
+        extension = std::make_unique<Extension>(document.folder());
+        Result result = write_empty_document(layout, characters, extension->name());
+        if (result.status == Status::done) result = extension->begin(path, document.descriptor());
+        if (result.status != Status::done) return result;
+    }
     return keep(std::make_unique<OpenFile>(path, file, std::move(layout), std::move(characters),
                                            std::move(document), std::move(extension)));
 }
@@ -244,7 +257,7 @@ void Files::close(OpenFile& file, cob_field* item, int option) {
 }
 
 void Files::read(OpenFile& file, cob_field* item, int options) {
-    watch_ending(finish_files);
+    survive_errors();
     Result result;
     if ((options & (COB_READ_PREVIOUS | COB_READ_FIRST | COB_READ_LAST)) != 0) {
         result = {Status::not_open_for_input, "a document is only read forward"};
@@ -260,7 +273,7 @@ void Files::read(OpenFile& file, cob_field* item, int options) {
 
 void Files::write(OpenFile& file, const Where& where, const cob_field& record,
                   const char* expression, cob_field* item) {
-    watch_ending(finish_files);
+    survive_errors();
     cob_file& program_file = file.file();
     std::size_t size = record.size;
     if (program_file.variable_record != nullptr) {
@@ -286,19 +299,32 @@ void Files::refuse(OpenFile& file, cob_field* item, const char* verb, Status sta
     settle(file.file(), file.path(), verb, item, {status, {}});
 }
 
+// Completes a document that is still open at the end, or drops it.
+Result Files::finish_output(OpenFile& file, bool is_complete) {
+    if (is_complete) return file.complete();
+    file.drop();
+    // At a signal the user has been told.
+    if (is_ended_by_signal()) return {};
+    return {Status::permanent_error,
+            "the program was ended by an error; the document is as it was before"};
+}
+
 void Files::finish(bool is_complete) {
     const SignalsWait wait;
     for (const auto& file : files_) {
-        if (!file->is_output()) continue;
-        if (!is_complete) file->drop();
-        // At a signal the user has been told.
-        if (!is_complete && is_ended_by_signal()) continue;
-        const Result result =
-            is_complete ? file->complete()
-                        : Result{Status::permanent_error,
-                                 "the program was ended by an error; the document is as it was "
-                                 "before"};
+        const Result result = file->is_output() ? finish_output(*file, is_complete) : Result{};
         if (result.status != Status::done) report(file->path(), "CLOSE", result);
+        if (!is_ended_by_signal()) sum_up_reports(file->path());
+    }
+    files_.clear();
+    sxml_cob_documents = 0;
+}
+
+void Files::leave_to_parent() {
+    for (auto& file : files_) {
+        file->leave_to_parent();
+        // Its buffers are never written, here.
+        [[maybe_unused]] const OpenFile* const left = file.release();
     }
     files_.clear();
     sxml_cob_documents = 0;

@@ -30,6 +30,8 @@ class Files {
 
     // The end of the program.
     void finish(bool is_complete);
+    // In a child process that began as a copy of this one, the documents are not open.
+    void leave_to_parent();
 
   private:
     void settle(cob_file& file, const std::string& path, const char* verb, cob_field* item,
@@ -39,6 +41,9 @@ class Files {
     Result open_input(const std::string& path, const sxml_cob_file& bound, cob_file& file);
     Result open_output(const std::string& path, const sxml_cob_file& bound, cob_file& file);
     Result open_extend(const std::string& path, const sxml_cob_file& bound, cob_file& file);
+    Result write_document(const std::string& path, const sxml_cob_file& bound, cob_file& file,
+                          PrivateDocument document, bool is_extended);
+    static Result finish_output(OpenFile& file, bool is_complete);
     Result keep(std::unique_ptr<OpenFile> file);
     void remove(const OpenFile& file);
 

@@ -12,6 +12,7 @@
 
 #include "gnucobol/file_name.h"
 #include "gnucobol/settings.h"
+#include "records/source/text_case.h"
 
 namespace gnucobol {
 
@@ -104,18 +105,13 @@ records::Description bound_description(const sxml_cob_file& bound) {
     return std::move(*description);
 }
 
-std::string upper(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return text;
-}
-
 // Layouts come in the order of the records; those that are not described come last.
 std::vector<FileLayout::Record> records_of(const records::Description& description,
                                            std::string_view plain_records) {
     std::vector<FileLayout::Record> records;
     for (const records::Description::Row& row : description.rows()) {
         if (row.level != 1) continue;
-        const std::string name = upper(row.name);
+        const std::string name = records::to_upper(row.name);
         const bool is_plain =
             (" " + std::string(plain_records)).find(" " + name + " ") != std::string::npos;
         records.push_back({name, !is_plain});
@@ -142,7 +138,7 @@ const sxml_cob_file* find_file_of(const sxml_cob_source& source, std::string_vie
 std::string current_program() {
     const cob_global* const runtime = cob_get_global_ptr();
     if (runtime == nullptr || runtime->cob_current_module == nullptr) return {};
-    return upper(runtime->cob_current_module->module_name);
+    return records::to_upper(runtime->cob_current_module->module_name);
 }
 
 }  // namespace
@@ -150,7 +146,7 @@ std::string current_program() {
 const sxml_cob_file* find_bound_file(const Where& where, const cob_file& file) {
     const sxml_cob_source* const source = find_source(where);
     if (source == nullptr || file.select_name == nullptr) return nullptr;
-    const std::string name = upper(file.select_name);
+    const std::string name = records::to_upper(file.select_name);
     const std::string program = current_program();
     // A file may be one of a program around this one (GLOBAL).
     const std::span programs(source->programs, source->program_count);
@@ -170,6 +166,7 @@ FileLayout find_layout(const std::string& path, const sxml_cob_file& bound) {
     if (!source) source = beside_document(path);
     FileLayout layout{source ? load(*source) : bound_description(bound),
                       source ? source->file : std::string("FD ") + bound.name,
+                      !source,
                       {},
                       bound.element,
                       bound.variable_record};

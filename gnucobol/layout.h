@@ -21,6 +21,7 @@ struct Where {
 struct FileLayout {
     records::Description description;
     std::string origin;  // what it was made from, for messages
+    bool is_bound;       // into the program by `sxml cob`
     // Of each layout: the name of its 01, upper case, and whether a directive says when it is
     // meant.
     struct Record {

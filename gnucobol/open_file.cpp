@@ -179,6 +179,10 @@ void OpenFile::drop() {
     if (output_ && document_->descriptor() < 0) output_->abandon();
 }
 
+void OpenFile::leave_to_parent() {
+    if (document_) document_->leave_to_parent();
+}
+
 Result OpenFile::read() {
     if (is_output()) return {Status::not_open_for_input, {}};
     if (ended_) return {Status::read_after_end, {}};

@@ -45,6 +45,8 @@ class OpenFile {
     Result complete();
     // The document is not to become complete: what goes into a pipe gets no end tag.
     void drop();
+    // The document belongs to the process that this one began as a copy of.
+    void leave_to_parent();
 
   private:
     // Bytes that are in no field of a layout.

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "gnucobol/copying.h"
+#include "gnucobol/nameless_file.h"
 #include "gnucobol/signals.h"
 
 namespace gnucobol {
@@ -87,6 +88,7 @@ PrivateDocument::PrivateDocument(PrivateDocument&& other) noexcept
     : target_(std::move(other.target_)),
       name_(std::move(other.name_)),
       has_name_(std::exchange(other.has_name_, false)),
+      old_size_(other.old_size_),
       descriptor_(std::exchange(other.descriptor_, -1)),
       target_lock_(std::exchange(other.target_lock_, -1)),
       signal_slot_(std::exchange(other.signal_slot_, -1)) {}
@@ -110,16 +112,32 @@ std::variant<PrivateDocument, Result> PrivateDocument::begin(const std::string& 
         return document;
     }
     document.target_ = without_links(target);
-    struct stat info {};
-    const bool is_there = stat(document.target_.c_str(), &info) == 0;
-    if (is_there && access(document.target_.c_str(), W_OK) != 0) return refusal(errno);
     Result result = document.begin_beside();
-    if (result.status == Status::not_permitted && is_there) result = document.begin_elsewhere();
+    if (result.status == Status::not_permitted && access(document.target_.c_str(), F_OK) == 0) {
+        result = document.begin_elsewhere();
+    }
+    if (is_done(result)) result = document.take_over_permissions();
     if (!is_done(result)) return result;
-    const bool keeps_mode =
-        !is_there || fchmod(document.descriptor_, info.st_mode & PERMISSIONS) == 0;
-    if (!keeps_mode || ftruncate(document.descriptor_, 0) != 0) return refusal(errno);
     return document;
+}
+
+// Only now that nobody else writes it, what is there is looked at.
+Result PrivateDocument::take_over_permissions() {
+    struct stat info {};
+    if (stat(target_.c_str(), &info) == 0) {
+        old_size_ = static_cast<std::uint64_t>(info.st_size);
+        if (access(target_.c_str(), W_OK) != 0) return refusal(errno);
+        if (fchmod(descriptor_, info.st_mode & PERMISSIONS) != 0) return refusal(errno);
+    }
+    return ftruncate(descriptor_, 0) == 0 ? Result{} : refusal(errno);
+}
+
+void PrivateDocument::leave_to_parent() {
+    has_name_ = false;
+    forget_at_signal(std::exchange(signal_slot_, -1));
+    for (int* const descriptor : {&descriptor_, &target_lock_}) {
+        if (*descriptor >= 0) close(std::exchange(*descriptor, -1));
+    }
 }
 
 std::string PrivateDocument::folder() const {
@@ -137,20 +155,25 @@ Result PrivateDocument::begin_beside() {
     }
     has_name_ = true;
     signal_slot_ = remove_at_signal(name_, target_);
-    return {};
+    // A writer that may not make files here locks the document itself.
+    return is_locked(target_) ? Result{Status::in_use, {}} : Result{};
 }
 
 Result PrivateDocument::begin_elsewhere() {
+    struct stat info {};
+    if (lstat(name_.c_str(), &info) == 0) {
+        return {Status::in_use, name_ +
+                                    " is there and belongs to another user, who is writing the "
+                                    "document or has been stopped; then remove it"};
+    }
     target_lock_ = open(target_.c_str(), O_RDWR | O_CLOEXEC);
     if (target_lock_ < 0) return refusal(errno);
-    if (!lock(target_lock_)) return {Status::in_use, {}};
-    const char* const chosen = secure_getenv("TMPDIR");
-    std::string name =
-        std::string(chosen != nullptr && *chosen != '\0' ? chosen : "/tmp") + "/sxml-XXXXXX";
-    descriptor_ = mkostemp(name.data(), O_CLOEXEC);
+    const bool is_alone =
+        lock(target_lock_) && is_named(target_lock_, target_) && !is_locked(name_);
+    if (!is_alone) return {Status::in_use, {}};
+    descriptor_ = nameless_file({});
     if (descriptor_ < 0) return refusal(errno);
-    unlink(name.c_str());
-    name_ = "/proc/self/fd/" + std::to_string(descriptor_);
+    name_ = name_of_descriptor(descriptor_);
     return {};
 }
 

@@ -2,6 +2,8 @@
 // other writers away.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -16,7 +18,8 @@ namespace gnucobol {
 // no regular file (a pipe, a device) is written directly and not locked.
 class PrivateDocument {
   public:
-    // Gets ready to write the document `target`, which may be reached through links.
+    // Gets ready to write the document `target`, which may be reached through links. From then on
+    // nobody else changes what is there.
     static std::variant<PrivateDocument, Result> begin(const std::string& target);
     PrivateDocument(PrivateDocument&& other) noexcept;
     PrivateDocument& operator=(PrivateDocument&&) = delete;
@@ -28,18 +31,24 @@ class PrivateDocument {
     std::string folder() const;
     // The private file's descriptor; -1 when the target is written directly.
     int descriptor() const { return descriptor_; }
+    // Bytes of the document that is there; nothing when there is none.
+    std::optional<std::uint64_t> old_size() const { return old_size_; }
     // Puts what was written, and stored by the system, in the place of the document.
     Result complete();
+    // In a child process that began as a copy of this one: the file and its lock are the parent's.
+    void leave_to_parent();
 
   private:
     PrivateDocument() = default;
     Result begin_beside();
     Result begin_elsewhere();
+    Result take_over_permissions();
     Result copy_into_place();
 
     std::string target_;  // without links
     std::string name_;
     bool has_name_ = false;  // the private file, to be removed
+    std::optional<std::uint64_t> old_size_;
     int descriptor_ = -1;
     int target_lock_ = -1;  // the document itself, when the private file is elsewhere
     int signal_slot_ = -1;

@@ -1,7 +1,7 @@
 #include "gnucobol/runtime_settings.h"
 
+#include <fcntl.h>
 #include <strings.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
@@ -32,17 +32,20 @@ class SignalsBlocked {
     sigset_t earlier_{};
 };
 
-// Standard output goes to a file in memory while this lives.
+// Standard output goes into a pipe while this lives: a pipe has room for some settings, and does
+// not count as a file of which the size may be limited.
 class CapturedOutput {
   public:
-    CapturedOutput() : file_(memfd_create("settings", MFD_CLOEXEC)) {
+    CapturedOutput() {
         std::fflush(stdout);
-        if (file_ >= 0) output_ = dup(STDOUT_FILENO);
-        if (output_ >= 0) dup2(file_, STDOUT_FILENO);
+        if (pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) == 0) output_ = dup(STDOUT_FILENO);
+        if (output_ >= 0) dup2(pipe_[1], STDOUT_FILENO);
     }
     ~CapturedOutput() {
         restore();
-        if (file_ >= 0) close(file_);
+        for (const int end : pipe_) {
+            if (end >= 0) close(end);
+        }
     }
     CapturedOutput(const CapturedOutput&) = delete;
     CapturedOutput& operator=(const CapturedOutput&) = delete;
@@ -54,11 +57,10 @@ class CapturedOutput {
         restore();
         std::string text;
         std::array<char, 4096> part{};
-        for (off_t at = 0;;) {
-            const ssize_t size = pread(file_, part.data(), part.size(), at);
+        for (;;) {
+            const ssize_t size = read(pipe_[0], part.data(), part.size());
             if (size <= 0) return text;
             text.append(part.data(), static_cast<std::size_t>(size));
-            at += size;
         }
     }
 
@@ -71,7 +73,7 @@ class CapturedOutput {
         output_ = -1;
     }
 
-    int file_;
+    std::array<int, 2> pipe_ = {-1, -1};
     int output_ = -1;
 };
 
@@ -91,7 +93,7 @@ std::string without_blanks(const std::string& text) {
 }
 
 // The value of a setting, empty when there is none. A line is "origin: name : value", with the name
-// in lower case when the value comes from a file; lines ": value" behind it go on with the value.
+// in lower case when the value comes from a file; lines ": value" after it go on with the value.
 std::string shown_value(const std::string& configuration, const std::string& name) {
     std::string value;
     bool is_found = false;

@@ -1,5 +1,6 @@
 #include "gnucobol/signals.h"
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,11 +10,16 @@
 #include <csignal>
 #include <cstring>
 
+#include "gnucobol/runtime.h"
+#include "platform/interrupts.h"
+
 namespace gnucobol {
 
 namespace {
 
-constexpr std::array<int, 5> POLITE = {SIGINT, SIGHUP, SIGQUIT, SIGTERM, SIGPIPE};
+constexpr std::array<int, 14> POLITE = {SIGINT,  SIGHUP,    SIGQUIT, SIGTERM,  SIGPIPE,
+                                        SIGALRM, SIGVTALRM, SIGPROF, SIGXCPU,  SIGUSR1,
+                                        SIGUSR2, SIGIO,     SIGPWR,  SIGSTKFLT};
 constexpr std::array<int, 5> FAULTS = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
 // A file to remove. Plain arrays, since a handler looks at them.
@@ -38,6 +44,7 @@ void remove_files() {
         const char* const text = slot.message.data();
         [[maybe_unused]] const ssize_t count = write(STDERR_FILENO, text, std::strlen(text));
     }
+    platform::remove_interrupted_files();
 }
 
 void handle(int number) {
@@ -55,10 +62,20 @@ void handle(int number) {
     errno = error;
 }
 
+// Whether the signal would end the program: a handler of the program's own may let it go on.
+bool is_end(const struct sigaction& action) {
+    if (action.sa_handler == SIG_DFL) return true;
+    if (action.sa_handler == SIG_IGN) return false;
+    Dl_info handler{};
+    Dl_info runtime{};
+    return dladdr(reinterpret_cast<void*>(action.sa_handler), &handler) != 0 &&
+           dladdr(reinterpret_cast<void*>(&cob_stop_run), &runtime) != 0 &&
+           handler.dli_fbase == runtime.dli_fbase;
+}
+
 void watch(int number) {
     struct sigaction& old = earlier[static_cast<std::size_t>(number)];
-    if (sigaction(number, nullptr, &old) != 0) return;
-    if (old.sa_handler == SIG_IGN || old.sa_handler == &handle) return;
+    if (sigaction(number, nullptr, &old) != 0 || !is_end(old)) return;
     struct sigaction action {};
     action.sa_handler = &handle;
     sigemptyset(&action.sa_mask);

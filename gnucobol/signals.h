@@ -14,7 +14,8 @@ class SignalsWait {
     SignalsWait& operator=(const SignalsWait&) = delete;
 };
 
-// From now on signals are watched. What the runtime does at a signal is done after what we do.
+// From now on signals are watched that end the program, by the system's hand or the runtime's,
+// which does what it does after us. A signal that the program itself handles is its own affair.
 void watch_signals();
 
 // Has a file removed, and a message about `document` written, when a signal ends the program.

@@ -38,8 +38,9 @@ Result refusal(int system_error) {
             return {Status::not_permitted, text};
         case ENOSPC:
         case EDQUOT:
-        case EFBIG:
             return {Status::no_space, text};
+        case EFBIG:
+            return {Status::no_space, text + "; allow larger files (`ulimit -f`)"};
         case EMFILE:
         case ENFILE:
             return {Status::permanent_error,

@@ -11,6 +11,8 @@
 #if __has_include(<gmp.h>)
 #include <gmp.h>
 #endif
+/* As the generated code defines it before it includes the header. */
+#define COB_KEYWORD_INLINE __inline
 #include <libcob.h>
 
 #ifdef __cplusplus
