@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "host/runtime/library_files.h"
 #include "records/source/text_case.h"
+#include "tools/sxml/cob/calling_compiler.h"
 #include "tools/sxml/cob/descriptions.h"
 #include "tools/sxml/cob/header.h"
 #include "tools/sxml/cob/run.h"
@@ -102,23 +102,6 @@ void compile(const std::vector<std::string>& given) {
     if (status != 0) throw Failure("", status);
 }
 
-// The words of cobc, from a comment in the C code that it has generated.
-std::vector<std::string> words_of_cobc(const std::string& code) {
-    constexpr std::string_view LABEL = "/* Compile command";
-    for (const char* suffix : {".h", ""}) {
-        std::ifstream stream(code + suffix);
-        for (std::string line; std::getline(stream, line);) {
-            if (!line.starts_with(LABEL)) continue;
-            std::istringstream text(line.substr(LABEL.size(), line.rfind("*/") - LABEL.size()));
-            std::vector<std::string> words;
-            for (std::string word; text >> word;) words.push_back(word);
-            if (!words.empty()) words.erase(words.begin());
-            return words;
-        }
-    }
-    return {};
-}
-
 // In the place of the C compiler that cobc calls: COB_CC="sxml cob-cc".
 void compile_code(const std::vector<std::string>& given) {
     const cob::WorkFolder folder;
@@ -127,7 +110,7 @@ void compile_code(const std::vector<std::string>& given) {
     unsetenv("COB_CC");
     for (const std::string& word : given) {
         if (!word.ends_with(".c")) continue;
-        const cob::Words words = cob::split_words(words_of_cobc(word));
+        const cob::Words words = cob::split_words(cob::words_of_cobc(word));
         if (words.sources.empty()) continue;
         command.emplace_back("-include");
         command.push_back(write_header(folder, words));

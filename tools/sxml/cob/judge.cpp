@@ -332,16 +332,19 @@ class ProbeProgram {
              std::vector<GeneratedItem>& items) const {
         std::string statements;
         for (const Probe& probe : probes) statements += probe.statement(verb, file_);
-        std::ofstream(folder.file("probe.cbl"), std::ios::binary)
-            << probe_text(source_, program_, statements);
+        const std::string probe = folder.file("probe.cbl");
+        std::ofstream text(probe, std::ios::binary);
+        text << probe_text(source_, program_, statements);
+        text.close();
+        if (!text) fail(probe + " cannot be written");
         std::vector<std::string> command = {"cobc", "-C", "-m", "-w"};
         for (const std::string& word : words_.reading) {
             const bool is_format = word == "-fixed" || word == "-F" || word == "-free" ||
                                    word == "--free" || word.starts_with("-fformat");
             if (!is_format) command.push_back(word);
         }
-        for (const std::string& word : {std::string("-free"), std::string("-o"),
-                                        folder.file("probe.c"), folder.file("probe.cbl")}) {
+        for (const std::string& word :
+             {std::string("-free"), std::string("-o"), folder.file("probe.c"), probe}) {
             command.push_back(word);
         }
         if (run_program(command, folder.file("errors")) != 0) return false;

@@ -6,11 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
-#include "platform/temporary_files.h"
 #include "tools/sxml/errors.h"
 
 namespace command::cob {
@@ -35,6 +33,12 @@ class FileActions {
   private:
     posix_spawn_file_actions_t actions_{};
 };
+
+platform::TemporaryFolder new_folder() {
+    auto folder = platform::TemporaryFolder::create();
+    if (!folder) fail_file(platform::temporary_folder(), errno);
+    return *std::move(folder);
+}
 
 }  // namespace
 
@@ -64,13 +68,13 @@ int run_program(const std::vector<std::string>& words, const std::string& errors
     return WEXITSTATUS(status);
 }
 
-WorkFolder::WorkFolder() : name_(platform::temporary_folder() + "/sxml-cob-XXXXXX") {
-    if (mkdtemp(name_.data()) == nullptr) fail_file(name_, errno);
-}
+WorkFolder::WorkFolder() : folder_(new_folder()) {}
 
 WorkFolder::~WorkFolder() {
     std::error_code error;
-    std::filesystem::remove_all(name_, error);
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.name(), error)) {
+        std::filesystem::remove_all(entry.path(), error);
+    }
 }
 
 }  // namespace command::cob

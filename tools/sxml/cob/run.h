@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/temporary_files.h"
+
 namespace command::cob {
 
 // Runs a program found on PATH. `errors` names a file for its standard error; empty: ours.
@@ -19,10 +21,10 @@ class WorkFolder {
     WorkFolder(const WorkFolder&) = delete;
     WorkFolder& operator=(const WorkFolder&) = delete;
 
-    std::string file(const std::string& name) const { return name_ + "/" + name; }
+    std::string file(const std::string& name) const { return folder_.name() + "/" + name; }
 
   private:
-    std::string name_;
+    platform::TemporaryFolder folder_;
 };
 
 }  // namespace command::cob
