@@ -34,6 +34,7 @@ class CobolTest : public CommandTest {
         words.insert(words.end(), more.begin(), more.end());
         const Outcome outcome = sxml(words);
         ASSERT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(outcome.err, "");
     }
 
     static void compile_plain(const std::string& source, const std::string& program,

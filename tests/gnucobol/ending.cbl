@@ -19,7 +19,7 @@
        01  S                       PIC XX.
        01  HOW                     PIC X(8).
        01  WHAT                    PIC X(8).
-       01  NO-PLACE                USAGE POINTER.
+       01  CHILD                   PIC S9(9) COMP-5.
        LINKAGE SECTION.
        01  TARGET-ITEM                 PIC X.
        PROCEDURE DIVISION.
@@ -27,6 +27,10 @@
            ACCEPT WHAT FROM ARGUMENT-VALUE.
            IF HOW = "often"
                PERFORM WRITE-IT UNTIL 1 = 2
+           END-IF.
+           IF HOW = "fetch"
+               OPEN INPUT AGAIN DISPLAY "waiting" UPON SYSERR
+               CALL "C$SLEEP" USING 30
            END-IF.
            IF HOW = "extend"
                OPEN EXTEND RESULT DISPLAY "extend " S
@@ -45,6 +49,13 @@
                WHEN "wait"
                    DISPLAY "waiting" UPON SYSERR
                    CALL "C$SLEEP" USING 30
+               WHEN "fork"
+                   CALL "CBL_GC_FORK" RETURNING CHILD
+                   IF CHILD = 0
+                       WRITE RESULT-RECORD DISPLAY "child writes " S
+                       STOP RUN
+                   END-IF
+                   CALL "CBL_GC_WAITPID" USING CHILD
                WHEN "twice"
                    OPEN OUTPUT AGAIN DISPLAY "again " S
                    OPEN INPUT AGAIN DISPLAY "read " S

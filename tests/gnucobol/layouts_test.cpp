@@ -1,6 +1,8 @@
 // The layouts that `sxml cob` binds into programs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/gnucobol/cobol_test.h"
 
 namespace {
@@ -51,6 +53,39 @@ TEST_F(CobolTest, LayoutsAreThoseOfTheOptions) {
     // Neither the source nor its copybooks matter to the program.
     write_file("numbers.cbl", "nothing");
     EXPECT_EQ(run_program({"./numbers", "write"}).err, "");
+}
+
+// What is compiled is what is described: -D chooses among items, a configuration file of one's own
+// says how numbers lie.
+TEST_F(CobolTest, LayoutsAreThoseOfDefinesAndConfigurations) {
+    write_file("p.cbl", program("P",
+                                "       FD  OUTF.\n       01  R.\n"
+                                "       >>IF WIDE IS DEFINED\n           05 A PIC X(9).\n"
+                                "       >>ELSE\n           05 A PIC X(3).\n       >>END-IF\n"
+                                "           05 N PIC S9(3) COMP.\n           05 M PIC 9(5) COMP.\n",
+                                "",
+                                "           OPEN OUTPUT OUTF. MOVE \"abcdefghi\" TO A.\n"
+                                "           MOVE -2 TO N. MOVE 70000 TO M.\n"
+                                "           WRITE R. CLOSE OUTF.\n"
+                                "           DISPLAY LENGTH OF R. STOP RUN.\n"));
+    write_file("own.conf",
+               "include \"default.conf\"\nbinary-size: 1--8\nbinary-byteorder: native\n"
+               "binary-truncate: no\n");
+    assign({"OUTF"}, ".xml");
+    const std::vector<std::pair<std::vector<std::string>, std::vector<std::string>>> table = {
+        {{}, {"9\n", "<a>abc</a>", "<n>-2</n>"}},
+        {{"-D", "WIDE"}, {"15\n", "<a>abcdefghi</a>", "<n>-2</n>"}},
+        {{"-DWIDE"}, {"15\n", "<a>abcdefghi</a>", "<n>-2</n>"}},
+        {{"-conf=own.conf"}, {"8\n", "<a>abc</a>", "<n>-2</n>", "<m>70000</m>"}}};
+    for (const auto& [words, expected] : table) {
+        compile_for_xml("p.cbl", "p", words);
+        const Outcome outcome = run_program({"./p"});
+        EXPECT_EQ(outcome.err, "") << testing::PrintToString(words);
+        const std::string seen = outcome.out + read_file("OUTF.xml");
+        for (const std::string& part : expected) {
+            EXPECT_NE(seen.find(part), std::string::npos) << testing::PrintToString(words) << seen;
+        }
+    }
 }
 
 struct Refusal {
@@ -106,7 +141,9 @@ TEST_F(CobolTest, LayoutsAreBoundInHoweverProgramsAreMade) {
           cob + "-x -o prog main.cbl && " + cob + "-b -o SUBP.so subp.cbl",
           cob + "-c subp.cbl && " + cob + "-x -o prog main.cbl subp.o",
           "make -s COBC='" + sxml_command + " cob'",
-          "COB_CC='" + sxml_command + " cob-cc' cobc -x -o prog main.cbl subp.cbl"}) {
+          "COB_CC='" + sxml_command + " cob-cc' cobc -x -o prog main.cbl subp.cbl",
+          "cp main.cbl 'the main.cbl'; COB_CC='" + sxml_command +
+              " cob-cc' cobc -x -o prog 'the main.cbl' subp.cbl"}) {
         assign({"OUTF", "OUTG"}, ".xml");
         const Outcome outcome = run({"bash", "-c", commands + " && ./prog"});
         EXPECT_EQ(outcome.status, 0) << commands << outcome.err;
