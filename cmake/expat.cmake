@@ -4,7 +4,7 @@ include(CheckSymbolExists)
 find_package(EXPAT REQUIRED)
 set(CMAKE_REQUIRED_LIBRARIES EXPAT::EXPAT)
 foreach(function XML_GetCurrentByteIndex64 XML_GetCurrentLineNumber64
-        XML_SetReparseDeferralEnabled)
+        XML_GetCurrentByteCount64 XML_GetInputContext64 XML_SetReparseDeferralEnabled)
     check_symbol_exists(${function} expat.h SXML_HAS_${function})
     if(SXML_HAS_${function})
         set_property(TARGET EXPAT::EXPAT APPEND PROPERTY

@@ -4,7 +4,9 @@
 
 #include <expat.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace conversion {
 
@@ -37,7 +39,27 @@ inline ByteRange bytes_of_event(XML_Parser parser) {
 #else
     const auto begin = static_cast<std::uint64_t>(XML_GetCurrentByteIndex(parser));
 #endif
-    return {begin, begin + static_cast<std::uint64_t>(XML_GetCurrentByteCount(parser))};
+#ifdef SXML_HAS_XML_GetCurrentByteCount64
+    const auto count = static_cast<std::uint64_t>(XML_GetCurrentByteCount64(parser));
+#else
+    const auto count = static_cast<std::uint64_t>(XML_GetCurrentByteCount(parser));
+#endif
+    return {begin, begin + count};
+}
+
+// What Expat holds of the input, from the event on; valid within the handler that is called.
+inline std::string_view input_at_event(XML_Parser parser) {
+#ifdef SXML_HAS_XML_GetInputContext64
+    std::int64_t offset = 0;
+    std::uint64_t size = 0;
+    const char* const text = XML_GetInputContext64(parser, &offset, &size);
+#else
+    int offset = 0;
+    int size = 0;
+    const char* const text = XML_GetInputContext(parser, &offset, &size);
+#endif
+    if (text == nullptr) return {};
+    return {text + offset, static_cast<std::size_t>(size) - static_cast<std::size_t>(offset)};
 }
 
 }  // namespace conversion

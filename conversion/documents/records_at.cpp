@@ -128,11 +128,8 @@ class RecordsAt {
 
     // What comes from an entity stands where the reference to it stands.
     bool is_of_entity() const {
-        int offset = 0;
-        int size = 0;
-        const char* text = XML_GetInputContext(parser_.expat(), &offset, &size);
-        if (text == nullptr || offset + 1 >= size) return false;
-        return text[offset] == '&' || (text[offset] == '\0' && text[offset + 1] == '&');
+        const std::string_view text = input_at_event(parser_.expat());
+        return text.starts_with('&') || text.starts_with(std::string_view("\0&", 2));
     }
 
     static void XMLCALL finish(void* user, const XML_Char*) {

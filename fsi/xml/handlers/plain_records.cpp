@@ -301,7 +301,7 @@ bool is_between_records(const XmlParser& parser) {
     constexpr std::uint32_t OTHERWISE =
         XMLPS_FAILED | XMLPS_OUT_OF_MEMORY | XMLPS_INPUT_ENDED | XMLPS_REPLAYING | XMLPS_ROOT_ENDED;
     if (parser.depth != 1 || parser.first_early || (parser.state & OTHERWISE)) return false;
-    return current_byte_index(parser) + XML_GetCurrentByteCount(parser.expat) ==
+    return current_byte_index(parser) + current_byte_count(parser) ==
            static_cast<std::int64_t>(parser.bytes_fed);
 }
 

@@ -99,6 +99,14 @@ std::int64_t current_byte_index(const XmlParser& parser) {
 #endif
 }
 
+std::int64_t current_byte_count(const XmlParser& parser) {
+#ifdef SXML_HAS_XML_GetCurrentByteCount64
+    return static_cast<std::int64_t>(XML_GetCurrentByteCount64(parser.expat));
+#else
+    return XML_GetCurrentByteCount(parser.expat);
+#endif
+}
+
 XmlParser* create_empty_parser() {
     return static_cast<XmlParser*>(host_alloc(sizeof(XmlParser), HOST_BLOCK_ZEROED, HANDLERS_SOURCE,
                                               __LINE__, "XML Parser information", 0));

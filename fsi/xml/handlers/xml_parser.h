@@ -106,6 +106,8 @@ struct XmlParser {
 // Where in the input, in bytes from its start, the event that Expat tells of begins; negative
 // before the first.
 std::int64_t current_byte_index(const XmlParser& parser);
+// How many bytes it takes; 0 within an internal entity.
+std::int64_t current_byte_count(const XmlParser& parser);
 
 constexpr std::size_t XML_READ_SIZE = 32000;
 
