@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "conversion/texts/utf8.h"
+#include "host/utf8.h"
 #include "records/alignment.h"
 #include "records/field_types.h"
 
@@ -85,7 +86,7 @@ Complaint FieldValues::get_characters(const XfdItem& item, const std::uint8_t* r
     for (std::size_t i = 0; i < size; ++i) {
         if (characters_.is_utf8()) {
             const std::size_t width =
-                bytes[i] < 0x80 ? 1 : conversion::utf8_character_length(bytes + i, size - i);
+                bytes[i] < 0x80 ? 1 : utf8::sequence_length(bytes + i, size - i);
             if (width == 0) return "holds X'" + hexadecimal(bytes + i, 1) + "', which is not UTF-8";
             text.append(reinterpret_cast<const char*>(bytes) + i, width);
             i += width - 1;
@@ -123,7 +124,7 @@ Complaint FieldValues::set_characters(const XfdItem& item, std::uint8_t* record,
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (bytes[i] < 0x80) continue;
-        const std::size_t width = conversion::utf8_character_length(bytes + i, text.size() - i);
+        const std::size_t width = utf8::sequence_length(bytes + i, text.size() - i);
         if (width == 0) return "takes a text in UTF-8";
         i += width - 1;
     }

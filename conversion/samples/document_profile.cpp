@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "conversion/documents/checked_parser.h"
+#include "host/utf8.h"
 
 namespace conversion {
 
@@ -241,7 +242,7 @@ void ProfileReader::add_text(Open& open, std::string_view text) const {
     for (const char c : text) {
         if (open.bytes == 0 && is_white(c)) continue;
         ++open.bytes;
-        if ((static_cast<unsigned char>(c) & 0xC0U) != 0x80) ++open.characters;
+        if (!utf8::continues(c)) ++open.characters;
         if (open.head.size() < TextProfile::HEAD) open.head += c;
         if (is_white(c)) continue;
         open.trimmed_bytes = open.bytes;

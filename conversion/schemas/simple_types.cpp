@@ -7,6 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "conversion/texts/utf8.h"
+#include "host/utf8.h"
+
 namespace conversion {
 
 namespace {
@@ -111,9 +114,8 @@ std::optional<Facets> built_in(std::string_view name) {
 }
 
 std::uint64_t characters_in(std::string_view text) {
-    return static_cast<std::uint64_t>(std::count_if(text.begin(), text.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
-    }));
+    return static_cast<std::uint64_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !utf8::continues(c); }));
 }
 
 // The value of a facet that is a count.
@@ -226,9 +228,7 @@ void limit_digits(const Facets& facets, TextLimits& limits) {
 
 void shorten(std::string& text) {
     if (text.size() <= MOST_SHOWN) return;
-    std::size_t end = MOST_SHOWN - 4;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) --end;
-    text.resize(end);
+    text.resize(whole_characters(text, MOST_SHOWN - 4));
     text += " ...";
 }
 

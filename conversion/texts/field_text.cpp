@@ -1,6 +1,7 @@
 #include "conversion/texts/field_text.h"
 
 #include "conversion/texts/utf8.h"
+#include "host/utf8.h"
 
 namespace conversion {
 
@@ -25,9 +26,10 @@ FieldText::FieldText(DocumentText from, const CharacterSet& to)
 std::optional<char32_t> FieldText::convert(std::string_view text, std::string& converted) const {
     converted.clear();
     while (!text.empty()) {
-        const Utf8Character character =
-            from_ == DocumentText::utf8 ? first_character(text)
-                                        : Utf8Character{static_cast<std::uint8_t>(text.front()), 1};
+        const utf8::Character character =
+            from_ == DocumentText::utf8
+                ? utf8::first_character(text)
+                : utf8::Character{static_cast<std::uint8_t>(text.front()), 1};
         text.remove_prefix(character.length);
         if (to_.is_utf8()) {
             append_utf8(character.code, converted);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "conversion/texts/utf8.h"
+#include "host/utf8.h"
 
 namespace conversion {
 
@@ -34,7 +34,7 @@ std::optional<TextProblem> TextCheck::look_closely(const std::uint8_t* text,
         if (found == ByteClass::nul && is_all_nul(text + i, length - i, text[i])) break;
         const auto left = static_cast<std::size_t>(length - i);
         const std::size_t width =
-            found == ByteClass::multi_byte ? utf8_character_length(text + i, left) : 0;
+            found == ByteClass::multi_byte ? utf8::sequence_length(text + i, left) : 0;
         if (width == 0) return problem_of(i, text[i]);
         i += static_cast<std::int32_t>(width) - 1;
     }

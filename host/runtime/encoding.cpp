@@ -12,6 +12,7 @@
 
 #include "host/runtime/immortal.h"
 #include "host/runtime/memory_failure.h"
+#include "host/utf8.h"
 
 const std::int32_t host_encoding_unit_width[9] = {1, 1, 1, 1, 2, 4, 2, 4, 1};
 
@@ -103,20 +104,6 @@ bool is_white_space(std::uint32_t unit) {
     return unit == ' ' || unit == '\t' || unit == '\r' || unit == '\n';
 }
 
-std::size_t utf8_length(std::uint32_t lead) {
-    if (lead >= 0xC2 && lead <= 0xDF) return 2;
-    if (lead >= 0xE0 && lead <= 0xEF) return 3;
-    return lead >= 0xF0 && lead <= 0xF4 ? 4 : 1;
-}
-
-// What may follow a UTF-8 lead byte; the limits keep out longer forms than needed, surrogates and
-// numbers beyond the last character.
-bool is_second_byte(unsigned char lead, unsigned char second) {
-    const unsigned char first = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    const unsigned char last = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    return second >= first && second <= last;
-}
-
 }  // namespace
 
 std::int32_t host_encoding_code(const char* name) {
@@ -133,7 +120,7 @@ std::size_t host_char_length(std::int32_t code, const void* text) {
     const std::uint32_t unit = read_unit(static_cast<const char*>(text), code);
     switch (code) {
         case HOST_ENCODING_UTF8:
-            return utf8_length(unit);
+            return std::max<std::size_t>(utf8::length_from(unit), 1);
         case HOST_ENCODING_UTF16LE:
         case HOST_ENCODING_UTF16BE:
             return unit >= 0xD800 && unit <= 0xDBFF ? 4 : 2;
@@ -225,14 +212,14 @@ std::uint32_t host_next_char(const char** cursor) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(*cursor);
     const unsigned char lead = bytes[0];
     if (lead == 0) return 0;
-    const std::size_t length = utf8_length(lead);
+    const std::size_t length = std::max<std::size_t>(utf8::length_from(lead), 1);
     std::size_t good = 1;
     std::uint32_t character = lead < 0x80 ? lead : lead & (0x7FU >> length);
-    if (length > 1 && is_second_byte(lead, bytes[1])) {
+    if (length > 1 && utf8::may_follow(lead, bytes[1])) {
         do {
-            character = character << 6 | (bytes[good] & 0x3FU);
+            character = character << 6 | (bytes[good] & utf8::CONTINUATION_BITS);
             ++good;
-        } while (good < length && (bytes[good] & 0xC0) == 0x80);
+        } while (good < length && utf8::continues(bytes[good]));
     }
     *cursor += good;
     const bool is_whole = good == length && (length > 1 || lead < 0x80);

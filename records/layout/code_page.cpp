@@ -4,6 +4,8 @@
 
 #include <array>
 
+#include "host/utf8.h"
+
 namespace records {
 namespace {
 
@@ -44,16 +46,12 @@ const CodePage& code_page() {
 // UTF-8 or has other characters is taken as ISO-8859-1 already.
 std::string latin_1(const std::string& text) {
     std::string latin;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<std::uint8_t>(text[i]);
-        if (byte < 0x80) {
-            latin += text[i];
-            continue;
-        }
-        const int next = i + 1 < text.size() ? static_cast<std::uint8_t>(text[i + 1]) : 0;
-        if ((byte != 0xC2 && byte != 0xC3) || (next & 0xC0) != 0x80) return text;
-        latin += static_cast<char>((byte << 6 | (next & 0x3F)) & 0xFF);
-        ++i;
+    for (std::string_view rest = text; !rest.empty();) {
+        const utf8::Character character = utf8::first_character(rest);
+        const bool is_broken = character.length == 1 && character.code >= 0x80;
+        if (is_broken || character.code > 0xFF) return text;
+        latin += static_cast<char>(character.code);
+        rest.remove_prefix(character.length);
     }
     return latin;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/utf8.h"
 #include "records/layout/placement.h"
 
 namespace records {
@@ -30,19 +31,13 @@ bool qualifies(const Node* around, const std::vector<std::string>& name) {
 }
 
 // Description files hold UTF-8 only.
-bool is_utf8(const std::string& text) {
-    std::size_t following = 0;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (following > 0) {
-            if ((byte & 0xC0) != 0x80) return false;
-            --following;
-        } else if (byte >= 0x80) {
-            if (byte < 0xC2 || byte > 0xF4) return false;
-            following = byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
-        }
+bool is_utf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = utf8::first_character(text).length;
+        if (length == 1 && static_cast<std::uint8_t>(text[0]) >= 0x80) return false;
+        text.remove_prefix(length);
     }
-    return following == 0;
+    return true;
 }
 
 std::string hex_of(const std::string& bytes) {

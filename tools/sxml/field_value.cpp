@@ -3,6 +3,7 @@
 #include <array>
 
 #include "conversion/texts/utf8.h"
+#include "host/utf8.h"
 #include "records/numbers.h"
 
 namespace command {
@@ -35,9 +36,8 @@ std::string shown_text(std::span<const std::uint8_t> bytes,
         bytes = bytes.first(bytes.size() - 1);
     }
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const std::size_t width = characters.is_utf8() ? conversion::utf8_character_length(
-                                                             bytes.data() + i, bytes.size() - i)
-                                                       : 0;
+        const std::size_t width =
+            characters.is_utf8() ? utf8::sequence_length(bytes.data() + i, bytes.size() - i) : 0;
         if (width > 0) {
             text.append(reinterpret_cast<const char*>(bytes.data()) + i, width);
             i += width - 1;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "fsi/xml/handlers/make_room.h"
+#include "host/utf8.h"
 
 namespace {
 
@@ -19,28 +20,6 @@ bool append(EntityDeclaration& declaration, std::string_view text) {
     std::memcpy(declaration.bytes + declaration.size, text.data(), text.size());
     declaration.size += text.size();
     return true;
-}
-
-// Stores a character in UTF-8, which is never longer than a reference to it.
-char* put_character(char* at, std::uint32_t code) {
-    const auto put = [&at](std::uint32_t byte) { *at++ = static_cast<char>(byte); };
-    const auto put_rest = [&put, code](unsigned shift) { put(0x80 | (code >> shift & 0x3F)); };
-    if (code < 0x80) {
-        put(code);
-    } else if (code < 0x800) {
-        put(0xC0 | code >> 6U);
-        put_rest(0);
-    } else if (code < 0x10000) {
-        put(0xE0 | code >> 12U);
-        put_rest(6);
-        put_rest(0);
-    } else {
-        put(0xF0 | (code >> 18U & 0x07));
-        put_rest(12);
-        put_rest(6);
-        put_rest(0);
-    }
-    return at;
 }
 
 // Length of the reference to a character that a text begins with, and the character; 0 for none.
@@ -63,7 +42,7 @@ void unquote(EntityDeclaration& declaration) {
         std::uint32_t code = 0;
         const std::size_t length = character_reference(left, code);
         if (length > 0)
-            write = put_character(write, code);
+            write = utf8::put(code, write);  // never longer than the reference
         else
             *write++ = left[0];
         left.remove_prefix(std::max<std::size_t>(length, 1));

@@ -10,6 +10,7 @@
 #include "fsi/xml/handlers/record_tree.h"
 #include "host/ascii_words.h"
 #include "host/trace.h"
+#include "host/utf8.h"
 
 namespace {
 
@@ -50,23 +51,6 @@ bool is_in_name(char c) {
 }
 bool begins_name(char c) {
     return is_in_name(c) && !(c >= '0' && c <= '9') && c != '-' && c != '.';
-}
-
-// The length of the UTF-8 sequence of a character beyond ASCII that XML allows; 0 for all else.
-std::size_t sequence_length(const char* text, std::size_t left) {
-    const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned lead = byte(0);
-    const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    if (length == 0 || lead > 0xF4 || length > left) return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80) return 0;
-    }
-    const bool is_longer_than_needed =
-        (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
-    const bool is_beyond = lead == 0xF4 && byte(1) > 0x8F;
-    const bool is_surrogate = lead == 0xED && byte(1) > 0x9F;
-    const bool is_no_character = lead == 0xEF && byte(1) == 0xBF && byte(2) > 0xBD;
-    return is_longer_than_needed || is_beyond || is_surrogate || is_no_character ? 0 : length;
 }
 
 enum class Outcome {
@@ -249,7 +233,7 @@ class RecordReader {
 
     Outcome sequence() {
         const auto left = static_cast<std::size_t>(end_ - at_);
-        const std::size_t length = sequence_length(at_, left);
+        const std::size_t length = utf8::sequence_length(at_, left);
         if (length == 0) return left < 4 ? Outcome::MORE : Outcome::OTHER;
         if (!take(at_, length)) return Outcome::OTHER;
         at_ += length;

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <memory>
 
-#include "conversion/texts/utf8.h"
 #include "host/encoding.h"
 #include "host/runtime/streams.h"
+#include "host/utf8.h"
 #include "platform/paths.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
@@ -51,7 +51,7 @@ bool is_latin1(const ParsedDocument& document) {
 std::string latin1_of(std::string_view utf8) {
     std::string text;
     while (!utf8.empty()) {
-        const conversion::Utf8Character next = conversion::first_character(utf8);
+        const utf8::Character next = utf8::first_character(utf8);
         text += static_cast<char>(next.code);  // the document had no others
         utf8.remove_prefix(next.length);
     }
