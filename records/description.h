@@ -117,6 +117,12 @@ class Description {
         std::string occurs;     // "3", "1 to 5 depending on N", empty
         std::string condition;  // text of the condition the item belongs to, empty for none
         std::string redefines;
+        int depth = 0;     // number of the groups around it
+        std::string path;  // elements from the record's on, "order/items/price"; or empty
+        std::int32_t min_occurs = 1;  // of a table; 1 and 1 of other items
+        std::int32_t max_occurs = 1;
+        std::int32_t stride = 0;     // of a table: bytes from one occurrence to the next
+        std::string depending_on{};  // name of a table's counter, empty for none
     };
     const std::vector<Row>& rows() const;
     // Makes a record one of a layout whose condition asks for a text in a field without an element:

@@ -34,12 +34,12 @@ bool can_be_read_again(const std::string& file) {
     return state && state->kind == platform::FileKind::regular;
 }
 
-// Names that programs and documents spell alike but for case and hyphens.
+// Names that programs and documents spell alike but for case, hyphens, underscores and full stops.
 std::string folded(std::string_view name) {
-    std::string text(name);
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-        if (c == '-') c = '_';
+    std::string text;
+    for (const char c : name) {
+        if (c == '-' || c == '_' || c == '.') continue;
+        text += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     }
     return text;
 }

@@ -1,6 +1,7 @@
 #include "platform/standard_streams.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <initializer_list>
@@ -22,6 +23,12 @@ bool open_missing_standard_streams() {
 
 bool is_terminal(int descriptor) {
     return isatty(descriptor) != 0;
+}
+
+std::optional<int> terminal_width(int descriptor) {
+    winsize size{};
+    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return std::nullopt;
+    return size.ws_col;
 }
 
 }  // namespace platform

@@ -187,14 +187,21 @@ std::string occurs_text(const std::optional<Table>& table) {
            table->depending_on;
 }
 
-void add_rows(const Model& model, const ModelItem& item, std::vector<Description::Row>& rows) {
+// `around`: the path of the group that the item is in, `depth` the number of such groups.
+void add_rows(const Model& model, const ModelItem& item, const std::string& around, int depth,
+              std::vector<Description::Row>& rows) {
     const auto condition = static_cast<std::size_t>(item.condition);
+    const std::string path =
+        item.name.empty() ? around : around + (around.empty() ? "" : "/") + item.name;
+    const Table table = item.table.value_or(Table{});
     rows.push_back({item.offset, item.length, item.level,
                     item.cobol_name.empty() ? item.name : item.cobol_name, item.name, item.picture,
                     item.usage, occurs_text(item.table),
                     condition == 0 ? std::string() : model.conditions[condition - 1].text,
-                    item.redefines});
-    for (const ModelItem& child : item.children) add_rows(model, child, rows);
+                    item.redefines, depth, item.name.empty() ? std::string() : path,
+                    table.depending_on.empty() ? table.occurs : table.min, table.occurs,
+                    table.stride, table.depending_on});
+    for (const ModelItem& child : item.children) add_rows(model, child, path, depth + 1, rows);
 }
 
 std::vector<SlidingPlan> sliding_plans(const Model& model, std::string& problem) {
@@ -248,7 +255,9 @@ std::unique_ptr<DescriptionData> flatten(Model model, std::string& problem) {
     block.own_conventions.decimal_point = '.';
     block.flags = described_layouts(data->model) > 1 ? XFD_SEVERAL_LAYOUTS : std::uint8_t{0};
     block.connect();
-    for (const ModelItem& layout : data->model.layouts) add_rows(data->model, layout, data->rows);
+    for (const ModelItem& layout : data->model.layouts) {
+        add_rows(data->model, layout, "", 0, data->rows);
+    }
     data->plans = sliding_plans(data->model, problem);
     return problem.empty() ? std::move(data) : nullptr;
 }

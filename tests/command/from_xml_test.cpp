@@ -301,6 +301,29 @@ TEST_F(RoundTripTest, RightJustifiedTextsComeBack) {
     }
 }
 
+// Edited numbers stand at the right end of their field.
+TEST_F(RoundTripTest, EditedNumbersComeBack) {
+    write_file("edited.cpy",
+               "       01  ROW.\n"
+               "           05  DUE PIC ---9.99.\n"
+               "           05  PAID PIC ZZ9.99-.\n"
+               "           05  RATE PIC $$$9.9.\n");
+    write_file("records",
+               "  -1.50  1.50-  $1.5   0.00  0.00   $0.0-123.45999.99-$123.9 -12.34 12.34  $12.0");
+    for (const char* encoding : {"utf-8", "cp037"}) {
+        const std::string wanted = run({"iconv", "-t", encoding}, read_file("records")).out;
+        write_file("in", wanted);
+        const std::vector<std::string> options = {"-l", "edited.cpy", "--encoding", encoding};
+        for (std::vector<std::string> words :
+             {std::vector<std::string>{"to-xml", "in", "in.xml"}, {"from-xml", "in.xml", "back"}}) {
+            words.insert(words.end(), options.begin(), options.end());
+            EXPECT_EQ(sxml(words).err, "") << encoding;
+        }
+        EXPECT_EQ(read_file("back"), wanted) << encoding;
+        EXPECT_NE(read_file("in.xml").find("<due>-123.45</due>"), std::string::npos);
+    }
+}
+
 // A table's only entry gives its elements no number, and those of its own tables lack it.
 TEST_F(RoundTripTest, TablesInTheOnlyEntryComeBack) {
     write_file("lines.cpy",

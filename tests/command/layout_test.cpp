@@ -54,6 +54,45 @@ Record length: 9 to 25 bytes
 )");
 }
 
+// Python reads both forms, and finds the same in them.
+TEST_F(LayoutTest, ProgramsReadJsonAndCsv) {
+    write_file("v.cpy",
+               "       01  V.\n           05  N PIC 9.\n"
+               "      *> sxml: when N > 0\n"
+               "           05  FIRST-NAME PIC X(2).\n"
+               "           05  FILLER PIC X(1).\n"
+               "           05  ROW-GROUP OCCURS 1 TO 3 DEPENDING ON N.\n"
+               "               10  FILLER.\n"
+               "                   15  CELL PIC S9(4) COMP OCCURS 2.\n"
+               "               10  LABEL-TEXT PIC X(4).\n"
+               "               10  LABEL-NUMBER REDEFINES LABEL-TEXT PIC 9(4).\n");
+    write_file("json", sxml({"layout", "v.cpy", "--json"}).out);
+    write_file("csv", sxml({"layout", "v.cpy", "--csv"}).out);
+    const std::string program =
+        "import csv, json\n"
+        "layout = json.load(open('json'))\n"
+        "rows = list(csv.DictReader(open('csv', newline='')))\n"
+        "as_text = [{key: '' if value is None else str(value) for key, value in item.items()}\n"
+        "           for item in layout['items']]\n"
+        "assert rows == as_text, (rows, as_text)\n"
+        "print(layout['name'], layout['record_length'], layout['min_record_length'])\n"
+        "for row in rows: print('|'.join(row.values()))\n";
+    const Outcome outcome = run({"python3", "-c", program});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out,
+              "v_file 28 12\n"
+              "1|V|v|v|0|28||||||||\n"
+              "5|N|n|v/n|0|1|9|DISPLAY||||||\n"
+              "5|FIRST-NAME|first_name|v/first_name|1|2|X(2)|DISPLAY||||||N > 0\n"
+              "5||||3|1|X(1)|DISPLAY||||||\n"
+              "5|ROW-GROUP|row_group|v/row_group|4|8|||1|3|8|N||\n"
+              "10||||4|4||||||||\n"
+              "15|CELL|cell|v/row_group/cell|4|2|S9(4)|COMP|2|2|2|||\n"
+              "10|LABEL-TEXT|label_text|v/row_group/label_text|8|4|X(4)|DISPLAY||||||\n"
+              "10|LABEL-NUMBER|||8|4|9(4)|DISPLAY|||||LABEL-TEXT|\n");
+    EXPECT_EQ(sxml({"layout", "v.cpy", "--csv", "--json"}).status, 2);
+}
+
 // A condition is shown at the outermost item that it holds for, and where another one joins it.
 TEST_F(LayoutTest, TableShowsEachConditionOnce) {
     write_file("cond.cpy",

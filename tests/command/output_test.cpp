@@ -101,6 +101,19 @@ TEST_F(OutputTest, FullDisks) {
         EXPECT_EQ(outcome.status, 1) << command;
     }
     EXPECT_EQ(sxml({"compile", "w.cpy", "-o", "/dev/full"}).err, "sxml: /dev/full" + full);
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"--help"},
+                                                  {"--version"},
+                                                  {"help"},
+                                                  {"help", "tree"},
+                                                  {"tree", "--help"},
+                                                  {"tree", "-V"},
+                                                  {"layout", "w.cpy", "--json"},
+                                                  {"dump", "w.dat", "-l", "w.cpy"},
+                                                  {"check", "w.dat", "-l", "w.cpy"}}) {
+        const Outcome outcome = sxml(words, "", "/dev/full");
+        EXPECT_EQ(outcome.err, "sxml: standard output" + full) << words.front();
+        EXPECT_EQ(outcome.status, 1) << words.front();
+    }
 }
 
 TEST_F(OutputTest, FullDisksAreNoticedOnTheWay) {

@@ -183,6 +183,7 @@ const std::vector<RecordCase> LINES = {
      item("ab", "12", "", "") + item("ab", "12", "x", ""),
      {}},
     {"carriage_return_within", "a\rb 012\n", {"--line"}, 0, item("a&#x0d;b", "12", "", ""), {}},
+    {"lines_with_more_spaces", A + "  \n" + A + "   \r\n", {"--line"}, 0, A_ITEM + A_ITEM, {}},
     {"no_lines", "", {"--line"}, 0, "", {}},
     {"line_too_long",
      A + "\n" + A + "zz\n",

@@ -92,6 +92,40 @@ TEST_P(Faults, OfFiles) {
     sweep(program_, faults);
 }
 
+// What cannot be stored must not take the target's name: the data reaches the disk first.
+TEST_F(CommandTest, DataIsStoredBeforeItTakesTheName) {
+    for (const char* name : {"custfile.cpy", "custfile.dat"}) {
+        write_file(name, read_file(SAMPLES + name));
+    }
+    ASSERT_EQ(sxml({"to-xml", "custfile.dat", "in.xml", "-l", "custfile.cpy"}).status, 0);
+    const struct {
+        const char* target;
+        std::vector<std::string> words;
+    } cases[] = {
+        {"out.xml", {"to-xml", "custfile.dat", "out.xml", "-l", "custfile.cpy"}},
+        {"out.xsd", {"to-xml", "custfile.dat", "-", "-l", "custfile.cpy", "--schema", "out.xsd"}},
+        {"out.dat", {"from-xml", "in.xml", "out.dat", "-l", "custfile.cpy"}},
+        {"bad.xml", {"from-xml", "in.xml", "-", "-l", "custfile.cpy", "--rejects", "bad.xml"}},
+        {"out.json", {"from-xml", "in.xml", "-", "-l", "custfile.cpy", "--report", "out.json"}},
+        {"out.xfd", {"compile", "custfile.cpy", "-o", "out.xfd"}},
+        {"out.xml", {"rewrite", "in.xml", "out.xml"}},
+        {"out.cpy", {"copybook", "in.xml", "-o", "out.cpy"}},
+    };
+    for (const auto& c : cases) {
+        write_file(c.target, "old\n");
+        setenv("SXML_FAULT", "sync 1+ 5", 1);
+        setenv("LD_PRELOAD", SXML_BUILD_DIR "/tests/failing_calls.so", 1);
+        const Outcome outcome = sxml(c.words);
+        unsetenv("LD_PRELOAD");
+        unsetenv("SXML_FAULT");
+        EXPECT_EQ(outcome.status, 1) << c.words[0] << " " << c.target;
+        EXPECT_NE(outcome.err.find(std::string(c.target) + ": Input/output error"),
+                  std::string::npos)
+            << outcome.err;
+        EXPECT_EQ(read_file(c.target), "old\n") << c.words[0];
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Command, Faults, testing::ValuesIn(cases()),
                          [](const auto& tried) { return std::string(tried.param.name); });
 

@@ -12,6 +12,7 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/describe.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/help_text.h"
 #include "tools/sxml/version.h"
 
 namespace command {
@@ -158,6 +159,7 @@ void complete_command(CLI::App& command) {
 
 void run_command_line(int argc, char** argv) {
     CLI::App application{"Turns COBOL record files into XML documents and back.", "sxml"};
+    application.formatter(help_formatter());
     application
         .add_flag_callback("--describe",
                            [&application] {

@@ -34,7 +34,8 @@ const char* hint_text(conversion::UnusedData::Hint hint) {
     using Hint = conversion::UnusedData::Hint;
     switch (hint) {
         case Hint::spelling:
-            return "a field's name differs in case or hyphens only; `*> sxml: name ...` in the "
+            return "a field's name differs in case, hyphens or underscores only; `*> sxml: name "
+                   "...` in the "
                    "copybook gives it this name";
         case Hint::prefix:
             return "without its prefix it would be a field's name; `*> sxml: name ...` in the "

@@ -4,6 +4,8 @@
 #include <system_error>
 
 #include "platform/descriptors.h"
+#include "tools/sxml/progress.h"
+#include "tools/sxml/terminal.h"
 
 namespace command {
 
@@ -29,10 +31,28 @@ std::string system_error_text(int error) {
     return std::error_code(error, std::generic_category()).message();
 }
 
+namespace {
+
 // Nobody can be told when this fails.
-void say(std::string_view text) {
+void print(std::string_view text, bool is_failure) {
+    clear_progress();
     std::fflush(stderr);
-    platform::write_whole(platform::STANDARD_ERROR, text.data(), text.size());
+    if (!has_colours()) {  // also when memory is exhausted
+        platform::write_whole(platform::STANDARD_ERROR, text.data(), text.size());
+        return;
+    }
+    const std::string shown = coloured(text, is_failure);
+    platform::write_whole(platform::STANDARD_ERROR, shown.data(), shown.size());
+}
+
+}  // namespace
+
+void say(std::string_view text) {
+    print(text, false);
+}
+
+void say_failure(const std::string& message) {
+    print("sxml: " + message + "\n", true);
 }
 
 void warn(const std::string& message) {

@@ -48,6 +48,8 @@ inline void check(const conversion::Done& problem) {
 std::string system_error_text(int error);
 // Prints a text on standard error, whole, also where that does not wait by itself.
 void say(std::string_view text);
+// Prints "sxml: " and the message of what ends the run.
+void say_failure(const std::string& message);
 // Prints "sxml: warning: " and the message on standard error.
 void warn(const std::string& message);
 

@@ -23,9 +23,9 @@ int fail(const std::string& message, int status) {
     try {
         command::check_host();
     } catch (const command::Failure& cause) {
-        command::say("sxml: " + std::string(cause.what()) + "\n");
+        command::say_failure(cause.what());
     }
-    if (!message.empty()) command::say("sxml: " + message + "\n");
+    if (!message.empty()) command::say_failure(message);
     return status;
 }
 

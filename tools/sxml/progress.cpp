@@ -15,6 +15,8 @@ namespace {
 constexpr auto INTERVAL = std::chrono::milliseconds(200);
 constexpr double MEGABYTE = 1e6;
 
+bool is_shown = false;  // a line, at the moment
+
 std::string duration_text(double seconds) {
     const auto whole = std::llround(seconds);
     std::array<char, 32> text{};
@@ -25,13 +27,18 @@ std::string duration_text(double seconds) {
 
 }  // namespace
 
+void clear_progress() {
+    if (is_shown) std::fputs("\r\033[K", stderr);
+    is_shown = false;
+}
+
 Progress::Progress(std::optional<std::uint64_t> total_bytes)
     : enabled_(platform::is_terminal(platform::STANDARD_ERROR)),
       total_bytes_(total_bytes),
       next_(start_ + INTERVAL) {}
 
 Progress::~Progress() {
-    if (shown_) std::fputs("\r\033[K", stderr);
+    clear_progress();
 }
 
 void Progress::update(std::uint64_t records, std::uint64_t bytes) {
@@ -39,7 +46,7 @@ void Progress::update(std::uint64_t records, std::uint64_t bytes) {
     const Clock::time_point now = Clock::now();
     if (now < next_) return;
     next_ = now + INTERVAL;
-    shown_ = true;
+    is_shown = true;
     const double seconds = std::chrono::duration<double>(now - start_).count();
     const double rate = static_cast<double>(bytes) / seconds;
     std::fprintf(stderr, "\r%llu records, %.1f MB/s", static_cast<unsigned long long>(records),

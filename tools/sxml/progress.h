@@ -7,6 +7,9 @@
 
 namespace command {
 
+// Clears the line that Progress shows, if there is one, before something else is printed.
+void clear_progress();
+
 // Shows a line on standard error when that is a terminal, and nothing otherwise.
 class Progress {
   public:
@@ -24,7 +27,6 @@ class Progress {
     using Clock = std::chrono::steady_clock;
 
     bool enabled_;
-    bool shown_ = false;
     std::optional<std::uint64_t> total_bytes_;
     Clock::time_point start_ = Clock::now();
     Clock::time_point next_;

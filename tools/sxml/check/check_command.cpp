@@ -19,6 +19,7 @@
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_input.h"
+#include "tools/sxml/options/record_target.h"
 #include "tools/sxml/options/settings.h"
 #include "tools/sxml/record_conversion.h"
 
@@ -35,6 +36,7 @@ struct CheckOptions {
     std::string kind;  // "records", "xml", or empty: told by the content
     LayoutOptions layout;
     RecordFileOptions input;
+    DocumentOptions document;
     bool is_json = false;
 };
 
@@ -160,27 +162,24 @@ bool check_records(Check& check) {
 
 bool check_document(Check& check) {
     const CheckOptions& options = check.options;
-    const RecordFileOptions& target = options.input;
-    const auto format = format_of(target);
-    if (!format) fail_usage("--record-format auto: a file to be written does not tell its format");
-    if (target.skip > 0 || target.skip_end > 0) {
+    if (options.input.skip > 0 || options.input.skip_end > 0) {
         fail_usage("--skip: a document is read as a whole; leave the option out");
     }
-    std::optional<CharacterSet> characters;
-    if (!target.encoding.empty()) characters = find_character_set(target.encoding, "--encoding");
+    const RecordTarget target = record_target(options.input);
     const CharacterSet texts = find_character_set("utf-8", "--encoding");
-    Reading own = reading_of(check, characters.value_or(texts));
+    Reading own = reading_of(check, target.characters.value_or(texts));
     check.files.check();
     conversion::ByteSink sink = value_of(conversion::ByteSink::open(platform::null_device()));
-    const auto store = conversion::write_records(*format, sink);
+    const auto store = conversion::write_records(target.format, sink);
     const auto document = value_of(conversion::InputDocument::open(
-        own.description, characters ? &*characters : nullptr,
-        {check.source.file(), check.source.name(), conversion::BlankFill::by_type, true}));
+        own.description, target.set(),
+        {check.source.file(), check.source.name(), options.document.fill, true}));
     FieldStatistics statistics(own.description, document->characters());
     const auto state = platform::state_of(check.source.file());
+    const RecordsWanted wanted{target.format.has_lengths(), options.document.min_record_length,
+                               options.input.first, options.input.count};
     DocumentConversion conversion(*document, state ? std::optional(state->size) : std::nullopt,
-                                  *store, {format->has_lengths(), 0, target.first, target.count},
-                                  check.report, check.rejects);
+                                  *store, wanted, check.report, check.rejects);
     conversion.observe([&](const conversion::InputDocument& read) { statistics.add(read); });
     CheckOutcome outcome{check.source.name(), true, check.report, statistics, texts, {}, {}};
     outcome.failure = failure_of(conversion);
@@ -191,12 +190,20 @@ void check_file(const CheckOptions& options) {
     RunFiles files;
     load_module();
     apply_settings(options.layout.settings);
-    const DocumentSource source = value_of(DocumentSource::open(options.file));
-    files.reads_document(options.file, source);
+    const DocumentSource file = value_of(DocumentSource::open(options.file));
+    files.reads_document(options.file, file);
     files.writes("-");
-    Check check(options, source, files);
     const bool is_document =
-        options.kind.empty() ? looks_like_document(source) : options.kind == "xml";
+        options.kind.empty() ? looks_like_document(file) : options.kind == "xml";
+    if (!is_document && options.document.are_given()) {
+        fail_usage(file.name() +
+                   " is a record file (--as xml says otherwise); --record, "
+                   "--min-record-length and --buffer are for documents");
+    }
+    const std::string& path = options.document.path;
+    const auto reduced =
+        path.empty() ? std::nullopt : std::optional(value_of(file.with_records_at(path)));
+    Check check(options, reduced ? *reduced : file, files);
     if (is_document ? check_document(check) : check_records(check)) {
         throw Failure("", EXIT_FAILED);
     }
@@ -220,6 +227,7 @@ void add_check_command(CLI::App& application) {
         ->check(CLI::IsMember({"records", "xml"}))
         ->option_text("records|xml");
     add_record_options(*command, options->input);
+    add_document_options(*command, options->document);
     command->add_flag("--json", options->is_json, "print the report as JSON");
     command->footer(
         "Exit status 0 says that a conversion would lose nothing, 1 that it would.\n"

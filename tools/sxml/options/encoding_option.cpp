@@ -17,13 +17,18 @@ conversion::CharacterSet records_character_set(const std::string& encoding) {
     return find_character_set(configured.empty() ? "utf-8" : configured, "SXML_ENCODING");
 }
 
+void check_lines(const conversion::RecordFormat& format,
+                 const conversion::CharacterSet& characters) {
+    if (format.kind == conversion::RecordFormat::Kind::lines && characters.is_ebcdic()) {
+        fail_usage("--line: records in " + characters.name() + " are of fixed length");
+    }
+}
+
 void check_lines(const conversion::RecordFormat& format, const conversion::CharacterSet& characters,
                  const conversion::RecordFields& fields, RunReport& report) {
     using conversion::FieldKind;
+    check_lines(format, characters);
     if (format.kind != conversion::RecordFormat::Kind::lines) return;
-    if (characters.is_ebcdic()) {
-        fail_usage("--line: records in " + characters.name() + " are of fixed length");
-    }
     for (const conversion::RecordLayout& layout : fields.layouts()) {
         for (const conversion::Field& field : layout.fields) {
             if (field.kind == FieldKind::text || field.kind == FieldKind::display_number) continue;

@@ -19,8 +19,11 @@ conversion::CharacterSet find_character_set(const std::string& name, const std::
 // Throws Failure (wrong usage). The settings must have been applied.
 conversion::CharacterSet records_character_set(const std::string& encoding);
 
-// For records that are lines: warns of the first binary field. Throws Failure (wrong usage) for an
-// EBCDIC set.
+// Throws Failure (wrong usage) for lines in an EBCDIC set.
+void check_lines(const conversion::RecordFormat& format,
+                 const conversion::CharacterSet& characters);
+
+// The same, and for records that are lines warns of the first binary field.
 void check_lines(const conversion::RecordFormat& format, const conversion::CharacterSet& characters,
                  const conversion::RecordFields& fields, RunReport& report);
 

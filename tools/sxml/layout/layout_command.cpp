@@ -1,4 +1,4 @@
-// sxml layout: shows a record layout as a table.
+// sxml layout: shows a record layout as a table, or tells it to other programs.
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -9,6 +9,7 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
+#include "tools/sxml/layout/layout_export.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/settings.h"
@@ -32,21 +33,9 @@ std::string level_text(int level) {
 }
 
 // The name as COBOL sees it, indented by depth so that groups can be told from their fields.
-std::string indented_name(const Row& row, int depth) {
-    return std::string(static_cast<std::size_t>(depth) * 2, ' ') +
+std::string indented_name(const Row& row) {
+    return std::string(static_cast<std::size_t>(row.depth) * 2, ' ') +
            (row.name.empty() ? "FILLER" : row.name);
-}
-
-// Nesting depth of each row, from the level numbers.
-std::vector<int> depths(const std::vector<Row>& rows) {
-    std::vector<int> result;
-    std::vector<int> open_levels;
-    for (const Row& row : rows) {
-        while (!open_levels.empty() && open_levels.back() >= row.level) open_levels.pop_back();
-        result.push_back(static_cast<int>(open_levels.size()));
-        open_levels.push_back(row.level);
-    }
-    return result;
 }
 
 std::vector<Column> columns() {
@@ -66,13 +55,13 @@ std::vector<Column> columns() {
 
 // Leaves a condition out where the enclosing group has the same one. A group without one of its own
 // has that of the group around it.
-void thin_out_conditions(std::vector<Row>& rows, const std::vector<int>& row_depths) {
+void thin_out_conditions(std::vector<Row>& rows) {
     std::vector<std::string> enclosing;  // of each open group
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        enclosing.resize(static_cast<std::size_t>(row_depths[i]));
-        std::string condition = rows[i].condition;
+    for (Row& row : rows) {
+        enclosing.resize(static_cast<std::size_t>(row.depth));
+        std::string condition = row.condition;
         const bool repeated = !enclosing.empty() && enclosing.back() == condition;
-        if (repeated) rows[i].condition.clear();
+        if (repeated) row.condition.clear();
         if (condition.empty() && !enclosing.empty()) condition = enclosing.back();
         enclosing.push_back(std::move(condition));
     }
@@ -80,10 +69,8 @@ void thin_out_conditions(std::vector<Row>& rows, const std::vector<int>& row_dep
 
 std::string layout_table(const records::Description& description) {
     std::vector<Row> rows = description.rows();
-    const std::vector<int> row_depths = depths(rows);
-    thin_out_conditions(rows, row_depths);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        rows[i].name = indented_name(rows[i], row_depths[i]);
+    thin_out_conditions(rows);
+    for (Row& row : rows) row.name = indented_name(row);
     std::vector<Column> shown;
     Table cells(rows.size() + 1);
     for (Column& column : columns()) {
@@ -106,24 +93,44 @@ std::string length_line(const records::Description& description) {
     return "\nRecord length: " + range + " bytes\n";
 }
 
-void show_layout(const LayoutOptions& options) {
+struct ShowOptions {
+    LayoutOptions layout;
+    bool is_json = false;
+    bool is_csv = false;
+};
+
+std::string shown(const records::Description& description, const ShowOptions& options) {
+    if (options.is_json) return layout_json(description);
+    if (options.is_csv) return layout_csv(description);
+    return layout_table(description) + length_line(description);
+}
+
+void show_layout(const ShowOptions& options) {
     RunFiles files;
     load_module();  // it declares the settings
-    apply_settings(options.settings);
+    apply_settings(options.layout.settings);
     files.writes("-");
     const records::Description description =
-        LayoutSource(options).load(records::RecordEncoding::ascii, files);
+        LayoutSource(options.layout).load(records::RecordEncoding::ascii, files);
     files.check();
-    write_output("-", layout_table(description) + length_line(description));
+    write_output("-", shown(description, options));
 }
 
 }  // namespace
 
 void add_layout_command(CLI::App& application) {
     CLI::App* command = application.add_subcommand("layout", "show a record layout as a table");
-    auto options = std::make_shared<LayoutOptions>();
-    add_layout_options(*command, *options, LayoutArgument::positional);
-    command->footer("Example:\n  sxml layout orders.cpy\n  sxml layout ledger.cbl --fd LEDGER");
+    auto options = std::make_shared<ShowOptions>();
+    add_layout_options(*command, options->layout, LayoutArgument::positional);
+    CLI::Option* const json =
+        command->add_flag("--json", options->is_json, "print the layout as JSON, for programs");
+    command->add_flag("--csv", options->is_csv, "print the layout as a table in CSV, for programs")
+        ->excludes(json);
+    command->footer(
+        "Example:\n"
+        "  sxml layout orders.cpy\n"
+        "  sxml layout ledger.cbl --fd LEDGER\n"
+        "  sxml layout orders.cpy --csv > orders.csv");
     command->callback([options] { show_layout(*options); });
 }
 

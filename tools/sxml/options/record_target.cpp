@@ -1,0 +1,51 @@
+#include "tools/sxml/options/record_target.h"
+
+#include <CLI/CLI.hpp>
+#include <map>
+
+#include "tools/sxml/errors.h"
+#include "tools/sxml/options/encoding_option.h"
+#include "tools/sxml/options/options.h"
+
+namespace command {
+
+namespace {
+
+using conversion::BlankFill;
+
+const std::map<std::string, BlankFill> BUFFER_FILLS = {
+    {"spaces", BlankFill::spaces}, {"zeros", BlankFill::zeros}, {"keep", BlankFill::keep}};
+
+}  // namespace
+
+void add_document_options(CLI::App& command, DocumentOptions& options) {
+    add_record_path_option(command, options.path);
+    command
+        .add_option("--min-record-length", options.min_record_length,
+                    "the least length of records in formats with lengths (default: 0)")
+        ->option_text("BYTES");
+    command
+        .add_option_function<std::string>(
+            "--buffer",
+            [&options](const std::string& fill) { options.fill = BUFFER_FILLS.at(fill); },
+            "what fields hold that the document has no data for: spaces, zeros (bytes of value 0), "
+            "or keep what the record before held (default: spaces in characters, zero in numbers)")
+        ->check(CLI::IsMember({"spaces", "zeros", "keep"}))
+        ->option_text("spaces|zeros|keep");
+}
+
+records::RecordEncoding RecordTarget::encoding() const {
+    return characters ? record_encoding(*characters) : records::RecordEncoding::ascii;
+}
+
+RecordTarget record_target(const RecordFileOptions& options) {
+    const auto format = format_of(options);
+    if (!format) fail_usage("--record-format auto: a file to be written does not tell its format");
+    RecordTarget target{*format, std::nullopt};
+    if (options.encoding.empty()) return target;
+    target.characters = find_character_set(options.encoding, "--encoding");
+    check_lines(target.format, *target.characters);
+    return target;
+}
+
+}  // namespace command
