@@ -31,9 +31,9 @@ constexpr bool may_follow(std::uint8_t lead, std::uint8_t second) {
     return second >= first && second <= last;
 }
 
-// Length of the character of several bytes that a text of `size` bytes (one at least) begins with. 0 when there is
-// none: for ASCII, for incomplete forms and those that may_follow keeps out, and for U+FFFE and
-// U+FFFF, which are no characters of XML.
+// Length of the character of several bytes that a text of `size` bytes (one at least) begins with.
+// 0 when there is none: for ASCII, for incomplete forms and those that may_follow keeps out, and
+// for U+FFFE and U+FFFF, which are no characters of XML.
 template <typename Byte>
 constexpr std::size_t sequence_length(const Byte* text, std::size_t size) {
     const auto byte = [text](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };

@@ -1,9 +1,11 @@
 // Where a document comes from: a file, standard input, or the web.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
+#include "conversion/documents/attribute_elements.h"
 #include "conversion/problem.h"
 #include "platform/temporary_files.h"
 
@@ -11,6 +13,14 @@ namespace conversion {
 
 // True for the addresses of documents on the web ("http:" and "https:", in any letter case).
 bool is_url(const std::string& name);
+
+// What stands outside of the records at a path, or is an attribute of the document element, so that
+// no record has it.
+struct LeftOut {
+    std::uint64_t texts = 0;
+    std::uint64_t attributes = 0;
+    Place first{};
+};
 
 // A document as a file. What is kept of standard input or of the web is a private copy, which goes
 // with this object.
@@ -28,8 +38,19 @@ class DocumentSource {
     // for a document that is not well-formed, and when there is no such element. Throws
     // std::bad_alloc.
     Result<DocumentSource> with_records_at(const std::string& path) const;
+    // The document with its attributes as elements, as AttributeElements has them: a private copy
+    // in UTF-8 or, of a document in ISO-8859-1, in that, without comments, processing instructions
+    // and DOCTYPE. In constant memory. A problem for a document that is not well-formed. Throws
+    // std::bad_alloc.
+    Result<DocumentSource> with_attributes_as_elements(const AttributeRule& rule) const;
     // A file, whether it exists or not.
     static DocumentSource of_file(const std::string& file) { return {file, file}; }
+
+    // Of a document that was made by with_records_at() or with_attributes_as_elements().
+    LeftOut left_out() const { return counted_.value_or(LeftOut{}); }
+    // What with_attributes_as_elements() was made of; empty: it was not. Must stay.
+    const std::string& original() const { return original_; }
+    const AttributeRule& attributes() const { return attributes_; }
 
     // As it is shown in messages.
     const std::string& name() const { return name_; }
@@ -48,6 +69,9 @@ class DocumentSource {
     std::string name_;
     std::string file_;
     std::optional<platform::TemporaryFile> copy_;
+    std::optional<LeftOut> counted_;  // nothing: not looked for
+    std::string original_;
+    AttributeRule attributes_;
 };
 
 }  // namespace conversion

@@ -41,11 +41,12 @@ std::string utf8_of_utf16(const std::string& bytes, bool is_big_endian) {
 }  // namespace
 
 struct RecordLocator::Search {
-    explicit Search(std::string name)
+    Search(std::string name, std::optional<AttributeRule> rule)
         : file(std::move(name)),
           input(platform::path_of(file), std::ios::binary),
           parser(XML_ParserCreate(nullptr)) {
         if (parser == nullptr) throw std::bad_alloc();
+        if (rule) made.emplace(*std::move(rule));
     }
     ~Search() { XML_ParserFree(parser); }
     Search(const Search&) = delete;
@@ -63,20 +64,28 @@ struct RecordLocator::Search {
     bool is_over = false;            // the end, or what cannot be parsed
     std::vector<Position> elements;  // of the wanted record
     ByteRange bytes;                 // of it; the end is 0 until that is found
+    std::optional<AttributeElements> made;
 
     static Search& of(void* user) { return *static_cast<Search*>(user); }
     bool is_in_wanted_record() const { return depth > 1 && record == wanted; }
 
-    static void XMLCALL start(void* user, const XML_Char*, const XML_Char**) {
+    static void XMLCALL start(void* user, const XML_Char* name, const XML_Char** attributes) {
         Search& self = of(user);
         if (++self.depth == 2) ++self.record;
+        const std::size_t count = self.made ? self.made->begin(name, attributes).size() : 0;
         if (!self.is_in_wanted_record()) return;
         if (self.depth == 2) self.bytes.begin = bytes_of_event(self.parser).begin;
-        self.elements.push_back({line_of_event(self.parser), column_of_event(self.parser)});
+        self.note(1 + count);
+    }
+
+    void note(std::size_t count) {
+        elements.insert(elements.end(), count, {line_of_event(parser), column_of_event(parser)});
     }
 
     static void XMLCALL finish(void* user, const XML_Char*) {
         Search& self = of(user);
+        const std::size_t count = self.made ? self.made->end().size() : 0;
+        if (count > 0 && self.is_in_wanted_record()) self.note(count);
         const bool is_end = self.depth == 2 && self.is_in_wanted_record();
         --self.depth;
         if (!is_end) return;
@@ -104,7 +113,8 @@ struct RecordLocator::Search {
     }
 };
 
-RecordLocator::RecordLocator(std::string file) : search_(new Search(std::move(file))) {
+RecordLocator::RecordLocator(std::string file, std::optional<AttributeRule> rule)
+    : search_(new Search(std::move(file), std::move(rule))) {
     XML_SetUserData(search_->parser, search_.get());
     XML_SetElementHandler(search_->parser, &Search::start, &Search::finish);
     XML_SetXmlDeclHandler(search_->parser, &Search::declare);

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "conversion/documents/attribute_elements.h"
+
 namespace conversion {
 
 // Goes through a document forward, once, however many records are asked for. Every child of the
@@ -17,8 +19,9 @@ class RecordLocator {
         std::uint64_t column;  // in bytes, from 1
     };
 
-    // A file that can be read again.
-    explicit RecordLocator(std::string file);
+    // A file that can be read again. With a rule, elements that it makes of attributes count, and
+    // stand where the element with the attribute does.
+    explicit RecordLocator(std::string file, std::optional<AttributeRule> rule = std::nullopt);
     ~RecordLocator();
     RecordLocator(const RecordLocator&) = delete;
     RecordLocator& operator=(const RecordLocator&) = delete;

@@ -85,7 +85,10 @@ class RecordsAt {
     RecordsAt(const std::string& path, PartialCopy& copy)
         : steps_(steps_of(path)), path_(path), copy_(copy), parser_(this) {
         XML_SetElementHandler(parser_.expat(), &start, &finish);
+        XML_SetCharacterDataHandler(parser_.expat(), &text);
     }
+
+    const LeftOut& left_out() const { return left_out_; }
 
     Done run(const DocumentSource& document) {
         if (Done problem = parser_.parse(document.file(), document.name())) return problem;
@@ -104,12 +107,38 @@ class RecordsAt {
         return *static_cast<RecordsAt*>(CheckedParser::owner(parser));
     }
 
-    static void XMLCALL start(void* user, const XML_Char* name, const XML_Char**) {
+    static void XMLCALL text(void* user, const XML_Char* text, int length) {
         RecordsAt& self = of(user);
+        if (self.is_counted_ || self.is_in_record()) return;
+        const std::string_view seen(text, static_cast<std::size_t>(length));
+        if (seen.find_first_not_of(" \t\r\n") == seen.npos) return;
+        self.is_counted_ = true;
+        self.leave_out(self.left_out_.texts);
+    }
+
+    bool is_in_record() const { return matching_ == steps_.size(); }
+
+    void leave_out(std::uint64_t& count) {
+        const bool is_first = left_out_.texts + left_out_.attributes == 0;
+        ++count;
+        if (!is_first || parser_.is_stopped()) return;
+        try {
+            left_out_.first = parser_.place();
+        } catch (const std::bad_alloc&) {
+            parser_.stop_without_memory();
+        }
+    }
+
+    static void XMLCALL start(void* user, const XML_Char* name, const XML_Char** attributes) {
+        RecordsAt& self = of(user);
+        self.is_counted_ = false;
         const std::size_t depth = self.depth_++;
         const bool is_on_path =
             self.matching_ == depth && depth < self.steps_.size() && self.steps_[depth] == name;
         if (is_on_path) ++self.matching_;
+        for (; *attributes != nullptr && !self.is_in_record(); attributes += 2) {
+            if (is_data_attribute(*attributes)) self.leave_out(self.left_out_.attributes);
+        }
         if (depth == 0) {
             self.copy(self.event().end, PartialCopy::As::it_is);
         } else if (is_on_path && self.matching_ == self.steps_.size()) {
@@ -134,6 +163,7 @@ class RecordsAt {
 
     static void XMLCALL finish(void* user, const XML_Char*) {
         RecordsAt& self = of(user);
+        self.is_counted_ = false;
         const std::size_t depth = --self.depth_;
         const bool is_record = depth + 1 == self.steps_.size() && self.matching_ == depth + 1;
         if (self.matching_ == depth + 1) self.matching_ = depth;
@@ -167,6 +197,8 @@ class RecordsAt {
     std::size_t depth_ = 0;
     std::size_t matching_ = 0;  // steps that the open elements are
     std::uint64_t records_ = 0;
+    LeftOut left_out_;
+    bool is_counted_ = false;  // the text between two tags
 };
 
 }  // namespace
@@ -186,8 +218,10 @@ Result<DocumentSource> DocumentSource::with_records_at(const std::string& path) 
     if (!copied) return copied.problem();
     if (!sink) return sink.problem();
     PartialCopy copy(*copied, *sink);
-    if (Done problem = RecordsAt(path, copy).run(*this)) return *problem;
+    RecordsAt records(path, copy);
+    if (Done problem = records.run(*this)) return *problem;
     if (Done problem = sink->close()) return *problem;
+    reduced->counted_ = records.left_out();
     return reduced;
 }
 

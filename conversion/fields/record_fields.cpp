@@ -41,6 +41,15 @@ Problem endless_variants(const Xfd& xfd) {
 
 }  // namespace
 
+std::unordered_set<std::string> group_names(const Xfd& xfd) {
+    std::unordered_set<std::string> names;
+    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
+        const XfdItem& item = xfd.items[i];
+        if (is_group(item) && item.level > 1) names.insert(item.name);
+    }
+    return names;
+}
+
 void evaluate_conditions(Xfd& xfd, const void* record) {
     for (int number = 1; number <= xfd.condition_count; ++number) {
         Q4TestCOBOLCond(&xfd, number, record);

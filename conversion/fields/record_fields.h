@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "conversion/problem.h"
@@ -46,6 +47,9 @@ inline bool condition_holds(const Xfd& xfd, std::int16_t condition) {
     return condition > 0 && condition <= xfd.condition_count &&
            (xfd.conditions[condition - 1].is_true & 1) != 0;
 }
+
+// Names of the elements below the records' own that hold elements. Throws std::bad_alloc.
+std::unordered_set<std::string> group_names(const Xfd& xfd);
 
 // Found once for a description, by the rules by which the module writes a record, so that choosing
 // a layout for a record costs next to nothing.

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "conversion/documents/attribute_elements.h"
 #include "conversion/documents/checked_parser.h"
 #include "host/utf8.h"
 
@@ -29,12 +30,6 @@ bool begins_with_date(std::string_view text) {
         if (FORM[i] == 'd' ? !is_digit(text[i]) : text[i] != FORM[i]) return false;
     }
     return text.size() == FORM.size() || !is_digit(text[FORM.size()]);
-}
-
-// Attributes that from-xml counts as data.
-bool is_data(std::string_view attribute) {
-    return attribute != "xmlns" && !attribute.starts_with("xmlns:") &&
-           !attribute.starts_with("xml:") && !attribute.starts_with("xsi:");
 }
 
 }  // namespace
@@ -119,6 +114,8 @@ class ProfileReader {
     void open(const std::string& name);
     void open_root(const std::string& name);
     void note_prefixes(const XML_Char** attributes);
+    void note_attribute(const std::string& name, std::string_view value);
+    bool is_stopped_by_paths(const ElementProfile* found);
     ElementProfile* child(Open& around, const std::string& name);
     void close();
     void add_text(Open& open, std::string_view text) const;
@@ -138,9 +135,8 @@ void XMLCALL ProfileReader::start(void* user, const XML_Char* name, const XML_Ch
         self.open(name);
         if (self.parser_.is_stopped()) return;
         if (self.open_.size() == 1) self.note_prefixes(attributes);
-        Place& first = self.open_.back().element->attributes;
-        for (; *attributes != nullptr && first.line == 0; attributes += 2) {
-            if (is_data(*attributes)) first = self.parser_.place();
+        for (; *attributes != nullptr; attributes += 2) {
+            if (is_data_attribute(*attributes)) self.note_attribute(attributes[0], attributes[1]);
         }
     } catch (const std::bad_alloc&) {
         self.parser_.stop_without_memory();
@@ -227,15 +223,50 @@ void DocumentProfile::remove(ElementProfile& parent, ElementProfile& child) {
     parent.children.erase(child.self);
 }
 
+ElementProfile* DocumentProfile::attribute(ElementProfile& of, const std::string& name) {
+    const std::string element = attribute_element_name(of.name, name);
+    for (ElementProfile& known : of.attribute_values) {
+        if (known.name == element) return &known;
+    }
+    if (paths_ >= MOST_PATHS || of.attribute_values.size() >= MOST_ATTRIBUTES) return nullptr;
+    ++paths_;
+    of.attribute_values.push_back(ElementProfile{element, &of});
+    of.attribute_values.back().self = std::prev(of.attribute_values.end());
+    return &of.attribute_values.back();
+}
+
+bool ProfileReader::is_stopped_by_paths(const ElementProfile* found) {
+    if (found != nullptr) return false;
+    stop("there are more than " + std::to_string(DocumentProfile::MOST_PATHS) +
+             " different elements, or more than " +
+             std::to_string(DocumentProfile::MOST_ATTRIBUTES) + " attributes of one",
+         "no record has so many fields");
+    return true;
+}
+
 // A path that is new comes after that of the element before.
 ElementProfile* ProfileReader::child(Open& around, const std::string& name) {
     ElementProfile* const child = profile_.child(*around.element, name, around.next);
-    if (child == nullptr) {
-        stop("there are more than " + std::to_string(DocumentProfile::MOST_PATHS) +
-                 " different elements",
-             "no record has so many fields");
-    }
-    return child;
+    return is_stopped_by_paths(child) ? nullptr : child;
+}
+
+void ProfileReader::note_attribute(const std::string& name, std::string_view value) {
+    if (parser_.is_stopped()) return;
+    ElementProfile& element = *open_.back().element;
+    if (element.attributes.line == 0) element.attributes = parser_.place();
+    if (open_.size() < 2 || !profile_.wants_attributes_) return;
+    ElementProfile* const attribute = profile_.attribute(element, name);
+    if (is_stopped_by_paths(attribute)) return;
+    if (attribute->attributes.line == 0) attribute->attributes = parser_.place();
+    const std::uint64_t around = element.parent->count;
+    if (attribute->opened_in != around) ++attribute->parents;
+    attribute->opened_in = around;
+    attribute->most = std::max(attribute->most, element.here);
+    ++attribute->count;
+    Open text{attribute, {}};
+    add_text(text, value);
+    attribute->text.add(std::string_view(text.head).substr(0, text.trimmed_bytes),
+                        text.trimmed_bytes, text.trimmed_characters);
 }
 
 void ProfileReader::add_text(Open& open, std::string_view text) const {

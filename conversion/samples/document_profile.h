@@ -61,8 +61,12 @@ struct ElementProfile {
     std::uint64_t parents = 0;  // elements around that have one at least
     std::uint64_t most = 0;     // in one element around
     TextProfile text{};
-    Place attributes{};                     // the first with values; line 0 when there is none
-    Place mixed{};                          // the first with a text beside elements, likewise
+    Place attributes{};  // the first with values; line 0 when there is none
+    Place mixed{};       // the first with a text beside elements, likewise
+    // When attributes are wanted, those with data, each called as the element that stands for it;
+    // `attributes` of these is where the first is, `parent` the element that has it, `parents` and
+    // `most` count as if it came after that.
+    std::list<ElementProfile> attribute_values{};
     std::optional<Declaration> declared{};  // nothing: by no schema and no document type
 
     // While profiling: where it stands in the list that it is in, how many there are in the element
@@ -81,6 +85,11 @@ class DocumentProfile {
   public:
     static constexpr std::size_t MOST_PATHS = 100'000;
     static constexpr std::size_t MOST_DEPTH = 64;
+    static constexpr std::size_t MOST_ATTRIBUTES = 1000;  // of the elements of one path
+
+    // Profiles attributes, too, as elements. To be called before anything is added.
+    void want_attributes() { wants_attributes_ = true; }
+    bool wants_attributes() const { return wants_attributes_; }
 
     // Adds the document in a file; `shown_name` is what problems call it. A problem when it cannot
     // be read, is not well-formed, has another document element than the one before, more than
@@ -94,6 +103,10 @@ class DocumentProfile {
     // Prefixes that the samples' document elements declare, each with its URI; "" is the default.
     const std::vector<std::pair<std::string, std::string>>& prefixes() const { return prefixes_; }
 
+    // The attribute of this name, as an element. Null when there are too many paths. Throws
+    // std::bad_alloc.
+    ElementProfile* attribute(ElementProfile& of, const std::string& name);
+
     // The child of this name. A new one, without elements, comes before `next`, which is then, or
     // otherwise, what comes after the child. Null when there are MOST_PATHS already. Throws
     // std::bad_alloc.
@@ -104,6 +117,7 @@ class DocumentProfile {
   private:
     ElementProfile root_{};
     std::size_t paths_ = 0;
+    bool wants_attributes_ = false;
     std::vector<std::pair<std::string, std::string>> prefixes_{};
     friend class ProfileReader;
 };

@@ -73,6 +73,10 @@ class CopybookMaker {
     void collect_names(const ElementProfile& element, int level);
     void say_losses(const ElementProfile& element);
     void say_ambiguous();
+    void look_for_records(const ElementProfile& kind);
+    void note_tables(const ElementProfile& element);
+    std::string path_to(const ElementProfile& element) const;
+    Problem problem_of_size() const;
     void lose(const ElementProfile& element, Place place, std::string what, std::string remedy);
 
     void begin_text();
@@ -101,6 +105,8 @@ class CopybookMaker {
     std::map<std::string, Use> uses_;
     std::size_t selector_length_ = 0;
     Size largest_;
+    const ElementProfile* longest_table_ = nullptr;
+    std::uint64_t longest_occurs_ = 0;
     std::size_t guesses_ = 0;
     const ElementProfile* first_guess_ = nullptr;
 };
@@ -142,7 +148,7 @@ void CopybookMaker::collect_names(const ElementProfile& element, int level) {
     }
     if (level > DEEPEST_LEVEL) {
         return lose(element, {}, "cannot be read: it lies deeper than COBOL's levels go",
-                    "make records of elements further down");
+                    "take elements further down for the records, with --record");
     }
     if (element.name.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ-") != std::string::npos) {
         result_.needs_exact_names = true;
@@ -158,7 +164,8 @@ void CopybookMaker::collect_names(const ElementProfile& element, int level) {
 
 void CopybookMaker::say_losses(const ElementProfile& element) {
     if (element.attributes.line > 0) {
-        lose(element, element.attributes, "attributes cannot be read into fields", "");
+        lose(element, element.attributes, "attributes cannot be read into fields",
+             "--attributes reads each as the element NAME_ATTRIBUTE");
     }
     if (element.mixed.line > 0) {
         lose(element, element.mixed, "the text beside elements cannot be read into a field", "");
@@ -177,6 +184,32 @@ void CopybookMaker::say_ambiguous() {
                  " stand in several places, and some records lack one; "
                  "where only one is there, it is taken for the first",
              "check these fields in such records");
+    }
+}
+
+std::string CopybookMaker::path_to(const ElementProfile& element) const {
+    return root_.name + "/" + path_of(element);
+}
+
+void CopybookMaker::note_tables(const ElementProfile& element) {
+    const std::uint64_t own = table_of(element, wishes_.grow).occurs;
+    const bool is_table = element.parent != &root_ && own > 1 && !element.children.empty();
+    if (is_table && own > longest_occurs_) {
+        longest_table_ = &element;
+        longest_occurs_ = own;
+    }
+    for (const ElementProfile& child : element.children) note_tables(child);
+}
+
+// Where each document has one record of a kind, and that has a table, its entries may be what is
+// wanted.
+void CopybookMaker::look_for_records(const ElementProfile& kind) {
+    const bool is_single =
+        kind.count > 0 ? kind.most == 1 : !kind.declared || kind.declared->most == 1;
+    const std::uint64_t before = longest_occurs_;
+    note_tables(kind);
+    if (is_single && longest_occurs_ > before) {
+        result_.possible_records = path_to(*longest_table_);
     }
 }
 
@@ -199,6 +232,7 @@ CopybookMaker::Kinds CopybookMaker::kinds() {
             continue;
         }
         collect_names(kind, 1);
+        look_for_records(kind);
         selector_length_ = std::max(selector_length_, kind.name.size());
         result.push_back(&kind);
     }
@@ -339,22 +373,31 @@ void CopybookMaker::add_kind(const ElementProfile& kind, bool is_one_of_several)
 Result<SampleCopybook> CopybookMaker::make() {
     const Kinds all = kinds();
     if (all.empty()) {
-        return Problem{Cause::document,
-                       {.file = wishes_.made_from},
-                       "no child of the document element holds elements that can be fields",
-                       "each child of the document element is taken for a record"};
+        return Problem{
+            Cause::document,
+            {.file = wishes_.made_from},
+            "no child of the document element holds elements that can be fields",
+            "each child of the document element is taken for a record, and fields lie at "
+            "most 13 elements deep in it; --record takes others"};
     }
     begin_text();
     for (const ElementProfile* kind : all) add_kind(*kind, all.size() > 1);
     say_guesses();
-    if (largest_.bytes <= MOST_BYTES && largest_.fields <= MOST_FIELDS) return std::move(result_);
-    return Problem{Cause::document,
-                   {.file = wishes_.made_from},
-                   "a record would have more than " + std::to_string(MOST_FIELDS) +
-                       " fields, a table more than " + std::to_string(MOST_OCCURS) +
-                       " entries, or be larger than 256 MiB",
-                   "each child of the document element is taken for a record; give documents whose "
-                   "records are smaller"};
+    const bool is_small = largest_.bytes <= MOST_BYTES && largest_.fields <= MOST_FIELDS;
+    if (is_small) return std::move(result_);
+    return problem_of_size();
+}
+
+Problem CopybookMaker::problem_of_size() const {
+    const std::string smaller =
+        longest_table_ != nullptr ? ": --record " + path_to(*longest_table_) : ", with --record";
+    return {Cause::document,
+            {.file = wishes_.made_from},
+            "a record would have more than " + std::to_string(MOST_FIELDS) +
+                " fields, a table more than " + std::to_string(MOST_OCCURS) +
+                " entries, or be larger than 256 MiB",
+            "each child of the document element is taken for a record; take smaller elements" +
+                smaller};
 }
 
 }  // namespace

@@ -21,6 +21,9 @@ struct SampleCopybook {
     std::vector<Problem> losses;
     // Names differ in case or have hyphens: documents must be read under 4GL_COLUMN_CASE 2.
     bool needs_exact_names = false;
+    // Of elements that there are several of in the only record of a document, and that may be the
+    // records themselves: the path that with_records_at() takes. Empty: there are none.
+    std::string possible_records{};
 };
 
 // A copybook with a record layout for each kind of records, told apart by the names of their

@@ -1,10 +1,12 @@
 #include "conversion/schemas/schema_profile.h"
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
+#include "conversion/documents/attribute_elements.h"
 #include "conversion/schemas/content_model.h"
 #include "conversion/schemas/simple_types.h"
 
@@ -24,6 +26,12 @@ std::string_view local_name(std::string_view name) {
 bool is_true(const SchemaNode& node, std::string_view attribute) {
     const std::string value = node.attribute(attribute);
     return value == "true" || value == "1";
+}
+
+bool has_attribute(const ElementProfile& element, const std::string& name) {
+    const std::string made = attribute_element_name(element.name, name);
+    return std::any_of(element.attribute_values.begin(), element.attribute_values.end(),
+                       [&made](const ElementProfile& one) { return one.name == made; });
 }
 
 class SchemaProfile {
@@ -53,7 +61,9 @@ class SchemaProfile {
     Done describe_child(ElementProfile& element, ElementProfile& child, const Particle& particle,
                         std::size_t depth);
     std::string written_name(const ElementProfile& around, const SchemaNode& element) const;
-    static void describe_attributes(ElementProfile& element, const Content& content);
+    Done describe_attributes(ElementProfile& element, const Content& content);
+    Done describe_attribute(ElementProfile& element, const SchemaNode& attribute,
+                            const SchemaNode& declaration);
     void lose(const ElementProfile& element, const SchemaNode& at, std::string what,
               std::string remedy = "");
 
@@ -178,7 +188,7 @@ Done SchemaProfile::describe_complex(ElementProfile& element, const SchemaNode& 
     const Result<const Content*> model = models_.of(type);
     if (!model) return model.problem();
     const Content* const content = *model;
-    describe_attributes(element, *content);
+    if (Done problem = describe_attributes(element, *content)) return problem;
     if (type.child("simpleContent") != nullptr) {
         if (Done problem = describe_text(element, {&type, &type})) return problem;
     } else if (content->is_mixed && content->elements.all().empty()) {
@@ -262,10 +272,44 @@ std::string SchemaProfile::written_name(const ElementProfile& around,
     return found + name;
 }
 
-void SchemaProfile::describe_attributes(ElementProfile& element, const Content& content) {
+// Those of xml:lang and the like are no data.
+Done SchemaProfile::describe_attributes(ElementProfile& element, const Content& content) {
     for (const SchemaNode* attribute : content.attributes) {
-        if (element.attributes.line == 0) element.attributes = attribute->place();
+        const SchemaNode* declaration = attribute;
+        if (attribute->has("ref")) {
+            const std::string key = component_key_of(*attribute, attribute->attribute("ref"));
+            if (key.starts_with(component_key("http://www.w3.org/XML/1998/namespace", "")))
+                continue;
+            declaration = set_.find("attribute", key);
+            if (declaration == nullptr) {
+                return problem_at(*attribute, "the attribute " + attribute->attribute("ref") +
+                                                  " is not declared" + set_.hint_for(key));
+            }
+        }
+        if (attribute->attribute("use") == "prohibited") continue;
+        const bool is_of_root = element.parent == nullptr;
+        if (profile_.wants_attributes() && !is_of_root) {
+            if (Done problem = describe_attribute(element, *attribute, *declaration))
+                return problem;
+        } else if (element.attributes.line == 0) {
+            element.attributes = attribute->place();
+        }
     }
+    return {};
+}
+
+Done SchemaProfile::describe_attribute(ElementProfile& element, const SchemaNode& attribute,
+                                       const SchemaNode& declaration) {
+    const std::string name = declaration.attribute("name");
+    if (wishes_.is_of_samples && !has_attribute(element, name)) return {};
+    ElementProfile* const made = profile_.attribute(element, name);
+    if (made == nullptr) return problem_at(attribute, "there are too many attributes");
+    if (made->declared) return {};  // a restriction says it again
+    const bool is_required = attribute.attribute("use") == "required";
+    made->declared.emplace(Declaration{attribute.place(), is_required ? 1U : 0U, 1});
+    if (made->attributes.line == 0) made->attributes = attribute.place();
+    return describe_text(
+        *made, {declaration.child("simpleType"), &declaration, declaration.attribute("type")});
 }
 
 Result<Particle> SchemaProfile::step(const SchemaNode& element, const std::string& name) {

@@ -471,7 +471,9 @@ void InputDocument::note_element(void* document, const HostRecordElement* elemen
 }
 
 RecordLocator* InputDocument::locator() {
-    if (!locator_ && can_be_read_again(options_.file)) {
+    if (!locator_ && !options_.original.empty()) {
+        locator_ = std::make_unique<RecordLocator>(options_.original, options_.attributes);
+    } else if (!locator_ && can_be_read_again(options_.file)) {
         locator_ = std::make_unique<RecordLocator>(options_.file);
     }
     return locator_.get();

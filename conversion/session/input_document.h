@@ -75,6 +75,10 @@ class InputDocument {
         std::string shown_name;  // in messages; empty: as `file`
         BlankFill fill = BlankFill::by_type;
         bool notes_unused = false;  // unused_data() is wanted
+        // The document that `file` was made of with its attributes as elements; messages name the
+        // places there. Empty: it is `file`.
+        std::string original = {};
+        AttributeRule attributes = {};
         // Of each layout: whether records are of it only when their element has its name, whatever
         // its conditions say; when no layout has that name, they may be of the first. Empty: none.
         std::vector<bool> is_named_by_element{};

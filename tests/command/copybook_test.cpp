@@ -152,6 +152,12 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
     }
     std::string many = "<a><r>";
     for (int i = 0; i < 100'001; ++i) many += "<n" + std::to_string(i) + "/>";
+    std::string nested;
+    for (int i = 0; i < 16; ++i) {
+        const std::string name = "t" + std::to_string(i);
+        nested = "<" + name + ">" + nested + (nested.empty() ? "1" : "") + "</" + name + "><" +
+                 name + "/>";
+    }
     std::string wide = "<a><r>";
     for (int i = 0; i < 40'000; ++i) wide += "<t>1</t>";
     const std::vector<Loss> losses = {
@@ -179,6 +185,13 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
         {"entities", bomb + "]><a>&e39;</a>", {}, 1, "s.xml:"},
         {"many names", many + "</r></a>", {}, 1, "more than 100000 different"},
         {"long table", wide + "</r></a>", {}, 1, "a table more than 32767 entries"},
+        {"nested tables", "<a><r>" + nested + "</r></a>", {}, 1, "--record takes others"},
+        {"deep table", "<a><r><n>1</n>" + nested + "</r></a>", {}, 0, "with --record"},
+        {"records further down",
+         "<a><h><b>1</b></h><p><o><n>1</n></o><o><n>2</n></o></p></a>",
+         {},
+         0,
+         "if the records are further down, --record a/p/o takes those"},
         {"growth", "<a><r><b>x</b></r></a>", {"--grow", "1%2"}, 2, "--grow: 1%2 is not"},
         {"one file", "<a><r><b>x</b></r></a>", {"-o", "s.xml"}, 2, "they are one file"},
     };

@@ -60,7 +60,7 @@ const LossCase LOSSES[] = {
     {"attributes",
      "<d><item code_id=\"AB\" amount=\"2\"/></d>",
      1,
-     {"d.xml:1:4: record 1: item/@*: attributes went into no field", "not attributes"}},
+     {"d.xml:1:4: record 1: item/@*: attributes went into no field", "--attributes"}},
     {"a level deeper",
      "<d><batch>" + WHOLE + WHOLE + "</batch></d>",
      1,

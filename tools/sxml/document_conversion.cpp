@@ -41,7 +41,8 @@ const char* hint_text(conversion::UnusedData::Hint hint) {
             return "without its prefix it would be a field's name; `*> sxml: name ...` in the "
                    "copybook gives a field this name";
         case Hint::attribute:
-            return "fields take the texts of elements, not attributes";
+            return "fields take the texts of elements; `--attributes` reads attributes as elements "
+                   "called ELEMENT_ATTRIBUTE";
         case Hint::level:
             return "the records seem to be one level deeper in the document; "
                    "`--record DOCUMENT-ELEMENT/ELEMENT/RECORD` takes the elements at such a path";

@@ -10,6 +10,7 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/document_conversion.h"
+#include "tools/sxml/documents/record_document.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
@@ -37,8 +38,8 @@ std::optional<std::uint64_t> size_of(const std::string& file) {
 }
 
 // Result: the exit status.
-int convert_document(const FromXmlOptions& options, const conversion::DocumentSource& source,
-                     RunFiles& files, RunReport& report) {
+int convert_document(const FromXmlOptions& options, RecordDocument& source, RunFiles& files,
+                     RunReport& report) {
     const RecordTarget target = record_target(options.output);
     files.writes(options.records);
     note_outputs(options.report, files);
@@ -46,15 +47,17 @@ int convert_document(const FromXmlOptions& options, const conversion::DocumentSo
         LayoutSource(options.layout).load(target.encoding(), files);
     files.check();
     report.allow_writing();
+    source.prepare(description, report);
     AtomicOutput output(options.records);
     conversion::ByteSink sink = output.open();
     const auto store = conversion::write_records(target.format, sink);
-    const auto document = value_of(conversion::InputDocument::open(
-        description, target.set(), {source.file(), source.name(), options.document.fill, true}));
+    const auto document =
+        value_of(conversion::InputDocument::open(description, target.set(), source.input()));
     RejectFile rejects(options.report);
     const RecordsWanted wanted{target.format.has_lengths(), options.document.min_record_length,
                                options.output.first, options.output.count};
-    DocumentConversion(*document, size_of(source.file()), *store, wanted, report, rejects).run();
+    const auto size = size_of(source.source().file());
+    DocumentConversion(*document, size, *store, wanted, report, rejects).run();
     output.commit();
     return rejects.count() > 0 ? EXIT_REJECTED : 0;
 }
@@ -65,12 +68,8 @@ void convert_from_xml(const FromXmlOptions& options) {
     apply_settings(options.layout.settings);
     const auto document = value_of(conversion::DocumentSource::open(options.xml));
     files.reads_document(options.xml, document);
-    const auto reduced =
-        options.document.path.empty()
-            ? std::nullopt
-            : std::optional(value_of(document.with_records_at(options.document.path)));
-    const conversion::DocumentSource& source = reduced ? *reduced : document;
-    run_with_report(options.report, source.name(), [&](RunReport& report) {
+    RecordDocument source(document, options.document);
+    run_with_report(options.report, document.name(), [&](RunReport& report) {
         return convert_document(options, source, files, report);
     });
 }

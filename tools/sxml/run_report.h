@@ -71,6 +71,10 @@ class RunReport {
     // The run's files have been checked: the report replaces no input.
     void allow_writing() { may_write_ = true; }
 
+    // Counts what of a document is in no record. Names it by `first`, or fails with it when that is
+    // asked for.
+    void note_left_out(const conversion::Problem& first, std::uint64_t count);
+
     // Text or attributes at this path went into no field; `hint` may be empty.
     void count_unused(const std::string& path, const std::string& hint);
 

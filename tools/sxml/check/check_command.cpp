@@ -14,6 +14,7 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/document_conversion.h"
+#include "tools/sxml/documents/record_document.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/layout_source.h"
@@ -169,13 +170,14 @@ bool check_document(Check& check) {
     const CharacterSet texts = find_character_set("utf-8", "--encoding");
     Reading own = reading_of(check, target.characters.value_or(texts));
     check.files.check();
+    RecordDocument source(check.source, options.document);
+    source.prepare(own.description, check.report);
     conversion::ByteSink sink = value_of(conversion::ByteSink::open(platform::null_device()));
     const auto store = conversion::write_records(target.format, sink);
-    const auto document = value_of(conversion::InputDocument::open(
-        own.description, target.set(),
-        {check.source.file(), check.source.name(), options.document.fill, true}));
+    const auto document =
+        value_of(conversion::InputDocument::open(own.description, target.set(), source.input()));
     FieldStatistics statistics(own.description, document->characters());
-    const auto state = platform::state_of(check.source.file());
+    const auto state = platform::state_of(source.source().file());
     const RecordsWanted wanted{target.format.has_lengths(), options.document.min_record_length,
                                options.input.first, options.input.count};
     DocumentConversion conversion(*document, state ? std::optional(state->size) : std::nullopt,
@@ -197,13 +199,10 @@ void check_file(const CheckOptions& options) {
         options.kind.empty() ? looks_like_document(file) : options.kind == "xml";
     if (!is_document && options.document.are_given()) {
         fail_usage(file.name() +
-                   " is a record file (--as xml says otherwise); --record, "
+                   " is a record file (--as xml says otherwise); --record, --attributes, "
                    "--min-record-length and --buffer are for documents");
     }
-    const std::string& path = options.document.path;
-    const auto reduced =
-        path.empty() ? std::nullopt : std::optional(value_of(file.with_records_at(path)));
-    Check check(options, reduced ? *reduced : file, files);
+    Check check(options, file, files);
     if (is_document ? check_document(check) : check_records(check)) {
         throw Failure("", EXIT_FAILED);
     }

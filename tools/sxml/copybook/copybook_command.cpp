@@ -4,13 +4,16 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "conversion/documents/document_source.h"
+#include "conversion/samples/attribute_profile.h"
 #include "conversion/samples/sample_copybook.h"
 #include "conversion/schemas/schema_profile.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
+#include "tools/sxml/documents/record_document.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/run_files.h"
@@ -25,6 +28,7 @@ struct CopybookOptions {
     std::string grow = "20%";
     std::string path;  // of the elements that are the records
     bool is_of_samples = false;
+    bool takes_attributes = false;
     conversion::CopybookWishes wishes;
 };
 
@@ -51,6 +55,7 @@ std::string in_comment(std::string text) {
 struct Sources {
     conversion::DocumentProfile profile;
     conversion::SchemaSet schemas;
+    std::vector<conversion::Problem> left_out{};  // of the samples
 };
 
 void add_sample(Sources& sources, const conversion::DocumentSource& document,
@@ -59,6 +64,10 @@ void add_sample(Sources& sources, const conversion::DocumentSource& document,
         path.empty() ? std::nullopt : std::optional(value_of(document.with_records_at(path)));
     const conversion::DocumentSource& source = reduced ? *reduced : document;
     check(sources.profile.add(source.file(), source.name()));
+    if (const auto problem = problem_of(source.left_out())) {
+        sources.left_out.push_back(*problem);
+        sources.profile.root().attributes = {};  // counted there
+    }
 }
 
 // Result: what the schemas describe that has no form in records.
@@ -89,14 +98,25 @@ void make_copybook(CopybookOptions& options) {
     RunFiles files;
     files.writes(options.output);
     Sources sources;
+    if (options.takes_attributes) sources.profile.want_attributes();
     const std::vector<conversion::Problem> without_form = read_sources(sources, options, files);
+    const std::vector<conversion::Problem> without_place =
+        options.takes_attributes ? conversion::place_attributes(sources.profile)
+                                 : std::vector<conversion::Problem>{};
     for (const std::string& file : sources.schemas.files()) files.reads(file);
     files.check();
     const conversion::SampleCopybook copybook =
         value_of(conversion::copybook_of(sources.profile, options.wishes));
     write_output(options.output, copybook.text);
-    for (const conversion::Problem& loss : without_form) warn(conversion::message_of(loss));
-    for (const conversion::Problem& loss : copybook.losses) warn(conversion::message_of(loss));
+    for (const auto* losses :
+         {&std::as_const(sources).left_out, &without_form, &without_place, &copybook.losses}) {
+        for (const conversion::Problem& loss : *losses) warn(conversion::message_of(loss));
+    }
+    if (!copybook.possible_records.empty() && options.path.empty()) {
+        say("sxml: note: each document has one such record; if the records are further down, "
+            "--record " +
+            copybook.possible_records + " takes those\n");
+    }
     if (copybook.needs_exact_names) {
         say("sxml: note: element names have capitals or hyphens; convert with "
             "--set 4GL_COLUMN_CASE=2\n");
@@ -123,6 +143,8 @@ void add_copybook_command(CLI::App& application) {
     command->add_flag("--packed", options->wishes.is_packed, "make numbers COMP-3");
     command->add_flag("--sampled", options->is_of_samples,
                       "leave out what a schema allows and no sample has");
+    command->add_flag("--attributes", options->takes_attributes,
+                      "take attributes as elements ELEMENT_ATTRIBUTE; give it to from-xml, too");
     add_record_path_option(*command, options->path);
     command->footer(
         "Example:\n"

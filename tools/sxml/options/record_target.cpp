@@ -20,6 +20,8 @@ const std::map<std::string, BlankFill> BUFFER_FILLS = {
 
 void add_document_options(CLI::App& command, DocumentOptions& options) {
     add_record_path_option(command, options.path);
+    command.add_flag("--attributes", options.takes_attributes,
+                     "read attributes as elements: `currency` of `price` as `price_currency`");
     command
         .add_option("--min-record-length", options.min_record_length,
                     "the least length of records in formats with lengths (default: 0)")

@@ -19,16 +19,18 @@ namespace command {
 
 struct DocumentOptions {
     std::string path;  // of the elements that are the records; empty: those in the document element
+    bool takes_attributes = false;  // as elements
     std::uint32_t min_record_length = 0;
     conversion::BlankFill fill = conversion::BlankFill::by_type;
 
     bool are_given() const {
-        return !path.empty() || min_record_length != 0 || fill != conversion::BlankFill::by_type;
+        return !path.empty() || takes_attributes || min_record_length != 0 ||
+               fill != conversion::BlankFill::by_type;
     }
 };
 
-// Adds --record, --min-record-length and --buffer. `options` must live until the command line has
-// been parsed.
+// Adds --record, --attributes, --min-record-length and --buffer. `options` must live until the
+// command line has been parsed.
 void add_document_options(CLI::App& command, DocumentOptions& options);
 
 struct RecordTarget {
