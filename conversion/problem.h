@@ -34,6 +34,9 @@ struct Place {
     std::optional<std::uint32_t> in_record = {};    // offset in the record, from 0
     std::uint64_t line = 0;                         // in a document, from 1
     std::uint64_t column = 0;                       // in bytes, from 1
+    // Of the record's elements, from 1: of it, line and column are to be found yet. 0: they are
+    // not.
+    std::uint32_t element = 0;
 };
 
 struct Problem {

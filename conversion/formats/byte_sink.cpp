@@ -38,6 +38,11 @@ ByteSink::~ByteSink() {
     if (descriptor_ > platform::STANDARD_ERROR) platform::close_descriptor(descriptor_);
 }
 
+Done ByteSink::move_to(std::uint64_t position) {
+    const int error = platform::move_output(descriptor_, position);
+    return error == 0 ? Done{} : system_problem(shown_name_, error);
+}
+
 Done ByteSink::write(const void* data, std::size_t size) {
     if (size <= BUFFER_SIZE - filled_) {
         std::memcpy(buffer_.get() + filled_, data, size);

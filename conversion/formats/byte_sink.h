@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -19,6 +20,8 @@ class ByteSink {
     // What was written goes out without close(), too, but no problem is told.
     ~ByteSink();
 
+    // Lets the next byte of a file be written at this position; nothing may have been written yet.
+    Done move_to(std::uint64_t position);
     Done write(const void* data, std::size_t size);
     // Writes out the rest and closes the file. Nothing may be written after that.
     Done close();

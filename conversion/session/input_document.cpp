@@ -86,8 +86,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       single_entry_(description),
       record_(static_cast<std::size_t>(record_length_)),
       fates_(static_cast<std::size_t>(description.xfd().item_count)),
-      has_had_data_(fates_.size()),
-      missing_(fates_.size()) {
+      field_uses_(fates_.size()) {
     handler_.context = this;
     handler_.test_condition = &test_condition;
     handler_.store = &store;
@@ -101,6 +100,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
     }
     if (options_.shown_name.empty()) options_.shown_name = options_.file;
     if (description.slides()) sliding_.emplace(description, std::uint8_t{' '});
+    if (options_.part) count_ = options_.part->records_before;
 }
 
 Result<std::unique_ptr<InputDocument>> InputDocument::open(const records::Description& description,
@@ -112,6 +112,8 @@ Result<std::unique_ptr<InputDocument>> InputDocument::open(const records::Descri
     if (!fields) return fields.problem();
     std::unique_ptr<InputDocument> document(
         new InputDocument(**module, description, characters, options, *std::move(fields)));
+    std::optional<host::InputPartScope> part;
+    if (options.part) part.emplace(options.file, options.part->bytes);
     const Result<ModuleFile> opened =
         open_module_file(**module, {options.file, options.shown_name, XML_OPEN_INPUT, {}},
                          description, document->handler_);
@@ -266,7 +268,7 @@ void InputDocument::store(void* document, std::int32_t index, const char* text,
         return;
     }
     fate = FieldFate::filled;
-    self.has_had_data_[static_cast<std::size_t>(index)] = 1;
+    self.field_uses_[static_cast<std::size_t>(index)].has_had_data = true;
     try {
         if (is_numeric_type(item.data.type)) {
             self.store_number(index, {text, length});
@@ -421,7 +423,7 @@ void InputDocument::count_missing() {
     for (const std::int32_t item : without_element_) {
         const bool is_own = item >= own.first_item && item < own.end_item;
         const bool is_used = is_counted(item, used);
-        if (is_own && is_used) ++missing_[static_cast<std::size_t>(item)];
+        if (is_own && is_used) ++field_uses_[static_cast<std::size_t>(item)].records_without;
     }
 }
 
@@ -451,15 +453,6 @@ std::size_t InputDocument::used_length() const {
     return static_cast<std::size_t>(used == end ? std::max(used, own.length) : used);
 }
 
-std::vector<InputDocument::Missing> InputDocument::missing() const {
-    std::vector<Missing> result;
-    for (std::size_t i = 0; i < missing_.size(); ++i) {
-        if (missing_[i] == 0 || has_had_data_[i] == 0) continue;
-        result.push_back({static_cast<std::int32_t>(i), missing_[i]});
-    }
-    return result;
-}
-
 void InputDocument::note_element(void* document, const HostRecordElement* element) {
     auto& self = *static_cast<InputDocument*>(document);
     try {
@@ -483,6 +476,10 @@ Place InputDocument::place_of(std::uint32_t element) {
     Place place;
     place.file = options_.shown_name;
     place.record = count_;
+    if (options_.part && options_.part->leaves_lines) {
+        place.element = element;
+        return place;
+    }
     if (locator() == nullptr) return place;
     if (const auto position = locator_->position(count_, element)) {
         place.line = position->line;

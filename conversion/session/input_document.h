@@ -18,6 +18,7 @@
 #include "conversion/session/module.h"
 #include "conversion/texts/character_set.h"
 #include "conversion/texts/field_text.h"
+#include "host/runtime/streams.h"
 #include "records/description.h"
 
 namespace conversion {
@@ -70,6 +71,13 @@ struct UnusedData {
 // number of documents may be open at once.
 class InputDocument {
   public:
+    // A part of a document, which by itself is a document (documents/document_parts.h).
+    struct Part {
+        host::InputPart bytes;
+        std::uint64_t records_before = 0;
+        // Whether it is left to others to find lines and columns: place_of() says of which element.
+        bool leaves_lines = false;
+    };
     struct Options {
         std::string file;        // its name on the disk
         std::string shown_name;  // in messages; empty: as `file`
@@ -82,6 +90,7 @@ class InputDocument {
         // Of each layout: whether records are of it only when their element has its name, whatever
         // its conditions say; when no layout has that name, they may be of the first. Empty: none.
         std::vector<bool> is_named_by_element{};
+        std::optional<Part> part{};  // read this only
     };
 
     // Opens a document. `description` describes the records as they become, in `characters`; null:
@@ -104,7 +113,7 @@ class InputDocument {
     // Reads the next record. False at the end of a document that is complete and well-formed. A
     // problem, with line and column, where it is not.
     Result<bool> read();
-    // Records read so far.
+    // Records read so far, with those before the part.
     std::uint64_t count() const { return count_; }
 
     // Of the record read last, until the next is read:
@@ -138,13 +147,12 @@ class InputDocument {
     // came through a pipe. Throws std::bad_alloc.
     std::string source_text();
     std::string source_encoding();
-    // Of all records read so far, when unused data is wanted: the fields that some records have
-    // data for and others have no element for.
-    struct Missing {
-        std::int32_t item;
-        std::uint64_t records;  // without such an element
+    // Of all records read so far, when unused data is wanted.
+    struct FieldUse {
+        bool has_had_data = false;
+        std::uint64_t records_without = 0;  // an element for it
     };
-    std::vector<Missing> missing() const;
+    const std::vector<FieldUse>& field_uses() const { return field_uses_; }  // by item
     // How much of the document has been parsed, in bytes.
     std::uint64_t parsed_bytes() const { return static_cast<std::uint64_t>(handler_.parsed_bytes); }
 
@@ -215,9 +223,8 @@ class InputDocument {
     std::int32_t filled_length_ = 0;
     std::vector<FieldFate> fates_;
     std::vector<FieldTrouble> troubles_;
-    std::vector<std::uint8_t> has_had_data_;     // by item, in any record
     std::vector<std::int32_t> without_element_;  // items
-    std::vector<std::uint64_t> missing_;         // by item: records without an element
+    std::vector<FieldUse> field_uses_;           // by item
     std::vector<Element> elements_;
     std::vector<UnusedData> unused_;
     std::unordered_map<std::string, bool> names_;  // as folded(); of fields: true

@@ -23,6 +23,7 @@
 #include "host/runtime/write_failures.h"
 #include "platform/descriptors.h"
 #include "platform/files.h"
+#include "platform/shared_files.h"
 
 namespace {
 
@@ -58,6 +59,7 @@ struct HostStream {
     std::uint64_t buffer_start = 0;  // output: where in the file the buffer begins
     std::uint64_t first_position = 0;
     std::uint64_t flushed_end = 0;  // output: after the last byte that was ever written to the file
+    std::unique_ptr<host::InputPart> part;  // input: what of a part has not been read yet
 };
 
 namespace {
@@ -70,6 +72,8 @@ int open_error = 0;
 thread_local constinit std::array<char, PATH_MAX> description_name{};
 constinit const std::string* output_name = nullptr;  // those of the OutputName that lives
 constinit const std::string* output_file = nullptr;
+constinit const host::InputPartScope* input_part = nullptr;      // the one that lives
+constinit const host::OutputStartScope* output_start = nullptr;  // the same
 
 void fail(HostStream* stream, int error) {
     if (!stream->has_failed) host::remember_write_failure(stream->name, error);
@@ -149,13 +153,47 @@ void find_start(HostStream* stream) {
     stream->flushed_end = stream->first_position;
 }
 
-int open_descriptor(const char* name, Direction direction) {
-    return direction == Direction::output ? platform::open_to_write(name)
-                                          : platform::open_to_read(name);
+// Result: as it is; on failure it is closed.
+int at_position(int descriptor, std::uint64_t position) {
+    if (descriptor < 0) return descriptor;
+    const int error = platform::move_output(descriptor, position);
+    if (error == 0) return descriptor;
+    platform::close_descriptor(descriptor);
+    errno = error;
+    return -1;
+}
+
+int open_output(const char* name) {
+    if (output_start == nullptr || output_start->file() != name) {
+        return platform::open_to_write(name);
+    }
+    return at_position(platform::open_to_write_into(name), output_start->position());
+}
+
+int open_input(const char* name, const host::InputPart* part) {
+    const int descriptor = platform::open_to_read(name);
+    return part != nullptr ? at_position(descriptor, part->begin) : descriptor;
 }
 
 void remember_open_failure(int error) {
     if (open_error == 0 || open_error == ENOENT) open_error = error;
+}
+
+// Reads into the buffer what comes next of a part. Result as platform::read_some.
+ssize_t read_of_part(HostStream* stream) {
+    host::InputPart& part = *stream->part;
+    std::string& text = part.before.empty() && part.begin == part.end ? part.after : part.before;
+    if (!text.empty()) {
+        const std::size_t count = text.copy(stream->buffer.get(), stream->capacity);
+        text.erase(0, count);
+        return static_cast<ssize_t>(count);
+    }
+    const std::uint64_t wanted = std::min<std::uint64_t>(stream->capacity, part.end - part.begin);
+    if (wanted == 0) return 0;
+    const ssize_t count = platform::read_some(stream->descriptor, stream->buffer.get(),
+                                              static_cast<std::size_t>(wanted));
+    if (count > 0) part.begin += static_cast<std::uint64_t>(count);
+    return count;
 }
 
 bool is_process_stream(std::string_view name) {
@@ -168,13 +206,18 @@ HostStream* open_stream(const char* name, Direction direction) {
     stream->direction = direction;
     stream->is_own = true;
     give_buffer(stream.get());
+    if (direction == Direction::input && input_part != nullptr && input_part->file() == name) {
+        stream->part = std::make_unique<host::InputPart>(input_part->part());
+    }
     if (is_process_stream(name)) {
         stream->descriptor =
             direction == Direction::output ? platform::STANDARD_OUTPUT : platform::STANDARD_INPUT;
     } else {
         const bool is_named =
             direction == Direction::output && output_name != nullptr && *output_name == name;
-        stream->descriptor = open_descriptor(is_named ? output_file->c_str() : name, direction);
+        stream->descriptor = direction == Direction::output
+                                 ? open_output(is_named ? output_file->c_str() : name)
+                                 : open_input(name, stream->part.get());
         if (stream->descriptor < 0) return nullptr;
     }
     if (direction == Direction::output) find_start(stream.get());
@@ -201,7 +244,9 @@ struct ProcessStream {
 std::size_t read_part(HostStream* stream, char* target, std::size_t size) {
     if (stream->position == stream->filled) {
         const ssize_t count =
-            platform::read_some(stream->descriptor, stream->buffer.get(), stream->capacity);
+            stream->part != nullptr
+                ? read_of_part(stream)
+                : platform::read_some(stream->descriptor, stream->buffer.get(), stream->capacity);
         if (count < 0) host::remember_read_failure(stream->name, errno);
         if (count <= 0) return 0;
         stream->position = 0;
@@ -347,6 +392,24 @@ OutputName::OutputName(const std::string& name, const std::string& file)
 OutputName::~OutputName() {
     output_name = nullptr;
     output_file = nullptr;
+}
+
+InputPartScope::InputPartScope(const std::string& file, const InputPart& part)
+    : file_(file), part_(part) {
+    input_part = this;
+}
+
+InputPartScope::~InputPartScope() {
+    input_part = nullptr;
+}
+
+OutputStartScope::OutputStartScope(const std::string& file, std::uint64_t position)
+    : file_(file), position_(position) {
+    output_start = this;
+}
+
+OutputStartScope::~OutputStartScope() {
+    output_start = nullptr;
 }
 
 void limit_read_size(std::size_t bytes) {

@@ -1,6 +1,7 @@
 // What the embedding program can ask of the file service.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -51,6 +52,48 @@ class RUNTIME_API OutputName {
   private:
     std::string name_;
     std::string file_;
+};
+
+// What a stream reads instead of a whole file: a text, a range of the file, and another text.
+struct InputPart {
+    std::string before;
+    std::uint64_t begin;  // of the range, in bytes from 0
+    std::uint64_t end;    // the first byte after it
+    std::string after;
+};
+
+// While this lives, host_fopen gives this part of `file` where that is opened for reading. One at a
+// time.
+class RUNTIME_API InputPartScope {
+  public:
+    InputPartScope(const std::string& file, const InputPart& part);
+    ~InputPartScope();
+    InputPartScope(const InputPartScope&) = delete;
+    InputPartScope& operator=(const InputPartScope&) = delete;
+
+    const std::string& file() const { return file_; }
+    const InputPart& part() const { return part_; }
+
+  private:
+    const std::string& file_;
+    const InputPart& part_;
+};
+
+// While this lives, host_fopen keeps what `file` holds when it opens that for output, and begins to
+// write at this position. One at a time.
+class RUNTIME_API OutputStartScope {
+  public:
+    OutputStartScope(const std::string& file, std::uint64_t position);
+    ~OutputStartScope();
+    OutputStartScope(const OutputStartScope&) = delete;
+    OutputStartScope& operator=(const OutputStartScope&) = delete;
+
+    const std::string& file() const { return file_; }
+    std::uint64_t position() const { return position_; }
+
+  private:
+    const std::string& file_;
+    std::uint64_t position_;
 };
 
 // Number of streams opened with host_fopen and not yet closed.

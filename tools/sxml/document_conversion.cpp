@@ -14,6 +14,7 @@ namespace command {
 namespace {
 
 using conversion::FieldFate;
+using FieldUse = conversion::InputDocument::FieldUse;
 
 constexpr std::uint64_t RECORDS_BETWEEN_LOOKS = 1024;
 
@@ -76,7 +77,7 @@ std::string path_of(const conversion::UnusedData& data) {
 DocumentConversion::DocumentConversion(conversion::InputDocument& document,
                                        std::optional<std::uint64_t> size,
                                        conversion::RecordWriter& store, const RecordsWanted& wanted,
-                                       RunReport& report, RejectFile& rejects)
+                                       RunReport& report, Rejects& rejects)
     : document_(document),
       size_(size),
       store_(store),
@@ -84,7 +85,7 @@ DocumentConversion::DocumentConversion(conversion::InputDocument& document,
       report_(report),
       rejects_(rejects) {}
 
-void DocumentConversion::run() {
+void DocumentConversion::read_all() {
     Progress progress(size_);
     while (value_of(document_.read())) {
         const std::uint64_t number = document_.count();
@@ -93,23 +94,33 @@ void DocumentConversion::run() {
             progress.update(document_.count(), document_.parsed_bytes());
         }
     }
-    rejects_.finish_document();
-    for (const conversion::InputDocument::Missing& missing : document_.missing()) {
-        report_.note_missing(document_.fields().name(missing.item), missing.records);
-    }
-    report_.sum_up();
+}
+
+void DocumentConversion::convert_all() {
+    read_all();
+    check(store_.close());
+}
+
+void DocumentConversion::run() {
+    read_all();
+    finish_document(totals(), document_.fields(), document_.shown_name(), report_, rejects_);
     if (document_.count() < wanted_.first && wanted_.first > 1) {
         fail(document_.shown_name() + ": there are only " + std::to_string(document_.count()) +
              " records");
     }
-    check_use();
     check(store_.close());
+}
+
+DocumentTotals DocumentConversion::totals() const {
+    DocumentTotals all = totals_;
+    all.add({false, document_.field_uses()});
+    return all;
 }
 
 void DocumentConversion::convert() {
     report_.count_record();
     if (observer_) observer_(document_);
-    if (document_.filled_length() > 0) has_filled_ = true;
+    if (document_.filled_length() > 0) totals_.has_filled = true;
     if (const auto problem = problem_of_record()) return reject(*problem);
     conversion::Done problem = store_.add(record());
     if (!problem) return;
@@ -214,10 +225,27 @@ void DocumentConversion::reject(const conversion::Problem& problem) {
     rejects_.add(document_, problem);
 }
 
-void DocumentConversion::check_use() const {
-    if (has_filled_ || report_.counted(Finding::unused_data) == 0) return;
-    fail(document_.shown_name() +
-         ": no field of any record was filled; does the layout describe this document?");
+void DocumentTotals::add(const DocumentTotals& more) {
+    has_filled = has_filled || more.has_filled;
+    field_uses.resize(std::max(field_uses.size(), more.field_uses.size()));
+    for (std::size_t item = 0; item < more.field_uses.size(); ++item) {
+        FieldUse& use = field_uses[item];
+        use.has_had_data = use.has_had_data || more.field_uses[item].has_had_data;
+        use.records_without += more.field_uses[item].records_without;
+    }
+}
+
+void finish_document(const DocumentTotals& totals, const conversion::RecordFields& fields,
+                     const std::string& name, RunReport& report, Rejects& rejects) {
+    rejects.finish_document();
+    for (std::size_t item = 0; item < totals.field_uses.size(); ++item) {
+        const FieldUse& use = totals.field_uses[item];
+        if (use.records_without == 0 || !use.has_had_data) continue;
+        report.note_missing(fields.name(static_cast<std::int32_t>(item)), use.records_without);
+    }
+    report.sum_up();
+    if (totals.has_filled || report.counted(Finding::unused_data) == 0) return;
+    fail(name + ": no field of any record was filled; does the layout describe this document?");
 }
 
 }  // namespace command

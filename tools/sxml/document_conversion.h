@@ -23,6 +23,21 @@ struct RecordsWanted {
     std::uint64_t count;
 };
 
+// What is known of a document when its records have been read.
+struct DocumentTotals {
+    bool has_filled = false;                                      // any field
+    std::vector<conversion::InputDocument::FieldUse> field_uses;  // by item
+
+    // Takes over what is known of further records.
+    void add(const DocumentTotals& more);
+};
+
+// Ends the rejects and the report when all records have been read: says which fields some records
+// have no element for, and sums up. `name`: of the document. Throws Failure when no field was
+// filled at all.
+void finish_document(const DocumentTotals& totals, const conversion::RecordFields& fields,
+                     const std::string& name, RunReport& report, Rejects& rejects);
+
 // Reads the records of a document one by one, stores them, and names what is not as the document
 // says. Everything given must outlive this.
 class DocumentConversion {
@@ -30,18 +45,26 @@ class DocumentConversion {
     // `size`: of the document, in bytes, when known.
     DocumentConversion(conversion::InputDocument& document, std::optional<std::uint64_t> size,
                        conversion::RecordWriter& store, const RecordsWanted& wanted,
-                       RunReport& report, RejectFile& rejects);
+                       RunReport& report, Rejects& rejects);
 
     // `observer` is told of each record when it has been read.
     void observe(std::function<void(const conversion::InputDocument&)> observer) {
         observer_ = std::move(observer);
     }
-    // Converts all records and closes the store. Throws Failure where the document ends too early
-    // or is not well-formed, for a record that cannot be stored, unless it can be rejected, when
-    // there is no room, and when no field was filled at all.
+    // Records that came before those of the document, which is a part.
+    void begin_after(DocumentTotals totals) { totals_ = std::move(totals); }
+    // Converts all records, finishes and closes the store. Throws Failure as convert_all() and
+    // finish_document().
     void run();
+    // Converts all records and closes the store. Throws Failure where the document ends too early
+    // or is not well-formed, for a record that cannot be stored, unless it can be rejected, and
+    // when there is no room.
+    void convert_all();
+    // Of the records so far.
+    DocumentTotals totals() const;
 
   private:
+    void read_all();
     void convert();
     std::span<const std::uint8_t> record();
     std::optional<conversion::Problem> problem_of_record();
@@ -51,17 +74,16 @@ class DocumentConversion {
     void reject(const conversion::Problem& problem);
     conversion::Problem problem_at(std::int32_t item, std::string what);
     conversion::Problem problem_at(const conversion::FieldTrouble& trouble, std::string what);
-    void check_use() const;
 
     conversion::InputDocument& document_;
     std::optional<std::uint64_t> size_;
     conversion::RecordWriter& store_;
     RecordsWanted wanted_;
     RunReport& report_;
-    RejectFile& rejects_;
+    Rejects& rejects_;
     std::function<void(const conversion::InputDocument&)> observer_;
     std::vector<std::uint8_t> padded_;
-    bool has_filled_ = false;  // any field
+    DocumentTotals totals_;  // but for the fields of the document's own records
 };
 
 }  // namespace command

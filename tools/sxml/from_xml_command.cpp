@@ -5,13 +5,13 @@
 #include <optional>
 
 #include "conversion/documents/document_source.h"
-#include "platform/files.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/document_conversion.h"
 #include "tools/sxml/documents/record_document.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/jobs/from_xml_parts.h"
+#include "tools/sxml/jobs/jobs_option.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_target.h"
@@ -28,18 +28,12 @@ struct FromXmlOptions {
     RecordFileOptions output;
     DocumentOptions document;
     ReportOptions report;
+    std::optional<unsigned> jobs;
 };
 
-// Size of a regular file.
-std::optional<std::uint64_t> size_of(const std::string& file) {
-    const auto state = platform::state_of(file);
-    const bool is_regular = state && state->kind == platform::FileKind::regular;
-    return is_regular ? std::optional(state->size) : std::nullopt;
-}
-
 // Result: the exit status.
-int convert_document(const FromXmlOptions& options, RecordDocument& source, RunFiles& files,
-                     RunReport& report) {
+int convert(const FromXmlOptions& options, RecordDocument& source, RunFiles& files,
+            RunReport& report) {
     const RecordTarget target = record_target(options.output);
     files.writes(options.records);
     note_outputs(options.report, files);
@@ -49,15 +43,19 @@ int convert_document(const FromXmlOptions& options, RecordDocument& source, RunF
     report.allow_writing();
     source.prepare(description, report);
     AtomicOutput output(options.records);
-    conversion::ByteSink sink = output.open();
-    const auto store = conversion::write_records(target.format, sink);
-    const auto document =
-        value_of(conversion::InputDocument::open(description, target.set(), source.input()));
     RejectFile rejects(options.report);
     const RecordsWanted wanted{target.format.has_lengths(), options.document.min_record_length,
                                options.output.first, options.output.count};
-    const auto size = size_of(source.source().file());
-    DocumentConversion(*document, size, *store, wanted, report, rejects).run();
+    convert_document({description,
+                      target.set(),
+                      source.input(),
+                      target.format,
+                      wanted,
+                      output,
+                      options.report,
+                      report,
+                      rejects,
+                      options.jobs});
     output.commit();
     return rejects.count() > 0 ? EXIT_REJECTED : 0;
 }
@@ -69,9 +67,8 @@ void convert_from_xml(const FromXmlOptions& options) {
     const auto document = value_of(conversion::DocumentSource::open(options.xml));
     files.reads_document(options.xml, document);
     RecordDocument source(document, options.document);
-    run_with_report(options.report, document.name(), [&](RunReport& report) {
-        return convert_document(options, source, files, report);
-    });
+    run_with_report(options.report, document.name(),
+                    [&](RunReport& report) { return convert(options, source, files, report); });
 }
 
 }  // namespace
@@ -98,6 +95,7 @@ void add_from_xml_command(CLI::App& application) {
                      "such as cp037 ... (default: as the document)")
         ->option_text("NAME");
     add_document_options(*command, options->document);
+    add_jobs_option(*command, options->jobs);
     add_report_options(*command, options->report);
     command->footer(
         "Example:\n"

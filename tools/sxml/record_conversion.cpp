@@ -22,8 +22,7 @@ constexpr const char* NUL_HINT =
 
 RecordConversion::RecordConversion(RecordInput& input, const records::Description& description,
                                    const conversion::CharacterSet& characters,
-                                   const AtomicOutput& output, RunReport& report,
-                                   RejectFile& rejects)
+                                   const AtomicOutput& output, RunReport& report, Rejects& rejects)
     : input_(input),
       description_(description),
       output_(output),
@@ -40,22 +39,31 @@ RecordConversion::~RecordConversion() {
     if (document_ && output_.is_direct()) document_->abandon();
 }
 
-void RecordConversion::run() {
+void RecordConversion::run(std::uint64_t first) {
     Progress progress(input_.size());
     while (const std::optional<conversion::Record> record = input_.next()) {
-        report_.count_record();
-        if (observer_) observer_(*record);
-        convert(*record);
+        if (record->number < first) continue;
+        take(*record);
         if (record->number % RECORDS_BETWEEN_LOOKS == 0) {
             progress.update(record->number, record->file_offset);
-            check_written({&output_});
         }
     }
+    close();
+    rejects_.finish_records();
+    report_.sum_up();
+}
+
+void RecordConversion::take(const conversion::Record& record) {
+    report_.count_record();
+    if (observer_) observer_(record);
+    convert(record);
+    if (record.number % RECORDS_BETWEEN_LOOKS == 0) check_written({&output_});
+}
+
+void RecordConversion::close() {
     check_written({&output_});
     document_.reset();
     check_written({&output_});
-    rejects_.finish_records();
-    report_.sum_up();
 }
 
 void RecordConversion::convert(const conversion::Record& record) {

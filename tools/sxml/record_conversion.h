@@ -22,7 +22,7 @@ class RecordConversion {
     // Opens the document. Throws Failure.
     RecordConversion(RecordInput& input, const records::Description& description,
                      const conversion::CharacterSet& characters, const AtomicOutput& output,
-                     RunReport& report, RejectFile& rejects);
+                     RunReport& report, Rejects& rejects);
     // Without a complete run, a document that readers can see already gets no end tag.
     ~RecordConversion();
     RecordConversion(const RecordConversion&) = delete;
@@ -33,10 +33,13 @@ class RecordConversion {
     void observe(std::function<void(const conversion::Record&)> observer) {
         observer_ = std::move(observer);
     }
-    // Converts all records and closes the document. Throws Failure for a record that cannot become
-    // part of a well-formed document, unless it can be rejected, and when something could not be
-    // stored.
-    void run();
+    // Converts all records from the one of this number on, closes the document and sums up. Throws
+    // Failure for a record that cannot become part of a well-formed document, unless it can be
+    // rejected, and when something could not be stored.
+    void run(std::uint64_t first = 1);
+    // The same for one record that was read, and for the end of the document.
+    void take(const conversion::Record& record);
+    void close();
 
   private:
     void convert(const conversion::Record& record);
@@ -48,7 +51,7 @@ class RecordConversion {
     const records::Description& description_;
     const AtomicOutput& output_;
     RunReport& report_;
-    RejectFile& rejects_;
+    Rejects& rejects_;
     std::unique_ptr<conversion::OutputDocument> document_;
     std::function<void(const conversion::Record&)> observer_;
 };

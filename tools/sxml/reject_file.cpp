@@ -45,12 +45,17 @@ void RejectFile::add(std::span<const std::uint8_t> record, const conversion::Rec
 }
 
 void RejectFile::add(conversion::InputDocument& document, const conversion::Problem& problem) {
-    count_one();
     const std::string record = document.source_text();
-    begin_document(document.source_encoding());
+    add(record, document.source_encoding(), problem);
+}
+
+void RejectFile::add(const std::string& record, const std::string& encoding,
+                     const conversion::Problem& problem) {
+    count_one();
+    begin_document(encoding);
     std::string why = message_of(problem);
     // The message is in UTF-8, the document perhaps not.
-    if (!is_ascii(why) && document.source_encoding() != "UTF-8") why = problem.place.file;
+    if (!is_ascii(why) && encoding != "UTF-8") why = problem.place.file;
     write("<!-- " + comment_text(why) + " -->\n" + record + "\n");
 }
 

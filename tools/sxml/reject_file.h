@@ -14,23 +14,45 @@
 
 namespace command {
 
-// Takes the place of its target when the run is complete. Functions throw Failure.
-class RejectFile {
+// Where records go that cannot be converted. Functions throw Failure.
+class Rejects {
+  public:
+    Rejects() = default;
+    virtual ~Rejects() = default;
+    Rejects(const Rejects&) = delete;
+    Rejects& operator=(const Rejects&) = delete;
+
+    // False: nobody wants rejected records, and the first one ends the run.
+    virtual bool is_wanted() const = 0;
+    // A record of a record file, as it was.
+    virtual void add(std::span<const std::uint8_t> record,
+                     const conversion::RecordFormat& format) = 0;
+    // The record of a document that was read last.
+    virtual void add(conversion::InputDocument& document, const conversion::Problem& problem) = 0;
+    // There are no more; of a document also when none was rejected.
+    virtual void finish_records() = 0;
+    virtual void finish_document() = 0;
+};
+
+// A file of them, which takes the place of its target when the run is complete.
+class RejectFile : public Rejects {
   public:
     // Opens the file, when the options name one.
     explicit RejectFile(const ReportOptions& options);
 
-    // False: nobody wants rejected records, and the first one ends the run.
-    bool is_wanted() const { return output_.has_value(); }
-    // A record of a record file, as it was.
-    void add(std::span<const std::uint8_t> record, const conversion::RecordFormat& format);
-    // The record of a document that was read last, as it stands there, after a comment that says
-    // why. The file becomes a document, too.
-    void add(conversion::InputDocument& document, const conversion::Problem& problem);
+    bool is_wanted() const override { return output_.has_value(); }
+    void add(std::span<const std::uint8_t> record, const conversion::RecordFormat& format) override;
+    // As it stands in the document, after a comment that says why. The file becomes a document,
+    // too.
+    void add(conversion::InputDocument& document, const conversion::Problem& problem) override;
+    // The same for a record in this encoding.
+    void add(const std::string& record, const std::string& encoding,
+             const conversion::Problem& problem);
     std::uint64_t count() const { return count_; }
-    // Ends the file; of a document also when no record was rejected.
-    void finish_records();
-    void finish_document();
+    // Whether so many more may come.
+    bool takes(std::uint64_t more) const { return more <= most_ - count_; }
+    void finish_records() override;
+    void finish_document() override;
 
   private:
     void count_one();

@@ -72,10 +72,17 @@ RunReport::RunReport(const ReportOptions& options, std::string name)
     : options_(options), name_(std::move(name)) {}
 
 void RunReport::name(Finding finding, const conversion::Problem& problem) {
-    const auto kind = static_cast<std::size_t>(finding);
-    if (named_[kind].size() < NAMED_AT_MOST) named_[kind].push_back(problem);
-    const bool is_told = !options_.is_quiet && !options_.is_silent;
-    if (is_told && counts_[kind] <= NAMED_AT_MOST) warn(message_of(problem));
+    if (counted(finding) > NAMED_AT_MOST) return;
+    named_.push_back({finding, problem});
+    if (!options_.is_quiet && !options_.is_silent) warn(message_of(problem));
+}
+
+std::vector<conversion::Problem> RunReport::named(Finding finding) const {
+    std::vector<conversion::Problem> problems;
+    for (const Named& each : named_) {
+        if (each.finding == finding) problems.push_back(each.problem);
+    }
+    return problems;
 }
 
 void RunReport::warn_of(const std::string& message) {
@@ -84,9 +91,10 @@ void RunReport::warn_of(const std::string& message) {
     warnings_.push_back(message);
 }
 
-void RunReport::count_unused(const std::string& path, const std::string& hint) {
+void RunReport::count_unused(const std::string& path, const std::string& hint,
+                             std::uint64_t count) {
     UnusedPath& unused = unused_[path];
-    ++unused.count;
+    unused.count += count;
     if (unused.hint.empty()) unused.hint = hint;
 }
 
@@ -171,7 +179,9 @@ void RunReport::add_to(Json& json) const {
     json["records"] = records_;
     for (std::size_t kind = 0; kind < FINDINGS; ++kind) {
         Json places = Json::array();
-        for (const conversion::Problem& problem : named_[kind]) places.push_back(place_of(problem));
+        for (const conversion::Problem& problem : named(static_cast<Finding>(kind))) {
+            places.push_back(place_of(problem));
+        }
         json[WORDINGS[kind].key] = {{"count", counts_[kind]}, {"first", std::move(places)}};
     }
     Json paths = Json::object();

@@ -68,6 +68,11 @@ class RunReport {
     // Warns of something that concerns the run as a whole; fails when that is asked for.
     void warn_of(const std::string& message);
     void count_record() { ++records_; }
+    // Takes over what another report has counted and not named.
+    void add_records(std::uint64_t count) { records_ += count; }
+    void add(Finding finding, std::uint64_t count) {
+        counts_[static_cast<std::size_t>(finding)] += count;
+    }
     // The run's files have been checked: the report replaces no input.
     void allow_writing() { may_write_ = true; }
 
@@ -75,8 +80,8 @@ class RunReport {
     // asked for.
     void note_left_out(const conversion::Problem& first, std::uint64_t count);
 
-    // Text or attributes at this path went into no field; `hint` may be empty.
-    void count_unused(const std::string& path, const std::string& hint);
+    // Text or attributes at this path went into no field, so often; `hint` may be empty.
+    void count_unused(const std::string& path, const std::string& hint, std::uint64_t count = 1);
 
     // A field had no element in so many records, and data in others. Not a warning: documents may
     // leave out what is empty.
@@ -92,9 +97,18 @@ class RunReport {
         return counts_[static_cast<std::size_t>(finding)];
     }
     // The first findings of a kind.
-    const std::vector<conversion::Problem>& named(Finding finding) const {
-        return named_[static_cast<std::size_t>(finding)];
-    }
+    std::vector<conversion::Problem> named(Finding finding) const;
+    // The first findings of all kinds, as they were found.
+    struct Named {
+        Finding finding;
+        conversion::Problem problem;
+    };
+    const std::vector<Named>& named() const { return named_; }
+    struct UnusedPath {
+        std::uint64_t count = 0;
+        std::string hint;
+    };
+    const std::map<std::string, UnusedPath>& unused() const { return unused_; }
     // How the kind is called in add_to().
     static const char* key_of(Finding finding);
     // "3 texts cut to the length of the field"
@@ -112,17 +126,13 @@ class RunReport {
     std::string missing_text() const;
 
     static constexpr std::uint64_t NAMED_AT_MOST = 10;
-    struct UnusedPath {
-        std::uint64_t count = 0;
-        std::string hint;
-    };
 
     const ReportOptions& options_;
     std::string name_;
     bool may_write_ = false;
     std::uint64_t records_ = 0;
     std::array<std::uint64_t, FINDINGS> counts_{};
-    std::array<std::vector<conversion::Problem>, FINDINGS> named_;
+    std::vector<Named> named_;
     std::map<std::string, UnusedPath> unused_;
     std::vector<std::pair<std::string, std::uint64_t>> missing_;
     std::vector<std::string> warnings_;  // of the run as a whole

@@ -14,12 +14,13 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/errors.h"
+#include "tools/sxml/jobs/jobs_option.h"
+#include "tools/sxml/jobs/to_xml_parts.h"
 #include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_input.h"
 #include "tools/sxml/options/settings.h"
-#include "tools/sxml/record_conversion.h"
 #include "tools/sxml/schema_file.h"
 
 namespace command {
@@ -35,6 +36,7 @@ struct ToXmlOptions {
     std::string schema;
     RecordFileOptions input;
     ReportOptions report;
+    std::optional<unsigned> jobs;
 };
 
 // The name of a schema in a document: a reference relative to where the document is, or to the
@@ -113,8 +115,8 @@ class SchemaBesideDocument {
 };
 
 // Result: the exit status.
-int convert_records(const ToXmlOptions& options, const host::Module& module, RunFiles& files,
-                    RunReport& report) {
+int convert(const ToXmlOptions& options, const host::Module& module, RunFiles& files,
+            RunReport& report) {
     const CharacterSet characters = records_character_set(options.input.encoding);
     force_setting("SXML_ENCODING", characters.declared_name());
     files.reads(options.records);
@@ -131,9 +133,10 @@ int convert_records(const ToXmlOptions& options, const host::Module& module, Run
     AtomicOutput output(options.xml);
     SchemaBesideDocument schema(module, schema_choice, description, report);
     RejectFile rejects(options.report);
-    RecordConversion conversion(input, description, characters, output, report, rejects);
-    check_lines(input.format(), characters, conversion.fields(), report);
-    conversion.run();
+    const auto fields = value_of(conversion::RecordFields::of(description.xfd()));
+    check_lines(input.format(), characters, fields, report);
+    convert_records({options.records, options.input, input, description, characters, output,
+                     options.report, report, rejects, options.jobs});
     // Both files are complete before the first of them changes.
     schema.prepare();
     output.prepare();
@@ -147,9 +150,8 @@ void convert_to_xml(const ToXmlOptions& options) {
     const host::Module& module = load_module();
     apply_settings(options.layout.settings);
     const std::string name = options.records == "-" ? "standard input" : options.records;
-    run_with_report(options.report, name, [&](RunReport& report) {
-        return convert_records(options, module, files, report);
-    });
+    run_with_report(options.report, name,
+                    [&](RunReport& report) { return convert(options, module, files, report); });
 }
 
 }  // namespace
@@ -171,6 +173,7 @@ void add_to_xml_command(CLI::App& application) {
             "--schema", options->schema,
             "write the XML Schema to this file and name it in the document, which then has no DTD")
         ->option_text("FILE");
+    add_jobs_option(*command, options->jobs);
     add_report_options(*command, options->report);
     command->footer(
         "Example:\n"

@@ -1,0 +1,43 @@
+// Files that a process and its workers (processes.h) write together.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace platform {
+
+// A file that goes when nobody has it open any more, whatever ends the processes.
+class NamelessFile {
+  public:
+    // Creates an empty one in the folder for temporary files. Nothing, with the reason in errno,
+    // when that is impossible.
+    static std::optional<NamelessFile> create();
+    NamelessFile(NamelessFile&& other) noexcept;
+    NamelessFile& operator=(NamelessFile&&) = delete;
+    ~NamelessFile();
+
+    // What opens it, in this process and in its workers.
+    const std::string& name() const { return name_; }
+    // In bytes; nothing, with the reason in errno, when it cannot be told.
+    std::optional<std::uint64_t> size() const;
+    // The last `count` bytes; fewer when the file is shorter. Nothing as size().
+    std::optional<std::string> end(std::size_t count) const;
+    // Copies the bytes from `begin` to before `end` to a position of another file, open for
+    // writing, whose own position stays. Result: 0 or the error number.
+    int copy(std::uint64_t begin, std::uint64_t end, int target, std::uint64_t position) const;
+
+  private:
+    explicit NamelessFile(int descriptor);
+
+    int descriptor_;  // -1: moved away
+    std::string name_;
+};
+
+// Opens a file that exists for writing, and keeps what it holds. Result: a descriptor that the
+// caller closes; -1 on failure with the reason in errno.
+int open_to_write_into(const char* name);
+// Writes bytes at a position. Result: 0 or the error number.
+int write_at(int descriptor, const char* data, std::size_t size, std::uint64_t position);
+
+}  // namespace platform
