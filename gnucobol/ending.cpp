@@ -1,7 +1,9 @@
 #include "gnucobol/ending.h"
 
 #include <pthread.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 
 #include "gnucobol/runtime.h"
@@ -13,7 +15,7 @@ namespace {
 
 enum class Ending { unknown, meant, error };
 
-void (*finish_documents)(bool) = nullptr;
+bool (*finish_documents)(bool) = nullptr;
 bool stops = false;      // STOP RUN has been reached
 bool has_error = false;  // the runtime has told of an error that it is about to end the program for
 Ending ending = Ending::unknown;
@@ -57,11 +59,13 @@ void install_error_procedure() {
     call_routine(cob_sys_error_proc, INSTALL, &procedure);
 }
 
-void at_exit() {
+void at_exit(int status, void* /*unused*/) {
     // A C program may end without telling the runtime.
     const bool is_meant = ending == Ending::meant ||
                           (ending == Ending::unknown && !is_ended_by_signal() && !is_in_program());
-    finish_documents(is_meant);
+    if (finish_documents(is_meant) || status != EXIT_SUCCESS) return;
+    std::fflush(nullptr);
+    _exit(EXIT_FAILURE);
 }
 
 }  // namespace
@@ -70,7 +74,7 @@ void watch_ending(const EndingHandlers& handlers) {
     if (finish_documents == nullptr) {
         static int (*procedure)() = exit_procedure;
         finish_documents = handlers.finish;
-        std::atexit(at_exit);
+        on_exit(at_exit, nullptr);
         pthread_atfork(nullptr, nullptr, handlers.leave_to_parent);
         call_routine(cob_sys_exit_proc, INSTALL, &procedure);
         install_error_procedure();

@@ -5,8 +5,9 @@
 namespace gnucobol {
 
 struct EndingHandlers {
-    // Called once, when the process ends, with whether the documents are complete.
-    void (*finish)(bool is_complete);
+    // Called once, when the process ends, with whether the documents are complete. Result: false
+    // when one could not be stored; the process then fails, even if the program does not.
+    bool (*finish)(bool is_complete);
     // Called in each child process that begins as a copy of this one.
     void (*leave_to_parent)();
 };

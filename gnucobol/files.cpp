@@ -73,8 +73,8 @@ std::optional<Result> length_difference(const cob_file& file, const FileLayout& 
                       " bytes, those of " + layout.origin + " have " + std::to_string(described)};
 }
 
-void finish_files(bool is_complete) {
-    Files::instance().finish(is_complete);
+bool finish_files(bool is_complete) {
+    return Files::instance().finish(is_complete);
 }
 
 void leave_files_to_parent() {
@@ -309,15 +309,20 @@ Result Files::finish_output(OpenFile& file, bool is_complete) {
             "the program was ended by an error; the document is as it was before"};
 }
 
-void Files::finish(bool is_complete) {
+bool Files::finish(bool is_complete) {
     const SignalsWait wait;
+    bool is_done = true;
     for (const auto& file : files_) {
         const Result result = file->is_output() ? finish_output(*file, is_complete) : Result{};
-        if (result.status != Status::done) report(file->path(), "CLOSE", result);
+        if (result.status != Status::done) {
+            is_done = false;
+            report(file->path(), "CLOSE", result);
+        }
         if (!is_ended_by_signal()) sum_up_reports(file->path());
     }
     files_.clear();
     sxml_cob_documents = 0;
+    return is_done;
 }
 
 void Files::leave_to_parent() {

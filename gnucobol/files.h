@@ -28,8 +28,8 @@ class Files {
     // An operation that the document does not have as it is open.
     void refuse(OpenFile& file, cob_field* item, const char* verb, Status status);
 
-    // The end of the program.
-    void finish(bool is_complete);
+    // The end of the program. Result: false when not all documents are complete.
+    bool finish(bool is_complete);
     // In a child process that began as a copy of this one, the documents are not open.
     void leave_to_parent();
 

@@ -148,6 +148,9 @@ Result PrivateDocument::begin_beside() {
     name_ = private_name(target_);
     for (;;) {
         descriptor_ = open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, ANYONE);
+        if (descriptor_ < 0 && errno == ENOENT) {
+            return {Status::permanent_error, "there is no folder " + folder() + "; make it"};
+        }
         if (descriptor_ < 0) return refusal(errno);
         if (!lock(descriptor_)) return {Status::in_use, {}};
         if (is_named(descriptor_, name_)) break;

@@ -63,6 +63,14 @@ TEST_F(EndingTest, DocumentsAreCompleteWhenTheProgramEndsAsItMeansTo) {
             EXPECT_NE(outcome.err.find(end.message), std::string::npos) << outcome.err;
         }
     }
+    // A document that cannot be stored fails the program, which no status tells of it.
+    write_file("result.xml", old_);
+    const Outcome full =
+        run({"bash", "-c", "(ulimit -f 0; ./ending stop new 2>&1) | cat; exit ${PIPESTATUS[0]}"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.out.find("CLOSE: file status 34: File too large"), std::string::npos)
+        << full.out;
+    EXPECT_EQ(read_file("result.xml"), old_);
     // What a killed writer has left is taken over.
     EXPECT_EQ(run_program({"./ending", "close", "new"}).err, "");
     EXPECT_FALSE(has_left_over());
