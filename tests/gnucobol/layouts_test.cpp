@@ -187,6 +187,36 @@ TEST_F(CobolTest, EachRecordIsWrittenAndReadAsItself) {
     EXPECT_NE(document.find(">77</trailer_data>"), std::string::npos) << document;
 }
 
+// Of two records that both vary in length, only their contents can tell which is written.
+TEST_F(CobolTest, NoRecordIsWrittenAsAnother) {
+    const auto record = [](const std::string& when, const std::string& name) {
+        return when + "       01  " + name +
+               ".\n           05 KIND PIC X.\n           05 N PIC 9.\n" +
+               "           05 T PIC X OCCURS 1 TO 3 DEPENDING ON N OF " + name + ".\n";
+    };
+    const std::string statements =
+        "           OPEN OUTPUT OUTF. MOVE \"B2xy\" TO B-REC.\n"
+        "           WRITE B-REC. DISPLAY S. CLOSE OUTF.\n";
+    write_file("p.cbl",
+               program("P", "       FD  OUTF.\n" + record("", "A-REC") + record("", "B-REC"), "",
+                       statements));
+    assign({"OUTF"}, ".xml");
+    compile_for_xml("p.cbl", "p");
+    const Outcome untold = run_program({"./p"});
+    EXPECT_EQ(untold.out, "30\n");
+    EXPECT_NE(untold.err.find("no layout can be chosen for the record"), std::string::npos)
+        << untold.err;
+    EXPECT_EQ(read_file("OUTF.xml").find("_rec>"), std::string::npos);
+    write_file("p.cbl", program("P",
+                                "       FD  OUTF.\n" +
+                                    record("      *> sxml: when KIND OF A-REC = \"A\"\n", "A-REC") +
+                                    record("      *> sxml: when KIND OF B-REC = \"B\"\n", "B-REC"),
+                                "", statements));
+    compile_for_xml("p.cbl", "p");
+    EXPECT_EQ(run_program({"./p"}).out, "00\n");
+    EXPECT_NE(read_file("OUTF.xml").find("<b_rec>"), std::string::npos);
+}
+
 TEST_F(CobolTest, BytesThatTheDocumentDoesNotHaveAreTold) {
     write_file("p.cbl", program("P",
                                 "       FD  OUTF.\n       01  R.\n           05 A PIC X.\n"
