@@ -119,6 +119,7 @@ bool Files::open(const Where& where, cob_file& file, int mode, cob_field* item) 
     // The runtime tells of its own open and locked files.
     if (file.open_mode != COB_OPEN_CLOSED) return false;
     host::refresh_environment();
+    refresh_report_settings();
     if (!may_be_document(file)) return false;
     const sxml_cob_file* const bound = find_bound_file(where, file);
     if (bound == nullptr || (bound->description == nullptr && bound->has_reports == 0))
@@ -285,9 +286,7 @@ void Files::write(OpenFile& file, const Where& where, const cob_field& record,
         result = {Status::wrong_length, {}};
     } else {
         try {
-            const std::string name =
-                file.is_output() ? record_written(where, expression, file.layout()) : "";
-            result = file.write(static_cast<std::uint32_t>(size), name);
+            result = file.write(static_cast<std::uint32_t>(size), where, expression);
         } catch (const std::exception& failure) {
             result = {Status::permanent_error, failure.what()};
         }

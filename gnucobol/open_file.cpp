@@ -321,9 +321,19 @@ Result OpenFile::tell_byte_without_field(std::uint32_t byte) {
     return {};
 }
 
-Result OpenFile::write(std::uint32_t length, const std::string& record) {
+// Empty when it is not known, or does not matter.
+const std::string& OpenFile::name_of_record(const Where& where, const char* expression) {
+    static const std::string unknown;
+    if (layouts().size() == 1) return unknown;
+    const auto [name, is_new] = names_.try_emplace({where.source, expression});
+    if (is_new) name->second = record_written(where, expression, *layout_);
+    return name->second;
+}
+
+Result OpenFile::write(std::uint32_t length, const Where& where, const char* expression) {
     if (!is_output()) return {Status::not_open_for_output, {}};
     if (failure_) return {failure_->status, "nothing is written any more"};
+    const std::string& record = name_of_record(where, expression);
     const std::optional<std::size_t> layout = choose_layout(record);
     if (!layout) {
         return {Status::permanent_error,

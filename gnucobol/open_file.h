@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "conversion/documents/document_source.h"
@@ -39,8 +41,9 @@ class OpenFile {
 
     // The next record, into the program's record area.
     Result read();
-    // Writes `length` bytes of the record area, as a record of this name (empty: not known).
-    Result write(std::uint32_t length, const std::string& record);
+    // Writes `length` bytes of the record area. `where` and `expression`, of the record in the C
+    // code, tell which 01 it is; both are the program's and stay as they are.
+    Result write(std::uint32_t length, const Where& where, const char* expression);
     // Ends the document and puts it in its place; one that is read is closed.
     Result complete();
     // The document is not to become complete: what goes into a pipe gets no end tag.
@@ -56,6 +59,7 @@ class OpenFile {
     };
     void find_gaps();
     const std::vector<conversion::RecordLayout>& layouts() const;
+    const std::string& name_of_record(const Where& where, const char* expression);
     std::optional<std::size_t> choose_layout(const std::string& record);
     bool holds(const conversion::RecordLayout& layout);
     std::optional<std::uint32_t> byte_without_field(std::size_t layout, std::uint32_t length) const;
@@ -79,6 +83,8 @@ class OpenFile {
     std::unique_ptr<conversion::OutputDocument> output_;
     std::string written_name_;            // of the file that is written to
     std::vector<std::vector<Gap>> gaps_;  // by layout
+    // Names of the records of statements that have written, by source and expression.
+    std::map<std::pair<const char*, const char*>, std::string> names_;
     bool ended_ = false;
     bool has_told_bytes_ = false;  // of bytes that have no field
     Result opening_;

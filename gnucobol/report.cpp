@@ -20,13 +20,10 @@ std::map<std::string, std::map<std::string, std::uint64_t>>& counts() {
     return *all;
 }
 
-bool is_verbose() {
-    const char* const value = host_config_string("SXML_VERBOSE", nullptr);
-    return value != nullptr && *value != '\0' && host_config_flag("SXML_VERBOSE", 0) != 0;
-}
+bool is_verbose = false;
 
 void print(const std::string& file, const std::string& kind, const std::string& text) {
-    if (++counts()[file][kind] > PRINTED_AT_MOST && !is_verbose()) return;
+    if (++counts()[file][kind] > PRINTED_AT_MOST && !is_verbose) return;
     std::fprintf(stderr, "sxml: %s: %s\n", file.c_str(), text.c_str());
 }
 
@@ -72,9 +69,14 @@ const char* meaning_of(Status status) {
 
 }  // namespace
 
+void refresh_report_settings() {
+    const char* const value = host_config_string("SXML_VERBOSE", nullptr);
+    is_verbose = value != nullptr && *value != '\0' && host_config_flag("SXML_VERBOSE", 0) != 0;
+}
+
 void report(const std::string& file, const char* verb, const Result& result) {
     const auto number = static_cast<unsigned>(result.status);
-    if (number < FIRST_ERROR && result.reason.empty() && !is_verbose()) return;
+    if (number < FIRST_ERROR && result.reason.empty() && !is_verbose) return;
     const std::string digits = (number < 10 ? "0" : "") + std::to_string(number);
     print(file, std::string(verb) + digits,
           std::string(verb) + ": file status " + digits + ": " +
@@ -96,7 +98,7 @@ void sum_up_reports(const std::string& file) {
     for (const auto& [kind, count] : found->second) {
         if (count > PRINTED_AT_MOST) untold += count - PRINTED_AT_MOST;
     }
-    if (untold > 0 && !is_verbose()) {
+    if (untold > 0 && !is_verbose) {
         std::fprintf(stderr, "sxml: %s: %llu more messages of these kinds\n", file.c_str(),
                      static_cast<unsigned long long>(untold));
     }

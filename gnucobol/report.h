@@ -7,6 +7,9 @@
 
 namespace gnucobol {
 
+// Takes SXML_VERBOSE from the settings as they are now.
+void refresh_report_settings();
+
 // Tells what an operation (`verb`, as in the program) on a file gave: errors always, everything
 // with SXML_VERBOSE. Of one message for one file the first ten are printed.
 void report(const std::string& file, const char* verb, const Result& result);
