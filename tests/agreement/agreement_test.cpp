@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/command/command_run.h"
+#include "tests/gnucobol/cobol_test.h"
 
 namespace {
 
@@ -124,17 +124,17 @@ std::string document(const std::string& records, const std::string& encoding = "
     return "<?xml version=\"1.0\" encoding=\"" + encoding + "\"?>\n<all>" + records + "</all>\n";
 }
 
-class AgreementTest : public CommandTest {
+class AgreementTest : public CobolTest {
   protected:
     void SetUp() override {
-        CommandTest::SetUp();
+        CobolTest::SetUp();
         setenv("SXML_PATH", ".", 1);
         setenv("DD_DOC", "cobol.xml", 1);
         setenv("DD_FLAT", "cobol.dat", 1);
     }
     void TearDown() override {
         for (const char* name : {"SXML_PATH", "DD_DOC", "DD_FLAT", "SXML_ENCODING"}) unsetenv(name);
-        CommandTest::TearDown();
+        CobolTest::TearDown();
     }
 
     void compile(const Layout& layout) {
@@ -154,7 +154,7 @@ class AgreementTest : public CommandTest {
             words.insert(words.end(), {"--encoding", encoding});
         }
         const Outcome by_command = sxml(words);
-        const Outcome by_cobol = run({"./agree", "write"});
+        const Outcome by_cobol = run_program({"./agree", "write"});
         unsetenv("SXML_ENCODING");
         EXPECT_EQ(by_command.status, 0) << by_command.err;
         EXPECT_EQ(by_cobol.out + by_cobol.err, "");
@@ -168,7 +168,7 @@ class AgreementTest : public CommandTest {
         write_file("command.xml", text);
         const Outcome by_command =
             sxml({"from-xml", "command.xml", "command.dat", "-l", "agree.cbl", "--fd", "DOC"});
-        const Outcome by_cobol = run({"./agree", "read"});
+        const Outcome by_cobol = run_program({"./agree", "read"});
         EXPECT_EQ(by_command.status, 0) << by_command.err;
         // What is not in the record as it is in the document is told.
         EXPECT_EQ(by_cobol.out, "");

@@ -50,7 +50,7 @@ TEST_F(EndingTest, DocumentsAreCompleteWhenTheProgramEndsAsItMeansTo) {
         {"./ending wait new & sleep 0.3; kill -KILL $!; wait $! 2>/dev/null", false, ""}};
     for (const End& end : ends) {
         write_file("result.xml", old_);
-        const Outcome outcome = run({"bash", "-c", end.command});
+        const Outcome outcome = run_program({"bash", "-c", end.command});
         const std::string now = read_file("result.xml");
         EXPECT_EQ(now != old_, end.is_written) << end.command;
         EXPECT_EQ(now.find(">new<") != std::string::npos, end.is_written) << end.command;
@@ -134,7 +134,7 @@ TEST_F(EndingTest, AFolderNeedNotAdmitNewFiles) {
     fs::rename("result.xml", "closed/result.xml");
     fs::current_path("closed");
     const auto ours = [&](const std::string& words) {
-        return run({"bash", "-c", with_permissions(program + " " + words)});
+        return run_program({"bash", "-c", with_permissions(program + " " + words)});
     };
     fs::permissions(".", fs::perms{0555});
     EXPECT_EQ(ours("close new").err, "");

@@ -55,7 +55,7 @@
                        WRITE RESULT-RECORD DISPLAY "child writes " S
                        STOP RUN
                    END-IF
-                   CALL "CBL_GC_WAITPID" USING CHILD
+                   CALL "C$SLEEP" USING 1
                WHEN "twice"
                    OPEN OUTPUT AGAIN DISPLAY "again " S
                    OPEN INPUT AGAIN DISPLAY "read " S

