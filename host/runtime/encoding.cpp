@@ -1,10 +1,7 @@
 #include "host/encoding.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
 #include <new>
 #include <string>
 #include <string_view>
@@ -13,6 +10,7 @@
 #include "host/runtime/immortal.h"
 #include "host/runtime/memory_failure.h"
 #include "host/utf8.h"
+#include "platform/character_sets.h"
 
 const std::int32_t host_encoding_unit_width[9] = {1, 1, 1, 1, 2, 4, 2, 4, 1};
 
@@ -57,14 +55,10 @@ bool is_encoding_name(std::string_view name) {
 }
 
 bool converter_knows(const std::string& name) {
-    iconv_t converter = iconv_open("UTF-8", name.c_str());
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): this is how iconv_open says no
-    if (converter == reinterpret_cast<iconv_t>(-1)) {
-        if (errno == ENOMEM) throw std::bad_alloc();
-        return false;
-    }
-    iconv_close(converter);
-    return true;
+    platform::CharacterTable table;
+    const auto kind = platform::find_character_set(name, table);
+    if (kind == platform::CharacterSetKind::no_memory) throw std::bad_alloc();
+    return kind != platform::CharacterSetKind::unknown;
 }
 
 std::int32_t find_code(std::string_view given) {

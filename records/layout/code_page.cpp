@@ -1,10 +1,9 @@
 #include "records/layout/code_page.h"
 
-#include <iconv.h>
-
 #include <array>
 
 #include "host/utf8.h"
+#include "platform/character_sets.h"
 
 namespace records {
 namespace {
@@ -17,23 +16,13 @@ struct CodePage {
 // The translation between ISO-8859-1 and EBCDIC code page 037.
 CodePage make_code_page() {
     CodePage page;
-    const iconv_t converter = iconv_open("IBM037", "ISO-8859-1");
-    const bool is_open = reinterpret_cast<std::intptr_t>(converter) != -1;
-    for (int i = 0; i < 256; ++i) {
-        const auto code = static_cast<std::uint8_t>(i);
-        char from = static_cast<char>(code);
-        char to = from;
-        char* in = &from;
-        char* out = &to;
-        std::size_t in_left = 1;
-        std::size_t out_left = 1;
-        if (is_open) {
-            iconv(converter, &in, &in_left, &out, &out_left);
-        }
-        page.to_ebcdic[code] = static_cast<std::uint8_t>(to);
-        page.to_ascii[static_cast<std::uint8_t>(to)] = code;
+    platform::CharacterTable characters;
+    platform::find_in_tables("IBM037", characters);
+    for (std::size_t byte = 0; byte < characters.size(); ++byte) {
+        const auto code = static_cast<std::uint8_t>(characters[byte]);
+        page.to_ascii[byte] = code;
+        page.to_ebcdic[code] = static_cast<std::uint8_t>(byte);
     }
-    if (is_open) iconv_close(converter);
     return page;
 }
 
