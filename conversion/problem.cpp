@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/files.h"
+
 namespace conversion {
 
 namespace {
@@ -47,14 +49,10 @@ Cause cause_of(int system_error) {
         case EBUSY:
         case ETXTBSY:
             return Cause::busy;
-        case ENOSPC:
-        case EDQUOT:
-        case EFBIG:
-            return Cause::no_space;
         case ENOMEM:
             return Cause::no_memory;
         default:
-            return Cause::input_output;
+            return platform::means_no_space(system_error) ? Cause::no_space : Cause::input_output;
     }
 }
 

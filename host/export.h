@@ -14,9 +14,27 @@
 #define HOST_DATA extern "C" __attribute__((visibility("default")))
 #endif
 
-#if defined(__GNUC__)
+// After a service that a host library may lack: its address is null then. Windows has no such
+// references; the module asks the host library there.
+#if defined(__ELF__) && !defined(SXML_HOST_BUILD)
+#define HOST_OPTIONAL __attribute__((weak))
+#else
+#define HOST_OPTIONAL
+#endif
+
+#if defined(__GNUC__) && defined(_WIN32)
+#define HOST_PRINTF(format_index, first_argument) \
+    __attribute__((format(gnu_printf, format_index, first_argument)))
+#elif defined(__GNUC__)
 #define HOST_PRINTF(format_index, first_argument) \
     __attribute__((format(printf, format_index, first_argument)))
 #else
 #define HOST_PRINTF(format_index, first_argument)
+#endif
+
+// What a library exports under a name of its own; on Windows the linker is told of it by a list.
+#if defined(_WIN32)
+#define LIBRARY_ENTRY extern "C"
+#else
+#define LIBRARY_ENTRY extern "C" __attribute__((visibility("default")))
 #endif

@@ -57,8 +57,4 @@ struct HostRecordHandler {
 
 // Asked once for each file that is opened, when its description has been read. The handler must
 // stay as long as the file is open; null for none. A host library may lack this service.
-#if !defined(SXML_HOST_BUILD) && defined(__GNUC__)
-HOST_API HostRecordHandler* host_record_handler(Xfd* xfd) __attribute__((weak));
-#else
-HOST_API HostRecordHandler* host_record_handler(Xfd* xfd);
-#endif
+HOST_API HostRecordHandler* host_record_handler(Xfd* xfd) HOST_OPTIONAL;

@@ -35,6 +35,8 @@ int cut_file(int descriptor, std::uint64_t length);
 std::FILE* open_to_append(const std::string& name);
 // Cuts an open file to nothing. Result: 0 or the error number.
 int empty_file(std::FILE* file);
+// True for the error numbers that say that a file cannot take more: disk, quota or limit reached.
+bool means_no_space(int error);
 // Removes a file. Result: 0 or the error number.
 int remove_file(const char* name);
 // Gives a file another name, in the place of what has that name. Result: 0 or the error number.

@@ -21,7 +21,7 @@ file(CONFIGURE OUTPUT ${generated}/ordinals.ld CONTENT "${ordinal_symbols}")
 file(CONFIGURE OUTPUT ${generated}/exports.map CONTENT
     "{\n    global:\n        GetDispatchTable;\n        ordinal_*;\n    local:\n        *;\n};\n")
 file(CONFIGURE OUTPUT ${generated}/sxml.def CONTENT
-    "LIBRARY sxml\nEXPORTS\n    GetDispatchTable\n${def_exports}")
+    "LIBRARY sxml.dll\nEXPORTS\n    GetDispatchTable @100\n${def_exports}")
 
 if(WIN32)
     target_sources(sxml PRIVATE ${generated}/sxml.def)

@@ -91,6 +91,10 @@ void* Module::symbol(const char* name) const {
     return platform_library_symbol(library_, name);
 }
 
+void* Module::ordinal(int number) const {
+    return platform_library_ordinal(library_, number);
+}
+
 int Module::make(const char* name, const char* params) const {
     return as_function<XmlMakeEntry>(slot(SLOT_MAKE))(name, params);
 }

@@ -27,6 +27,8 @@ class RUNTIME_API Module {
     HostEntry* slot(DispatchSlot slot) const { return table_[slot]; }
     // The address of a named export, null when there is none.
     void* symbol(const char* name) const;
+    // The same of an export that has a number.
+    void* ordinal(int number) const;
 
     int make(const char* name, const char* params) const;
     XmlFile* open(const char* name, std::int32_t mode) const;

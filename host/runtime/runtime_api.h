@@ -2,4 +2,10 @@
 // (HOST_API).
 #pragma once
 
+#if defined(_WIN32) && defined(SXML_HOST_BUILD)
+#define RUNTIME_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define RUNTIME_API __declspec(dllimport)
+#else
 #define RUNTIME_API __attribute__((visibility("default")))
+#endif

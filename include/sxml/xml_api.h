@@ -61,7 +61,7 @@ extern "C" {
 
 /* The build gives each function its ordinal as a further name, which is exported as the function
  * is. */
-#if defined(__GNUC__)
+#if defined(__ELF__)
 #pragma GCC visibility push(default)
 #endif
 
@@ -213,7 +213,7 @@ uint64_t xml_write_string(struct HostStream* output, int32_t output_encoding, co
  * destination receives nothing. The second argument is not used. Result: the text's length. */
 uint64_t xml_copy_string(char* destination, uint64_t unused, const char* source);
 
-#if defined(__GNUC__)
+#if defined(__ELF__)
 #pragma GCC visibility pop
 #endif
 

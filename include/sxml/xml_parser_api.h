@@ -63,7 +63,7 @@ struct HostNameIndex;
 extern "C" {
 #endif
 
-#if defined(__GNUC__)
+#if defined(__ELF__)
 #pragma GCC visibility push(default)
 #endif
 
@@ -199,7 +199,7 @@ int32_t xml_write_document(uint32_t parser, const char* file);
  * that is null. */
 const char* xml_last_error(int32_t* code);
 
-#if defined(__GNUC__)
+#if defined(__ELF__)
 #pragma GCC visibility pop
 #endif
 

@@ -43,6 +43,10 @@ int empty_file(std::FILE* file) {
     return cut_file(fileno(file), 0);
 }
 
+bool means_no_space(int error) {
+    return error == ENOSPC || error == EDQUOT || error == EFBIG;
+}
+
 int remove_file(const char* name) {
     return unlink(name) == 0 ? 0 : errno;
 }

@@ -62,7 +62,7 @@ TEST(Exports, AreTheOrdinalsAndOneName) {
     for (const auto& [name, address] : symbols("-D --defined-only")) exported.insert(name);
     EXPECT_EQ(exported, expected);
 
-    std::string def = "LIBRARY sxml\nEXPORTS\n    GetDispatchTable\n";
+    std::string def = "LIBRARY sxml.dll\nEXPORTS\n    GetDispatchTable @100\n";
     for (const auto& [number, name] : expected_exports()) {
         def += "    " + name + " @" + std::to_string(number) + " NONAME\n";
     }

@@ -182,10 +182,8 @@ TEST_F(WriteTest, TracesEveryStep) {
 
 // The text writers by themselves, as callers of the module find them.
 TEST_F(WriteTest, RawTextsStopAtNulInSomeEncodings) {
-    auto* const write_text =
-        reinterpret_cast<decltype(xml_write_text)*>(module().symbol("ordinal_30"));
-    auto* const write_string =
-        reinterpret_cast<decltype(xml_write_string)*>(module().symbol("ordinal_33"));
+    auto* const write_text = reinterpret_cast<decltype(xml_write_text)*>(module().ordinal(30));
+    auto* const write_string = reinterpret_cast<decltype(xml_write_string)*>(module().ordinal(33));
     ASSERT_NE(write_text, nullptr);
     ASSERT_NE(write_string, nullptr);
     const std::string name = path("raw");

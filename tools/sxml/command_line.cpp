@@ -160,6 +160,7 @@ void complete_command(CLI::App& command) {
 void run_command_line(int argc, char** argv) {
     CLI::App application{"Turns COBOL record files into XML documents and back.", "sxml"};
     application.formatter(help_formatter());
+    application.allow_windows_style_options(false);  // "/data/x.xml" is a file everywhere
     application
         .add_flag_callback("--describe",
                            [&application] {

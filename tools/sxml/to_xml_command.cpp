@@ -49,7 +49,7 @@ std::string schema_reference(const std::string& schema, const std::string& docum
     const fs::path reference = fs::weakly_canonical(fs::absolute(platform::path_of(schema)))
                                    .lexically_relative(fs::weakly_canonical(folder));
     std::string escaped;
-    for (const char c : platform::name_of(reference)) {
+    for (const char c : platform::name_of(reference.generic_u8string())) {
         const auto byte = static_cast<unsigned char>(c);
         const bool is_plain =
             std::isalnum(byte) != 0 || std::string_view("/-._~").find(c) != std::string_view::npos;

@@ -15,7 +15,7 @@
 
 // Only newer versions of Expat have it, so it may be missing when the module is built and again
 // when it is loaded: a weak reference is null then.
-#if defined(__GNUC__) && !defined(_WIN32)
+#if defined(__ELF__)
 extern "C" __attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser,
                                                                         XML_Bool enabled);
 #endif
@@ -25,7 +25,7 @@ namespace {
 // With deferral, Expat would keep a complete tag back until more input has come, and the end of a
 // record would arrive together with the next one.
 void turn_off_reparse_deferral(XML_Parser expat) {
-#if defined(__GNUC__) && !defined(_WIN32)
+#if defined(__ELF__)
     if (XML_SetReparseDeferralEnabled) XML_SetReparseDeferralEnabled(expat, XML_FALSE);
 #elif defined(SXML_HAS_XML_SetReparseDeferralEnabled)
     XML_SetReparseDeferralEnabled(expat, XML_FALSE);

@@ -89,8 +89,7 @@ int unsupported(int result) {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int GetDispatchTable(
-    HostEntry* const** table_out) {
+LIBRARY_ENTRY int GetDispatchTable(HostEntry* const** table_out) {
     if (table_out == nullptr) return 1;
     *table_out = dispatch_table;
     return 0;

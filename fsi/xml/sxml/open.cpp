@@ -9,6 +9,7 @@
 #include "fsi/xml/sxml/entries.h"
 #include "fsi/xml/sxml/host_functions.h"
 #include "fsi/xml/sxml/open_input.h"
+#include "fsi/xml/sxml/optional_services.h"
 #include "fsi/xml/sxml/plugin.h"
 #include "fsi/xml/sxml/schema.h"
 #include "fsi/xml/sxml/settings.h"
@@ -52,10 +53,6 @@ Xfd* parse_description_without_suffix(const char* name) {
     Xfd* const xfd = parse_description(copy);
     host_free(copy, SXML_SOURCE, __LINE__, 0);
     return xfd;
-}
-
-HostRecordHandler* record_handler(Xfd* xfd) {
-    return host_record_handler != nullptr ? host_record_handler(xfd) : nullptr;
 }
 
 bool ends_within(const char* name, std::size_t size) {
@@ -195,7 +192,7 @@ bool complete_open(XmlFile& file, const char* name, std::int32_t mode) {
         return false;
     }
     *host_file_error() = HOST_FILE_OK;
-    file.handler = record_handler(file.xfd);
+    file.handler = optional_record_handler(file.xfd);
     file.mode = mode;
     return direction_of(mode) == XML_OPEN_OUTPUT ? start_output(file) : start_input(file, name);
 }

@@ -36,7 +36,7 @@ XmlApi xml_api(const host::Module& module) {
     XmlApi api{};
     const auto find = [&module](int number, auto& function) {
         const std::string name = "ordinal_" + std::to_string(number);
-        void* symbol = module.symbol(name.c_str());
+        void* symbol = module.ordinal(number);
         if (symbol == nullptr) fail("the module has no entry " + name);
         function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(symbol);
     };

@@ -1,0 +1,15 @@
+// Keeps an interrupt, which comes on a thread of its own, out for a while.
+#pragma once
+
+namespace platform {
+
+// While this lives, what an interrupt removes is not gone through.
+class HeldInterrupts {
+  public:
+    HeldInterrupts();
+    ~HeldInterrupts();
+    HeldInterrupts(const HeldInterrupts&) = delete;
+    HeldInterrupts& operator=(const HeldInterrupts&) = delete;
+};
+
+}  // namespace platform

@@ -1,0 +1,53 @@
+#include "platform/standard_streams.h"
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdlib>
+#include <initializer_list>
+
+#include "platform/descriptors.h"
+#include "platform/windows/handles.h"
+
+namespace platform {
+
+namespace {
+
+UINT code_page_before = 0;  // of the console, which outlives the process
+
+// What is written is UTF-8.
+void let_console_show_utf8() {
+    code_page_before = GetConsoleOutputCP();
+    if (code_page_before == 0 || code_page_before == CP_UTF8) return;
+    SetConsoleOutputCP(CP_UTF8);
+    std::atexit([] { SetConsoleOutputCP(code_page_before); });
+}
+
+}  // namespace
+
+bool open_missing_standard_streams() {
+    for (const int descriptor : {STANDARD_INPUT, STANDARD_OUTPUT, STANDARD_ERROR}) {
+        if (handle_of(descriptor) != INVALID_HANDLE_VALUE) {
+            _setmode(descriptor, _O_BINARY);
+            continue;
+        }
+        FileHandle null("NUL", descriptor == STANDARD_INPUT ? GENERIC_READ : GENERIC_WRITE,
+                        OPEN_EXISTING);
+        const int opened =
+            null.into_descriptor(descriptor == STANDARD_INPUT ? _O_RDONLY : _O_WRONLY);
+        if (opened < 0) return false;
+        if (opened == descriptor) continue;
+        const bool is_placed = _dup2(opened, descriptor) == 0;
+        _close(opened);
+        if (!is_placed) return false;
+    }
+    let_console_show_utf8();
+    return true;
+}
+
+bool is_terminal(int descriptor) {
+    DWORD mode = 0;
+    return GetConsoleMode(handle_of(descriptor), &mode) != 0;
+}
+
+}  // namespace platform
