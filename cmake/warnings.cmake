@@ -19,6 +19,6 @@ endif()
 # Optimization across the files of a target, in release builds. The flags are spelled out because
 # those that CMake would add make clang-tidy stumble.
 add_library(sxml_across_files INTERFACE)
-set(across_files $<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>>:-flto=auto>)
+set(across_files $<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>,$<NOT:$<BOOL:${WIN32}>>>:-flto=auto>)
 target_compile_options(sxml_across_files INTERFACE ${across_files})
 target_link_options(sxml_across_files INTERFACE ${across_files})

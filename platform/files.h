@@ -10,9 +10,13 @@ namespace platform {
 
 // Tells whether two names are one file: through links, and whatever way a name takes.
 struct FileIdentity {
-    std::uint64_t device;
+    std::uint64_t device;  // 0: not known, which standard streams of Windows may have
     std::uint64_t file;
-    bool operator==(const FileIdentity&) const = default;
+    // Where a device is not known, the number of the file decides: better one output is refused
+    // than an input lost.
+    bool operator==(const FileIdentity& other) const {
+        return file == other.file && (device == other.device || device == 0 || other.device == 0);
+    }
 };
 
 enum class FileKind : std::uint8_t { regular, folder, other };  // other: a pipe, a device, a socket

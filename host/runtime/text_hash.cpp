@@ -4,17 +4,10 @@
 
 namespace host {
 
-std::uint64_t text_hash_seed = 0x2545F4914F6CDD1D;
-
-namespace {
-
-[[gnu::constructor]] void draw_seed() {
+std::uint64_t draw_text_hash_seed() {
+    constexpr std::uint64_t without_random_numbers = 0x2545F4914F6CDD1D;
     std::uint64_t drawn = 0;
-    if (platform::draw_random(&drawn, sizeof drawn)) {
-        text_hash_seed = drawn | 1;
-    }
+    return platform::draw_random(&drawn, sizeof drawn) ? drawn | 1 : without_random_numbers;
 }
-
-}  // namespace
 
 }  // namespace host

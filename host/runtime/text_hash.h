@@ -9,8 +9,14 @@ namespace host {
 
 __extension__ typedef unsigned __int128 Product;
 
-// Drawn when the library is loaded.
-extern std::uint64_t text_hash_seed;
+// A number that differs from process to process.
+std::uint64_t draw_text_hash_seed();
+
+// Drawn when it is first asked for: while a library loads, others may not be there yet.
+inline std::uint64_t text_hash_seed() {
+    static const std::uint64_t seed = draw_text_hash_seed();
+    return seed;
+}
 
 inline std::uint64_t fold(std::uint64_t a, std::uint64_t b) {
     const Product product = static_cast<Product>(a) * b;
@@ -27,7 +33,8 @@ std::uint64_t load_word(const char* bytes) {
 inline std::uint64_t hash_text(const char* text, std::size_t length) {
     constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;
     constexpr std::size_t word_size = sizeof(std::uint64_t);
-    std::uint64_t hash = text_hash_seed ^ length;
+    const std::uint64_t seed = text_hash_seed();
+    std::uint64_t hash = seed ^ length;
     std::uint64_t last = 0;
     if (length >= word_size) {
         const char* last_word = text + length - word_size;  // may overlap the one before
@@ -42,7 +49,7 @@ inline std::uint64_t hash_text(const char* text, std::size_t length) {
                load_word<std::uint8_t>(text + length / 2) << 8 |
                load_word<std::uint8_t>(text + length - 1);
     }
-    return fold(hash ^ last, multiplier ^ text_hash_seed);
+    return fold(hash ^ last, multiplier ^ seed);
 }
 
 }  // namespace host

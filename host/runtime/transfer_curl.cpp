@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "host/runtime/curl_library.h"
+#include "host/runtime/library_versions.h"
 #include "host/runtime/transfer.h"
 
 namespace {
@@ -40,6 +41,10 @@ CURLcode transfer(const host::CurlLibrary& curl, const char* url, host::Transfer
 }
 
 }  // namespace
+
+const char* host::transfer_library() {
+    return "libcurl";
+}
 
 std::string host::transfer_document(const char* url, TransferTarget& target) {
     const CurlLibrary* curl = curl_library();

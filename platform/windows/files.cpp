@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <array>
 #include <cerrno>
+#include <cstring>
 
 #include "platform/windows/handles.h"
 #include "platform/windows/system_texts.h"
@@ -16,22 +18,36 @@ std::uint64_t joined(DWORD high, DWORD low) {
     return std::uint64_t{high} << 32U | low;
 }
 
+// File systems have numbers of 128 bits, of which the usual ones use the lower half, or of 64.
+std::optional<FileIdentity> identity_of(HANDLE file) {
+    constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;
+    FILE_ID_INFO identity{};
+    if (GetFileInformationByHandleEx(file, FileIdInfo, &identity, sizeof identity) != 0) {
+        std::array<std::uint64_t, 2> halves{};
+        std::memcpy(halves.data(), &identity.FileId, sizeof halves);
+        return FileIdentity{identity.VolumeSerialNumber, halves[0] + halves[1] * multiplier};
+    }
+    BY_HANDLE_FILE_INFORMATION found{};
+    if (GetFileInformationByHandle(file, &found) == 0) return std::nullopt;
+    return FileIdentity{found.dwVolumeSerialNumber,
+                        joined(found.nFileIndexHigh, found.nFileIndexLow)};
+}
+
 std::optional<FileState> state_of_handle(HANDLE file) {
     if (file == INVALID_HANDLE_VALUE) {
         errno = EBADF;
         return std::nullopt;
     }
-    BY_HANDLE_FILE_INFORMATION found{};
     if (GetFileType(file) != FILE_TYPE_DISK) return FileState{FileKind::other, {}, 0};
-    if (GetFileInformationByHandle(file, &found) == 0) {
+    FILE_STANDARD_INFO found{};
+    const auto identity = identity_of(file);
+    if (!identity ||
+        GetFileInformationByHandleEx(file, FileStandardInfo, &found, sizeof found) == 0) {
         errno = error_number();
         return std::nullopt;
     }
-    const bool is_folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    return FileState{
-        is_folder ? FileKind::folder : FileKind::regular,
-        {found.dwVolumeSerialNumber, joined(found.nFileIndexHigh, found.nFileIndexLow)},
-        joined(found.nFileSizeHigh, found.nFileSizeLow)};
+    return FileState{found.Directory != 0 ? FileKind::folder : FileKind::regular, *identity,
+                     static_cast<std::uint64_t>(found.EndOfFile.QuadPart)};
 }
 
 int outcome(BOOL is_done) {

@@ -37,6 +37,11 @@ Outcome run(const std::vector<std::string>& words, const std::string& input,
             output.empty() ? read_file(out) : "", read_file(streams.file("err"))};
 }
 
+std::string command_under_test() {
+    const char* const other = std::getenv("SXML_COMMAND");
+    return other != nullptr ? other : SXML_BUILD_DIR "/bin/sxml";
+}
+
 const std::string CommandTest::EXAMPLES = SXML_SOURCE_DIR "/examples/";
 
 void CommandTest::SetUp() {
@@ -52,7 +57,7 @@ void CommandTest::TearDown() {
 
 Outcome CommandTest::sxml(std::vector<std::string> words, const std::string& input,
                           const std::string& output) {
-    words.insert(words.begin(), SXML_BUILD_DIR "/bin/sxml");
+    words.insert(words.begin(), command_under_test());
     return run(words, input, output);
 }
 

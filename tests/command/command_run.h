@@ -20,6 +20,9 @@ struct Outcome {
 Outcome run(const std::vector<std::string>& words, const std::string& input = "",
             const std::string& output = "");
 
+// The program that is tried: the one of this build, or what SXML_COMMAND names.
+std::string command_under_test();
+
 // Each test has an empty folder, which is the current one while the test runs, and a fixed date.
 class CommandTest : public testing::Test {
   protected:

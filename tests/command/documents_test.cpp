@@ -169,13 +169,10 @@ TEST_F(DocumentsTest, ComeFromAnywhereAndGoAnywhere) {
     write_file("<?xml odd", ORDERS);
     const std::string tree = sxml({"tree", "in.xml"}).out;
     EXPECT_EQ(sxml({"tree", "<?xml odd"}).out, tree);
-    EXPECT_EQ(run({"bash", "-c", "cat in.xml | " SXML_BUILD_DIR "/bin/sxml tree /dev/stdin"}).out,
+    EXPECT_EQ(run({"bash", "-c", "cat in.xml | $0 tree /dev/stdin", command_under_test()}).out,
               tree);
-    EXPECT_EQ(
-        run({"bash", "-c",
-             SXML_BUILD_DIR "/bin/sxml rewrite - - <in.xml | " SXML_BUILD_DIR "/bin/sxml tree -"})
-            .out,
-        tree);
+    EXPECT_EQ(run({"bash", "-c", "$0 rewrite - - <in.xml | $0 tree -", command_under_test()}).out,
+              tree);
     // A comment cannot hold this name.
     EXPECT_EQ(sxml({"rewrite", "in.xml", "a--b-\xC3\xA9.xml"}).err, "");
     EXPECT_EQ(sxml({"tree", "a--b-\xC3\xA9.xml"}).out, tree);

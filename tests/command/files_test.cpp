@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string SXML = SXML_BUILD_DIR "/bin/sxml";
+const std::string SXML = command_under_test();
 
 class FilesOfRunsTest : public CommandTest {
   protected:

@@ -55,7 +55,7 @@ TEST_F(OutputTest, EmptyElementsAreDroppedFromPipes) {
     const Outcome piped = run({"sh", "-c",
                                "$0 to-xml w.dat - --layout w.cpy --set SXML_IGNORE_EMPTY_DATA=yes"
                                " | cat",
-                               SXML_BUILD_DIR "/bin/sxml"});
+                               command_under_test()});
     EXPECT_EQ(piped.err, "");
     EXPECT_EQ(piped.out, document);
 }
@@ -120,7 +120,7 @@ TEST_F(OutputTest, FullDisksAreNoticedOnTheWay) {
     const Outcome outcome = run({"sh", "-c",
                                  "yes | tr '\\n' y | timeout 60 $0 to-xml - /dev/full"
                                  " --layout w.cpy",
-                                 SXML_BUILD_DIR "/bin/sxml"});
+                                 command_under_test()});
     EXPECT_EQ(outcome.err, "sxml: /dev/full: No space left on device\n");
     EXPECT_EQ(outcome.status, 1);
 }
@@ -193,12 +193,13 @@ bool appears(const std::string& start) {
 }
 
 TEST_F(OutputTest, InterruptionsRemoveTheTemporaryFile) {
+    const std::string command = command_under_test();
     for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) {
         mkfifo("records", 0600);
         const pid_t process = fork();
         if (process == 0) {
-            execl(SXML_BUILD_DIR "/bin/sxml", "sxml", "to-xml", "records", "w.xml", "--layout",
-                  "w.cpy", nullptr);
+            execl(command.c_str(), "sxml", "to-xml", "records", "w.xml", "--layout", "w.cpy",
+                  nullptr);
             _exit(127);
         }
         const int writer = open("records", O_WRONLY);

@@ -147,7 +147,7 @@ TEST_F(SplitTest, NoDocumentIsWrittenOver) {
           "from-xml e-1 e-1.xml --layout c.cpy", "from-xml - e-1.xml --layout c.cpy <e-1.xml",
           "copybook - --output e-1.xml <e-1.xml", "tree e-1 >>e-1.xml",
           "check e-1 -l c.cpy >>e-1.xml"}) {
-        const Outcome outcome = run({"bash", "-c", SXML_BUILD_DIR "/bin/sxml " + line});
+        const Outcome outcome = run({"bash", "-c", command_under_test() + " " + line});
         EXPECT_EQ(outcome.status, 2) << line << outcome.err;
         EXPECT_NE(outcome.err.find("they are one file"), std::string::npos) << outcome.err;
         EXPECT_EQ(read_file("e-1.xml"), document) << line;

@@ -16,7 +16,7 @@ std::string version_text() {
     expat.erase(0, expat.find('_') + 1);
     return "sxml " SXML_VERSION_LABEL "\nruns with" + line("Expat", expat) +
            line("PCRE2", host::regex_library_version()) + line(runtime.name, runtime.version) +
-           line("libcurl", "when a web address is fetched");
+           line(host::transfer_library(), "when a web address is fetched");
 }
 
 }  // namespace command

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "host/runtime/library_versions.h"
 #include "host/runtime/transfer.h"
 #include "platform/windows/system_texts.h"
 
@@ -108,6 +109,10 @@ std::string receive(void* request, host::TransferTarget& target) {
 }
 
 }  // namespace
+
+const char* host::transfer_library() {
+    return "WinHTTP";
+}
 
 std::string host::transfer_document(const char* url, TransferTarget& target) {
     Address address;
