@@ -46,7 +46,10 @@ BOOL WINAPI remove_files(DWORD /*event*/) {
     for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
         if (entry->is_used) RemoveDirectoryW(entry->path.c_str());
     }
-    return FALSE;  // the next handler ends the process
+    // At once, and telling why: the next handler would let the process end as if it had come
+    // through.
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+    return TRUE;
 }
 
 }  // namespace

@@ -15,8 +15,14 @@ namespace {
 
 UINT code_page_before = 0;  // of the console, which outlives the process
 
-// What is written is UTF-8.
-void let_console_show_utf8() {
+// What is written is UTF-8, and has the usual sequences for colours.
+void prepare_console() {
+    for (const int descriptor : {STANDARD_OUTPUT, STANDARD_ERROR}) {
+        DWORD mode = 0;
+        const HANDLE console = handle_of(descriptor);
+        if (GetConsoleMode(console, &mode) == 0) continue;
+        SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    }
     code_page_before = GetConsoleOutputCP();
     if (code_page_before == 0 || code_page_before == CP_UTF8) return;
     SetConsoleOutputCP(CP_UTF8);
@@ -41,13 +47,19 @@ bool open_missing_standard_streams() {
         _close(opened);
         if (!is_placed) return false;
     }
-    let_console_show_utf8();
+    prepare_console();
     return true;
 }
 
 bool is_terminal(int descriptor) {
     DWORD mode = 0;
     return GetConsoleMode(handle_of(descriptor), &mode) != 0;
+}
+
+std::optional<int> terminal_width(int descriptor) {
+    CONSOLE_SCREEN_BUFFER_INFO screen{};
+    if (GetConsoleScreenBufferInfo(handle_of(descriptor), &screen) == 0) return std::nullopt;
+    return screen.srWindow.Right - screen.srWindow.Left + 1;
 }
 
 }  // namespace platform
