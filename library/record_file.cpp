@@ -92,6 +92,11 @@ Result<std::unique_ptr<RecordFile>> RecordFile::open(const std::string& layout,
     std::optional<records::Description> description =
         records::load_description(layout, options.copybook, options.layout, diagnostics);
     if (!description) return problem_of(Cause::layout, "", text_of(diagnostics), "");
+    if (target.direction == Direction::write && description->asks_for_last()) {
+        return problem_of(Cause::layout, "",
+                          "a condition asks for the last record, which is not known while writing",
+                          "tell the record by its bytes");
+    }
     Result<conversion::RecordFields> fields = conversion::RecordFields::of(description->xfd());
     if (!fields) return fields.problem();
     std::unique_ptr<RecordFile> file(new RecordFile(*std::move(description), *std::move(characters),
@@ -135,8 +140,9 @@ Done RecordFile::open_file() {
     Result<conversion::ByteSource> source = conversion::ByteSource::open(target_.name);
     if (!source) return source.problem();
     source_.emplace(*std::move(source));
-    reader_ =
-        conversion::read_records(options_.format, *source_, {record_.size(), characters_.space()});
+    reader_ = conversion::read_records(
+        options_.format, *source_,
+        {record_.size(), characters_.space(), description_.asks_for_last()});
     return std::nullopt;
 }
 
@@ -189,6 +195,8 @@ Result<bool> RecordFile::read_document() {
     Result<bool> outcome = input_->read();
     if (!outcome || !*outcome) return outcome;
     if (input_->problem()) return input_->problem().value();
+    position_ = input_->position();
+    records::set_position(description_.xfd(), position_);
     if (Done problem = take(input_->record(), input_->layout())) return *std::move(problem);
     if (!input_->is_of_a_layout()) {
         warnings_.emplace_back("none of the record layouts' conditions holds");
@@ -213,6 +221,8 @@ Result<bool> RecordFile::read_record_file() {
     if (!next) return next.problem();
     if (!*next) return false;
     const conversion::Record& record = **next;
+    position_ = record.position();
+    records::set_position(description_.xfd(), position_);
     Done problem = take({record.data, record.length}, std::nullopt);
     if (!problem) return true;
     conversion::Place& place = problem->place;
@@ -263,7 +273,8 @@ Done RecordFile::write() {
     auto record = record_to_write();
     if (!record) return at_record(record.problem());
     Done problem = output_
-                       ? output_->write(record->data(), static_cast<std::int32_t>(record->size()))
+                       ? output_->write(record->data(), static_cast<std::int32_t>(record->size()),
+                                        std::nullopt, position_)
                        : writer_->add(*record);
     if (!problem && output_) problem = conversion::take_write_failure();
     if (problem) return at_record(std::move(problem));
@@ -350,7 +361,7 @@ bool RecordFile::applies(int field) {
     if (layouts.empty()) return false;
     const conversion::RecordLayout& layout = layouts[fields_.choose(xfd).value_or(0)];
     const std::int32_t length =
-        description_.used_length(record_.data(), description_.record_length());
+        description_.used_length(record_.data(), description_.record_length(), position_);
     const std::int32_t index = names_.index(field);
     if (sliding_) sliding_->look_at(record_.data(), fields_.choose(xfd).value_or(0), fields_);
     return std::ranges::any_of(layout.fields, [&](const conversion::Field& one) {
@@ -407,6 +418,10 @@ Done RecordFile::set_number(int field, const records::Decimal& number) {
 }
 
 void RecordFile::clear() {
+    if (target_.direction == Direction::write) {
+        position_ = {number_ == 0, false};
+        records::set_position(description_.xfd(), position_);
+    }
     blank_.begin(record_.data());
     is_set_.assign(record_.size(), 0);
     held_.assign(static_cast<std::size_t>(description_.xfd().condition_count), false);

@@ -88,6 +88,7 @@ class RecordFile {
     std::vector<std::uint8_t> record_;  // with all entries of its tables
     std::optional<conversion::SlidingRecord> sliding_;
     std::vector<std::uint8_t> packed_;
+    records::RecordPosition position_;  // of the record
     std::vector<std::uint8_t> is_set_;  // 1 for bytes that the program has set
     std::vector<bool> held_;            // conditions, as last evaluated
     std::uint64_t number_ = 0;

@@ -112,7 +112,9 @@ struct Expression {
         class_test,
         logical_and,
         logical_or,
-        logical_not
+        logical_not,
+        is_first,  // of the file's records
+        is_last
     };
     enum class Relation { equal, not_equal, less, less_equal, greater, greater_equal };
     enum class Class { numeric, alphabetic };

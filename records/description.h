@@ -13,6 +13,7 @@
 #include "records/copybook.h"
 #include "records/data_item.h"
 #include "records/diagnostics.h"
+#include "records/position.h"
 #include "records/sliding.h"
 
 namespace records {
@@ -87,7 +88,8 @@ class Description {
     // Length of this record as its OCCURS DEPENDING ON counter gives it, when the table ends the
     // record; otherwise, or when the counter is out of range, `length` itself. Never above
     // `length`.
-    std::int32_t used_length(const void* record, std::int32_t length) const;
+    std::int32_t used_length(const void* record, std::int32_t length,
+                             RecordPosition position = {}) const;
     // Whether records lie packed in files: tables with OCCURS DEPENDING ON take the room of their
     // entries in use, and what comes after them follows at once. The lengths and offsets of all
     // items, record_length() too, are those of the full record, with every entry in its place.
@@ -135,6 +137,10 @@ class Description {
         std::string text;  // in UTF-8
     };
     std::vector<Mark> marks() const;
+    // Where records must stand of which condition `number` (from 1) holds.
+    RecordPosition position_asked_by(int number) const;
+    // Whether a condition asks for the last record.
+    bool asks_for_last() const;
     // Text of condition `number` (from 1), for messages.
     const std::string& condition_text(int number) const;
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "conversion/formats/fixed_records.h"
 #include "conversion/formats/headed_records.h"
+#include "conversion/formats/last_record.h"
 #include "conversion/formats/line_records.h"
 
 namespace conversion {
@@ -70,9 +72,10 @@ Result<RecordFormat> RecordFormat::find(std::string_view name) {
 
 std::unique_ptr<RecordReader> read_records(const RecordFormat& format, ByteSource& source,
                                            RecordArea area) {
-    if (format.kind == Kind::fixed) return read_fixed_records(source, area);
-    if (format.kind == Kind::lines) return read_line_records(source, area);
-    return read_headed_records(format, source, area);
+    auto reader = format.kind == Kind::fixed   ? read_fixed_records(source, area)
+                  : format.kind == Kind::lines ? read_line_records(source, area)
+                                               : read_headed_records(format, source, area);
+    return area.tells_last ? telling_last(std::move(reader), area.length) : std::move(reader);
 }
 
 std::unique_ptr<RecordWriter> write_records(const RecordFormat& format, ByteSink& sink) {

@@ -15,6 +15,7 @@
 #include "conversion/formats/byte_source.h"
 #include "conversion/formats/length_header.h"
 #include "conversion/problem.h"
+#include "records/position.h"
 
 namespace conversion {
 
@@ -45,6 +46,9 @@ struct Record {
     std::size_t length;         // bytes
     std::uint64_t number;       // from 1
     std::uint64_t file_offset;  // of its first byte, from 0
+    bool is_last = false;       // in the file; told only when the reader was asked to
+
+    records::RecordPosition position() const { return {number == 1, is_last}; }
 };
 
 class RecordReader {
@@ -69,6 +73,7 @@ class RecordWriter {
 struct RecordArea {
     std::size_t length;       // of the longest record, bytes
     std::uint8_t fill = ' ';  // the byte that follows a shorter one
+    bool tells_last = false;  // each record is read before the one before it is given out
 };
 
 // The remedies of problems with the format begin like this when another format, whose name follows,

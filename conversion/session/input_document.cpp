@@ -95,7 +95,12 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
         handler_.missing = &note_missing;
         collect_names(description.xfd());
     }
-    if (!options.is_named_by_element.empty() || !marks_.empty()) {
+    for (std::size_t i = fields_.layouts().size(); i-- > 0;) {
+        if (position_asked_by(i).is_first) first_layout_ = i;
+        if (position_asked_by(i).is_last) last_layout_ = i;
+    }
+    const bool asks_for_position = first_layout_ || last_layout_;
+    if (!options.is_named_by_element.empty() || !marks_.empty() || asks_for_position) {
         handler_.begin_record = &begin_element;
     }
     if (options_.shown_name.empty()) options_.shown_name = options_.file;
@@ -146,6 +151,9 @@ void InputDocument::begin_record() {
     unused_.clear();
     without_element_.clear();
     problem_.reset();
+    named_layout_.reset();
+    position_ = {count_ == 0, false};
+    records::set_position(*module_file_.xfd, position_);
     is_of_a_layout_ = takes_any_record_;
     filled_length_ = 0;
     handler_.exact_table_match = exact_table_match_;
@@ -166,6 +174,7 @@ Result<bool> InputDocument::read() {
         ++count_;
         filled_length_ = result - 1;
         if (sliding_) pack();
+        if (!problem_) problem_ = check_position();
         if (!elements_.empty()) collect_unused();
         if (!without_element_.empty()) count_missing();
         return true;
@@ -173,6 +182,7 @@ Result<bool> InputDocument::read() {
     has_ended_ = true;
     if (result == 0 && code == HOST_FILE_END &&
         module_.read_to_end(module_file_.file, record_.data())) {
+        if (Done problem = check_end()) return *std::move(problem);
         return false;
     }
     return reading_problem();
@@ -221,6 +231,56 @@ void InputDocument::test_condition(void* document, std::int32_t number) {
 void InputDocument::begin_element(void* document, const char* name) {
     auto& self = *static_cast<InputDocument*>(document);
     self.named_layout_ = self.fields_.layout_named(name);
+    // Whether more records follow is not known yet.
+    if (!self.last_layout_ || !self.named_layout_) return;
+    self.position_.is_last = self.position_asked_by(*self.named_layout_).is_last;
+    records::set_position(*self.module_file_.xfd, self.position_);
+}
+
+records::RecordPosition InputDocument::position_asked_by(std::size_t layout) const {
+    records::RecordPosition asked;
+    for (const std::int16_t condition : fields_.layouts()[layout].conditions) {
+        const records::RecordPosition one = description_.position_asked_by(condition);
+        asked.is_first = asked.is_first || one.is_first;
+        asked.is_last = asked.is_last || one.is_last;
+    }
+    return asked;
+}
+
+// Whether the record would be of its layout where it will stand in a file. Nothing is wrong where
+// the name of its element tells no layout.
+Done InputDocument::check_position() {
+    if (!first_layout_ && !last_layout_) return std::nullopt;
+    const bool follows_last = std::exchange(has_last_, position_.is_last);
+    const auto problem = [this](std::string what) {
+        return Problem{Cause::record, {}, std::move(what), "the layouts' conditions ask for it"};
+    };
+    if (follows_last) {
+        return problem("it follows a record of the layout " + name_of(last_layout_) +
+                       ", which is to be the last");
+    }
+    if (!first_layout_ || !named_layout_) return std::nullopt;
+    const bool is_named = position_asked_by(*named_layout_).is_first;
+    if (is_named == position_.is_first) return std::nullopt;
+    return problem(is_named
+                       ? "a record of the layout " + name_of(first_layout_) + " is to be the first"
+                       : "the first record is to be of the layout " + name_of(first_layout_));
+}
+
+Done InputDocument::check_end() const {
+    if (!last_layout_ || count_ == 0 || has_last_ || (count_ == 1 && first_layout_)) {
+        return std::nullopt;
+    }
+    Place place;
+    place.file = options_.shown_name;
+    place.record = count_;
+    return Problem{Cause::record, std::move(place),
+                   "the last record is to be of the layout " + name_of(last_layout_),
+                   "the layouts' conditions ask for it"};
+}
+
+const std::string& InputDocument::name_of(std::optional<std::size_t> layout) const {
+    return fields_.layouts()[*layout].name;
 }
 
 // Of the layouts that are told by the record's element, only one is meant.
@@ -419,7 +479,7 @@ void InputDocument::count_missing() {
     const std::optional<std::size_t> chosen = layout();
     if (!chosen) return;
     const RecordLayout& own = fields_.layouts()[*chosen];
-    const std::int32_t used = description_.used_length(record_.data(), record_length_);
+    const std::int32_t used = description_.used_length(record_.data(), record_length_, position_);
     for (const std::int32_t item : without_element_) {
         const bool is_own = item >= own.first_item && item < own.end_item;
         const bool is_used = is_counted(item, used);
@@ -437,7 +497,8 @@ std::size_t InputDocument::used_length() const {
     const std::optional<std::size_t> chosen = layout();
     if (!chosen) return static_cast<std::size_t>(filled_length_);
     const RecordLayout& own = fields_.layouts()[*chosen];
-    const std::int32_t counted = description_.used_length(record_.data(), record_length_);
+    const std::int32_t counted =
+        description_.used_length(record_.data(), record_length_, position_);
     if (counted < own.length) return static_cast<std::size_t>(counted);
     std::vector<std::int32_t> lacking = without_element_;
     std::sort(lacking.begin(), lacking.end());

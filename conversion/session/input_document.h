@@ -122,6 +122,8 @@ class InputDocument {
     // Why there is no such record: its tables slide, and a counter is out of its range, or an entry
     // that the counter does not count has data.
     const Done& problem() const { return problem_; }
+    // Where it stands; of a record whose layout is to be the last, that it is.
+    records::RecordPosition position() const { return position_; }
     // Of the longest record, bytes.
     std::size_t record_length() const { return record_.size(); }
     // False: each of several layouts has a condition and none holds, so that only the fields of
@@ -166,6 +168,10 @@ class InputDocument {
     static void note_element(void* document, const HostRecordElement* element);
 
     void begin_record();
+    records::RecordPosition position_asked_by(std::size_t layout) const;
+    Done check_position();
+    Done check_end() const;
+    const std::string& name_of(std::optional<std::size_t> layout) const;
     bool has_wanted_name(std::int32_t condition) const;
     bool is_first_named(std::size_t layout) const;
     void begin_texts();
@@ -220,6 +226,10 @@ class InputDocument {
     Done problem_;
     bool is_of_a_layout_ = false;
     std::optional<std::size_t> named_layout_;  // by the record's element
+    std::optional<std::size_t> first_layout_;  // which the first record must be of
+    std::optional<std::size_t> last_layout_;   // which the last record must be of
+    records::RecordPosition position_;         // of the record being read
+    bool has_last_ = false;                    // a record of the layout for the last one
     std::int32_t filled_length_ = 0;
     std::vector<FieldFate> fates_;
     std::vector<FieldTrouble> troubles_;

@@ -108,9 +108,10 @@ const char* OutputDocument::translate_text(void* document, std::int32_t index,
 }
 
 Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
-                           std::optional<std::size_t> layout) {
+                           std::optional<std::size_t> layout, records::RecordPosition position) {
     record_ = record;
-    outcome_.length = description_.used_length(record, length);
+    records::set_position(*module_file_.xfd, position);
+    outcome_.length = description_.used_length(record, length, position);
     outcome_.bad_numbers.clear();
     if (sliding_) {
         const auto size = static_cast<std::size_t>(length);

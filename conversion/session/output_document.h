@@ -59,10 +59,12 @@ class OutputDocument {
     // DEPENDING ON that ends the record is left out; a field that the record's end cuts is filled
     // up with spaces. `layout`: write it as this one of fields().layouts(), whatever the conditions
     // say. Without it the conditions decide, and a record of no layout is written as the first. A
+    // `position`: of the record in its file, for conditions that ask for it. A
     // problem, with field and offset in the record, when the document cannot hold a text; nothing
     // is written then. Whether all could be stored, take_write_failure() tells.
     Done write(const std::uint8_t* record, std::int32_t length,
-               std::optional<std::size_t> layout = std::nullopt);
+               std::optional<std::size_t> layout = std::nullopt,
+               records::RecordPosition position = {});
     const Outcome& outcome() const { return outcome_; }
     // Where in the record written last the byte is that the description has at `offset`: records
     // with tables that slide are packed.

@@ -65,6 +65,7 @@ std::string problem_of(const Test& test, const Bounds& bounds, int depth, std::s
         if (!left.empty() || test.kind == Test::Kind::class_test) return left;
         return comparison_problem(test, bounds);
     }
+    if (test.kind == Test::Kind::is_first || test.kind == Test::Kind::is_last) return {};
     // `and` of nothing holds by itself; only a whole condition may be that.
     if (test.operands.empty() && (depth > 1 || test.kind != Test::Kind::logical_and)) {
         return "the condition has an empty part";

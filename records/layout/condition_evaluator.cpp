@@ -195,6 +195,12 @@ ConditionEvaluator::Part ConditionEvaluator::build(const Test& test) const {
         case Test::Kind::logical_not:
             part.kind = Kind::none_of;
             break;
+        case Test::Kind::is_first:
+            part.kind = Kind::is_first;
+            return part;
+        case Test::Kind::is_last:
+            part.kind = Kind::is_last;
+            return part;
     }
     for (const Test& each : test.operands) part.parts.push_back(build(each));
     return part;
@@ -239,14 +245,17 @@ void ConditionEvaluator::build_comparison(const Test& test, Part& part) const {
     }
 }
 
-bool ConditionEvaluator::holds(const std::uint8_t* record,
-                               const std::vector<std::int32_t>& shifts) const {
-    return holds(root_, record, shifts, ebcdic_);
+bool ConditionEvaluator::holds(const std::uint8_t* record, const std::vector<std::int32_t>& shifts,
+                               RecordPosition position) const {
+    return holds(root_, record, shifts, ebcdic_, position);
 }
 
 bool ConditionEvaluator::holds(const Part& part, const std::uint8_t* record,
-                               const std::vector<std::int32_t>& shifts, bool ebcdic) {
-    const auto each = [&](const Part& inner) { return holds(inner, record, shifts, ebcdic); };
+                               const std::vector<std::int32_t>& shifts, bool ebcdic,
+                               RecordPosition position) {
+    const auto each = [&](const Part& inner) {
+        return holds(inner, record, shifts, ebcdic, position);
+    };
     switch (part.kind) {
         case Kind::all_of:
             return std::all_of(part.parts.begin(), part.parts.end(), each);
@@ -254,6 +263,10 @@ bool ConditionEvaluator::holds(const Part& part, const std::uint8_t* record,
             return std::any_of(part.parts.begin(), part.parts.end(), each);
         case Kind::none_of:
             return std::none_of(part.parts.begin(), part.parts.end(), each);
+        case Kind::is_first:
+            return position.is_first;
+        case Kind::is_last:
+            return position.is_last;
         default:
             break;
     }

@@ -9,6 +9,7 @@
 
 #include "records/layout/model.h"
 #include "records/numbers.h"
+#include "records/position.h"
 
 namespace records {
 
@@ -18,7 +19,8 @@ class ConditionEvaluator {
     ConditionEvaluator(const Test& test, bool ebcdic);
     // `shifts[t]`: bytes by which an operand that shares t tables with the condition lies after
     // its first occurrence.
-    bool holds(const std::uint8_t* record, const std::vector<std::int32_t>& shifts) const;
+    bool holds(const std::uint8_t* record, const std::vector<std::int32_t>& shifts,
+               RecordPosition position) const;
 
   private:
     // digits: of a number, with a text; above_all: the literal is larger than the item can be.
@@ -31,7 +33,9 @@ class ConditionEvaluator {
         is_class,
         all_of,
         any_of,
-        none_of
+        none_of,
+        is_first,
+        is_last
     };
     struct Part {
         Kind kind = Kind::bytes;
@@ -49,7 +53,8 @@ class ConditionEvaluator {
     Part build(const Test& test) const;
     void build_comparison(const Test& test, Part& part) const;
     static bool holds(const Part& part, const std::uint8_t* record,
-                      const std::vector<std::int32_t>& shifts, bool ebcdic);
+                      const std::vector<std::int32_t>& shifts, bool ebcdic,
+                      RecordPosition position);
 
     bool ebcdic_;
     Part root_;

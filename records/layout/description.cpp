@@ -10,11 +10,27 @@
 namespace records {
 namespace {
 
-bool condition_holds(const DescriptionData& data, int condition, const std::uint8_t* record) {
+bool condition_holds(const DescriptionData& data, int condition, const std::uint8_t* record,
+                     RecordPosition position) {
     const ConditionEvaluator& test =
         data.block.tests->tests[static_cast<std::size_t>(condition - 1)];
     const std::vector<std::int32_t> first_occurrence{0};
-    return test.holds(record, first_occurrence);
+    return test.holds(record, first_occurrence, position);
+}
+
+RecordPosition position_asked_by(const Test& test) {
+    RecordPosition asked{test.kind == Test::Kind::is_first, test.kind == Test::Kind::is_last};
+    if (test.kind != Test::Kind::logical_and) return asked;
+    for (const Test& each : test.operands) {
+        const RecordPosition part = position_asked_by(each);
+        asked.is_first = asked.is_first || part.is_first;
+        asked.is_last = asked.is_last || part.is_last;
+    }
+    return asked;
+}
+
+bool mentions_last(const Test& test) {
+    return test.kind == Test::Kind::is_last || std::ranges::any_of(test.operands, mentions_last);
 }
 
 bool has_counter_of_one(const SlidingPlan& plan, const std::uint8_t* record, const void* place) {
@@ -131,13 +147,14 @@ std::int32_t Description::min_record_length() const {
     return shortest;
 }
 
-std::int32_t Description::used_length(const void* record, std::int32_t length) const {
+std::int32_t Description::used_length(const void* record, std::int32_t length,
+                                      RecordPosition position) const {
     const auto* bytes = static_cast<const std::uint8_t*>(record);
     for (const LengthRule& rule : data_->model.length_rules) {
         if (length < rule.counter.offset + rule.counter.length) continue;
         // Conditions look at whole records.
-        if (rule.condition != 0 &&
-            (length < record_length() || !condition_holds(*data_, rule.condition, bytes))) {
+        if (rule.condition != 0 && (length < record_length() ||
+                                    !condition_holds(*data_, rule.condition, bytes, position))) {
             continue;
         }
         const auto count = count_of(rule.counter, bytes + rule.counter.offset, rule.min, rule.max);
@@ -172,7 +189,8 @@ bool Description::is_counter_of_one(const void* record, const void* place) const
     return std::any_of(rules.begin(), rules.end(), [&](const LengthRule& rule) {
         return bytes + rule.counter.offset == place &&
                count_of(rule.counter, bytes + rule.counter.offset, rule.min, rule.max) == 1 &&
-               (rule.condition == 0 || condition_holds(*data_, rule.condition, bytes));
+               (rule.condition == 0 ||
+                condition_holds(*data_, rule.condition, bytes, data_->block.position));
     });
 }
 
@@ -196,12 +214,28 @@ std::vector<Description::Mark> Description::marks() const {
     return result;
 }
 
+RecordPosition Description::position_asked_by(int number) const {
+    const auto& numbered = data_->block.tests->numbered;
+    const std::size_t condition = numbered[static_cast<std::size_t>(number - 1)].condition;
+    return records::position_asked_by(data_->model.conditions[condition].test);
+}
+
+bool Description::asks_for_last() const {
+    return std::ranges::any_of(data_->model.conditions, [](const Condition& condition) {
+        return mentions_last(condition.test);
+    });
+}
+
 const std::string& Description::condition_text(int number) const {
     static const std::string NONE;
     const ConditionSet& tests = *data_->block.tests;
     if (number < 1 || static_cast<std::size_t>(number) > tests.numbered.size()) return NONE;
     const std::size_t condition = tests.numbered[static_cast<std::size_t>(number - 1)].condition;
     return data_->model.conditions[condition].text;
+}
+
+void set_position(Xfd& xfd, RecordPosition position) {
+    static_cast<XfdBlock&>(xfd).position = position;
 }
 
 }  // namespace records

@@ -11,6 +11,7 @@
 #include "records/layout/condition_evaluator.h"
 #include "records/layout/model.h"
 #include "records/layout/sliding_plan.h"
+#include "records/position.h"
 
 namespace records {
 
@@ -39,6 +40,7 @@ struct XfdBlock : Xfd {
     std::vector<XfdItem> own_items;
     std::vector<XfdCondition> own_conditions;
     std::shared_ptr<const ConditionSet> tests;
+    RecordPosition position;  // of the record that conditions are tested on
 };
 
 struct DescriptionData {

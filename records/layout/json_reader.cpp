@@ -118,7 +118,7 @@ class Reader {
     Test read_test(const Key& key, int depth, bool& complete) {
         Test test;
         const bool known =
-            key.is_object_of({"compare", "class", "left", "right", "and", "or", "not"});
+            key.is_object_of({"compare", "class", "left", "right", "and", "or", "not", "position"});
         if (!known || depth > MAX_TEST_DEPTH) {
             if (known) key.error("is nested too deep");
             complete = false;
@@ -127,6 +127,11 @@ class Reader {
         if (key.has("not")) {
             test.kind = Test::Kind::logical_not;
             test.operands.push_back(read_test(key.member("not"), depth + 1, complete));
+            return test;
+        }
+        if (key.has("position")) {
+            test.kind =
+                word(key.member("position"), json::POSITIONS, Test::Kind::is_first, complete);
             return test;
         }
         for (const auto& [word, kind] : json::CONNECTIVES) {

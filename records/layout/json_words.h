@@ -68,6 +68,9 @@ constexpr Words<Operand::Kind, 5> LITERALS{{{"text", Operand::Kind::text},
 constexpr Words<Test::Kind, 2> CONNECTIVES{
     {{"and", Test::Kind::logical_and}, {"or", Test::Kind::logical_or}}};
 
+constexpr Words<Test::Kind, 2> POSITIONS{
+    {{"first", Test::Kind::is_first}, {"last", Test::Kind::is_last}}};
+
 template <typename Value, std::size_t size>
 constexpr std::string_view word_of(const Words<Value, size>& words, Value value) {
     for (const auto& [word, meaning] : words) {

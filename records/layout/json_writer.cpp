@@ -63,6 +63,10 @@ Json test_json(const Test& test) {
         case Test::Kind::logical_not:
             object["not"] = test_json(test.operands.at(0));
             return object;
+        case Test::Kind::is_first:
+        case Test::Kind::is_last:
+            object["position"] = json::word_of(json::POSITIONS, test.kind);
+            return object;
         default: {
             Json operands = Json::array();
             for (const Test& each : test.operands) operands.push_back(test_json(each));

@@ -49,7 +49,15 @@ struct Operand {
 
 // A condition over operands.
 struct Test {
-    enum class Kind { comparison, class_test, logical_and, logical_or, logical_not };
+    enum class Kind {
+        comparison,
+        class_test,
+        logical_and,
+        logical_or,
+        logical_not,
+        is_first,  // of the file's records
+        is_last
+    };
     Kind kind = Kind::comparison;
     Expression::Relation relation = Expression::Relation::equal;
     Expression::Class class_tested = Expression::Class::numeric;

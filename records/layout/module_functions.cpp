@@ -92,7 +92,7 @@ int Q4TestCOBOLCond(Xfd* xfd, int number, const void* record) {
     const records::ConditionSet& tests = *block->tests;
     const records::ConditionSet::Numbered& condition = tests.numbered[index];
     const bool holds = tests.tests[condition.condition].holds(
-        static_cast<const std::uint8_t*>(record), condition.shifts);
+        static_cast<const std::uint8_t*>(record), condition.shifts, block->position);
     XfdCondition& result = block->own_conditions[index];
     result.is_true = static_cast<std::uint8_t>((result.is_true & ~1) | (holds ? 1 : 0));
     return holds ? 1 : 0;

@@ -129,6 +129,10 @@ class Resolver {
                 return class_test(expression);
             case Expression::Kind::comparison:
                 return compared(expression);
+            case Expression::Kind::is_first:
+                return position(expression, Test::Kind::is_first);
+            case Expression::Kind::is_last:
+                return position(expression, Test::Kind::is_last);
         }
         return std::nullopt;
     }
@@ -148,6 +152,15 @@ class Resolver {
             test.operands.push_back(std::move(*operand));
         }
         if (test.operands.empty()) return error(expression, "the condition is empty");
+        return test;
+    }
+
+    std::optional<Test> position(const Expression& expression, Test::Kind kind) {
+        if (at_.parent != nullptr) {
+            return error(expression, "FIRST and LAST tell records apart, not parts of records");
+        }
+        Test test;
+        test.kind = kind;
         return test;
     }
 
@@ -325,6 +338,10 @@ std::string test_text(const Test& test) {
             return joined_text(test, " AND ");
         case Test::Kind::logical_or:
             return joined_text(test, " OR ");
+        case Test::Kind::is_first:
+            return "FIRST";
+        case Test::Kind::is_last:
+            return "LAST";
     }
     return {};
 }

@@ -176,6 +176,9 @@ ConditionParser::Result ConditionParser::parse_parentheses() {
 
 ConditionParser::Result ConditionParser::parse_primary() {
     if (last_subject_ && at_relation()) return parse_abbreviation();
+    const Token start = cursor_.peek();
+    if (cursor_.take_word("FIRST")) return make(Expression::Kind::is_first, start);
+    if (cursor_.take_word("LAST")) return make(Expression::Kind::is_last, start);
     auto left = parse_operand();
     if (!left) return std::nullopt;
     return parse_after_operand(std::move(*left));

@@ -328,6 +328,67 @@ TEST_F(FormatsTest, PartsOfFilesAreTaken) {
               std::string::npos);
 }
 
+// Layouts of the first and the last record, in both directions; documents in which they stand
+// elsewhere do not become files that would be read otherwise.
+TEST_F(FormatsTest, LayoutsAreChosenByPosition) {
+    write_file("h.cpy", "       01  HEADER.\n           05  TITLE PIC X(6).\n");
+    write_file("d.cpy",
+               "       01  DETAIL.\n           05  N PIC 9.\n"
+               "           05  T PIC X(2) OCCURS 0 TO 2 DEPENDING ON N.\n");
+    write_file("t.cpy", "       01  TRAILER.\n           05  TOTAL PIC 9(5).\n");
+    const std::vector<std::string> options = {
+        "--layout", "h.cpy",  "--layout",        "d.cpy",     "--layout",
+        "t.cpy",    "--when", "HEADER: FIRST",   "--when",    "TRAILER: LAST",
+        "--name",   "recs",   "--record-format", "gnucobol:3"};
+    const auto run = [&](std::vector<std::string> words, std::vector<std::string> more = {}) {
+        words.insert(words.end(), options.begin(), options.end());
+        words.insert(words.end(), more.begin(), more.end());
+        return sxml(words);
+    };
+    // The header begins like a detail with one entry.
+    const std::string file = file_of("gnucobol:3", {"1Title", "2aabb", "1cc", "0", "00003"});
+    write_file("in", file);
+    EXPECT_EQ(run({"to-xml", "in", "out.xml"}).err, "");
+    const std::string document = read_file("out.xml");
+    EXPECT_NE(document.find("<header>\r\n  <title>1Title</title>"), std::string::npos) << document;
+    EXPECT_NE(document.find("<t>bb</t>"), std::string::npos) << document;
+    EXPECT_NE(document.find("<trailer>\r\n  <total>3</total>"), std::string::npos) << document;
+    EXPECT_EQ(run({"from-xml", "out.xml", "back"}).err, "");
+    EXPECT_EQ(read_file("back"), file);
+    EXPECT_NE(run({"dump", "in", "--from-record", "5"}).out.find("trailer"), std::string::npos);
+    EXPECT_EQ(run({"check", "in"}).status, 0);
+    EXPECT_EQ(run({"check", "out.xml"}).status, 0);
+    EXPECT_EQ(sxml({"compile", "h.cpy", "d.cpy", "t.cpy", "--when", "HEADER: FIRST", "--when",
+                    "TRAILER: LAST", "--name", "recs", "-o", "recs.xfd"})
+                  .status,
+              0);
+    EXPECT_EQ(sxml({"to-xml", "in", "kept.xml", "-l", "recs.xfd", "--record-format", "gnucobol:3"})
+                  .status,
+              0);
+    EXPECT_EQ(read_file("kept.xml"), document);
+    const std::string header = "<header><title>x</title></header>";
+    const std::string detail = "<detail><n>0</n></detail>";
+    const std::string trailer = "<trailer><total>1</total></trailer>";
+    const struct {
+        std::string records, problem;
+    } cases[] = {
+        {detail + trailer, "record 1: the first record is to be of the layout header"},
+        {header + detail, "record 2: the last record is to be of the layout trailer"},
+        {header + detail + header + trailer,
+         "record 3: a record of the layout header is to be the first"},
+        {header + trailer + detail, "record 3: it follows a record of the layout trailer, which"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.records);
+        write_file("in.xml", "<recs>" + each.records + "</recs>");
+        const Outcome outcome = run({"from-xml", "in.xml", "-"});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_NE(outcome.err.find(each.problem), std::string::npos) << outcome.err;
+    }
+    const Outcome part = sxml({"to-xml", "in", "-", "-l", "d.cpy", "--when", "T: FIRST"});
+    EXPECT_NE(part.err.find("FIRST and LAST tell records apart"), std::string::npos) << part.err;
+}
+
 // What cobc's programs write and read is the judge of the runtime's formats.
 TEST_F(FormatsTest, ProgramsOfGnuCobolReadAndWriteThem) {
     const auto program = [](const std::string& statements) {

@@ -110,6 +110,10 @@ std::string dump_condition(const Expression& expression) {
                                                                           : "alphabetic)");
         case Expression::Kind::logical_not:
             return "not " + dump_condition(expression.operands.front());
+        case Expression::Kind::is_first:
+            return "first";
+        case Expression::Kind::is_last:
+            return "last";
         case Expression::Kind::logical_and:
         case Expression::Kind::logical_or:
             break;

@@ -66,7 +66,8 @@ void dump_records(DumpOptions& options) {
         LayoutSource(options.layout).load(record_encoding(characters), files);
     files.check();
     RecordInput input(options.records, options.input,
-                      {static_cast<std::size_t>(description.record_length()), characters.space()});
+                      {static_cast<std::size_t>(description.record_length()), characters.space(),
+                       description.asks_for_last()});
     RecordTable table_of(description, characters);
     conversion::ByteSink output = value_of(conversion::ByteSink::open("-", "standard output"));
     bool is_first = true;

@@ -67,8 +67,8 @@ void RecordConversion::close() {
 }
 
 void RecordConversion::convert(const conversion::Record& record) {
-    conversion::Done problem =
-        document_->write(record.data, static_cast<std::int32_t>(record.length));
+    conversion::Done problem = document_->write(
+        record.data, static_cast<std::int32_t>(record.length), std::nullopt, record.position());
     if (problem) return reject(record, *std::move(problem));
     const conversion::OutputDocument::Outcome& outcome = document_->outcome();
     for (const conversion::Field* field : outcome.bad_numbers) report_number(record, *field);

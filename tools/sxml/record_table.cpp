@@ -53,6 +53,7 @@ RecordTable::RecordTable(records::Description& description, const CharacterSet& 
 
 std::string RecordTable::of(const Record& record) {
     conversion::Done problem;
+    records::set_position(xfd_, record.position());
     if (sliding_) {
         problem = sliding_->spread({record.data, record.length}, fields_, xfd_, std::nullopt);
     } else {

@@ -129,7 +129,8 @@ int convert(const ToXmlOptions& options, const host::Module& module, RunFiles& f
     files.check();
     report.allow_writing();
     RecordInput input(options.records, options.input,
-                      {static_cast<std::size_t>(description.record_length()), characters.space()});
+                      {static_cast<std::size_t>(description.record_length()), characters.space(),
+                       description.asks_for_last()});
     AtomicOutput output(options.xml);
     SchemaBesideDocument schema(module, schema_choice, description, report);
     RejectFile rejects(options.report);

@@ -138,10 +138,10 @@ bool check_records(Check& check) {
     force_setting("SXML_ENCODING", characters.declared_name());
     Reading own = reading_of(check, characters);
     check.files.check();
-    RecordInput input(
-        check.source.file(), options.input,
-        {static_cast<std::size_t>(own.description.record_length()), characters.space()},
-        check.source.name());
+    RecordInput input(check.source.file(), options.input,
+                      {static_cast<std::size_t>(own.description.record_length()),
+                       characters.space(), own.description.asks_for_last()},
+                      check.source.name());
     const AtomicOutput nothing(platform::null_device());
     FieldStatistics statistics(own.description, own.characters);
     RecordSample sample;

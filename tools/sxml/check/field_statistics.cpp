@@ -73,11 +73,14 @@ bool FieldStatistics::holds_data(const Field& field, std::int32_t length) const 
 
 std::int32_t FieldStatistics::used_length(std::span<const std::uint8_t> record) const {
     if (sliding_) return description_.record_length();
-    return description_.used_length(record.data(), static_cast<std::int32_t>(record.size()));
+    return description_.used_length(record.data(), static_cast<std::int32_t>(record.size()),
+                                    position_);
 }
 
 void FieldStatistics::add(const conversion::Record& record) {
     const std::span<const std::uint8_t> read(record.data, record.length);
+    position_ = record.position();
+    records::set_position(description_.xfd(), position_);
     const std::uint8_t* const whole = spread(read);
     const RecordLayout& layout = fields_.layouts()[choose(whole)];
     const std::int32_t length = used_length(read);
@@ -97,6 +100,8 @@ void FieldStatistics::add(const conversion::Record& record) {
 }
 
 void FieldStatistics::add(const conversion::InputDocument& document) {
+    position_ = document.position();
+    records::set_position(description_.xfd(), position_);
     const std::uint8_t* const record = spread(document.record());
     const RecordLayout& layout = fields_.layouts()[choose(record)];
     const std::int32_t length = used_length(document.record());

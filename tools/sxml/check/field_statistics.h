@@ -89,7 +89,8 @@ class FieldStatistics {
     std::map<std::int32_t, std::size_t> row_of_item_;
     std::vector<std::uint64_t> records_;  // by layout
     std::uint64_t of_no_layout_ = 0;
-    bool is_of_a_layout_ = false;  // the record counted last
+    records::RecordPosition position_;  // of the record counted last
+    bool is_of_a_layout_ = false;       // the record counted last
     UnnamedBytes unnamed_;
     std::vector<std::uint8_t> named_;  // 1 for the bytes of a record that belong to fields
 };
