@@ -66,6 +66,8 @@ std::string text_of(const FieldTrouble& trouble) {
     switch (trouble.fate) {
         case FieldFate::cut:
             return quoted(trouble.text) + " is cut to " + std::to_string(trouble.size) + " bytes";
+        case FieldFate::no_digits:
+            return quoted(trouble.text) + " is not hexadecimal digits of the field's bytes";
         case FieldFate::lost_character:
             return quoted(trouble.text) +
                    " has a character that the program's set lacks; the "

@@ -1,9 +1,11 @@
 #include "library/field_values.h"
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 #include <vector>
 
+#include "conversion/texts/text_decoder.h"
 #include "conversion/texts/utf8.h"
 #include "host/utf8.h"
 #include "records/alignment.h"
@@ -80,25 +82,23 @@ Complaint FieldValues::get_text(const XfdItem& item, const std::uint8_t* record,
 
 Complaint FieldValues::get_characters(const XfdItem& item, const std::uint8_t* record,
                                       std::string& text) const {
-    const std::uint8_t* const bytes = record + item.offset;
-    auto size = static_cast<std::size_t>(item.data.length);
-    while (size > 0 && (bytes[size - 1] == characters_.space() || bytes[size - 1] == 0)) --size;
-    for (std::size_t i = 0; i < size; ++i) {
-        if (characters_.is_utf8()) {
-            const std::size_t width =
-                bytes[i] < 0x80 ? 1 : utf8::sequence_length(bytes + i, size - i);
-            if (width == 0) return "holds X'" + hexadecimal(bytes + i, 1) + "', which is not UTF-8";
-            text.append(reinterpret_cast<const char*>(bytes) + i, width);
-            i += width - 1;
-            continue;
+    const std::span<const std::uint8_t> bytes(record + item.offset,
+                                              static_cast<std::size_t>(item.data.length));
+    const conversion::TextForm form = conversion::text_form(item, characters_);
+    conversion::TextDecoder decoder(bytes, characters_, form);
+    std::size_t end = 0;  // of what is not blank
+    while (const auto character = decoder.next()) {
+        const std::uint8_t* const start = &bytes[character->start];
+        if (character->code < 0) {
+            return "holds X'" + hexadecimal(start, static_cast<std::int32_t>(character->length)) +
+                   "', which is " +
+                   (characters_.is_utf8() ? "not UTF-8" : "no character of " + characters_.name());
         }
-        const std::int32_t code = characters_.characters()[bytes[i]];
-        if (code < 0) {
-            return "holds X'" + hexadecimal(bytes + i, 1) + "', which is no character of " +
-                   characters_.name();
-        }
-        conversion::append_utf8(static_cast<char32_t>(code), text);
+        conversion::append_utf8(static_cast<char32_t>(character->code), text);
+        const bool is_wide = form == conversion::TextForm::double_byte;
+        if (character->code != (is_wide ? 0x3000 : ' ') && character->code != 0) end = text.size();
     }
+    text.resize(end);
     return {};
 }
 
@@ -129,8 +129,9 @@ Complaint FieldValues::set_characters(const XfdItem& item, std::uint8_t* record,
         i += width - 1;
     }
     std::string converted;
+    const conversion::TextForm form = conversion::text_form(item, characters_);
     if (from_utf8_.converts()) {
-        const auto lost = from_utf8_.convert(text, converted);
+        const auto lost = from_utf8_.convert(text, converted, form);
         if (lost) {
             std::string character;
             conversion::append_utf8(*lost, character);
@@ -143,7 +144,8 @@ Complaint FieldValues::set_characters(const XfdItem& item, std::uint8_t* record,
         return "has " + std::to_string(size) + " bytes, the text " + std::to_string(text.size());
     }
     std::uint8_t* const target = record + item.offset;
-    std::fill(std::copy(text.begin(), text.end(), target), target + size, characters_.space());
+    conversion::fill_blank(target, size, conversion::blank_of(form, characters_));
+    std::copy(text.begin(), text.end(), target);
     const records::FieldEdges edges = records::field_extra(item.data).edges;
     if (edges.is_right == 0 && edges.blanks == 0) return {};
     if (!characters_.is_ebcdic()) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "conversion/session/module.h"
+#include "host/encoding.h"
 #include "host/runtime/settings.h"
 
 namespace library {
@@ -78,8 +79,13 @@ Result<std::unique_ptr<RecordFile>> RecordFile::open(const std::string& layout,
                                                      const Target& target, FileOptions options) {
     if (const auto module = conversion::xml_module(); !module) return module.problem();
     if (Done problem = Settings::check(options)) return *std::move(problem);
-    Result<CharacterSet> characters =
-        CharacterSet::find(options.encoding.empty() ? "utf-8" : options.encoding);
+    const bool is_latin1 = std::ranges::any_of(options.settings, [](const auto& setting) {
+        return setting.first == "SXML_ENCODING" &&
+               host_encoding_code(setting.second.c_str()) == HOST_ENCODING_LATIN1;
+    });
+    Result<CharacterSet> characters = CharacterSet::find(
+        options.encoding.empty() ? "utf-8" : options.encoding,
+        is_latin1 ? conversion::DocumentEncoding::single_byte : conversion::DocumentEncoding::utf8);
     if (!characters) return characters.problem();
     options.layout.encoding =
         characters->is_ebcdic() ? records::RecordEncoding::ebcdic : records::RecordEncoding::ascii;
@@ -116,7 +122,7 @@ RecordFile::RecordFile(records::Description description, CharacterSet characters
       names_(description_.xfd()),
       values_(characters_),
       blank_(description_.xfd(), description_.record_length(), conversion::BlankFill::by_type,
-             characters_.space()),
+             &characters_),
       record_(static_cast<std::size_t>(description_.record_length())) {
     if (description_.slides()) sliding_.emplace(description_, characters_.space());
     clear();
@@ -205,6 +211,9 @@ Result<bool> RecordFile::read_document() {
         const std::string field = "field " + fields_.name(trouble.item) + ": ";
         if (trouble.fate == FieldFate::no_number) {
             warnings_.push_back(field + "no number that fits the field: '" + trouble.text + "'");
+        } else if (trouble.fate == FieldFate::no_digits) {
+            warnings_.push_back(field + "not hexadecimal digits of " +
+                                std::to_string(trouble.size) + " bytes: '" + trouble.text + "'");
         } else if (trouble.fate == FieldFate::lost_character) {
             warnings_.push_back(field + "a character of '" + trouble.text + "' is not in " +
                                 characters_.name());

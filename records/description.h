@@ -139,8 +139,9 @@ class Description {
     std::vector<Mark> marks() const;
     // Where records must stand of which condition `number` (from 1) holds.
     RecordPosition position_asked_by(int number) const;
-    // Whether a condition asks for the last record.
+    // Whether a condition asks for the last record, or for that or the first.
     bool asks_for_last() const;
+    bool asks_for_position() const;
     // Text of condition `number` (from 1), for messages.
     const std::string& condition_text(int number) const;
 

@@ -64,7 +64,8 @@ enum FieldFlag : std::uint8_t {
     FIELD_DECIMAL_COMMA = 8,     // the conventions' decimal point is a comma
     FIELD_BLANK_WHEN_ZERO = 16,  // zero is stored as blanks
     FIELD_STORED_POINT = 32,     // a DISPLAY field holds its decimal point: S9(3).99
-    FIELD_STORED_COMMA = 64      // the same, a comma
+    FIELD_STORED_COMMA = 64,     // the same, a comma
+    FIELD_DOUBLE_BYTE = 128      // characters of two bytes each, without shifts (DISPLAY-1)
 };
 
 inline FieldExtra field_extra(const XfdDataDesc& data) {

@@ -2,16 +2,18 @@
 
 #include <algorithm>
 
+#include "conversion/texts/text_form.h"
 #include "records/numbers.h"
 
 namespace conversion {
 
 BlankRecord::BlankRecord(const Xfd& xfd, std::int32_t record_length, BlankFill fill,
-                         std::uint8_t space)
+                         const CharacterSet* characters)
     : fill_(fill),
-      space_(space),
+      characters_(characters),
+      space_(characters != nullptr ? characters->space() : std::uint8_t{' '}),
       start_(static_cast<std::size_t>(record_length),
-             fill == BlankFill::zeros ? std::uint8_t{0} : space),
+             fill == BlankFill::zeros ? std::uint8_t{0} : space_),
       claimed_(start_.size()),
       fields_(static_cast<std::size_t>(std::max<int>(xfd.condition_count, 0)) + 1) {
     for (std::int32_t i = 0; i < xfd.item_count; ++i) {
@@ -51,12 +53,17 @@ bool BlankRecord::is_claimed(const XfdItem& field) const {
 
 void BlankRecord::initialise(const XfdItem& field, std::uint8_t* record) const {
     const bool is_binary = field.format == XFD_FORMAT_BINARY;
-    if (is_binary || !is_numeric_type(field.data.type)) {
-        std::fill_n(record + field.offset, field.data.length, is_binary ? std::uint8_t{0} : space_);
-        return;
+    std::uint8_t* const bytes = record + field.offset;
+    const auto size = static_cast<std::size_t>(field.data.length);
+    if (is_binary) return void(std::fill_n(bytes, size, std::uint8_t{0}));
+    if (!is_numeric_type(field.data.type)) {
+        const TextBlank blank = characters_ != nullptr
+                                    ? blank_of(text_form(field, *characters_), *characters_)
+                                    : TextBlank{space_, space_};
+        return fill_blank(bytes, size, blank);
     }
     XfdDataDesc target = field.data;
-    target.address = record + field.offset;
+    target.address = bytes;
     records::encode_field(records::Decimal{}, target);
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "conversion/texts/character_set.h"
 #include "host/record_description.h"
 
 namespace conversion {
@@ -21,9 +22,10 @@ enum class BlankFill : std::uint8_t {
 // value. What belongs to no field is spaces.
 class BlankRecord {
   public:
-    // `xfd` must outlive this; it tells fields, offsets and conditions. `space` is that of the
-    // records' character set.
-    BlankRecord(const Xfd& xfd, std::int32_t record_length, BlankFill fill, std::uint8_t space);
+    // `xfd` must outlive this; it tells fields, offsets and conditions. `characters` are the
+    // records', and must outlive this; null: an extension of ASCII.
+    BlankRecord(const Xfd& xfd, std::int32_t record_length, BlankFill fill,
+                const CharacterSet* characters);
 
     // Blanks a record with the fields that every record has. With BlankFill::keep, all but the
     // first record stay as they are.
@@ -37,6 +39,7 @@ class BlankRecord {
     void claim_fields(int number, std::uint8_t* record);
 
     BlankFill fill_;
+    const CharacterSet* characters_;
     std::uint8_t space_;
     std::vector<std::uint8_t> start_;    // the record with the fields of every record blanked
     std::vector<std::uint8_t> claimed_;  // 1 for bytes of fields that apply

@@ -24,12 +24,13 @@ bool is_control(char character) {
 
 // What the document cannot hold of a text; empty when it can hold all of it.
 std::string fault_of(std::string_view text, const CharacterSet& characters) {
-    // Beside records in EBCDIC the document is in ISO-8859-1, which has all other bytes.
+    // ISO-8859-1 has all other bytes.
     if (std::any_of(text.begin(), text.end(), is_control)) {
         return "a control character is not allowed in XML";
     }
-    if (characters.is_ebcdic()) return {};
-    const auto problem = TextCheck(characters)
+    if (characters.converts() && characters.is_latin1_document()) return {};
+    const Result<CharacterSet> utf8 = CharacterSet::find("utf-8");
+    const auto problem = TextCheck(characters.converts() ? *utf8 : characters)
                              .check(reinterpret_cast<const std::uint8_t*>(text.data()),
                                     static_cast<std::int32_t>(text.size()));
     return problem ? problem->what : std::string();

@@ -49,6 +49,16 @@ bool is_ascii(std::string_view text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
+int digit_value(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+}
+
+bool is_hexadecimal(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return digit_value(c) >= 0; });
+}
+
 bool is_aligned(const XfdItem& item) {
     const records::FieldEdges edges = records::field_extra(item.data).edges;
     return edges.is_right != 0 || edges.blanks != 0;
@@ -81,8 +91,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       marks_(description.marks()),
       characters_(characters),
       own_characters_(*CharacterSet::find("utf-8")),
-      blank_(description.xfd(), record_length_, options.fill,
-             characters != nullptr ? characters->space() : std::uint8_t{' '}),
+      blank_(description.xfd(), record_length_, options.fill, characters),
       single_entry_(description),
       record_(static_cast<std::size_t>(record_length_)),
       fates_(static_cast<std::size_t>(description.xfd().item_count)),
@@ -330,7 +339,7 @@ void InputDocument::store(void* document, std::int32_t index, const char* text,
     fate = FieldFate::filled;
     self.field_uses_[static_cast<std::size_t>(index)].has_had_data = true;
     try {
-        if (is_numeric_type(item.data.type)) {
+        if (is_numeric_type(item.data.type) && item.format != XFD_FORMAT_BINARY) {
             self.store_number(index, {text, length});
         } else {
             self.store_text(index, {text, length});
@@ -374,22 +383,52 @@ void InputDocument::begin_texts() {
 void InputDocument::store_text(std::int32_t index, std::string_view text) {
     if (!texts_) begin_texts();
     const XfdItem& item = module_file_.xfd->items[index];
-    std::string_view value = text;
-    if (texts_->converts() && item.format != XFD_FORMAT_BINARY && !convert(index, value)) return;
-    place(item, value);
     const auto size = static_cast<std::size_t>(item.data.length);
-    if (value.size() <= size) return;
-    note_trouble({index, FieldFate::cut, std::string(text), value.size(), size, 0});
+    if (item.format == XFD_FORMAT_BINARY) return store_digits(index, text);
+    // A text is never as long as the digits of its field.
+    if (options_.takes_hex && text.size() == 2 * size && is_hexadecimal(text)) {
+        return store_digits(index, text);
+    }
+    const TextForm form = text_form(item, *characters_);
+    std::string_view value = text;
+    if (texts_->converts() && !convert(index, form, value)) return;
+    const std::size_t whole = value.size();
+    if (whole > size && texts_->converts()) {
+        texts_->cut(converted_, size, form);
+        value = converted_;
+    } else if (whole > size) {
+        value = value.substr(0, texts_->fitting(value, size));
+    }
+    place(item, form, value);
+    if (whole > size) note_trouble({index, FieldFate::cut, std::string(text), whole, size, 0});
+}
+
+// Stores bytes from their hexadecimal digits; zero bytes fill up what they leave.
+void InputDocument::store_digits(std::int32_t index, std::string_view text) {
+    const XfdItem& item = module_file_.xfd->items[index];
+    const auto size = static_cast<std::size_t>(item.data.length);
+    std::uint8_t* const target = record_.data() + item.offset;
+    std::fill_n(target, size, std::uint8_t{0});
+    if (text.size() % 2 != 0 || !is_hexadecimal(text)) {
+        return note_trouble({index, FieldFate::no_digits, std::string(text), 0, size, 0});
+    }
+    const std::size_t count = std::min(text.size() / 2, size);
+    for (std::size_t i = 0; i < count; ++i) {
+        target[i] =
+            static_cast<std::uint8_t>(digit_value(text[2 * i]) << 4 | digit_value(text[2 * i + 1]));
+    }
+    if (text.size() / 2 <= size) return;
+    note_trouble({index, FieldFate::cut, std::string(text), text.size() / 2, size, 0});
 }
 
 // Converts a text into the records' character set. False when it cannot be.
-bool InputDocument::convert(std::int32_t index, std::string_view& text) {
+bool InputDocument::convert(std::int32_t index, TextForm form, std::string_view& text) {
     const XfdItem& item = module_file_.xfd->items[index];
     const bool is_edited = item.data.type == records::EDITED && is_aligned(item);
     const bool fits = text.size() <= static_cast<std::size_t>(item.data.length);
     const std::string source =
         is_edited && fits && is_ascii(text) ? aligned(item, text) : std::string(text);
-    const std::optional<char32_t> lost = texts_->convert(source, converted_);
+    const std::optional<char32_t> lost = texts_->convert(source, converted_, form);
     if (lost) {
         note_trouble({index, FieldFate::lost_character, std::string(text), 0, 0, *lost});
         return false;
@@ -398,18 +437,17 @@ bool InputDocument::convert(std::int32_t index, std::string_view& text) {
     return true;
 }
 
-// Stores a text in the records' character set: as many whole characters as fit, where the field's
-// picture says.
-void InputDocument::place(const XfdItem& item, std::string_view text) {
+// Stores a text in the records' character set, which fits, where the field's picture says.
+void InputDocument::place(const XfdItem& item, TextForm form, std::string_view text) {
     const auto size = static_cast<std::size_t>(item.data.length);
-    const std::size_t moved = text.size() <= size ? text.size() : texts_->fitting(text, size);
     std::uint8_t* const target = record_.data() + item.offset;
-    std::fill(std::copy_n(text.begin(), moved, target), target + size, characters_->space());
+    fill_blank(target, size, blank_of(form, *characters_));
+    std::copy(text.begin(), text.end(), target);
     if (!is_aligned(item)) return;
     if (!characters_->is_ebcdic()) {
         records::align_field(item, record_.data());
     } else if (item.data.type == records::JUSTIFIED) {
-        std::rotate(target, target + moved, target + size);
+        std::rotate(target, target + text.size(), target + size);
     }
 }
 
@@ -456,9 +494,12 @@ bool InputDocument::is_blank(const XfdItem& item) const {
         return records::decode_field(data, number) &&
                records::compare(number, records::Decimal{}) == 0;
     }
-    const std::uint8_t blank = is_binary ? std::uint8_t{0} : characters_->space();
-    return std::all_of(bytes, bytes + item.data.length,
-                       [blank](std::uint8_t byte) { return byte == blank; });
+    std::vector<std::uint8_t> blank(static_cast<std::size_t>(item.data.length));
+    if (!is_binary) {
+        const TextForm form = text_form(item, *characters_);
+        fill_blank(blank.data(), blank.size(), blank_of(form, *characters_));
+    }
+    return std::equal(blank.begin(), blank.end(), bytes);
 }
 
 // Elements of a table's only entry carry no number for it, and so are taken for every entry.

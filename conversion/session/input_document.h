@@ -29,6 +29,7 @@ enum class FieldFate : std::uint8_t {
     filled,           // with all of the text
     cut,              // with as many whole characters as fit
     no_number,        // the text is not a number that fits; docs/numbers.md says what it holds
+    no_digits,        // of a binary field: the text is not pairs of hexadecimal digits; it is zero
     lost_character,   // the text has a character that the records' set lacks; it is blank
     not_used          // it is in an entry that the record's table does not have
 };
@@ -36,10 +37,10 @@ enum class FieldFate : std::uint8_t {
 // A field that is not what the document says.
 struct FieldTrouble {
     std::int32_t item;   // of the description
-    FieldFate fate;      // cut, no_number or lost_character
+    FieldFate fate;      // cut, no_number, no_digits or lost_character
     std::string text;    // in UTF-8 or, of a document in ISO-8859-1, in that
     std::size_t whole;   // cut: bytes that the whole text takes in the records' character set
-    std::size_t size;    // cut: bytes that the field has
+    std::size_t size;    // cut, no_digits: bytes that the field has
     char32_t character;  // lost_character: the first one
 };
 
@@ -87,6 +88,8 @@ class InputDocument {
         // places there. Empty: it is `file`.
         std::string original = {};
         AttributeRule attributes = {};
+        // Hexadecimal digits of all of a text field's bytes are these bytes.
+        bool takes_hex = false;
         // Of each layout: whether records are of it only when their element has its name, whatever
         // its conditions say; when no layout has that name, they may be of the first. Empty: none.
         std::vector<bool> is_named_by_element{};
@@ -178,8 +181,9 @@ class InputDocument {
     void store_text(std::int32_t index, std::string_view text);
     void store_number(std::int32_t index, std::string_view text);
     void mark_record(std::int32_t condition);
-    bool convert(std::int32_t index, std::string_view& text);
-    void place(const XfdItem& item, std::string_view text);
+    void store_digits(std::int32_t index, std::string_view text);
+    bool convert(std::int32_t index, TextForm form, std::string_view& text);
+    void place(const XfdItem& item, TextForm form, std::string_view text);
     void note_trouble(FieldTrouble trouble);
     void collect_names(const Xfd& xfd);
     void collect_unused();

@@ -5,12 +5,19 @@
 #include <utility>
 
 #include "conversion/session/document_settings.h"
+#include "conversion/texts/text_decoder.h"
+#include "conversion/texts/utf8.h"
 #include "host/dispatch_table.h"
+#include "host/runtime/memory_report.h"
 #include "records/numbers.h"
 
 namespace conversion {
 
 namespace {
+
+bool is_control(std::int32_t code) {
+    return code < 0x20 && code != '\t' && code != '\n' && code != '\r';
+}
 
 bool is_number(FieldKind kind) {
     return kind == FieldKind::display_number || kind == FieldKind::other_number;
@@ -48,10 +55,12 @@ OutputDocument::OutputDocument(const host::Module& module, const records::Descri
       is_strict_(options.is_strict),
       has_lengths_(options.has_lengths),
       fields_(std::move(fields)),
-      text_check_(characters) {
+      controls_(options.controls),
+      text_check_(characters, controls_ != Controls::refuse),
+      control_check_(characters) {
     handler_.context = this;
     handler_.choose_layout = &choose_layout;
-    if (characters.is_ebcdic()) handler_.text = &translate_text;
+    if (characters.converts() || controls_ != Controls::refuse) handler_.text = &translate_text;
     if (!description.slides()) return;
     sliding_.emplace(description, characters.space());
     handler_.moves_items = 1;
@@ -99,12 +108,75 @@ const char* OutputDocument::translate_text(void* document, std::int32_t index,
                                            std::size_t* length) {
     auto& self = *static_cast<OutputDocument*>(document);
     const XfdItem& item = self.module_file_.xfd->items[index];
-    const std::uint8_t* const text = self.record_ + item.offset;
-    *length = static_cast<std::size_t>(item.data.length);
-    std::transform(text, text + *length, self.translated_.begin(), [&self](std::uint8_t byte) {
-        return static_cast<char>(self.characters_.translation()[byte]);
-    });
+    self.translated_.clear();
+    try {
+        self.translate({self.record_ + item.offset, static_cast<std::size_t>(item.data.length)},
+                       text_form(item, self.characters_));
+    } catch (const std::bad_alloc&) {
+        self.is_out_of_memory_ = true;
+    }
+    *length = self.translated_.size();
     return self.translated_.data();
+}
+
+void OutputDocument::translate(std::span<const std::uint8_t> bytes, TextForm form) {
+    const auto size = static_cast<std::int32_t>(bytes.size());
+    const bool has_controls =
+        controls_ != Controls::refuse && control_check_.check(bytes.data(), size, form).has_value();
+    if (has_controls && controls_ == Controls::hex) {
+        constexpr std::string_view DIGITS = "0123456789ABCDEF";
+        for (const std::uint8_t byte : bytes) {
+            translated_ += DIGITS[byte >> 4];
+            translated_ += DIGITS[byte & 0xF];
+        }
+    } else if (has_controls || form != TextForm::plain || characters_.has_pairs()) {
+        translate_characters(bytes, form);
+    } else if (!characters_.converts()) {
+        translated_.assign(bytes.begin(), bytes.end());
+    } else {
+        const bool is_latin1 = characters_.is_latin1_document();
+        for (const std::uint8_t byte : bytes) {
+            const auto code = static_cast<char32_t>(characters_.characters()[byte]);
+            if (code < 0x80 || is_latin1) {
+                translated_ += static_cast<char>(code);
+            } else {
+                append_utf8(code, translated_);
+            }
+        }
+    }
+}
+
+void OutputDocument::translate_characters(std::span<const std::uint8_t> bytes, TextForm form) {
+    constexpr std::int32_t IDEOGRAPHIC_SPACE = 0x3000;
+    TextDecoder decoder(bytes, characters_, form);
+    const bool is_utf8 = characters_.declared_name() == "UTF-8";
+    std::size_t end = 0;  // of what is not blank
+    while (const auto character = decoder.next()) {
+        const std::int32_t code = character->code;
+        const bool is_blank = form == TextForm::double_byte && code == IDEOGRAPHIC_SPACE;
+        if (is_control(code)) {
+            append_control();
+        } else if (is_utf8 || (characters_.converts() && code < 0x80)) {
+            append_utf8(static_cast<char32_t>(code), translated_);
+        } else if (characters_.converts()) {
+            translated_ += static_cast<char>(code);
+        } else {
+            const auto part = bytes.subspan(character->start, character->length);
+            translated_.append(part.begin(), part.end());
+        }
+        if (!is_blank) end = translated_.size();
+    }
+    translated_.resize(end);
+}
+
+void OutputDocument::append_control() {
+    if (controls_ != Controls::replace) return;
+    constexpr char32_t REPLACEMENT = 0xFFFD;
+    if (characters_.declared_name() == "UTF-8") {
+        append_utf8(REPLACEMENT, translated_);
+    } else {
+        translated_ += '?';
+    }
 }
 
 Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
@@ -128,11 +200,9 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     if (is_strict_) {
         if (Done problem = check_strictly()) return problem;
     }
-    if (handler_.text != nullptr) {
-        translated_.resize(static_cast<std::size_t>(description_.record_length()));
-    }
     const std::uint64_t exceptions = records::data_exceptions();
     module_.write(module_file_.file, record_, static_cast<std::uint32_t>(outcome_.length));
+    if (is_out_of_memory_) return Problem{Cause::no_memory, {}, host::memory_problem(), {}};
     if (records::data_exceptions() != exceptions) find_bad_numbers();
     return take_hidden_failure();
 }
@@ -222,7 +292,8 @@ Done OutputDocument::check_texts() const {
     for (const Field& field : chosen().texts) {
         if (!is_written(field)) continue;
         std::optional<TextProblem> problem =
-            text_check_.check(record_ + field.offset, field.length);
+            text_check_.check(record_ + field.offset, field.length,
+                              text_form(module_file_.xfd->items[field.item], characters_));
         if (!problem) continue;
         return Problem{Cause::record,
                        place_of(field, problem->position),

@@ -18,6 +18,15 @@
 
 namespace conversion {
 
+// What becomes of control characters that XML does not allow, and of NUL bytes with text after
+// them.
+enum class Controls : std::uint8_t {
+    refuse,   // the record is not written
+    replace,  // U+FFFD, or a question mark where the document cannot hold that
+    drop,
+    hex  // of a field with one, hexadecimal digits of all bytes are written
+};
+
 // The way of a record: its conditions are evaluated and its layout is chosen once, its texts are
 // checked, and the module writes it as that layout. Any number of documents may be open at once.
 class OutputDocument {
@@ -31,6 +40,7 @@ class OutputDocument {
         // Records have lengths of their own: one that is longer than its layout, not counting
         // spaces and NUL bytes, is a problem and not written.
         bool has_lengths = false;
+        Controls controls = Controls::refuse;
     };
     // What became of the record written last.
     struct Outcome {
@@ -84,6 +94,9 @@ class OutputDocument {
     static std::int32_t choose_layout(void* document);
     static const char* translate_text(void* document, std::int32_t index, std::size_t* length);
 
+    void translate(std::span<const std::uint8_t> bytes, TextForm form);
+    void translate_characters(std::span<const std::uint8_t> bytes, TextForm form);
+    void append_control();
     void choose(std::optional<std::size_t> layout);
     void complete_cut_field();
     Done spread(std::span<const std::uint8_t> packed, std::optional<std::size_t> layout);
@@ -107,7 +120,9 @@ class OutputDocument {
     bool is_strict_;
     bool has_lengths_;
     RecordFields fields_;
-    TextCheck text_check_;
+    Controls controls_;
+    TextCheck text_check_;     // what the document cannot have
+    TextCheck control_check_;  // and control characters
     std::optional<SlidingRecord> sliding_;
     HostRecordHandler handler_{};
     ModuleFile module_file_;
@@ -115,6 +130,7 @@ class OutputDocument {
     Outcome outcome_;
     std::vector<std::uint8_t> completed_;  // a record whose last field was cut
     std::string translated_;               // one text
+    bool is_out_of_memory_ = false;        // in a function that the module called
 };
 
 }  // namespace conversion

@@ -34,6 +34,15 @@ std::string upper_case(std::string text) {
     return text;
 }
 
+// But for the backslash and the tilde, which national sets replace.
+bool nearly_extends_ascii(const Characters& characters) {
+    for (std::int32_t byte = 0x20; byte < 0x7F; ++byte) {
+        const bool is_replaced = byte == '\\' || byte == '~';
+        if (!is_replaced && characters[static_cast<std::size_t>(byte)] != byte) return false;
+    }
+    return true;
+}
+
 bool extends_ascii(const Characters& characters) {
     for (std::int32_t byte = 0x20; byte < 0x7F; ++byte) {
         if (characters[static_cast<std::size_t>(byte)] != byte) return false;
@@ -55,7 +64,7 @@ ByteClass classify_character(std::int32_t character) {
 
 }  // namespace
 
-Result<CharacterSet> CharacterSet::find(const std::string& name) {
+Result<CharacterSet> CharacterSet::find(const std::string& name, DocumentEncoding encoding) {
     CharacterSet set(name);
     const std::int32_t code = host_encoding_code(name.c_str());
     if (code == HOST_ENCODING_UTF8) {
@@ -71,13 +80,16 @@ Result<CharacterSet> CharacterSet::find(const std::string& name) {
     if (kind == platform::CharacterSetKind::unknown) {
         return unsuitable(name, "not a known character set");
     }
-    if (kind == platform::CharacterSetKind::multi_byte) {
-        return unsuitable(name, "characters of several bytes are understood in utf-8 only");
+    const bool is_multi_byte = kind == platform::CharacterSetKind::multi_byte;
+    const bool may_shift = characters[SHIFT_OUT] == platform::NO_CHARACTER;
+    if ((is_multi_byte || may_shift) && set.become_double_byte()) {
+        if (encoding == DocumentEncoding::utf8) return set;
+        return unsuitable(name, "documents can have its characters in UTF-8 only");
     }
-    if (!set.become_single_byte(characters)) {
+    if (is_multi_byte) return unsuitable(name, "its characters of several bytes are not known");
+    if (!set.become_single_byte(characters, encoding)) {
         return unsuitable(name, "neither an extension of ASCII nor EBCDIC");
     }
-    if (code == HOST_ENCODING_LATIN1) set.declared_name_ = "ISO-8859-1";
     return set;
 }
 
@@ -90,17 +102,43 @@ void CharacterSet::become_utf8() {
     }
 }
 
-bool CharacterSet::become_single_byte(const Characters& characters) {
+bool CharacterSet::become_single_byte(const Characters& characters, DocumentEncoding encoding) {
+    const bool is_utf8 = encoding == DocumentEncoding::utf8;
+    const bool is_latin1 = host_encoding_code(name_.c_str()) == HOST_ENCODING_LATIN1;
     characters_ = characters;
     ebcdic_ = is_ebcdic_set(characters);
     if (!ebcdic_ && !extends_ascii(characters)) return false;
-    declared_name_ = ebcdic_ ? "ISO-8859-1" : upper_case(name_);
-    for (std::size_t byte = 0; byte < characters.size(); ++byte) {
-        const std::int32_t character = characters[byte];
-        const bool lost = ebcdic_ && character > 0xFF;
-        classes_[byte] = lost ? ByteClass::not_in_target : classify_character(character);
-        translation_[byte] = static_cast<std::uint8_t>(character & 0xFF);
+    converts_ = ebcdic_ || (is_utf8 && !is_latin1);
+    declared_name_ = upper_case(name_);
+    if (converts_) declared_name_ = is_utf8 ? "UTF-8" : "ISO-8859-1";
+    if (is_latin1) declared_name_ = "ISO-8859-1";
+    classify_bytes(ebcdic_ && !is_utf8);
+    return true;
+}
+
+// `is_limited`: the document has the characters of ISO-8859-1 only.
+void CharacterSet::classify_bytes(bool is_limited) {
+    for (std::size_t byte = 0; byte < classes_.size(); ++byte) {
+        const std::int32_t character = characters_[byte];
+        const bool is_lost = is_limited && character > 0xFF;
+        classes_[byte] = is_lost ? ByteClass::not_in_target : classify_character(character);
     }
+}
+
+bool CharacterSet::become_double_byte() {
+    platform::DoubleByteSet found;
+    if (!platform::find_double_byte_set(name_, found)) return false;
+    ebcdic_ = found.has_shifts;
+    if (!ebcdic_ && !nearly_extends_ascii(found.single)) return false;
+    characters_ = found.single;
+    converts_ = true;
+    declared_name_ = "UTF-8";
+    classify_bytes(false);
+    for (std::size_t byte = 0; byte < classes_.size(); ++byte) {
+        const bool is_shift = byte == SHIFT_OUT || byte == SHIFT_IN;
+        if (found.is_lead[byte] || (ebcdic_ && is_shift)) classes_[byte] = ByteClass::multi_byte;
+    }
+    pairs_ = std::make_shared<const platform::DoubleByteSet>(std::move(found));
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "conversion/texts/character_set.h"
+#include "conversion/texts/text_form.h"
 #include "host/ascii_words.h"
 
 namespace conversion {
@@ -26,11 +27,14 @@ struct TextProblem {
 // Checks texts of one character set, which must outlive this.
 class TextCheck {
   public:
-    explicit TextCheck(const CharacterSet& characters);
+    // `allows_controls`: control characters, and NUL bytes with text after them, are no problem.
+    explicit TextCheck(const CharacterSet& characters, bool allows_controls = false);
 
     // The first problem of a text. Allowed are the characters that XML 1.0 allows, and NUL bytes
     // that fill up the end of the text.
-    std::optional<TextProblem> check(const std::uint8_t* text, std::int32_t length) const {
+    std::optional<TextProblem> check(const std::uint8_t* text, std::int32_t length,
+                                     TextForm form = TextForm::plain) const {
+        if (form != TextForm::plain) return look_at_characters(text, length, form);
         if (is_ascii_plain_ && ascii::is_printable(reinterpret_cast<const char*>(text),
                                                    static_cast<std::size_t>(length))) {
             return std::nullopt;
@@ -43,9 +47,12 @@ class TextCheck {
 
   private:
     std::optional<TextProblem> look_closely(const std::uint8_t* text, std::int32_t length) const;
+    std::optional<TextProblem> look_at_characters(const std::uint8_t* text, std::int32_t length,
+                                                  TextForm form) const;
     TextProblem problem_of(std::int32_t position, std::uint8_t byte) const;
 
     const CharacterSet& characters_;
+    bool allows_controls_;
     std::array<std::uint8_t, 256> special_{};  // 0 for plain characters
     bool is_ascii_plain_ = true;               // from the blank to 0x7F
 };

@@ -29,8 +29,16 @@ RecordPosition position_asked_by(const Test& test) {
     return asked;
 }
 
-bool mentions_last(const Test& test) {
-    return test.kind == Test::Kind::is_last || std::ranges::any_of(test.operands, mentions_last);
+bool mentions(const Test& test, Test::Kind kind) {
+    return test.kind == kind || std::ranges::any_of(test.operands, [kind](const Test& each) {
+               return mentions(each, kind);
+           });
+}
+
+bool mentions(const Model& model, Test::Kind kind) {
+    return std::ranges::any_of(model.conditions, [kind](const Condition& condition) {
+        return mentions(condition.test, kind);
+    });
 }
 
 bool has_counter_of_one(const SlidingPlan& plan, const std::uint8_t* record, const void* place) {
@@ -221,9 +229,11 @@ RecordPosition Description::position_asked_by(int number) const {
 }
 
 bool Description::asks_for_last() const {
-    return std::ranges::any_of(data_->model.conditions, [](const Condition& condition) {
-        return mentions_last(condition.test);
-    });
+    return mentions(data_->model, Test::Kind::is_last);
+}
+
+bool Description::asks_for_position() const {
+    return asks_for_last() || mentions(data_->model, Test::Kind::is_first);
 }
 
 const std::string& Description::condition_text(int number) const {

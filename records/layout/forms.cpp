@@ -95,6 +95,9 @@ FieldForm character_form(const Node& node, const Picture& picture) {
     }
     if (node.usage == Usage::national) form.type = NATIONAL;
     if (node.usage == Usage::double_byte) form.type = ALPHANUMERIC;
+    if (node.usage == Usage::double_byte || picture.category == Category::double_byte) {
+        form.flags |= FIELD_DOUBLE_BYTE;
+    }
     if (node.source->justified && form.type != NATIONAL) form.type = JUSTIFIED;
     return form;
 }

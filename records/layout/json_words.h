@@ -41,13 +41,14 @@ constexpr Words<FieldType, 22> TYPES{
      {"encoded_text", ENCODED_TEXT},
      {"text", TEXT}}};
 
-constexpr Words<FieldFlag, 7> FLAGS{{{"ebcdic_sign", FIELD_EBCDIC_SIGN},
+constexpr Words<FieldFlag, 8> FLAGS{{{"ebcdic_sign", FIELD_EBCDIC_SIGN},
                                      {"truncate", FIELD_TRUNCATE},
                                      {"ebcdic_text", FIELD_EBCDIC_TEXT},
                                      {"decimal_comma", FIELD_DECIMAL_COMMA},
                                      {"blank_when_zero", FIELD_BLANK_WHEN_ZERO},
                                      {"stored_point", FIELD_STORED_POINT},
-                                     {"stored_comma", FIELD_STORED_COMMA}}};
+                                     {"stored_comma", FIELD_STORED_COMMA},
+                                     {"double_byte", FIELD_DOUBLE_BYTE}}};
 
 constexpr Words<Expression::Relation, 6> RELATIONS{{{"=", Expression::Relation::equal},
                                                     {"<>", Expression::Relation::not_equal},

@@ -37,6 +37,14 @@ void PrintTo(const EncodingCase& one, std::ostream* out) {
     *out << one.name;
 }
 
+class CharactersTest : public CommandTest {
+  protected:
+    static Outcome run_on(const std::string& command, std::vector<std::string> words) {
+        words.insert(words.begin(), command);
+        return sxml(words);
+    }
+};
+
 class EncodingTest : public CommandTest, public testing::WithParamInterface<EncodingCase> {};
 
 TEST_P(EncodingTest, TextAndNumbersComeOutRight) {
@@ -64,26 +72,179 @@ const std::vector<EncodingCase> CASES = {
     {"latin1", "iso-8859-1", "Caf\xE9 " + ASCII_NUMBERS, 0, "ISO-8859-1", "Caf\xE9", ""},
     {"latin1_control", "iso-8859-1", "Caf\x1F " + ASCII_NUMBERS, 1, "", "",
      "record 1, field word, byte offset 3 (3 in the record): the byte 0x1F is a control"},
-    {"windows", "windows-1252", "Caf\xE9\x80" + ASCII_NUMBERS, 0, "WINDOWS-1252", "Caf\xE9\x80",
-     ""},
+    {"windows", "windows-1252", "Caf\xE9\x80" + ASCII_NUMBERS, 0, "UTF-8",
+     "Caf\xC3\xA9\xE2\x82\xAC", ""},
     {"windows_undefined", "windows-1252", "Caf\x81 " + ASCII_NUMBERS, 1, "", "",
      "the byte 0x81 is no character of windows-1252"},
     {"ascii", "us-ascii", "Caf\xE9 " + ASCII_NUMBERS, 1, "", "", "the byte 0xE9 is no character"},
-    {"cp037", "cp037", "\xC3\x81\x86\x51\x4C" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "Caf\xE9&lt;", ""},
-    {"cp1047_brackets", "cp1047", "\xAD\xBD\x40\x40\x40" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "[]",
-     ""},
-    {"cp037_brackets", "cp037", "\xBA\xBB\x40\x40\x40" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "[]", ""},
-    {"cp273", "cp273", "\xC0\x4A\x6A\x40\x40" + EBCDIC_NUMBERS, 0, "ISO-8859-1", "\xE4\xC4\xF6",
-     ""},
-    {"euro_in_ebcdic", "ibm1140", "\x9F\x40\x40\x40\x40" + EBCDIC_NUMBERS, 1, "", "",
-     "field word, byte offset 0 (0 in the record): the byte 0x9F is a character of ibm1140 that "
-     "ISO-8859-1 lacks"},
+    {"cp037", "cp037", "\xC3\x81\x86\x51\x4C" + EBCDIC_NUMBERS, 0, "UTF-8", "Caf\xC3\xA9&lt;", ""},
+    {"cp1047_brackets", "cp1047", "\xAD\xBD\x40\x40\x40" + EBCDIC_NUMBERS, 0, "UTF-8", "[]", ""},
+    {"cp037_brackets", "cp037", "\xBA\xBB\x40\x40\x40" + EBCDIC_NUMBERS, 0, "UTF-8", "[]", ""},
+    {"cp273", "cp273", "\xC0\x4A\x6A\x40\x40" + EBCDIC_NUMBERS, 0, "UTF-8",
+     "\xC3\xA4\xC3\x84\xC3\xB6", ""},
+    {"euro_in_ebcdic", "ibm1140", "\x9F\x40\x40\x40\x40" + EBCDIC_NUMBERS, 0, "UTF-8",
+     "\xE2\x82\xAC", ""},
     {"ebcdic_control", "cp037", "\xC3\x01\x40\x40\x40" + EBCDIC_NUMBERS, 1, "", "",
      "the byte 0x01 is a control character"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Sets, EncodingTest, testing::ValuesIn(CASES),
                          [](const auto& test) { return std::string(test.param.name); });
+
+// Documents in single-byte sets, when SXML_ENCODING says so.
+TEST_F(CharactersTest, DocumentsMayStayInSingleByteSets) {
+    write_file("m.cpy", COPYBOOK);
+    const struct {
+        std::string encoding, setting, word, said;
+        int status;
+        std::string numbers, declared, text;
+    } cases[] = {
+        {"cp037", "ISO-8859-1", "\xC3\x81\x86\x51\x40", "", 0, EBCDIC_NUMBERS, "ISO-8859-1",
+         "Caf\xE9"},
+        {"ibm1140", "ISO-8859-1", "\x9F\x40\x40\x40\x40",
+         "the byte 0x9F is a character of ibm1140 that ISO-8859-1 lacks", 1, EBCDIC_NUMBERS, "",
+         ""},
+        {"windows-1252", "windows-1252", "Caf\xE9\x80", "", 0, ASCII_NUMBERS, "WINDOWS-1252",
+         "Caf\xE9\x80"},
+        {"ibm939", "ISO-8859-1", "\x40\x40\x40\x40\x40",
+         "documents can have its characters in UTF-8", 2, EBCDIC_NUMBERS, "", ""},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.encoding);
+        write_file("m.dat", each.word + each.numbers);
+        const Outcome outcome = sxml({"to-xml", "m.dat", "-", "-l", "m.cpy", "--encoding",
+                                      each.encoding, "--set", "SXML_ENCODING=" + each.setting});
+        EXPECT_EQ(outcome.status, each.status);
+        EXPECT_NE(outcome.err.find(each.said), std::string::npos) << outcome.err;
+        if (each.status != 0) continue;
+        EXPECT_EQ(outcome.out.find("<?xml version=\"1.0\" encoding=\"" + each.declared), 0U);
+        EXPECT_NE(outcome.out.find("<word>" + each.text + "</word>"), std::string::npos)
+            << outcome.out;
+    }
+}
+
+// Characters of two bytes, judged by iconv: in PIC X with shifts in EBCDIC and without them in
+// ASCII, in PIC G without, and PIC N in UTF-16.
+TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
+    write_file("t.txt", "ab\u6F22\u5B57c");
+    write_file("g.txt", "\u6F22\u5B57");
+    const auto in = [](const std::string& set, const std::string& file) {
+        return run({"iconv", "-f", "utf-8", "-t", set, file}).out;
+    };
+    const auto padded = [](std::string text, std::size_t size, char blank) {
+        text.resize(size, blank);
+        return text;
+    };
+    write_file("e.cpy",
+               "       01  R.\n           05  X PIC X(10).\n"
+               "           05  G PIC G(3) DISPLAY-1.\n           05  N PIC N(3) NATIONAL.\n"
+               "           05  B PIC X(2) OCCURS 2.\n");
+    const std::string utf16 = std::string("\0\xE9\x20\xAC\0 ", 6);
+    for (const std::string set : {"IBM930", "IBM935", "IBM937", "IBM939", "IBM1388"}) {
+        SCOPED_TRACE(set);
+        const std::string wide = in(set, "g.txt");
+        ASSERT_EQ(wide.size(), 6U);
+        const std::string record = padded(in(set, "t.txt"), 10, '\x40') +
+                                   padded(wide.substr(1, 4), 6, '\x40') + utf16 +
+                                   "\x40\x40\x40\x40";
+        write_file("e.dat", record);
+        EXPECT_EQ(sxml({"to-xml", "e.dat", "e.xml", "-l", "e.cpy", "--encoding", set}).err, "");
+        const std::string document = read_file("e.xml");
+        EXPECT_NE(document.find("<x>ab\u6F22\u5B57c</x>\r\n  <g>\u6F22\u5B57</g>\r\n"
+                                "  <n>\u00E9\u20AC</n>"),
+                  std::string::npos)
+            << document;
+        EXPECT_EQ(sxml({"from-xml", "e.xml", "f.dat", "-l", "e.cpy", "--encoding", set}).err, "");
+        EXPECT_EQ(read_file("f.dat"), record);
+        const std::vector<std::string> shown = {"e.dat", "-l", "e.cpy", "--encoding", set};
+        EXPECT_NE(run_on("dump", shown).out.find("NATIONAL   '\u00E9\u20AC'"), std::string::npos);
+        EXPECT_EQ(run_on("check", shown).status, 0);
+    }
+    // Cut after a whole character, with its shift; fields without an element are blank.
+    write_file("c.xml",
+               "<d><r><x>abcd\u6F22\u5B57\u6F22</x><g>\u6F22\u5B57\u6F22\u5B57</g>"
+               "<n>ab\U0001F600</n></r><r><x>x</x></r></d>");
+    const Outcome cut = sxml({"from-xml", "c.xml", "c.dat", "-l", "e.cpy", "--encoding", "IBM939"});
+    EXPECT_NE(cut.err.find("field x: a text of 12 bytes was cut to fit into 10"), std::string::npos)
+        << cut.err;
+    EXPECT_NE(cut.err.find("field n: a text of 8 bytes was cut to fit into 6"), std::string::npos);
+    write_file("x.txt", "abcd\u6F22\u5B57");
+    const std::string wide = in("IBM939", "g.txt").substr(1, 4);
+    EXPECT_EQ(read_file("c.dat"), in("IBM939", "x.txt") + wide + wide.substr(0, 2) +
+                                      std::string("\0a\0b\0 ", 6) + "\x40\x40\x40\x40" + "\xA7" +
+                                      std::string(15, '\x40') + std::string("\0 \0 \0 ", 6) +
+                                      "\x40\x40\x40\x40");
+    write_file("e.dat", padded("\x81\x0E\x4F\x58", 26, '\x40'));
+    EXPECT_NE(sxml({"to-xml", "e.dat", "-", "-l", "e.cpy", "--encoding", "IBM939"})
+                  .err.find("are no character of IBM939"),
+              std::string::npos);
+    write_file("a.cpy", "       01  R.\n           05  X PIC X(8).\n");
+    for (const std::string set : {"CP932", "GBK", "BIG5", "EUC-JP"}) {
+        SCOPED_TRACE(set);
+        write_file("a.dat", padded(in(set, "t.txt"), 8, ' '));
+        EXPECT_EQ(sxml({"to-xml", "a.dat", "a.xml", "-l", "a.cpy", "--encoding", set}).err, "");
+        EXPECT_NE(read_file("a.xml").find("<x>ab\u6F22\u5B57c</x>"), std::string::npos);
+        EXPECT_EQ(sxml({"from-xml", "a.xml", "b.dat", "-l", "a.cpy", "--encoding", set}).err, "");
+        EXPECT_EQ(read_file("b.dat"), read_file("a.dat"));
+    }
+}
+
+// Control characters, and NUL bytes before a text.
+TEST_F(CharactersTest, ControlCharactersAreTreatedAsAsked) {
+    write_file("c.cpy", "       01  R.\n           05  X PIC X(4).\n           05  Y PIC X(4).\n");
+    const std::string record("a\x01\x62\0text\0c d\x02   ", 16);
+    const struct {
+        const char *controls, *first, *second, *blank;
+    } cases[] = {
+        {"replace", "a\uFFFDb", "\uFFFDc d", "\uFFFD"},
+        {"drop", "ab", "c d", ""},
+        {"hex", "61016200", "00632064", "02202020"},
+    };
+    write_file("c.dat", record);
+    const std::vector<std::string> words = {"c.dat", "c.xml", "-l", "c.cpy"};
+    EXPECT_EQ(run_on("to-xml", words).status, 1);
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.controls);
+        std::vector<std::string> all = words;
+        all.insert(all.end(), {"--controls", each.controls});
+        EXPECT_EQ(run_on("to-xml", all).err, "");
+        const std::string document = read_file("c.xml");
+        EXPECT_NE(document.find("<x>" + std::string(each.first) + "</x>\r\n  <y>text</y>"),
+                  std::string::npos)
+            << document;
+        EXPECT_NE(
+            document.find("<x>" + std::string(each.second) + "</x>\r\n  <y>" + each.blank + "</y>"),
+            std::string::npos)
+            << document;
+    }
+    EXPECT_EQ(sxml({"from-xml", "c.xml", "d.dat", "-l", "c.cpy", "--controls", "hex"}).err, "");
+    EXPECT_EQ(read_file("d.dat"), record);
+    write_file("c.dat", std::string("\x81\x01\x82\x40\xA3\x85\xA7\xA3", 8));
+    const Outcome ebcdic = sxml(
+        {"to-xml", "c.dat", "-", "-l", "c.cpy", "--encoding", "cp037", "--controls", "replace"});
+    EXPECT_NE(ebcdic.out.find("<x>a\uFFFDb</x>"), std::string::npos) << ebcdic.out;
+}
+
+// Binary data comes back from its digits.
+TEST_F(CharactersTest, HexadecimalDigitsBecomeBytes) {
+    write_file("h.cpy",
+               "       01  R.\n      *> sxml: hex\n           05  X PIC X(3).\n"
+               "      *> sxml: hex\n           05  P PIC S9(3) COMP-3.\n");
+    const std::string record("\x01\xFE\0\x12\x3C", 5);
+    write_file("h.dat", record);
+    EXPECT_EQ(sxml({"to-xml", "h.dat", "h.xml", "-l", "h.cpy"}).err, "");
+    EXPECT_NE(read_file("h.xml").find("<x>01FE00</x>\r\n  <p>123C</p>"), std::string::npos);
+    for (const std::string set : {"utf-8", "cp037"}) {
+        EXPECT_EQ(sxml({"from-xml", "h.xml", "i.dat", "-l", "h.cpy", "--encoding", set}).err, "");
+        EXPECT_EQ(read_file("i.dat"), record);
+    }
+    write_file("h.xml", "<d><r><x>01f</x><p>12345C</p></r><r><x>0a</x></r></d>");
+    const Outcome odd = sxml({"from-xml", "h.xml", "i.dat", "-l", "h.cpy"});
+    EXPECT_NE(odd.err.find("field x: not hexadecimal digits of 3 bytes: '01f'"), std::string::npos)
+        << odd.err;
+    EXPECT_NE(odd.err.find("field p: a text of 3 bytes was cut to fit into 2"), std::string::npos);
+    EXPECT_EQ(read_file("i.dat"), std::string("\0\0\0\x12\x34\x0A\0\0\0\0", 10));
+}
 
 TEST_F(CommandTest, EbcdicFieldsThatHoldNoNumberAreNamed) {
     write_file("m.cpy", COPYBOOK);

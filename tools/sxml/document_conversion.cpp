@@ -197,6 +197,12 @@ std::optional<conversion::Problem> DocumentConversion::problem_of(
             return found(
                 Finding::lost_number,
                 problem_at(trouble, "not a number that fits the field: " + quoted(trouble.text)));
+        case FieldFate::no_digits:
+            if (!report_.count(Finding::lost_number)) return std::nullopt;
+            return found(
+                Finding::lost_number,
+                problem_at(trouble, "not hexadecimal digits of " + std::to_string(trouble.size) +
+                                        " bytes: " + quoted(trouble.text)));
         default:
             if (!report_.count(Finding::cut_text)) return std::nullopt;
             return found(Finding::cut_text,

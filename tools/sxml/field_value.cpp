@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "conversion/texts/text_decoder.h"
 #include "conversion/texts/utf8.h"
 #include "host/utf8.h"
 #include "records/numbers.h"
@@ -30,28 +31,24 @@ bool is_control(char32_t code) {
 }  // namespace
 
 std::string shown_text(std::span<const std::uint8_t> bytes,
-                       const conversion::CharacterSet& characters) {
+                       const conversion::CharacterSet& characters, conversion::TextForm form) {
+    constexpr std::string_view IDEOGRAPHIC_SPACE = "\u3000";
     std::string text = "'";
-    while (!bytes.empty() && bytes.back() == characters.space()) {
-        bytes = bytes.first(bytes.size() - 1);
-    }
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const std::size_t width =
-            characters.is_utf8() ? utf8::sequence_length(bytes.data() + i, bytes.size() - i) : 0;
-        if (width > 0) {
-            text.append(reinterpret_cast<const char*>(bytes.data()) + i, width);
-            i += width - 1;
-            continue;
-        }
-        const bool is_ascii = bytes[i] < 0x80;
-        const std::int32_t code =
-            characters.is_utf8() ? (is_ascii ? bytes[i] : -1) : characters.characters()[bytes[i]];
-        if (code < 0 || is_control(static_cast<char32_t>(code))) {
+    conversion::TextDecoder decoder(bytes, characters, form);
+    std::size_t end = text.size();  // of what is not blank
+    while (const auto character = decoder.next()) {
+        const std::size_t start = text.size();
+        if (character->code < 0 || is_control(static_cast<char32_t>(character->code))) {
             text += '.';
         } else {
-            conversion::append_utf8(static_cast<char32_t>(code), text);
+            conversion::append_utf8(static_cast<char32_t>(character->code), text);
         }
+        const std::string_view added = std::string_view(text).substr(start);
+        const bool is_blank =
+            added == " " || (form != conversion::TextForm::plain && added == IDEOGRAPHIC_SPACE);
+        if (!is_blank) end = text.size();
     }
+    text.resize(end);
     return text + "'";
 }
 

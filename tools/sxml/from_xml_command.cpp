@@ -12,6 +12,7 @@
 #include "tools/sxml/errors.h"
 #include "tools/sxml/jobs/from_xml_parts.h"
 #include "tools/sxml/jobs/jobs_option.h"
+#include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_target.h"
@@ -46,16 +47,10 @@ int convert(const FromXmlOptions& options, RecordDocument& source, RunFiles& fil
     RejectFile rejects(options.report);
     const RecordsWanted wanted{target.format.has_lengths(), options.document.min_record_length,
                                options.output.first, options.output.count};
-    convert_document({description,
-                      target.set(),
-                      source.input(),
-                      target.format,
-                      wanted,
-                      output,
-                      options.report,
-                      report,
-                      rejects,
-                      options.jobs});
+    auto input = source.input();
+    input.takes_hex = options.output.controls == conversion::Controls::hex;
+    convert_document({description, target.set(), input, target.format, wanted, output,
+                      options.report, report, rejects, options.jobs});
     output.commit();
     return rejects.count() > 0 ? EXIT_REJECTED : 0;
 }
@@ -96,6 +91,9 @@ void add_from_xml_command(CLI::App& application) {
         ->option_text("NAME");
     add_document_options(*command, options->document);
     add_jobs_option(*command, options->jobs);
+    add_controls_option(*command, options->output.controls,
+                        "hex: text fields come from the hexadecimal digits that to-xml "
+                        "--controls hex writes; otherwise of no effect");
     add_report_options(*command, options->report);
     command->footer(
         "Example:\n"

@@ -22,7 +22,8 @@ constexpr const char* NUL_HINT =
 
 RecordConversion::RecordConversion(RecordInput& input, const records::Description& description,
                                    const conversion::CharacterSet& characters,
-                                   const AtomicOutput& output, RunReport& report, Rejects& rejects)
+                                   const AtomicOutput& output, RunReport& report, Rejects& rejects,
+                                   conversion::Controls controls)
     : input_(input),
       description_(description),
       output_(output),
@@ -33,7 +34,8 @@ RecordConversion::RecordConversion(RecordInput& input, const records::Descriptio
                                                            output.shown_name(),
                                                            {},
                                                            report.is_strict(),
-                                                           input.format().has_lengths()}))) {}
+                                                           input.format().has_lengths(),
+                                                           controls}))) {}
 
 RecordConversion::~RecordConversion() {
     if (document_ && output_.is_direct()) document_->abandon();

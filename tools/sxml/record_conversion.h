@@ -22,7 +22,8 @@ class RecordConversion {
     // Opens the document. Throws Failure.
     RecordConversion(RecordInput& input, const records::Description& description,
                      const conversion::CharacterSet& characters, const AtomicOutput& output,
-                     RunReport& report, Rejects& rejects);
+                     RunReport& report, Rejects& rejects,
+                     conversion::Controls controls = conversion::Controls::refuse);
     // Without a complete run, a document that readers can see already gets no end tag.
     ~RecordConversion();
     RecordConversion(const RecordConversion&) = delete;

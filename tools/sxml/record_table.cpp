@@ -135,7 +135,8 @@ std::string RecordTable::value_of_field(const Field& field,
                                         std::span<const std::uint8_t> bytes) const {
     switch (field.kind) {
         case FieldKind::text:
-            return shown_text(bytes, characters_);
+            return shown_text(bytes, characters_,
+                              conversion::text_form(xfd_.items[field.item], characters_));
         case FieldKind::opaque:
             return "";
         default:

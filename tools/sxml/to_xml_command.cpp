@@ -169,6 +169,10 @@ void add_to_xml_command(CLI::App& application) {
         ->option_text(" ");
     add_layout_options(*command, options->layout, LayoutArgument::option);
     add_record_options(*command, options->input);
+    add_controls_option(
+        *command, options->input.controls,
+        "control characters in texts, which XML does not allow: refuse (default), replace "
+        "by U+FFFD, drop, or hex: the field as hexadecimal digits");
     command
         ->add_option(
             "--schema", options->schema,

@@ -110,7 +110,11 @@ std::string_view characters_of(const RecordWriter& writer, const XfdItem& field)
 }
 
 bool write_characters(RecordWriter& writer, const XfdItem& field, std::string_view text) {
-    const XmlTextSpan span = {text.data(), text.size(), text_encoding(writer.xfd, field.data.type)};
+    // What the host gives is in the document's encoding.
+    const std::int32_t encoding = writer.text_giver == nullptr
+                                      ? text_encoding(writer.xfd, field.data.type)
+                                      : HOST_ENCODING_NONE;
+    const XmlTextSpan span = {text.data(), text.size(), encoding};
     return writer.output.write_text(span);
 }
 

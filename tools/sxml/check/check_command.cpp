@@ -105,6 +105,7 @@ std::string diagnose(const Check& check, Reading& own, RecordSample sample) {
     for (const std::string name : {"utf-8", "cp037", "iso-8859-1"}) {
         const CharacterSet characters = find_character_set(name, "--encoding");
         if (characters.declared_name() == own.characters.declared_name() &&
+            characters.is_utf8() == own.characters.is_utf8() &&
             characters.is_ebcdic() == own.characters.is_ebcdic()) {
             continue;
         }
@@ -147,7 +148,7 @@ bool check_records(Check& check) {
     RecordSample sample;
     sample.is_fixed = input.format().kind == conversion::RecordFormat::Kind::fixed;
     RecordConversion conversion(input, own.description, own.characters, nothing, check.report,
-                                check.rejects);
+                                check.rejects, options.input.controls);
     check_lines(input.format(), characters, conversion.fields(), check.report);
     conversion.observe([&](const conversion::Record& record) {
         statistics.add(record);
@@ -174,8 +175,10 @@ bool check_document(Check& check) {
     source.prepare(own.description, check.report);
     conversion::ByteSink sink = value_of(conversion::ByteSink::open(platform::null_device()));
     const auto store = conversion::write_records(target.format, sink);
+    auto input = source.input();
+    input.takes_hex = options.input.controls == conversion::Controls::hex;
     const auto document =
-        value_of(conversion::InputDocument::open(own.description, target.set(), source.input()));
+        value_of(conversion::InputDocument::open(own.description, target.set(), input));
     FieldStatistics statistics(own.description, document->characters());
     const auto state = platform::state_of(source.source().file());
     const RecordsWanted wanted{target.format.has_lengths(), options.document.min_record_length,
@@ -227,6 +230,8 @@ void add_check_command(CLI::App& application) {
         ->option_text("records|xml");
     add_record_options(*command, options->input);
     add_document_options(*command, options->document);
+    add_controls_option(*command, options->input.controls,
+                        "what to-xml is to do with control characters, as its option");
     command->add_flag("--json", options->is_json, "print the report as JSON");
     command->footer(
         "Exit status 0 says that a conversion would lose nothing, 1 that it would.\n"

@@ -89,7 +89,7 @@ void FieldStatistics::add(const conversion::Record& record) {
         Row& row = row_of(field);
         ++row.counts.count;
         const std::uint8_t* const bytes = whole + field.offset;
-        if (field.kind == FieldKind::text && texts_.check(bytes, field.length)) {
+        if (field.kind == FieldKind::text && has_problem(field, bytes)) {
             ++row.counts.invalid;
         } else {
             add_value(row, field, bytes);
@@ -97,6 +97,11 @@ void FieldStatistics::add(const conversion::Record& record) {
     }
     // Of a record without a layout all other bytes are lost; that is told by itself.
     if (is_of_a_layout_) add_unnamed(record, layout, length);
+}
+
+bool FieldStatistics::has_problem(const Field& field, const std::uint8_t* bytes) const {
+    const XfdItem& item = description_.xfd().items[field.item];
+    return texts_.check(bytes, field.length, conversion::text_form(item, characters_)).has_value();
 }
 
 void FieldStatistics::add(const conversion::InputDocument& document) {
@@ -112,7 +117,8 @@ void FieldStatistics::add(const conversion::InputDocument& document) {
         const FieldFate fate = document.fate(field.item);
         if (fate == FieldFate::not_in_document) ++row.counts.blank;
         if (fate == FieldFate::cut) ++row.counts.cut;
-        if (fate == FieldFate::no_number || fate == FieldFate::lost_character) {
+        if (fate == FieldFate::no_number || fate == FieldFate::no_digits ||
+            fate == FieldFate::lost_character) {
             ++row.counts.invalid;
         }
         if (fate == FieldFate::filled || fate == FieldFate::cut) {
@@ -155,8 +161,15 @@ void FieldStatistics::add_number(Row& row, const Field& field, const std::uint8_
 }
 
 void FieldStatistics::add_text(Row& row, const Field& field, const std::uint8_t* bytes) {
+    row.form = conversion::text_form(description_.xfd().items[field.item], characters_);
+    const conversion::TextBlank blank = conversion::blank_of(row.form, characters_);
+    const std::size_t width = row.form == conversion::TextForm::plain ? 1 : 2;
     auto length = static_cast<std::size_t>(field.length);
-    while (length > 0 && is_blank(bytes[length - 1])) --length;
+    const auto ends_blank = [&] {
+        const std::uint8_t last = bytes[length - 1];
+        return last == 0 || (last == blank.second && bytes[length - width] == blank.first);
+    };
+    while (length >= width && ends_blank()) length -= width;
     if (length == 0) {
         ++row.counts.blank;
         return;
@@ -188,15 +201,15 @@ void FieldStatistics::add_unnamed(const conversion::Record& record, const Record
 }
 
 std::vector<FieldCounts> FieldStatistics::fields() const {
-    const auto shown = [this](const std::string& text) {
-        const std::string quoted = shown_text(bytes_of(text), characters_);
+    const auto shown = [this](const std::string& text, conversion::TextForm form) {
+        const std::string quoted = shown_text(bytes_of(text), characters_, form);
         return quoted.substr(1, quoted.size() - 2);
     };
     std::vector<FieldCounts> all;
     for (const Row& row : rows_) {
         FieldCounts counts = row.counts;
-        if (row.first) counts.smallest = shown(*row.first);
-        if (row.last) counts.largest = shown(*row.last);
+        if (row.first) counts.smallest = shown(*row.first, row.form);
+        if (row.last) counts.largest = shown(*row.last, row.form);
         all.push_back(std::move(counts));
     }
     return all;

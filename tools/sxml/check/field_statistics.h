@@ -64,7 +64,8 @@ class FieldStatistics {
     struct Row {
         FieldCounts counts;
         std::optional<records::Decimal> smallest, largest;  // numbers
-        std::optional<std::string> first, last;             // texts: bytes, blanks at the end cut
+        conversion::TextForm form = conversion::TextForm::plain;
+        std::optional<std::string> first, last;  // texts: bytes, blanks at the end cut
     };
 
     const std::uint8_t* spread(std::span<const std::uint8_t> record);
@@ -73,6 +74,7 @@ class FieldStatistics {
     // The layout that the record is counted with.
     std::size_t choose(const std::uint8_t* record);
     Row& row_of(const conversion::Field& field) { return rows_[row_of_item_.at(field.item)]; }
+    bool has_problem(const conversion::Field& field, const std::uint8_t* bytes) const;
     void add_value(Row& row, const conversion::Field& field, const std::uint8_t* bytes);
     void add_number(Row& row, const conversion::Field& field, const std::uint8_t* bytes);
     void add_text(Row& row, const conversion::Field& field, const std::uint8_t* bytes);

@@ -46,8 +46,8 @@ bool is_sequential(const DocumentRun& run) {
     constexpr std::uint64_t ALL = std::numeric_limits<std::uint64_t>::max();
     return run.output.is_direct() || host_trace_on != 0 ||
            run.format.kind == RecordFormat::Kind::blocks ||
-           run.document.fill == conversion::BlankFill::keep || run.wanted.first != 1 ||
-           run.wanted.count != ALL;
+           run.document.fill == conversion::BlankFill::keep ||
+           run.description.asks_for_position() || run.wanted.first != 1 || run.wanted.count != ALL;
 }
 
 host::InputPart input_part(const DocumentParts& parts, ByteRange range) {

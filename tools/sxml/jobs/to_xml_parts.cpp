@@ -81,7 +81,7 @@ class PartsOfRecords {
         RejectList rejects(run_.rejects.is_wanted());
         const AtomicOutput output(file.name());
         RecordConversion conversion(*input_, run_.description, run_.characters, output, report,
-                                    rejects);
+                                    rejects, options_.controls);
         result.is_last = !convert(part, conversion);
         conversion.close();
         result.input_read = read_;
@@ -93,7 +93,8 @@ class PartsOfRecords {
   private:
     void open_input() {
         const conversion::RecordArea area{
-            static_cast<std::size_t>(run_.description.record_length()), run_.characters.space()};
+            static_cast<std::size_t>(run_.description.record_length()), run_.characters.space(),
+            run_.description.asks_for_last()};
         input_.emplace(run_.file, options_, area);
     }
 
@@ -180,7 +181,7 @@ void convert_rest(const RecordsRun& run, const RecordsSoFar& so_far) {
     const std::string covered = value_of(conversion::bytes_of(file, {begin, so_far.position}));
     const host::OutputStartScope scope(file, begin);
     RecordConversion(run.input, run.description, run.characters, run.output, run.report,
-                     run.rejects)
+                     run.rejects, run.options.controls)
         .run(so_far.first);
     write_at(run.output, covered, begin);
 }
@@ -191,7 +192,7 @@ void convert_records(const RecordsRun& run) {
     const RecordsSoFar so_far = convert_what_can_be_divided(run);
     if (so_far.position == 0) {
         RecordConversion(run.input, run.description, run.characters, run.output, run.report,
-                         run.rejects)
+                         run.rejects, run.options.controls)
             .run();
     } else if (!so_far.is_whole) {
         convert_rest(run, so_far);

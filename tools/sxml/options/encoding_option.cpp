@@ -1,20 +1,36 @@
 #include "tools/sxml/options/encoding_option.h"
 
+#include <CLI/CLI.hpp>
+#include <map>
+
+#include "host/encoding.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/options/settings.h"
 
 namespace command {
 
-conversion::CharacterSet find_character_set(const std::string& name, const std::string& option) {
-    conversion::Result<conversion::CharacterSet> found = conversion::CharacterSet::find(name);
+using conversion::DocumentEncoding;
+
+conversion::CharacterSet find_character_set(const std::string& name, const std::string& option,
+                                            DocumentEncoding encoding) {
+    auto found = conversion::CharacterSet::find(name, encoding);
     if (!found) fail_usage(option + " " + message_of(found.problem()));
     return *std::move(found);
 }
 
 conversion::CharacterSet records_character_set(const std::string& encoding) {
-    if (!encoding.empty()) return find_character_set(encoding, "--encoding");
     const std::string configured = setting_text("SXML_ENCODING");
-    return find_character_set(configured.empty() ? "utf-8" : configured, "SXML_ENCODING");
+    const bool is_latin1 = host_encoding_code(configured.c_str()) == HOST_ENCODING_LATIN1;
+    const std::string name = configured.empty() ? "utf-8" : configured;
+    if (!encoding.empty()) {
+        const bool is_own = is_latin1 || configured == encoding;
+        return find_character_set(encoding, "--encoding",
+                                  is_own ? DocumentEncoding::single_byte : DocumentEncoding::utf8);
+    }
+    conversion::CharacterSet found =
+        find_character_set(name, "SXML_ENCODING", DocumentEncoding::utf8);
+    if (found.is_ebcdic() || found.has_pairs()) return found;
+    return find_character_set(name, "SXML_ENCODING", DocumentEncoding::single_byte);
 }
 
 void check_lines(const conversion::RecordFormat& format,
@@ -38,6 +54,20 @@ void check_lines(const conversion::RecordFormat& format, const conversion::Chara
             return;
         }
     }
+}
+
+void add_controls_option(CLI::App& command, conversion::Controls& controls,
+                         const std::string& use) {
+    using conversion::Controls;
+    static const std::map<std::string, Controls> NAMES = {{"refuse", Controls::refuse},
+                                                          {"replace", Controls::replace},
+                                                          {"drop", Controls::drop},
+                                                          {"hex", Controls::hex}};
+    command
+        .add_option_function<std::string>(
+            "--controls", [&controls](const std::string& name) { controls = NAMES.at(name); }, use)
+        ->check(CLI::IsMember({"refuse", "replace", "drop", "hex"}))
+        ->option_text("refuse|replace|drop|hex");
 }
 
 records::RecordEncoding record_encoding(const conversion::CharacterSet& characters) {

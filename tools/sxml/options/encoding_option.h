@@ -5,19 +5,30 @@
 
 #include "conversion/fields/record_fields.h"
 #include "conversion/formats/record_format.h"
+#include "conversion/session/output_document.h"
 #include "conversion/texts/character_set.h"
 #include "records/description.h"
 #include "tools/sxml/run_report.h"
+
+namespace CLI {
+class App;
+}
 
 namespace command {
 
 // The set called `name`, which `option` gave ("--encoding", "SXML_ENCODING"). Throws Failure (wrong
 // usage) when it cannot be the records' set.
-conversion::CharacterSet find_character_set(const std::string& name, const std::string& option);
+conversion::CharacterSet find_character_set(
+    const std::string& name, const std::string& option,
+    conversion::DocumentEncoding encoding = conversion::DocumentEncoding::utf8);
 
 // The set of the records of a record file: `encoding`, or else what SXML_ENCODING says, or UTF-8.
-// Throws Failure (wrong usage). The settings must have been applied.
+// Where texts are converted, the document is in ISO-8859-1 if SXML_ENCODING says so, or else in
+// UTF-8. Throws Failure (wrong usage). The settings must have been applied.
 conversion::CharacterSet records_character_set(const std::string& encoding);
+
+// Adds --controls. `use` says what it is for.
+void add_controls_option(CLI::App& command, conversion::Controls& controls, const std::string& use);
 
 // Throws Failure (wrong usage) for lines in an EBCDIC set.
 void check_lines(const conversion::RecordFormat& format,

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "conversion/formats/record_format.h"
+#include "conversion/session/output_document.h"
 
 namespace CLI {
 class App;
@@ -16,9 +17,10 @@ class App;
 namespace command {
 
 struct RecordFileOptions {
-    std::string format;          // the name of the format, "auto", or empty: fixed
-    bool lines = false;          // the short form of the format "line"
-    std::string encoding;        // of the records' text; empty: by default
+    std::string format;    // the name of the format, "auto", or empty: fixed
+    bool lines = false;    // the short form of the format "line"
+    std::string encoding;  // of the records' text; empty: by default
+    conversion::Controls controls = conversion::Controls::refuse;
     std::uint64_t skip = 0;      // bytes at the start that belong to no record
     std::uint64_t skip_end = 0;  // and at the end
     std::uint64_t first = 1;     // number of the first record that is wanted
