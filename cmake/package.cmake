@@ -1,7 +1,24 @@
 # A Debian package and an archive of what is installed: ./dev package.
 set(CPACK_PACKAGE_NAME sxml)
 set(CPACK_PACKAGE_VENDOR "The sxml authors")
-set(CPACK_PACKAGE_CONTACT "The sxml authors <maintainers@example.org>")
+# Who makes the package answers for it: as Debian's tools have it, or as git does.
+if(DEFINED ENV{DEBEMAIL})
+    set(maintainer_name "$ENV{DEBFULLNAME}")
+    set(maintainer_address "$ENV{DEBEMAIL}")
+else()
+    foreach(key name email)
+        execute_process(COMMAND git config user.${key} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+            OUTPUT_VARIABLE git_${key} OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+    endforeach()
+    set(maintainer_name "${git_name}")
+    set(maintainer_address "${git_email}")
+endif()
+if("${maintainer_address}" STREQUAL "")
+    cmake_host_system_information(RESULT host QUERY FQDN)
+    set(maintainer_address "nobody@${host}")
+endif()
+set(SXML_MAINTAINER "${maintainer_name} <${maintainer_address}>" CACHE STRING "Maintainer of the package: NAME <ADDRESS>")
+set(CPACK_PACKAGE_CONTACT "${SXML_MAINTAINER}")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "XML documents as record files for COBOL programs")
 set(CPACK_PACKAGE_DESCRIPTION
     "Turns the record files of COBOL programs into XML documents and back\n"

@@ -68,6 +68,8 @@ std::string text_of(const FieldTrouble& trouble) {
             return quoted(trouble.text) + " is cut to " + std::to_string(trouble.size) + " bytes";
         case FieldFate::no_digits:
             return quoted(trouble.text) + " is not hexadecimal digits of the field's bytes";
+        case FieldFate::cut_number:
+            return quoted(trouble.text) + " loses the decimals that the field cannot hold";
         case FieldFate::lost_character:
             return quoted(trouble.text) +
                    " has a character that the program's set lacks; the "

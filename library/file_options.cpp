@@ -1,5 +1,6 @@
 #include "library/file_options.h"
 
+#include <charconv>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -64,11 +65,44 @@ Done choose(std::string_view name, std::string_view value, const Choices<Value>&
                  "it takes one of " + names);
 }
 
-Done choose_format(const std::string& name, RecordFormat& format) {
+Done choose_format(const std::string& name, FileOptions& options) {
+    options.detects_format = name == "auto";
+    if (options.detects_format) return std::nullopt;
     Result<RecordFormat> found = RecordFormat::find(name == "lines" ? "line" : name);
     if (!found) return found.problem();
-    format = *std::move(found);
+    options.format = *std::move(found);
     return std::nullopt;
+}
+
+Done take_number(std::string_view name, const std::string& value, std::uint64_t& number) {
+    const char* const end = value.data() + value.size();
+    const auto [rest, error] = std::from_chars(value.data(), end, number);
+    if (error == std::errc() && rest == end) return std::nullopt;
+    return wrong("the option " + std::string(name) + " cannot be " + value,
+                 "it takes a number of bytes");
+}
+
+// "RECORD: CONDITION"
+Done take_condition(const std::string& value, FileOptions& options) {
+    const std::size_t colon = value.find(':');
+    if (colon == std::string::npos) {
+        return wrong("the option when cannot be " + value,
+                     "name the record or item and its condition, as in HEADER: KIND = \"H\"");
+    }
+    options.copybook.directives.push_back(
+        {value.substr(0, colon), "when " + value.substr(colon + 1)});
+    return std::nullopt;
+}
+
+// "FIELD=ELEMENT" names an item's element, any other text the document element.
+void take_name(const std::string& value, FileOptions& options) {
+    const std::size_t equals = value.find('=');
+    if (equals == std::string::npos) {
+        options.layout.name = value;
+    } else {
+        options.copybook.directives.push_back(
+            {value.substr(0, equals), "name " + value.substr(equals + 1)});
+    }
 }
 
 bool is_setting(std::string_view name) {
@@ -83,8 +117,14 @@ bool take_text(std::string_view name, const std::string& value, FileOptions& opt
         options.copybook.fd = value;
     } else if (name == "copy-path") {
         options.copybook.copy_path.push_back(value);
+    } else if (name == "layout") {
+        options.copybook.more_files.push_back(value);
     } else if (name == "name") {
-        options.layout.name = value;
+        take_name(value, options);
+    } else if (name == "hide") {
+        options.copybook.directives.push_back({value, "hide"});
+    } else if (name == "record") {
+        options.record_path = value;
     } else if (is_setting(name)) {
         options.settings.emplace_back(name, value);
     } else {
@@ -96,7 +136,11 @@ bool take_text(std::string_view name, const std::string& value, FileOptions& opt
 Done take(std::string_view name, const std::string& value, FileOptions& options) {
     if (take_text(name, value, options)) return std::nullopt;
     if (name == "kind") return choose(name, value, KINDS, options.is_document);
-    if (name == "format") return choose_format(value, options.format);
+    if (name == "format") return choose_format(value, options);
+    if (name == "skip") return take_number(name, value, options.skip);
+    if (name == "skip-end") return take_number(name, value, options.skip_end);
+    if (name == "strict") return choose(name, value, YES_OR_NO, options.is_strict);
+    if (name == "when") return take_condition(value, options);
     if (name == "buffer") return choose(name, value, FILLS, options.fill);
     if (name == "source-format") {
         return choose(name, value, SOURCE_FORMATS, options.copybook.format);

@@ -1,6 +1,7 @@
 // The options of sxml_open.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -18,6 +19,11 @@ struct FileOptions {
     std::optional<bool> is_document;
     std::string encoding;
     conversion::RecordFormat format;
+    bool detects_format = false;
+    std::uint64_t skip = 0;      // bytes at the start of a record file that belong to no record
+    std::uint64_t skip_end = 0;  // and at its end
+    std::string record_path;     // of a document's records; empty: in the document element
+    bool is_strict = false;      // what would be a warning fails the record
     conversion::BlankFill fill = conversion::BlankFill::by_type;
     records::CopybookOptions copybook;
     records::LayoutOptions layout;

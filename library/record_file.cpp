@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "conversion/documents/unread_entities.h"
+#include "conversion/formats/format_detection.h"
 #include "conversion/session/module.h"
 #include "host/encoding.h"
 #include "host/runtime/settings.h"
@@ -146,6 +148,13 @@ Done RecordFile::open_file() {
     Result<conversion::ByteSource> source = conversion::ByteSource::open(target_.name);
     if (!source) return source.problem();
     source_.emplace(*std::move(source));
+    if (Done problem = source_->leave_out(options_.skip, options_.skip_end)) return problem;
+    if (options_.detects_format) {
+        Result<conversion::RecordFormat> format =
+            conversion::detect_format(*source_, record_.size());
+        if (!format) return format.problem();
+        options_.format = *std::move(format);
+    }
     reader_ = conversion::read_records(
         options_.format, *source_,
         {record_.size(), characters_.space(), description_.asks_for_last()});
@@ -155,22 +164,36 @@ Done RecordFile::open_file() {
 Done RecordFile::open_input_document() {
     Result<conversion::DocumentSource> source = conversion::DocumentSource::open(target_.name);
     if (!source) return source.problem();
-    document_source_.emplace(*std::move(source));
+    auto unread = conversion::find_unread_entities(source->file(), source->name());
+    if (!unread) return unread.problem();
+    for (const Problem& problem : unread->first) warnings_.push_back(message_of(problem));
+    if (options_.record_path.empty()) {
+        document_source_.emplace(*std::move(source));
+    } else {
+        auto reduced = source->with_records_at(options_.record_path);
+        if (!reduced) return reduced.problem();
+        document_source_.emplace(*std::move(reduced));
+    }
     auto document = conversion::InputDocument::open(
         description_, &characters_,
-        {document_source_->file(), document_source_->name(), options_.fill});
+        {document_source_->file(), document_source_->name(), options_.fill, true});
     if (!document) return document.problem();
     input_ = *std::move(document);
     return std::nullopt;
 }
 
 Done RecordFile::open_output() {
+    if (options_.detects_format) {
+        return problem_of(Cause::usage, target_.name, "a new file does not tell its format",
+                          "name the format");
+    }
     auto replacement = platform::Replacement::begin(target_.name);
     if (!replacement) return conversion::system_problem(target_.name, errno);
     replacement_.emplace(*std::move(replacement));
     if (is_document()) {
         auto document = conversion::OutputDocument::open(
-            description_, characters_, {replacement_->write_name(), target_.name, {}});
+            description_, characters_,
+            {replacement_->write_name(), target_.name, {}, options_.is_strict});
         if (!document) return document.problem();
         output_ = *std::move(document);
         return std::nullopt;
@@ -190,23 +213,47 @@ Result<bool> RecordFile::read() {
                           "open it with the mode r");
     }
     const Settings settings(options_);
+    can_go_on_ = false;
     Result<bool> outcome = input_ ? read_document() : read_record_file();
+    if (can_go_on_) ++number_;
     if (!outcome || !*outcome) return outcome;
     ++number_;
     evaluate();
+    const bool is_of_a_layout =
+        input_ ? input_->is_of_a_layout()
+               : fields_.takes_any_record() || fields_.choose(description_.xfd()).has_value();
+    if (!is_of_a_layout) {
+        warnings_.emplace_back("none of the record layouts' conditions holds");
+    }
+    if (Done problem = strict_problem()) {
+        can_go_on_ = true;
+        return *std::move(problem);
+    }
     return outcome;
+}
+
+// The first warning, where it is to fail the record.
+Done RecordFile::strict_problem() const {
+    if (!options_.is_strict || warnings_.empty()) return std::nullopt;
+    Problem problem = problem_of(Cause::record, target_.name, warnings_.front(), "");
+    problem.place.record = number_;
+    return problem;
 }
 
 Result<bool> RecordFile::read_document() {
     Result<bool> outcome = input_->read();
     if (!outcome || !*outcome) return outcome;
+    can_go_on_ = true;
     if (input_->problem()) return input_->problem().value();
     position_ = input_->position();
     records::set_position(description_.xfd(), position_);
     if (Done problem = take(input_->record(), input_->layout())) return *std::move(problem);
-    if (!input_->is_of_a_layout()) {
-        warnings_.emplace_back("none of the record layouts' conditions holds");
-    }
+    can_go_on_ = false;
+    warn_of_document();
+    return outcome;
+}
+
+void RecordFile::warn_of_document() {
     for (const conversion::FieldTrouble& trouble : input_->troubles()) {
         const std::string field = "field " + fields_.name(trouble.item) + ": ";
         if (trouble.fate == FieldFate::no_number) {
@@ -214,6 +261,9 @@ Result<bool> RecordFile::read_document() {
         } else if (trouble.fate == FieldFate::no_digits) {
             warnings_.push_back(field + "not hexadecimal digits of " +
                                 std::to_string(trouble.size) + " bytes: '" + trouble.text + "'");
+        } else if (trouble.fate == FieldFate::cut_number) {
+            warnings_.push_back(field + "more decimals than the field holds, which were cut: '" +
+                                trouble.text + "'");
         } else if (trouble.fate == FieldFate::lost_character) {
             warnings_.push_back(field + "a character of '" + trouble.text + "' is not in " +
                                 characters_.name());
@@ -222,7 +272,9 @@ Result<bool> RecordFile::read_document() {
                                 " bytes was cut to fit into " + std::to_string(trouble.size));
         }
     }
-    return outcome;
+    for (const conversion::UnusedData& data : input_->unused_data()) {
+        warnings_.push_back(description_of(data));
+    }
 }
 
 Result<bool> RecordFile::read_record_file() {
@@ -234,6 +286,7 @@ Result<bool> RecordFile::read_record_file() {
     records::set_position(description_.xfd(), position_);
     Done problem = take({record.data, record.length}, std::nullopt);
     if (!problem) return true;
+    can_go_on_ = true;
     conversion::Place& place = problem->place;
     if (place.in_record) place.byte_offset = record.file_offset + *place.in_record;
     return *std::move(problem);
@@ -279,16 +332,23 @@ Done RecordFile::write() {
                           "open it with the mode w, and write before sxml_finish");
     }
     const Settings settings(options_);
+    can_go_on_ = true;
     auto record = record_to_write();
     if (!record) return at_record(record.problem());
     Done problem = output_
                        ? output_->write(record->data(), static_cast<std::int32_t>(record->size()),
                                         std::nullopt, position_)
                        : writer_->add(*record);
+    can_go_on_ = problem && problem->cause == Cause::record;
     if (!problem && output_) problem = conversion::take_write_failure();
     if (problem) return at_record(std::move(problem));
     ++number_;
     if (output_) {
+        if (!output_->outcome().is_of_a_layout) {
+            warnings_.emplace_back(
+                "none of the record layouts' conditions holds; only the fields "
+                "that all layouts have were written");
+        }
         for (const conversion::Field* field : output_->outcome().bad_numbers) {
             warnings_.push_back("field " + fields_.name(field->item) +
                                 " held no valid number and came out repaired");

@@ -42,6 +42,9 @@ class RecordFile {
     // False at the end.
     conversion::Result<bool> read();
     conversion::Done write();
+    // After a failure of read() or write(): whether it concerned that record alone, so that the
+    // next one can be read, or another one written.
+    bool can_go_on() const { return can_go_on_; }
     conversion::Done finish();
     // Of the record read or written last.
     const std::vector<std::string>& warnings() const { return warnings_; }
@@ -66,6 +69,8 @@ class RecordFile {
     conversion::Done open_input_document();
     conversion::Done open_output();
     conversion::Result<bool> read_document();
+    void warn_of_document();
+    conversion::Done strict_problem() const;
     conversion::Result<bool> read_record_file();
     conversion::Done take(std::span<const std::uint8_t> record, std::optional<std::size_t> layout);
     conversion::Result<std::span<const std::uint8_t>> record_to_write();
@@ -94,6 +99,7 @@ class RecordFile {
     std::uint64_t number_ = 0;
     std::vector<std::string> warnings_;
     bool is_finished_ = false;
+    bool can_go_on_ = false;
 
     std::optional<conversion::DocumentSource> document_source_;
     std::unique_ptr<conversion::InputDocument> input_;

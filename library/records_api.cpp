@@ -150,6 +150,14 @@ int sxml_write(SxmlFile* file) {
     });
 }
 
+int sxml_skip(SxmlFile* file) {
+    return run(file, -1, [file](library::RecordFile& records) {
+        if (!file->has_failed || !records.can_go_on()) return -1;
+        file->has_failed = false;
+        return 0;
+    });
+}
+
 int sxml_finish(SxmlFile* file) {
     return run(file, -1, [file](library::RecordFile& records) {
         return file->has_failed ? -1 : final_status(*file, records.finish());

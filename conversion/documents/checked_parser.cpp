@@ -64,6 +64,7 @@ void XMLCALL CheckedParser::end_entities(void* parser) {
 void XMLCALL CheckedParser::count_entity(void* parser, const XML_Char* name, int is_parameter,
                                          const XML_Char* value, int length, const XML_Char*,
                                          const XML_Char*, const XML_Char*, const XML_Char*) {
+    if (value == nullptr && is_parameter == 0) of(parser).has_external_entities_ = true;
     if (value == nullptr || is_parameter != 0) return;
     const std::string_view text(value, static_cast<std::size_t>(length));
     of(parser).judge(note_entity(of(parser).entities_, name, text));

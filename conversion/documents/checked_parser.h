@@ -35,6 +35,8 @@ class CheckedParser {
     void stop(Problem problem);
     void stop_without_memory();
     bool is_stopped() const { return is_stopped_; }
+    // Whether general entities have been declared whose text is outside of the document.
+    bool has_external_entities() const { return has_external_entities_; }
     // Where the present event stands: the document's name as shown, line and column.
     Place place() const;
 
@@ -57,6 +59,7 @@ class CheckedParser {
     EntityReferences entities_{};
     bool is_stopped_ = false;  // by a handler, its own or the caller's
     bool has_no_memory_ = false;
+    bool has_external_entities_ = false;
     Done problem_;  // of the handler that stopped
 };
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "conversion/documents/document_check.h"
+#include "conversion/texts/lost_digits.h"
 #include "conversion/texts/meant_number.h"
 #include "host/config.h"
 #include "host/encoding.h"
@@ -363,6 +364,8 @@ void InputDocument::store_number(std::int32_t index, std::string_view text) {
     source.type = records::TEXT;
     if (Qconvert(&target, &source, 1) == 0 && !text.empty()) {
         note_trouble({index, FieldFate::no_number, std::string(written), 0, 0, 0});
+    } else if (loses_low_digits(text, target)) {
+        note_trouble({index, FieldFate::cut_number, std::string(written), 0, 0, 0});
     }
     if (!follows_entries_) return;
     if (single_entry_.is_counted_by(record_.data(), target.address)) {
@@ -592,6 +595,28 @@ Place InputDocument::place_of(std::uint32_t element) {
 
 std::string InputDocument::source_text() {
     return locator() != nullptr ? locator_->text(count_) : std::string();
+}
+
+std::string path_text(const UnusedData& data) {
+    return data.kind == UnusedData::Kind::attributes ? data.path + "/@*" : data.path;
+}
+
+std::string description_of(const UnusedData& data) {
+    const auto what = [&data] {
+        switch (data.kind) {
+            case UnusedData::Kind::attributes:
+                return "attributes went into no field";
+            case UnusedData::Kind::surplus:
+                return "the text went into no field; there are more such elements than the field "
+                       "takes";
+            case UnusedData::Kind::absent:
+                return "the text went into no field; by its conditions the record does not have "
+                       "the field of this name";
+            default:
+                return "the text went into no field; no field has this name";
+        }
+    };
+    return path_text(data) + ": " + what();
 }
 
 std::string InputDocument::source_encoding() {

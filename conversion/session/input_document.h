@@ -30,6 +30,7 @@ enum class FieldFate : std::uint8_t {
     cut,              // with as many whole characters as fit
     no_number,        // the text is not a number that fits; docs/numbers.md says what it holds
     no_digits,        // of a binary field: the text is not pairs of hexadecimal digits; it is zero
+    cut_number,       // without the decimals, or low-order digits, that it has no room for
     lost_character,   // the text has a character that the records' set lacks; it is blank
     not_used          // it is in an entry that the record's table does not have
 };
@@ -37,7 +38,7 @@ enum class FieldFate : std::uint8_t {
 // A field that is not what the document says.
 struct FieldTrouble {
     std::int32_t item;   // of the description
-    FieldFate fate;      // cut, no_number, no_digits or lost_character
+    FieldFate fate;      // cut, no_number, no_digits, cut_number or lost_character
     std::string text;    // in UTF-8 or, of a document in ISO-8859-1, in that
     std::size_t whole;   // cut: bytes that the whole text takes in the records' character set
     std::size_t size;    // cut, no_digits: bytes that the field has
@@ -66,6 +67,11 @@ struct UnusedData {
                            // own name for itself
     std::uint32_t number;  // of the element among the record's elements, from 1
 };
+
+// The path of the data, with "/@*" for attributes, and what became of it: "name: the text went into
+// no field; ...". For messages.
+std::string path_text(const UnusedData& data);
+std::string description_of(const UnusedData& data);
 
 // The way of a record: the module parses it and says which element's text belongs to which field;
 // the text is converted and stored in the record, and what became of each field is noted. Any

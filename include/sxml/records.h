@@ -52,7 +52,14 @@ typedef struct SxmlFile SxmlFile;
  *   encoding       the character set of the records' text, as with `sxml to-xml --encoding`;
  *                  without it UTF-8
  *   format         the form of a record file, as with `sxml to-xml --record-format`:
- *                  fixed (default), line, rdw, bdw, gnucobol ...; lines is another name of line
+ *                  fixed (default), line, rdw, bdw, gnucobol ..., and auto for reading; lines is
+ *                  another name of line
+ *   skip, skip-end bytes at the start and the end of a record file that belong to no record
+ *   record         the elements of a document that are its records, as `sxml from-xml --record`
+ *   strict         yes: what would be a warning of a record fails that record (SXML_RECORD)
+ *   layout, when, hide
+ *                  one more copybook, a condition, an item without an element: as the options of
+ *                  the command, each may be given several times
  *   fd, copy-path, source-format, name, machine, binary-size, byte-order, national-size, odo,
  *   debugging-lines, no-truncate, ebcdic-sign, filler
  *                  as the options of the command (source-format is its --format); copy-path may be
@@ -70,6 +77,12 @@ SXML_RECORDS_API int sxml_read(SxmlFile* file);
 /* Writes the record, and blanks it for the next one. Result: 0 or -1; a record that the file cannot
  * hold is not written. */
 SXML_RECORDS_API int sxml_write(SxmlFile* file);
+
+/* Takes a failure of sxml_read or sxml_write back that concerned that record alone (its cause is
+ * SXML_RECORD): the next sxml_read gives the record after, and sxml_write writes another one. What
+ * can be had of the record is there until then, for a file of rejected records. Result: 0, or -1
+ * when the file as a whole has failed, or nothing has. */
+SXML_RECORDS_API int sxml_skip(SxmlFile* file);
 
 /* Completes a file that is written: it takes the place of what had its name before. Of a file that
  * is read, tells whether anything has failed. Result: 0 or -1. */
@@ -109,7 +122,8 @@ SXML_RECORDS_API int64_t sxml_problem_offset(const SxmlFile* file);
 
 /* After opening, what the compiler of copybooks says about the layout. Then what became of the
  * record that was read or written last, where it is not just what was asked for: a text that was
- * cut, a number that was repaired. `index` counts from 0; null after the last. */
+ * cut, a number that was repaired, elements of a document that went into no field, a record of no
+ * layout. `index` counts from 0; null after the last. */
 SXML_RECORDS_API const char* sxml_warning(const SxmlFile* file, int index);
 
 /* ---- Fields ---- */

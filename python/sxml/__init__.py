@@ -224,6 +224,13 @@ class File:
         handle.check(_c.sxml_write(handle.pointer))
         handle.warn()
 
+    def skip(self) -> bool:
+        """After an Error that concerned one record: whether the file goes on with the next one.
+
+        Otherwise, and without such a call, the failure is final.
+        """
+        return _c.sxml_skip(self._opened().pointer) == 0
+
     def close(self) -> None:
         """Completes a file that is written: it takes the place of what had its name before."""
         if self._handle.pointer is None:

@@ -26,6 +26,7 @@ def _load() -> ctypes.CDLL:
         "sxml_open": (handle, [text, text, text, ctypes.POINTER(text)]),
         "sxml_read": (number, [handle]),
         "sxml_write": (number, [handle]),
+        "sxml_skip": (number, [handle]),
         "sxml_finish": (number, [handle]),
         "sxml_close": (None, [handle]),
         "sxml_problem": (text, [handle]),

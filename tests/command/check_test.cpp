@@ -109,6 +109,17 @@ const CheckCase CASES[] = {
       "f: record 3, byte offset 6: none of the record layouts' conditions holds",
       "1 byte of 1 record in no field and not blank, the first in record 1 at byte offset 1; "
       "--filler"}},
+    {"white_space_around_texts",
+     item("  AB", "012") + item("A\t  ", "345") + item("    ", "000"),
+     ITEM,
+     1,
+     {"2 texts with white space in front, or tabs or line ends after, which a document does not "
+      "keep, the first in record 1, field code_id, at byte offset 0\n"}},
+    {"decimals_that_are_cut",
+     "<d><item><count_of>1.5</count_of></item></d>",
+     ITEM,
+     1,
+     {"field count_of: more decimals", "count_of         1                          1  "}},
     {"cut_short",
      THREE + "AB",
      ITEM,

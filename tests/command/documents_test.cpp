@@ -189,6 +189,20 @@ TEST_F(DocumentsTest, MayBeDeep) {
     EXPECT_NE(tree.find("\n" + std::string(80, ' ') + "[level 99999] a\n"), std::string::npos);
 }
 
+TEST_F(DocumentsTest, LossesAreTold) {
+    write_file("in.xml",
+               "<!DOCTYPE d [<!ENTITY e SYSTEM 'e.txt'>]>\n"
+               "<d><p>one<b>two</b>three</p><q> <b/> </q><r>&e;</r></d>");
+    const std::string unread =
+        "sxml: warning: in.xml:2:45: the entity e is outside of the document and is not read; its "
+        "text is missing\n";
+    EXPECT_EQ(sxml({"tree", "in.xml"}).err, unread);
+    EXPECT_EQ(sxml({"rewrite", "in.xml", "out.xml"}).err,
+              unread +
+                  "sxml: warning: in.xml: 1 element has text beside elements, such as p; the text "
+                  "is written first, and its order among the elements is lost\n");
+}
+
 TEST_F(DocumentsTest, AreRefusedWithThePlace) {
     const struct {
         const char* bytes;

@@ -83,6 +83,23 @@ const LossCase LOSSES[] = {
      "<d><item><tag>a</tag><tag>b</tag><tag>c</tag></item></d>",
      0,
      {"d.xml:1:34: record 1: tag: the text went into no field; there are more"}},
+    {"decimals",
+     "<d><item><amount>1.50</amount></item><item><amount>2.0</amount></item>"
+     "<item><amount>15e-1</amount></item></d>",
+     0,
+     {"record 1, field amount: more decimals or low-order digits than the field holds, which were "
+      "cut: '1.50'",
+      "record 3, field amount: more", "2 texts of numeric fields that the fields cannot hold"}},
+    {"entities elsewhere",
+     "<!DOCTYPE d [<!ENTITY here 'Bonn'><!ENTITY code SYSTEM 'code.txt'>]>\n"
+     "<d><item><code_id>&code;</code_id><where><city>&here;</city></where></item></d>",
+     0,
+     {"d.xml:2:19: the entity code is outside of the document and is not read; its text is "
+      "missing"}},
+    {"entities of a DTD elsewhere",
+     "<!DOCTYPE d SYSTEM 'd.dtd'>\n<d><item><code_id>&code;</code_id><amount>1</amount></item></d>",
+     0,
+     {"d.xml:2:19: the entity code is outside"}},
     {"text in a group",
      "<d><item><code_id>A</code_id><where>Bonn</where></item></d>",
      0,
@@ -163,6 +180,13 @@ TEST_F(CommandTest, RecordsOfFilesAreRejected) {
     sxml({"from-xml", "s.xml", "s.dat", "-l", "i.cpy"});
     EXPECT_EQ(read_file("s.dat"), good + good);
     EXPECT_EQ(sxml({"to-xml", "d.dat", "s.xml", "-l", "i.cpy", "--strict"}).status, 1);
+}
+
+TEST_F(CommandTest, WarningsWithoutAPlaceHaveTheCommandsName) {
+    write_file("r.cpy", "       01  R.\n           05  F PIC X.\n");
+    EXPECT_EQ(sxml({"to-xml", "/dev/null", "r.xml", "-l", "r.cpy", "--strict"}).err,
+              "sxml: warning: an item is called r like the description; the document element "
+              "becomes r_file\n");
 }
 
 TEST_F(CommandTest, RecordsOfNoLayoutAreNamedOnTheWayOut) {

@@ -135,6 +135,112 @@ TEST_F(RecordsTest, TablesSlideInFilesAndDocuments) {
     sxml_close(file);
 }
 
+// A record that fails by itself can be put aside, in both directions.
+TEST_F(RecordsTest, BadRecordsArePutAside) {
+    write_file("r.cpy",
+               "      *> sxml: when KIND OF A = \"A\"\n"
+               "       01  A.\n           05  KIND PIC X.\n           05  N PIC 9(2).\n"
+               "      *> sxml: when KIND OF B = \"B\"\n"
+               "       01  B.\n           05  KIND PIC X.\n           05  W PIC X(2).\n");
+    write_file("r.dat", "HEADA01BxyC00A02");
+    write_file("r.xml",
+               "<?xml version=\"1.0\"?><d><page><a><kind>A</kind><n>1</n><m>7</m></a></page>"
+               "<page><a><kind>A</kind><n>1.5</n></a><b><kind>B</kind><w>x</w></b></page></d>");
+    struct Case {
+        const char* file;
+        std::vector<const char*> options;
+        std::vector<std::string> outcomes;  // of each record: its bytes, or what is wrong
+    };
+    const std::string none = "none of the record layouts' conditions holds";
+    const Case cases[] = {
+        {"r.dat", {"skip=4", "strict=yes", nullptr}, {"A01", "Bxy", none, "A02"}},
+        {"r.xml",
+         {"record=d/page/a", "strict=yes", nullptr},
+         {"m: the text went into no field; no field has this name",
+          "field n: more decimals than the field holds, which were cut: '1.5'"}},
+    };
+    for (const Case& one : cases) {
+        SxmlFile* const file = sxml_open("r.cpy", one.file, "r", one.options.data());
+        EXPECT_STREQ(sxml_problem(file), "") << one.file;
+        EXPECT_EQ(sxml_skip(file), -1);  // nothing has failed
+        for (const std::string& expected : one.outcomes) {
+            const int result = sxml_read(file);
+            std::size_t length = 0;
+            const char* const bytes = static_cast<const char*>(sxml_record(file, &length));
+            if (result == 1) {
+                EXPECT_EQ(std::string(bytes, length), expected);
+                continue;
+            }
+            EXPECT_NE(std::string(sxml_problem(file)).find(expected), std::string::npos)
+                << sxml_problem(file);
+            EXPECT_EQ(sxml_problem_cause(file), SXML_RECORD);
+            EXPECT_EQ(sxml_read(file), -1);  // until it is taken back
+            EXPECT_EQ(sxml_skip(file), 0);
+        }
+        EXPECT_EQ(sxml_read(file), 0) << sxml_problem(file);
+        EXPECT_EQ(sxml_finish(file), 0);
+        sxml_close(file);
+    }
+    // Without strict the same are warnings.
+    SxmlFile* const lenient = sxml_open("r.cpy", "r.dat", "r", cases[0].options.data() + 2);
+    EXPECT_EQ(sxml_read(lenient), 1);  // HEA
+    EXPECT_STREQ(sxml_warning(lenient, 0), none.c_str());
+    sxml_close(lenient);
+    const char* const at_a_path[] = {"record=d/page/a", nullptr};
+    SxmlFile* const document = sxml_open("r.cpy", "r.xml", "r", at_a_path);
+    EXPECT_EQ(sxml_read(document), 1);
+    EXPECT_STREQ(sxml_warning(document, 0),
+                 "m: the text went into no field; no field has this name");
+    EXPECT_EQ(sxml_warning(document, 1), nullptr);
+    sxml_close(document);
+
+    const char* const strict[] = {"strict=yes", nullptr};
+    SxmlFile* const out = sxml_open("r.cpy", "out.xml", "w", strict);
+    for (const char* const record : {"A01", "A0x", "C00", "B\x01y", "Bxy"}) {
+        EXPECT_EQ(sxml_set_record(out, record, 3), 0);
+        const bool is_good = record == std::string("A01") || record == std::string("Bxy");
+        EXPECT_EQ(sxml_write(out), is_good ? 0 : -1) << record;
+        EXPECT_EQ(sxml_skip(out), is_good ? -1 : 0) << sxml_problem(out);
+    }
+    EXPECT_EQ(sxml_finish(out), 0) << sxml_problem(out);
+    sxml_close(out);
+    EXPECT_EQ(sxml({"from-xml", "out.xml", "back", "-l", "r.cpy"}).err, "");
+    EXPECT_EQ(read_file("back"), "A01Bxy");
+}
+
+// A copybook that may not be changed, and a file of a form that is not known.
+TEST_F(RecordsTest, TakesTheOptionsOfTheCommand) {
+    write_file("one.cpy",
+               "       01  A.\n           05  KIND PIC X.\n           05  N PIC 9(3).\n");
+    write_file("two.cpy",
+               "       01  B.\n           05  SORT PIC X.\n           05  W PIC X(3).\n");
+    write_file("r", std::string("\0\x08\0\0A012\0\x08\0\0Bxyz", 16));
+    const char* const options[] = {"layout=two.cpy", "when=A: KIND = \"A\"", "when=B: SORT = \"B\"",
+                                   "hide=KIND",      "name=W=word",          "format=auto",
+                                   nullptr};
+    SxmlFile* const file = sxml_open("one.cpy", "r", "r", options);
+    EXPECT_EQ(sxml_read(file), 1) << sxml_problem(file);
+    EXPECT_STREQ(sxml_get_text(file, sxml_field(file, "n")), "12");
+    EXPECT_EQ(sxml_field(file, "kind"), -1);
+    EXPECT_EQ(sxml_read(file), 1) << sxml_problem(file);
+    EXPECT_STREQ(sxml_get_text(file, sxml_field(file, "word")), "xyz");
+    EXPECT_EQ(sxml_read(file), 0);
+    sxml_close(file);
+    for (const auto& [option, said] : {std::pair("skip=x", "the option skip cannot be x"),
+                                       {"when=A", "as in HEADER:"},
+                                       {"record=d/none", "none"},
+                                       {"format=auto", "name the format"}}) {
+        write_file("r.xml", "<d/>");
+        const char* const one[] = {option, nullptr};
+        const bool is_output = std::string(option) == "format=auto";
+        SxmlFile* const refused =
+            sxml_open("two.cpy", is_output ? "new" : "r.xml", is_output ? "w" : "r", one);
+        EXPECT_NE(std::string(sxml_problem(refused)).find(said), std::string::npos)
+            << sxml_problem(refused);
+        sxml_close(refused);
+    }
+}
+
 TEST_F(RecordsTest, FailuresStayAndNameTheRecord) {
     std::size_t length = 0;
     ASSERT_NE(sxml_record(open(), &length), nullptr);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The manual pages as mandoc judges them, and the completions as bash runs them.
+# The manual pages as mandoc judges them, and the completions as bash, zsh and fish run them.
 #     manual_test.sh BUILD_DIR
 set -euo pipefail
 build=$(cd "${1:?usage: manual_test.sh BUILD_DIR}" && pwd)
@@ -40,4 +40,18 @@ completes 'SXML_CREATE_SCHEMA= SXML_CREATE_STYLE=' sxml to-xml --set SXML_CREATE
 completes 'fixed free' sxml layout --format f
 completes '' sxml tree orders
 completes '--help -h' sxml cob -
+
+# zsh completes in an interactive shell only: the function must be one, and be the one for sxml.
+if command -v zsh >/dev/null; then
+    zsh -n _sxml || fail "zsh does not read the completion"
+    # shellcheck disable=SC2016
+    found=$(zsh -fc 'autoload -Uz compinit; fpath=($PWD $fpath); compinit -u -D; autoload +X _sxml && print -r -- $_comps[sxml]')
+    [ "$found" = _sxml ] || fail "zsh does not know of the completion: $found"
+fi
+if command -v fish >/dev/null; then
+    fish -n sxml.fish || fail "fish does not read the completion"
+    found=$(HOME=$(mktemp -d) fish -c 'source sxml.fish
+        for line in "sxml to-x" "sxml layout --cs" "sxml layout --format f"; complete -C $line | cut -f 1; end' | tr '\n' ' ')
+    [ "$found" = "to-xml --csv fixed free " ] || fail "fish completes to $found"
+fi
 exit "$failed"

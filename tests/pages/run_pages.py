@@ -98,6 +98,10 @@ def main(build, source, pages):
             examples = prefix / "share/sxml/examples"
             subprocess.run(["cp", "-r", examples, folder], check=True)
             (folder / "examples").symlink_to(examples)  # as in the sources
+            (folder / "build").symlink_to(pathlib.Path(build).resolve())
+            home = pathlib.Path(scratch) / "home"
+            home.mkdir(exist_ok=True)
+            environment["HOME"] = str(home)
             failures += run_page(pathlib.Path(source) / name, folder, environment)
     for failure in failures:
         print(failure, file=sys.stderr)

@@ -4,6 +4,7 @@ import os
 import pathlib
 import pickle
 import subprocess
+import sys
 import threading
 
 import pytest
@@ -143,3 +144,33 @@ def test_threads_work_on_files_of_their_own():
             records = list(document)
         assert [record["cust_id"] for record in records] == list(range(200))
         assert {record["cust_name"] for record in records} == {f"thread {number}"}
+
+
+def test_records_that_fail_by_themselves_can_be_skipped():
+    pathlib.Path("some.xml").write_text(
+        "<d><customer><zip>75001</zip></customer><customer><zip>750012</zip></customer>"
+        "<customer><zop>1</zop></customer><customer><zip>1</zip></customer></d>")
+    rejected, zips = [], []
+    with sxml.open("some.xml", CUSTOMERS, strict=True) as customers:
+        while True:
+            try:
+                zips.append(next(customers)["zip"])
+            except StopIteration:
+                break
+            except sxml.Error as error:
+                assert customers.skip()
+                rejected.append(str(error))
+        assert not customers.skip()
+    assert zips == ["75001", "1"]
+    assert ["record 2" in rejected[0], "zop" in rejected[1]] == [True, True]
+    with pytest.warns(sxml.DataWarning, match="zop: the text went into no field"):
+        with sxml.open("some.xml", CUSTOMERS) as customers:
+            list(customers)
+
+
+def test_the_version_is_the_projects(tmp_path):
+    pytest.importorskip("setuptools")
+    told = subprocess.run([sys.executable, "-B", "setup.py", "--version"], cwd=SOURCE / "python", check=True,
+                          capture_output=True, text=True).stdout.split()[-1]
+    command = subprocess.run([COMMAND, "--version"], check=True, capture_output=True, text=True).stdout
+    assert command.split()[1] == told

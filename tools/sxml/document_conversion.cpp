@@ -52,26 +52,6 @@ const char* hint_text(conversion::UnusedData::Hint hint) {
     }
 }
 
-const char* description_of(conversion::UnusedData::Kind kind) {
-    using Kind = conversion::UnusedData::Kind;
-    switch (kind) {
-        case Kind::attributes:
-            return "attributes went into no field";
-        case Kind::surplus:
-            return "the text went into no field; there are more such elements than the field takes";
-        case Kind::absent:
-            return "the text went into no field; by its conditions the record does not have the "
-                   "field of this name";
-        default:
-            return "the text went into no field; no field has this name";
-    }
-}
-
-std::string path_of(const conversion::UnusedData& data) {
-    const bool is_attributes = data.kind == conversion::UnusedData::Kind::attributes;
-    return is_attributes ? data.path + "/@*" : data.path;
-}
-
 }  // namespace
 
 DocumentConversion::DocumentConversion(conversion::InputDocument& document,
@@ -203,6 +183,13 @@ std::optional<conversion::Problem> DocumentConversion::problem_of(
                 Finding::lost_number,
                 problem_at(trouble, "not hexadecimal digits of " + std::to_string(trouble.size) +
                                         " bytes: " + quoted(trouble.text)));
+        case FieldFate::cut_number:
+            if (!report_.count(Finding::lost_number)) return std::nullopt;
+            return found(Finding::lost_number,
+                         problem_at(trouble,
+                                    "more decimals or low-order digits than the field "
+                                    "holds, which were cut: " +
+                                        quoted(trouble.text)));
         default:
             if (!report_.count(Finding::cut_text)) return std::nullopt;
             return found(Finding::cut_text,
@@ -215,13 +202,10 @@ std::optional<conversion::Problem> DocumentConversion::problem_of(
 
 std::optional<conversion::Problem> DocumentConversion::problem_of(
     const conversion::UnusedData& data) {
-    const std::string path = path_of(data);
-    report_.count_unused(path, hint_text(data.hint));
+    report_.count_unused(path_text(data), hint_text(data.hint));
     if (!report_.count(Finding::unused_data)) return std::nullopt;
-    conversion::Problem problem{conversion::Cause::record,
-                                document_.place_of(data.number),
-                                path + ": " + description_of(data.kind),
-                                {}};
+    conversion::Problem problem{
+        conversion::Cause::record, document_.place_of(data.number), description_of(data), {}};
     return found(Finding::unused_data, std::move(problem));
 }
 

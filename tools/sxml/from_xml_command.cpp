@@ -62,8 +62,10 @@ void convert_from_xml(const FromXmlOptions& options) {
     const auto document = value_of(conversion::DocumentSource::open(options.xml));
     files.reads_document(options.xml, document);
     RecordDocument source(document, options.document);
-    run_with_report(options.report, document.name(),
-                    [&](RunReport& report) { return convert(options, source, files, report); });
+    run_with_report(options.report, document.name(), [&](RunReport& report) {
+        report.warn_of_unread_entities(document);
+        return convert(options, source, files, report);
+    });
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "conversion/documents/unread_entities.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/field_value.h"
@@ -24,7 +25,7 @@ struct Wording {
 
 constexpr std::array<Wording, FINDINGS> WORDINGS = {{
     {"bad_numbers", "numeric field", " held no valid number and came out repaired"},
-    {"lost_numbers", "text", " of numeric fields that cannot be stored there"},
+    {"lost_numbers", "text", " of numeric fields that the fields cannot hold as they stand"},
     {"cut_texts", "text", " cut to the length of the field"},
     {"records_of_no_layout", "record",
      " of no layout; only the fields that all layouts have were taken"},
@@ -91,6 +92,16 @@ void RunReport::warn_of(const std::string& message) {
     warnings_.push_back(message);
 }
 
+void RunReport::warn_of_unread_entities(const conversion::DocumentSource& document) {
+    const auto found = value_of(conversion::find_unread_entities(document.file(), document.name()));
+    for (const conversion::Problem& problem : found.first) warn_of(message_of(problem));
+    if (found.count > found.first.size()) {
+        warn_of(document.name() + ": " + std::to_string(found.count) +
+                " references to entities that are not read; the first " +
+                std::to_string(found.first.size()) + " are named above");
+    }
+}
+
 void RunReport::count_unused(const std::string& path, const std::string& hint,
                              std::uint64_t count) {
     UnusedPath& unused = unused_[path];
@@ -133,6 +144,11 @@ std::string RunReport::missing_note() const {
 
 void RunReport::sum_up() const {
     if (options_.is_silent) return;
+    if (options_.is_quiet && !warnings_.empty()) {
+        warn(name_ + ": " + std::to_string(warnings_.size()) +
+             (warnings_.size() == 1 ? " warning" : " warnings") +
+             " about the input or the layout as a whole; without --quiet they are printed");
+    }
     for (std::size_t kind = 0; kind < FINDINGS; ++kind) {
         if (counts_[kind] == 0) continue;
         std::string text = name_ + ": " + sum_of(static_cast<Finding>(kind));
@@ -190,6 +206,7 @@ void RunReport::add_to(Json& json) const {
     Json missing = Json::object();
     for (const auto& [field, records] : missing_) missing[field] = records;
     json["missing"] = std::move(missing);
+    json["warnings"] = warnings_;
 }
 
 void run_with_report(const ReportOptions& options, const std::string& name,

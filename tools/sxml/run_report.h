@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "conversion/documents/document_source.h"
 #include "conversion/problem.h"
 #include "tools/sxml/options/run_files.h"
 
@@ -67,6 +68,8 @@ class RunReport {
     bool is_strict() const { return options_.is_strict; }
     // Warns of something that concerns the run as a whole; fails when that is asked for.
     void warn_of(const std::string& message);
+    // Warns of what a document takes from outside of itself, which is never read. Throws Failure.
+    void warn_of_unread_entities(const conversion::DocumentSource& document);
     void count_record() { ++records_; }
     // Takes over what another report has counted and not named.
     void add_records(std::uint64_t count) { records_ += count; }

@@ -92,6 +92,16 @@ std::string unnamed_text(const CheckOutcome& outcome) {
            "; --filler gives FILLER items elements, `sxml dump` shows the bytes\n";
 }
 
+std::string shifted_text(const CheckOutcome& outcome) {
+    const ShiftedTexts& shifted = outcome.statistics.shifted_texts();
+    if (shifted.count == 0) return {};
+    return "\n" + counted(shifted.count, "text") +
+           " with white space in front, or tabs or line ends after, which a document does not "
+           "keep, the first in record " +
+           std::to_string(shifted.first_record) + ", field " + shifted.first_field +
+           ", at byte offset " + std::to_string(shifted.first_offset) + "\n";
+}
+
 Json fields_json(const CheckOutcome& outcome) {
     Json fields = Json::array();
     for (const FieldCounts& field : outcome.statistics.fields()) {
@@ -113,14 +123,15 @@ bool CheckOutcome::loses() const {
     for (std::size_t kind = 0; kind < FINDINGS; ++kind) {
         if (findings.counted(static_cast<Finding>(kind)) > 0) has_findings = true;
     }
-    return has_findings || !failure.empty() || statistics.unnamed_bytes().bytes > 0;
+    return has_findings || !failure.empty() || statistics.unnamed_bytes().bytes > 0 ||
+           statistics.shifted_texts().count > 0 || !findings.warnings().empty();
 }
 
 std::string check_text(const CheckOutcome& outcome) {
     std::string text = outcome.name + ": " + counted(outcome.findings.records(), "record") +
                        (outcome.is_document ? " of a document\n" : " of a record file\n");
     text += layouts_text(outcome) + fields_text(outcome) + findings_text(outcome) +
-            unnamed_text(outcome);
+            unnamed_text(outcome) + shifted_text(outcome);
     const std::string missing = outcome.findings.missing_note();
     if (!missing.empty()) text += "\nNote: " + missing + "\n";
     for (const std::string& warning : outcome.findings.warnings()) text += "\n" + warning + "\n";
@@ -158,7 +169,14 @@ std::string check_json(const CheckOutcome& outcome) {
                                 {"byte_offset", unnamed.first_offset}};
     }
     json["in_no_field"] = std::move(in_no_field);
-    json["warnings"] = outcome.findings.warnings();
+    const ShiftedTexts& shifted = outcome.statistics.shifted_texts();
+    Json white_space = {{"texts", shifted.count}};
+    if (shifted.count > 0) {
+        white_space["first"] = {{"record", shifted.first_record},
+                                {"field", shifted.first_field},
+                                {"byte_offset", shifted.first_offset}};
+    }
+    json["white_space"] = std::move(white_space);
     json["fields"] = fields_json(outcome);
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -1,7 +1,10 @@
 #include "tools/sxml/check/field_statistics.h"
 
 #include <algorithm>
+#include <span>
+#include <string_view>
 
+#include "records/field_types.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/field_value.h"
 
@@ -93,6 +96,7 @@ void FieldStatistics::add(const conversion::Record& record) {
             ++row.counts.invalid;
         } else {
             add_value(row, field, bytes);
+            if (field.kind == FieldKind::text) note_shifted(record, field);
         }
     }
     // Of a record without a layout all other bytes are lost; that is told by itself.
@@ -116,12 +120,13 @@ void FieldStatistics::add(const conversion::InputDocument& document) {
         ++row.counts.count;
         const FieldFate fate = document.fate(field.item);
         if (fate == FieldFate::not_in_document) ++row.counts.blank;
-        if (fate == FieldFate::cut) ++row.counts.cut;
+        const bool is_cut = fate == FieldFate::cut || fate == FieldFate::cut_number;
+        if (is_cut) ++row.counts.cut;
         if (fate == FieldFate::no_number || fate == FieldFate::no_digits ||
             fate == FieldFate::lost_character) {
             ++row.counts.invalid;
         }
-        if (fate == FieldFate::filled || fate == FieldFate::cut) {
+        if (fate == FieldFate::filled || is_cut) {
             add_value(row, field, record + field.offset);
         }
     }
@@ -178,6 +183,28 @@ void FieldStatistics::add_text(Row& row, const Field& field, const std::uint8_t*
     const std::string_view text(reinterpret_cast<const char*>(bytes), length);
     if (!row.first || text < *row.first) row.first = text;
     if (!row.last || text > *row.last) row.last = text;
+}
+
+void FieldStatistics::note_shifted(const conversion::Record& record, const Field& field) {
+    const records::FieldEdges edges =
+        records::field_extra(description_.xfd().items[field.item].data).edges;
+    if (edges.is_right != 0 || edges.blanks != 0) return;
+    const std::span<const std::uint8_t> bytes(record.data + field.offset,
+                                              static_cast<std::size_t>(field.length));
+    const auto is_text = [this](std::uint8_t byte) { return !is_blank(byte); };
+    const auto last = std::find_if(bytes.rbegin(), bytes.rend(), is_text);
+    if (last == bytes.rend()) return;
+    const bool is_kept = !is_blank(bytes.front()) && !is_white(bytes.front()) && !is_white(*last);
+    if (is_kept || shifted_.count++ > 0) return;
+    shifted_.first_record = record.number;
+    shifted_.first_offset = record.file_offset + static_cast<std::uint64_t>(field.offset);
+    shifted_.first_field = fields_.name(field.item);
+}
+
+// Tabs and line ends.
+bool FieldStatistics::is_white(std::uint8_t byte) const {
+    const std::string_view white = characters_.is_ebcdic() ? "\x05\x0D\x15\x25" : "\t\r\n";
+    return white.find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
 // What a table's counter leaves out is not in the record.

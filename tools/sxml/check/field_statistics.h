@@ -29,7 +29,7 @@ struct FieldCounts {
     std::uint64_t blank = 0;    // spaces, bytes of value 0, or no element in the document
     std::uint64_t zero = 0;     // numbers
     std::uint64_t invalid = 0;  // not a number, or a text that the other side cannot hold
-    std::uint64_t cut = 0;      // texts of a document that were too long
+    std::uint64_t cut = 0;      // texts of a document that were too long, or had too many digits
     std::string smallest;       // of the numbers by value, of the texts by their bytes, in UTF-8
     std::string largest;
     std::size_t longest = 0;  // text: bytes without the blanks at its end
@@ -41,6 +41,15 @@ struct UnnamedBytes {
     std::uint64_t records = 0;
     std::uint64_t first_record = 0;  // from 1
     std::uint64_t first_offset = 0;  // in the file
+};
+
+// Texts of records with white space in front, or other than spaces after them, which a document
+// does not keep. Right-justified and edited ones come back where they were.
+struct ShiftedTexts {
+    std::uint64_t count = 0;
+    std::uint64_t first_record = 0;  // from 1
+    std::uint64_t first_offset = 0;  // of the field, in the file
+    std::string first_field;
 };
 
 class FieldStatistics {
@@ -59,6 +68,7 @@ class FieldStatistics {
     std::vector<std::pair<std::string, std::uint64_t>> layouts() const;
     std::uint64_t of_no_layout() const { return of_no_layout_; }
     const UnnamedBytes& unnamed_bytes() const { return unnamed_; }
+    const ShiftedTexts& shifted_texts() const { return shifted_; }
 
   private:
     struct Row {
@@ -80,6 +90,8 @@ class FieldStatistics {
     void add_text(Row& row, const conversion::Field& field, const std::uint8_t* bytes);
     void add_unnamed(const conversion::Record& record, const conversion::RecordLayout& layout,
                      std::int32_t length);
+    void note_shifted(const conversion::Record& record, const conversion::Field& field);
+    bool is_white(std::uint8_t byte) const;
     bool is_blank(std::uint8_t byte) const { return byte == characters_.space() || byte == 0; }
 
     records::Description& description_;
@@ -94,6 +106,7 @@ class FieldStatistics {
     records::RecordPosition position_;  // of the record counted last
     bool is_of_a_layout_ = false;       // the record counted last
     UnnamedBytes unnamed_;
+    ShiftedTexts shifted_;
     std::vector<std::uint8_t> named_;  // 1 for the bytes of a record that belong to fields
 };
 

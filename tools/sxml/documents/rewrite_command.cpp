@@ -15,6 +15,7 @@
 #include "tools/sxml/documents/parsed_document.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/options/run_files.h"
+#include "tools/sxml/run_report.h"
 
 namespace command {
 
@@ -83,6 +84,27 @@ void write_document(const ParsedDocument& document, const std::string& name,
     if (const auto failure = host::take_write_failure()) fail_file(shown_name, failure->error);
 }
 
+// Warns of what the document written will lack.
+void warn_of_losses(const ParsedDocument& document, const conversion::DocumentSource& input) {
+    ReportOptions all;
+    RunReport(all, input.name()).warn_of_unread_entities(input);
+    const XmlApi& api = document.api();
+    std::uint64_t mixed = 0;
+    std::string first;
+    document.for_each_element([&](std::uint32_t element) {
+        std::uint64_t length = 0;
+        const char* const text = api.xml_element_value(element, &length);
+        if (text == nullptr || api.xml_first_child(element) == 0) return;
+        if (std::string_view(text, length).find_first_not_of(" \t\r\n") == std::string::npos)
+            return;
+        if (mixed++ == 0) first = api.xml_element_name(element);
+    });
+    if (mixed == 0) return;
+    warn(input.name() + ": " + std::to_string(mixed) +
+         (mixed == 1 ? " element has" : " elements have") + " text beside elements, such as " +
+         first + "; the text is written first, and its order among the elements is lost");
+}
+
 void rewrite(const RewriteOptions& options) {
     RunFiles files;
     const host::Module& module = load_module();
@@ -92,6 +114,7 @@ void rewrite(const RewriteOptions& options) {
     const auto input = value_of(conversion::DocumentSource::open(options.in));
     AtomicOutput output(options.out);
     const ParsedDocument document(api, input, WRITABLE);
+    warn_of_losses(document, input);
     if (is_latin1(document)) convert_comments(document);
     if (output.write_name() == "-") return write_document(document, "-", output.shown_name());
     const host::OutputName name(name_in_comment(output.file()), output.write_name());

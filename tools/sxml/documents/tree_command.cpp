@@ -9,6 +9,7 @@
 #include "tools/sxml/documents/tree_printer.h"
 #include "tools/sxml/errors.h"
 #include "tools/sxml/options/run_files.h"
+#include "tools/sxml/run_report.h"
 
 namespace command {
 
@@ -29,6 +30,8 @@ void print_tree(const TreeOptions& options) {
     files.check();
     const ParsedDocument document(api, input,
                                   XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA | XMLOPT_XML_DECL);
+    ReportOptions all;
+    RunReport(all, input.name()).warn_of_unread_entities(input);
     using Texts = TreePrinter::Texts;
     TreePrinter(document, options.full ? Texts::full : Texts::shortened).print();
 }

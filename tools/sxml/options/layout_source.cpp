@@ -1,6 +1,7 @@
 #include "tools/sxml/options/layout_source.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "conversion/formats/byte_source.h"
 #include "platform/files.h"
@@ -26,6 +27,19 @@ std::string remedy_for(const records::Diagnostics& diagnostics, const LayoutOpti
                                                     : "";
 }
 
+// Messages that no place begins have the program's name there. Source lines are indented.
+std::string with_program_name(const std::string& text) {
+    std::istringstream lines(text);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) {
+        for (const char* kind : {"error: ", "warning: ", "note: "}) {
+            if (line.starts_with(kind)) result += "sxml: ";
+        }
+        result += line + "\n";
+    }
+    return result;
+}
+
 }  // namespace
 
 LayoutSource::LayoutSource(const LayoutOptions& options) : options_(options), name_(options.file) {
@@ -39,6 +53,7 @@ records::Description LayoutSource::load(records::RecordEncoding encoding, RunFil
     records::Diagnostics diagnostics;
     records::Description description = load(encoding, diagnostics, true);
     for (const std::string& file : diagnostics.files()) files.reads(file);
+    if (options_.file == "-") files.reads("-");
     return description;
 }
 
@@ -54,7 +69,7 @@ records::Description LayoutSource::load(records::RecordEncoding encoding,
     layout.encoding = encoding;
     if (encoding == records::RecordEncoding::ebcdic) layout.ebcdic_sign = true;
     std::optional<records::Description> description = compile(layout, diagnostics);
-    if (is_told) say(diagnostics.text());
+    if (is_told) say(with_program_name(diagnostics.text()));
     if (!description || diagnostics.has_errors()) {
         fail(name_ + ": there is no usable record layout" + remedy_for(diagnostics, options_));
     }

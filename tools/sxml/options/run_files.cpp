@@ -1,5 +1,6 @@
 #include "tools/sxml/options/run_files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -64,6 +65,14 @@ void RunFiles::writes(const std::string& name) {
     }
 }
 
+// A stream has no path. It gives what it has once, and what goes to it twice is mixed.
+void RunFiles::check_stream(const std::vector<File>& files, const std::string& use) {
+    const auto is_stream = [](const File& file) { return file.path.empty(); };
+    if (std::count_if(files.begin(), files.end(), is_stream) < 2) return;
+    fail_usage(std::find_if(files.begin(), files.end(), is_stream)->name + " would be " + use +
+               " twice; name a file for one of them");
+}
+
 bool RunFiles::are_one(const File& first, const File& second) {
     if (first.identity || second.identity) return first.identity == second.identity;
     return !first.path.empty() && first.path == second.path &&
@@ -71,6 +80,8 @@ bool RunFiles::are_one(const File& first, const File& second) {
 }
 
 void RunFiles::check() const {
+    check_stream(inputs_, "read");
+    check_stream(outputs_, "written");
     for (std::size_t i = 0; i < outputs_.size(); ++i) {
         const File& output = outputs_[i];
         for (const File& input : inputs_) {

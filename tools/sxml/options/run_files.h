@@ -23,7 +23,8 @@ class RunFiles {
     // "-" is standard output.
     void writes(const std::string& name);
     // Throws Failure (wrong usage), naming both, when an output is a file that is read, or when two
-    // outputs are one file. To be called before any output is opened.
+    // outputs are one file; and when standard input or output would serve twice. To be called
+    // before any output is opened.
     void check() const;
 
   private:
@@ -33,6 +34,7 @@ class RunFiles {
         // Of a regular file that exists. Pipes and devices can be read and written.
         std::optional<platform::FileIdentity> identity;
     };
+    static void check_stream(const std::vector<File>& files, const std::string& use);
     static bool are_one(const File& first, const File& second);
 
     std::vector<File> inputs_;

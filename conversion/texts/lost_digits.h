@@ -1,0 +1,15 @@
+// Numbers that lose digits at their low end when a field takes them.
+#pragma once
+
+#include <string_view>
+
+#include "host/record_description.h"
+
+namespace conversion {
+
+// Whether a text that `field` holds now, as a number, had decimals or low-order digits other than
+// zero that the field has no room for. The text is a number that fits the field; its address is
+// set. False for floating-point fields, which hold the nearest number.
+bool loses_low_digits(std::string_view text, const XfdDataDesc& field);
+
+}  // namespace conversion
