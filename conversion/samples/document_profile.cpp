@@ -61,6 +61,7 @@ bool TextProfile::add_number(std::string_view text) {
     if (is_below_zero && is_zero) return false;
     const auto decimals = static_cast<int>(part.size());
     has_minus_ = has_minus_ || is_below_zero;
+    has_zero_ = has_zero_ || is_zero;
     whole_digits_ = std::max(whole_digits_, static_cast<int>(whole.size()));
     least_decimals_ = texts_ == 0 ? decimals : std::min(least_decimals_, decimals);
     most_decimals_ = std::max(most_decimals_, decimals);

@@ -30,6 +30,7 @@ class TextProfile {
     // exponent or zeros in front.
     bool is_number() const;
     bool is_negative() const { return has_minus_; }  // some are
+    bool has_zero() const { return has_zero_; }      // of numbers: some are
     int whole_digits() const { return whole_digits_; }
     int decimals() const { return most_decimals_; }
     // Texts have different numbers of decimals.
@@ -46,6 +47,7 @@ class TextProfile {
     bool are_numbers_ = true;
     bool are_dates_ = true;
     bool has_minus_ = false;
+    bool has_zero_ = false;
     int whole_digits_ = 0;
     int least_decimals_ = 0;
     int most_decimals_ = 0;

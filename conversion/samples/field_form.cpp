@@ -32,8 +32,19 @@ FieldForm number_form(int whole, int decimals, bool is_negative) {
     return form;
 }
 
-FieldForm form_by_samples(const TextProfile& text, int grow) {
-    if (!text.is_number()) {
+// Whether zero would stand for what is empty or missing or, when a number is to come back as it
+// was, be left out with that.
+bool is_field_of_numbers(const ElementProfile& element, bool is_exact) {
+    const TextProfile& text = element.text;
+    if (!text.is_number()) return false;
+    const bool has_empty = text.texts() < element.count;
+    const bool is_missing = element.parents < element.parent->count;
+    if (has_empty || (is_missing && text.has_zero())) return false;
+    return !is_exact || (!text.has_zero() && !text.has_mixed_decimals());
+}
+
+FieldForm form_by_samples(const TextProfile& text, int grow, bool is_number) {
+    if (!is_number) {
         return text_form(text.is_date() ? text.most_bytes() : grown(text.most_bytes(), grow));
     }
     const auto seen = static_cast<std::uint64_t>(text.whole_digits());
@@ -53,7 +64,7 @@ FieldForm declared_text(const TextProfile& seen, const TextLimits& limits, int g
 FieldForm declared_number(const TextProfile& seen, const TextLimits& limits, int grow) {
     const bool is_known = limits.whole_digits && limits.decimals;
     if (!is_known && seen.is_number()) {
-        const FieldForm sample = form_by_samples(seen, grow);
+        const FieldForm sample = form_by_samples(seen, grow, true);
         const int decimals = std::max(limits.decimals.value_or(0), seen.decimals());
         const auto sampled = static_cast<int>(sample.bytes) - seen.decimals();
         const int whole = limits.whole_digits.value_or(std::min(sampled, MOST_DIGITS - decimals));
@@ -115,22 +126,23 @@ std::string counted(std::uint64_t count, const std::string& what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
-FieldForm field_of(const ElementProfile& element, int grow) {
+FieldForm field_of(const ElementProfile& element, const FieldWishes& wishes) {
     const TextProfile& seen = element.text;
-    if (!element.declared) return form_by_samples(seen, grow);
-    if (!element.declared->text) {
-        if (seen.texts() > 0) return form_by_samples(seen, grow);
-        return declared_text(seen, {}, grow);
+    const auto& declared = element.declared;
+    if (!declared || (!declared->text && seen.texts() > 0)) {
+        const bool is_number = is_field_of_numbers(element, wishes.is_exact);
+        return form_by_samples(seen, wishes.grow, is_number);
     }
-    const TextLimits& limits = *element.declared->text;
-    if (!limits.is_number) return declared_text(seen, limits, grow);
-    return limits.may_be_empty ? declared_text_of_number(seen, limits, grow)
-                               : declared_number(seen, limits, grow);
+    const TextLimits limits = declared->text.value_or(TextLimits{});
+    if (!limits.is_number) return declared_text(seen, limits, wishes.grow);
+    return limits.may_be_empty || wishes.is_exact
+               ? declared_text_of_number(seen, limits, wishes.grow)
+               : declared_number(seen, limits, wishes.grow);
 }
 
-TableForm table_of(const ElementProfile& element, int grow) {
+TableForm table_of(const ElementProfile& element, const FieldWishes& wishes) {
     const std::uint64_t seen = element.most;
-    const std::uint64_t by_samples = seen > 1 ? grown(seen, grow) : 1;
+    const std::uint64_t by_samples = seen > 1 ? grown(seen, wishes.grow) : 1;
     if (!element.declared || element.declared->most <= 1) return {by_samples};
     const std::uint64_t most = element.declared->most;
     if (most <= MOST_OCCURS) return {std::max(most, seen)};

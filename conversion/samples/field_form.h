@@ -22,12 +22,18 @@ struct TableForm {
 
 constexpr std::uint64_t MOST_OCCURS = 32767;  // of a table
 
+struct FieldWishes {
+    int grow = 20;          // lengths and tables get so many percent more than was seen
+    bool is_exact = false;  // no number that would be written in another way than it was read
+};
+
 // The field of an element without elements. Where a schema sets a limit, that counts; otherwise
-// what was seen, and `grow` percent more.
-FieldForm field_of(const ElementProfile& element, int grow);
+// what was seen, and more. Numbers of which some are empty are texts, as zero is not empty; so are
+// those of which some are missing and others zero.
+FieldForm field_of(const ElementProfile& element, const FieldWishes& wishes);
 
 // How often it occurs in the one around it, in the same way.
-TableForm table_of(const ElementProfile& element, int grow);
+TableForm table_of(const ElementProfile& element, const FieldWishes& wishes);
 
 // What a schema says of it and what was seen, in one line; may be empty.
 std::string comment_on(const ElementProfile& element);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <set>
 
 #include "conversion/samples/cobol_names.h"
-#include "conversion/samples/field_form.h"
 
 namespace conversion {
 
@@ -49,6 +49,14 @@ std::string plain_name(std::string cobol_name, bool is_exact) {
     return cobol_name;
 }
 
+// Names that descriptions do not tell apart become one.
+std::string folded(std::string name) {
+    for (char& c : name) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return name;
+}
+
 std::string level_text(int level) {
     return (level < 10 ? "0" : "") + std::to_string(level);
 }
@@ -68,8 +76,10 @@ class CopybookMaker {
     };
 
     Kinds kinds();
-    bool is_usable(const ElementProfile& element, int level);
-    bool has_fields(const ElementProfile& element, int level);
+    void find_twins(const ElementProfile& element);
+    void say_twin(const ElementProfile& element);
+    bool is_usable(const ElementProfile& element, int level) const;
+    bool has_fields(const ElementProfile& element, int level) const;
     void collect_names(const ElementProfile& element, int level);
     void say_losses(const ElementProfile& element);
     void say_ambiguous();
@@ -103,6 +113,12 @@ class CopybookMaker {
         bool is_optional = false;  // one of the fields is missing somewhere
     };
     std::map<std::string, Use> uses_;
+    struct Spelling {
+        std::string first;
+        bool differs = false;  // another one
+    };
+    std::map<std::string, Spelling> spellings_;  // by folded name
+    std::set<const ElementProfile*> twins_;      // left out
     std::size_t selector_length_ = 0;
     Size largest_;
     const ElementProfile* longest_table_ = nullptr;
@@ -129,11 +145,24 @@ void CopybookMaker::lose(const ElementProfile& element, Place place, std::string
 }
 
 // What can have a place in a record; what cannot is said once.
-bool CopybookMaker::is_usable(const ElementProfile& element, int level) {
-    return can_be_given(element.name) && level <= DEEPEST_LEVEL;
+bool CopybookMaker::is_usable(const ElementProfile& element, int level) const {
+    return can_be_given(element.name) && level <= DEEPEST_LEVEL && twins_.count(&element) == 0;
 }
 
-bool CopybookMaker::has_fields(const ElementProfile& element, int level) {
+// Elements beside each other of which the names differ in case only: descriptions hold the first.
+void CopybookMaker::find_twins(const ElementProfile& element) {
+    std::set<std::string> names;
+    for (const ElementProfile& child : element.children) {
+        if (!names.insert(folded(child.name)).second) twins_.insert(&child);
+        find_twins(child);
+    }
+}
+
+void CopybookMaker::say_twin(const ElementProfile& element) {
+    lose(element, {}, "cannot be read: a name beside it differs in case only", "");
+}
+
+bool CopybookMaker::has_fields(const ElementProfile& element, int level) const {
     if (!is_usable(element, level)) return false;
     if (element.children.empty()) return level > 1;
     return std::any_of(element.children.begin(), element.children.end(),
@@ -146,6 +175,7 @@ void CopybookMaker::collect_names(const ElementProfile& element, int level) {
         return lose(element, {}, "cannot be read: copybooks cannot give this name to a field",
                     "give elements names of letters, digits, _ - . and at most 52 characters");
     }
+    if (twins_.count(&element) > 0) return say_twin(element);
     if (level > DEEPEST_LEVEL) {
         return lose(element, {}, "cannot be read: it lies deeper than COBOL's levels go",
                     "take elements further down for the records, with --record");
@@ -153,6 +183,10 @@ void CopybookMaker::collect_names(const ElementProfile& element, int level) {
     if (element.name.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ-") != std::string::npos) {
         result_.needs_exact_names = true;
     }
+    Spelling& spelling = spellings_[folded(element.name)];
+    spelling.differs =
+        spelling.differs || (!spelling.first.empty() && spelling.first != element.name);
+    if (spelling.first.empty()) spelling.first = element.name;
     Use& use = uses_.try_emplace(element.name, Use{&element}).first->second;
     ++(element.children.empty() ? use.fields : use.groups);
     const bool may_be_missing = element.declared && element.declared->least == 0;
@@ -192,7 +226,7 @@ std::string CopybookMaker::path_to(const ElementProfile& element) const {
 }
 
 void CopybookMaker::note_tables(const ElementProfile& element) {
-    const std::uint64_t own = table_of(element, wishes_.grow).occurs;
+    const std::uint64_t own = table_of(element, wishes_.fields).occurs;
     const bool is_table = element.parent != &root_ && own > 1 && !element.children.empty();
     if (is_table && own > longest_occurs_) {
         longest_table_ = &element;
@@ -215,10 +249,15 @@ void CopybookMaker::look_for_records(const ElementProfile& kind) {
 
 CopybookMaker::Kinds CopybookMaker::kinds() {
     Kinds result;
+    find_twins(root_);
     if (root_.attributes.line > 0) {
         lose(root_, root_.attributes, "attributes of the document element cannot be read", "");
     }
     for (const ElementProfile& kind : root_.children) {
+        if (twins_.count(&kind) > 0) {
+            say_twin(kind);
+            continue;
+        }
         if (!has_fields(kind, 1)) {
             say_losses(kind);
             const bool is_text = kind.children.empty() &&
@@ -268,8 +307,9 @@ void CopybookMaker::begin_text() {
 
 void CopybookMaker::add_name(const std::string& cobol_name, const std::string& element) {
     const auto found = uses_.find(element);
-    const bool is_shared = found != uses_.end() && found->second.groups > 0 &&
-                           found->second.groups + found->second.fields > 1;
+    const bool is_shared =
+        spellings_[folded(element)].differs || (found != uses_.end() && found->second.groups > 0 &&
+                                                found->second.groups + found->second.fields > 1);
     if (!is_shared && plain_name(cobol_name, result_.needs_exact_names) == element) return;
     add_line(6, "*> sxml: name " + element);
 }
@@ -312,8 +352,8 @@ CopybookMaker::Size CopybookMaker::add_item(const ElementProfile& element, int l
     const std::string name = names_.add(element.name, around);
     const int indent = indent_of(level);
     const bool is_field = element.children.empty();
-    const FieldForm form = is_field ? field_of(element, wishes_.grow) : FieldForm{};
-    const TableForm table = table_of(element, wishes_.grow);
+    const FieldForm form = is_field ? field_of(element, wishes_.fields) : FieldForm{};
+    const TableForm table = table_of(element, wishes_.fields);
     const bool is_guess = form.is_guess || table.is_guess;
     const std::string comment = comment_on(element);
     add_comment(comment + (is_guess ? comment.empty() ? "a guess" : "; a guess" : ""));

@@ -6,11 +6,12 @@
 
 #include "conversion/problem.h"
 #include "conversion/samples/document_profile.h"
+#include "conversion/samples/field_form.h"
 
 namespace conversion {
 
 struct CopybookWishes {
-    int grow = 20;            // lengths and tables get so many percent more than was seen
+    FieldWishes fields{};
     bool is_packed = false;   // numbers are COMP-3
     std::string made_from{};  // the samples, for the comment at the beginning
 };

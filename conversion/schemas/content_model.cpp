@@ -1,8 +1,5 @@
 #include "conversion/schemas/content_model.h"
 
-#include <algorithm>
-#include <optional>
-
 #include "conversion/samples/declaration.h"
 
 namespace conversion {
@@ -12,15 +9,6 @@ namespace {
 constexpr std::uint64_t UNBOUNDED = Declaration::UNBOUNDED;
 constexpr std::size_t MOST_WORK = 300'000;  // steps
 constexpr std::size_t MOST_OPEN = 64;       // types and groups, each within the one before
-
-std::uint64_t sum(std::uint64_t a, std::uint64_t b) {
-    return a > UNBOUNDED - b ? UNBOUNDED : a + b;
-}
-
-std::uint64_t product(std::uint64_t a, std::uint64_t b) {
-    if (a == 0 || b == 0) return 0;
-    return a > UNBOUNDED / b ? UNBOUNDED : a * b;
-}
 
 Problem problem_at(const SchemaNode& node, std::string what) {
     return {Cause::document, node.place(), std::move(what), ""};
@@ -43,26 +31,6 @@ bool is_model_group(const SchemaNode& node) {
 }
 
 }  // namespace
-
-void Particles::add(const Particle& particle, bool is_alternative) {
-    const auto [found, is_new] =
-        by_name_.try_emplace(particle.element->attribute("name"), all_.size());
-    if (is_new) {
-        all_.push_back(particle);
-        return;
-    }
-    Particle& same = all_[found->second];
-    same.least =
-        is_alternative ? std::min(same.least, particle.least) : sum(same.least, particle.least);
-    same.most = is_alternative ? std::max(same.most, particle.most) : sum(same.most, particle.most);
-}
-
-void Particles::repeat(std::uint64_t least, std::uint64_t most) {
-    for (Particle& particle : all_) {
-        particle.least = product(particle.least, least);
-        particle.most = product(particle.most, most);
-    }
-}
 
 Done ContentModels::work(const SchemaNode& node) {
     if (++work_ <= MOST_WORK) return {};
@@ -136,7 +104,7 @@ Done ContentModels::collect_own(const SchemaNode& node, Content& content) {
         if (!is_model_group(*child)) continue;
         Result<Particles> particles = particles_of(*child, content);
         if (!particles) return particles.problem();
-        for (const Particle& particle : particles->all()) content.elements.add(particle, false);
+        content.elements.add(*particles, false);
     }
     return collect_attributes(node, content);
 }
@@ -200,7 +168,7 @@ Result<Particles> ContentModels::particles_of_group(const SchemaNode& reference,
         if (!is_model_group(*child)) continue;
         Result<Particles> inner = particles_of(*child, content);
         if (!inner) return inner.problem();
-        for (const Particle& particle : inner->all()) result.add(particle, false);
+        result.add(*inner, false);
     }
     open_.erase(group);
     result.repeat(occurrences(reference, "minOccurs"), occurrences(reference, "maxOccurs"));
@@ -221,7 +189,7 @@ Result<Particles> ContentModels::particles_of_element(const SchemaNode& node, Co
     }
     const bool is_alone = result.all().empty();
     const bool is_abstract = element->attribute("abstract") == "true";
-    if (!is_abstract) result.add({element, &node, 1, 1}, true);
+    if (!is_abstract) result.add({element->attribute("name"), element, &node, 1, 1}, true);
     if (is_abstract && is_alone && content.abstract == nullptr) content.abstract = &node;
     const bool is_certain = result.all().size() == 1;
     result.repeat(is_certain ? occurrences(node, "minOccurs") : 0, occurrences(node, "maxOccurs"));
@@ -241,7 +209,7 @@ Done ContentModels::add_substitutes(const SchemaNode& from, const SchemaNode& he
             if (!seen.insert(substitute).second) continue;
             heads.push_back(substitute);
             if (substitute->attribute("abstract") == "true") continue;
-            particles.add({substitute, &from, 1, 1}, true);
+            particles.add({substitute->attribute("name"), substitute, &from, 1, 1}, true);
         }
     }
     return {};

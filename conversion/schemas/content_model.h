@@ -2,37 +2,16 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "conversion/problem.h"
+#include "conversion/schemas/particles.h"
 #include "conversion/schemas/schema_set.h"
 
 namespace conversion {
-
-// An element that a type has, however often it is mentioned there.
-struct Particle {
-    const SchemaNode* element;  // its declaration
-    const SchemaNode* from;     // where it is mentioned first
-    std::uint64_t least;
-    std::uint64_t most;  // Declaration::UNBOUNDED
-};
-
-// Elements in the order in which they are mentioned first, one for each name.
-class Particles {
-  public:
-    // An element that comes after the others, or that may stand in their place.
-    void add(const Particle& particle, bool is_alternative);
-    void repeat(std::uint64_t least, std::uint64_t most);
-    const std::vector<Particle>& all() const { return all_; }
-
-  private:
-    std::vector<Particle> all_;
-    std::unordered_map<std::string, std::size_t> by_name_;
-};
 
 struct Content {
     Particles elements{};

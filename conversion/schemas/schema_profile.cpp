@@ -72,12 +72,15 @@ class SchemaProfile {
     const SchemaWishes& wishes_;
     ContentModels models_;
     std::vector<Problem> losses_;
+    std::set<std::pair<const SchemaNode*, std::string>> said_;
     std::set<const SchemaNode*> open_;  // complex types
     bool is_left_out_ = false;          // the element described last, unless samples have it
 };
 
+// Once for each place.
 void SchemaProfile::lose(const ElementProfile& element, const SchemaNode& at, std::string what,
                          std::string remedy) {
+    if (!said_.emplace(&at, what).second) return;
     losses_.push_back(problem_at(at, path_of(element) + ": " + std::move(what), std::move(remedy)));
 }
 
@@ -220,7 +223,7 @@ Done SchemaProfile::describe_children(ElementProfile& element, const Content& co
     auto position = element.children.begin();
     for (const Particle& particle : content.elements.all()) {
         if (particle.most == 0) continue;
-        const auto sample = samples.find(particle.element->attribute("name"));
+        const auto sample = samples.find(particle.name);
         const bool is_seen = sample != samples.end();
         if (!is_seen && wishes_.is_of_samples) continue;
         auto next = position;
@@ -319,7 +322,7 @@ Result<Particle> SchemaProfile::step(const SchemaNode& element, const std::strin
         const Result<const Content*> content = models_.of(*type->node);
         if (!content) return content.problem();
         for (const Particle& particle : (*content)->elements.all()) {
-            if (particle.element->attribute("name") == name) return particle;
+            if (particle.name == name) return particle;
         }
     }
     return problem_at(element, "has no element " + name + ", which the path to the records names");

@@ -1,12 +1,9 @@
 #include "conversion/schemas/schema_set.h"
 
-#include <cerrno>
-#include <cstdint>
 #include <filesystem>
-#include <string_view>
 
 #include "conversion/documents/document_source.h"
-#include "platform/files.h"
+#include "conversion/schemas/local_files.h"
 #include "platform/paths.h"
 
 namespace conversion {
@@ -14,36 +11,12 @@ namespace conversion {
 namespace {
 
 constexpr std::size_t MOST_DOCUMENTS = 1000;
-constexpr std::uint64_t MOST_BYTES = 64U * 1024U * 1024U;  // of one
 
 // The kind under which a component is found; empty for what is none.
 std::string kind_of(const std::string& name) {
     if (name == "simpleType" || name == "complexType") return "type";
     if (name == "element" || name == "group" || name == "attributeGroup" || name == "attribute") {
         return name;
-    }
-    return {};
-}
-
-// A schema's location as a file, seen from the folder of the schema that names it.
-std::string file_at(const std::string& location, const std::string& from) {
-    constexpr std::string_view SCHEME = "file://";
-    std::string name = location.starts_with(SCHEME) ? location.substr(SCHEME.size()) : location;
-    const auto path = platform::path_of(name);
-    const std::string folder = platform::folder_of(from);
-    if (path.is_absolute() || folder == ".") return name;
-    return platform::name_of(platform::path_of(folder) / path);
-}
-
-// Whether it can be read: no pipe or device is, which might never end.
-Done check_file(const std::string& file) {
-    const auto state = platform::state_of(file);
-    if (!state) return system_problem(file, errno);
-    if (state->kind != platform::FileKind::regular) {
-        return Problem{Cause::not_permitted, {.file = file}, "not a regular file", ""};
-    }
-    if (state->size > MOST_BYTES) {
-        return Problem{Cause::document, {.file = file}, "a schema of more than 64 MiB", ""};
     }
     return {};
 }
@@ -61,7 +34,7 @@ Done SchemaSet::add(const std::string& file, const std::string& shown_name) {
 }
 
 Done SchemaSet::load(const Wanted& wanted) {
-    if (Done problem = check_file(wanted.file)) {
+    if (Done problem = check_part(wanted.file)) {
         if (wanted.from == nullptr) return problem;
         problem->what = wanted.shown_name + ": " + problem->what;
         problem->place = wanted.from->place();

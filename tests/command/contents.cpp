@@ -7,8 +7,9 @@ namespace {
 
 class Contents {
   public:
-    static std::vector<std::string> of(const std::string& document) {
+    static std::vector<std::string> of(const std::string& document, Zeros zeros) {
         Contents contents;
+        contents.zeros_ = zeros;
         XML_Parser parser = XML_ParserCreate(nullptr);
         XML_SetUserData(parser, &contents);
         XML_SetElementHandler(parser, start, finish);
@@ -36,7 +37,8 @@ class Contents {
         if (begin != std::string::npos) {
             const std::size_t end = self.text_.find_last_not_of(white);
             std::string line = self.text_.substr(begin, end + 1 - begin);
-            const bool is_zero = line.find_first_not_of("0.") == std::string::npos;
+            const bool is_zero =
+                self.zeros_ == Zeros::left_out && line.find_first_not_of("0.") == std::string::npos;
             // The document element is called as the user wishes.
             for (std::size_t i = self.path_.size(); i-- > 1;) line.insert(0, self.path_[i] + "/");
             if (!is_zero) self.lines_.push_back(line);
@@ -47,11 +49,12 @@ class Contents {
 
     std::vector<std::string> path_;
     std::string text_;
+    Zeros zeros_ = Zeros::left_out;
     std::vector<std::string> lines_;
 };
 
 }  // namespace
 
-std::vector<std::string> contents_of(const std::string& document) {
-    return Contents::of(document);
+std::vector<std::string> contents_of(const std::string& document, Zeros zeros) {
+    return Contents::of(document, zeros);
 }

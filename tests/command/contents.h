@@ -6,4 +6,5 @@
 
 // The texts of the elements that have one, each with its path. What fields without data come to is
 // left out: empty texts and zeros.
-std::vector<std::string> contents_of(const std::string& document);
+enum class Zeros { left_out, counted };
+std::vector<std::string> contents_of(const std::string& document, Zeros zeros = Zeros::left_out);

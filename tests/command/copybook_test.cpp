@@ -125,6 +125,11 @@ INSTANTIATE_TEST_SUITE_P(
                {"01  HEADER.", "01  ORDER-RECORD.", "*> sxml: when REFUND-KIND ="}},
         Sample{"kinds in EBCDIC", KINDS, {}, {"--encoding", "cp037"}, {}},
         Sample{"capitals", CAPITALS, {}, EXACT, {"*> sxml: name lineItem-List", "ITEM-ID"}},
+        Sample{"case",
+               "<all><r><Id>1</Id><p><id>2</id></p></r><s><a-b>3</a-b><a_b>4</a_b></s></all>",
+               {},
+               EXACT,
+               {}},
         Sample{"names", awkward_names(), {}, EXACT, {"*> sxml: name move"}},
         Sample{"export", flat_export(10000), {}, {}, {"10000 records", "ID PIC 9(6)"}}),
     [](const testing::TestParamInfo<Sample>& sample) {
@@ -178,6 +183,16 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
          {},
          0,
          "r/\xC3\xBC: cannot be read"},
+        {"names beside each other",
+         "<a><r><b>x</b><B>y</B></r></a>",
+         {},
+         0,
+         "r/B: cannot be read: a name beside it differs in case only"},
+        {"names of records",
+         "<a><r><b>x</b></r><R><b>y</b></R></a>",
+         {},
+         0,
+         "R: cannot be read: a name beside it differs in case only"},
         {"no records", "<a/>", {}, 1, "no child of the document element"},
         {"unclosed", "<a><r><b>x</b></r>", {}, 1, "s.xml:1:19: no element found"},
         {"deep", "<a>" + deep, {}, 1, "s.xml:"},
@@ -215,6 +230,30 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find("other.xml:1:1: the document element is other"), std::string::npos)
         << outcome.err;
+}
+
+// Zero is neither empty nor missing; with --exact every text comes back as it was.
+TEST_F(CommandTest, KeepsNumbersThatAreEmptyOrZeroApart) {
+    const std::string document =
+        "<all><r><n>0</n><d>5</d><e>1</e><m>0</m><o>4</o><t><q>3</q></t><t><q>40</q></t></r>"
+        "<r><n>7</n><d>5.5</d><e/></r></all>";
+    write_file("s.xml", document);
+    const Outcome made = sxml({"copybook", "s.xml", "--grow=0"});
+    EXPECT_EQ(made.err, "");
+    for (const std::string part : {"N PIC 9(1).", "D PIC 9(1)V9(1).", "E PIC X(1).", "M PIC X(1).",
+                                   "O PIC 9(1).", "Q PIC 9(2)."}) {
+        EXPECT_NE(made.out.find(part), std::string::npos) << part << "\nin: " << made.out;
+    }
+    ASSERT_EQ(sxml({"copybook", "s.xml", "--exact", "-o", "s.cpy"}).status, 0);
+    EXPECT_NE(read_file("s.cpy").find("Q PIC 9(3)."), std::string::npos) << read_file("s.cpy");
+    ASSERT_EQ(sxml({"from-xml", "s.xml", "s.dat", "-l", "s.cpy", "--strict"}).status, 0);
+    ASSERT_EQ(
+        sxml({"to-xml", "s.dat", "t.xml", "-l", "s.cpy", "--set", "SXML_IGNORE_EMPTY_DATA=yes"})
+            .status,
+        0);
+    EXPECT_EQ(contents_of(read_file("t.xml"), Zeros::counted),
+              contents_of(document, Zeros::counted))
+        << read_file("s.cpy");
 }
 
 // Several samples make one copybook.

@@ -57,4 +57,5 @@ def main():
     return 1 if differing or compared == 0 else 0
 
 
-sys.exit(main())
+if __name__ == "__main__":
+    sys.exit(main())

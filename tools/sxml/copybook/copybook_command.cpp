@@ -4,12 +4,12 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "conversion/documents/document_source.h"
 #include "conversion/samples/attribute_profile.h"
 #include "conversion/samples/sample_copybook.h"
+#include "conversion/schemas/document_type_profile.h"
 #include "conversion/schemas/schema_profile.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
@@ -51,67 +51,103 @@ std::string in_comment(std::string text) {
     return text;
 }
 
-// What the documents and schemas say.
+// What the documents, and what describes them, say.
 struct Sources {
     conversion::DocumentProfile profile;
     conversion::SchemaSet schemas;
-    std::vector<conversion::Problem> left_out{};  // of the samples
+    conversion::DocumentType type;
+    std::vector<conversion::Problem> losses{};  // what has no form in records
 };
 
+void append(std::vector<conversion::Problem>& all, const std::vector<conversion::Problem>& more) {
+    all.insert(all.end(), more.begin(), more.end());
+}
+
+bool is_dtd(const std::string& name) {
+    return name.ends_with(".dtd") || name.ends_with(".DTD");
+}
+
+// The input that is a DTD; empty without one.
+std::string dtd_of(const CopybookOptions& options) {
+    std::string found;
+    for (const std::string& name : options.inputs) {
+        if (!is_dtd(name)) continue;
+        if (!found.empty()) fail_usage("there are two DTDs: " + found + " and " + name);
+        found = name;
+    }
+    return found;
+}
+
 void add_sample(Sources& sources, const conversion::DocumentSource& document,
-                const std::string& path) {
-    const auto reduced =
-        path.empty() ? std::nullopt : std::optional(value_of(document.with_records_at(path)));
+                const CopybookOptions& options) {
+    check(sources.type.add(document.file(), document.name(), dtd_of(options)));
+    const auto reduced = options.path.empty()
+                             ? std::nullopt
+                             : std::optional(value_of(document.with_records_at(options.path)));
     const conversion::DocumentSource& source = reduced ? *reduced : document;
     check(sources.profile.add(source.file(), source.name()));
     if (const auto problem = problem_of(source.left_out())) {
-        sources.left_out.push_back(*problem);
+        sources.losses.push_back(*problem);
         sources.profile.root().attributes = {};  // counted there
     }
 }
 
-// Result: what the schemas describe that has no form in records.
-std::vector<conversion::Problem> read_sources(Sources& sources, CopybookOptions& options,
-                                              RunFiles& files) {
+void read_sources(Sources& sources, CopybookOptions& options, RunFiles& files) {
     for (const std::string& name : options.inputs) {
+        std::string& all = options.wishes.made_from;
+        all += all.empty() ? "" : ", ";
+        if (is_dtd(name)) {
+            all += in_comment(name);
+            continue;
+        }
         const auto document = value_of(conversion::DocumentSource::open(name));
         files.reads_document(name, document);
+        all += in_comment(document.name());
         if (conversion::is_schema(document.file())) {
             check(sources.schemas.add(document.file(), document.name()));
         } else {
-            add_sample(sources, document, options.path);
+            add_sample(sources, document, options);
         }
-        std::string& all = options.wishes.made_from;
-        all += (all.empty() ? "" : ", ") + in_comment(document.name());
     }
-    const bool has_sample = !sources.profile.root().name.empty();
-    if (options.is_of_samples && (!has_sample || sources.schemas.is_empty())) {
-        fail_usage("--sampled needs a schema and samples");
+    for (const std::string& file : sources.schemas.files()) files.reads(file);
+    for (const std::string& file : sources.type.files()) files.reads(file);
+    append(sources.losses, sources.type.not_read());
+}
+
+void declare_elements(Sources& sources, const CopybookOptions& options) {
+    const bool has_sample = sources.profile.root().count > 0;
+    const bool is_declared = !sources.schemas.is_empty() || !sources.type.is_empty();
+    if (options.is_of_samples && (!has_sample || !is_declared)) {
+        fail_usage("--sampled needs a schema or a DTD, and samples");
     }
-    if (sources.schemas.is_empty()) return {};
-    return value_of(conversion::declare_by_schema(sources.profile, sources.schemas,
-                                                  {options.path, options.is_of_samples}));
+    const conversion::SchemaWishes wishes{options.path, options.is_of_samples};
+    if (!sources.type.is_empty()) {
+        append(sources.losses,
+               value_of(conversion::declare_by_type(sources.profile, sources.type, wishes)));
+    }
+    if (!sources.schemas.is_empty()) {
+        append(sources.losses,
+               value_of(conversion::declare_by_schema(sources.profile, sources.schemas, wishes)));
+    }
+    if (options.takes_attributes) {
+        append(sources.losses, conversion::place_attributes(sources.profile));
+    }
 }
 
 void make_copybook(CopybookOptions& options) {
-    options.wishes.grow = percent_of(options.grow);
+    options.wishes.fields.grow = percent_of(options.grow);
     RunFiles files;
     files.writes(options.output);
     Sources sources;
     if (options.takes_attributes) sources.profile.want_attributes();
-    const std::vector<conversion::Problem> without_form = read_sources(sources, options, files);
-    const std::vector<conversion::Problem> without_place =
-        options.takes_attributes ? conversion::place_attributes(sources.profile)
-                                 : std::vector<conversion::Problem>{};
-    for (const std::string& file : sources.schemas.files()) files.reads(file);
+    read_sources(sources, options, files);
     files.check();
+    declare_elements(sources, options);
     const conversion::SampleCopybook copybook =
         value_of(conversion::copybook_of(sources.profile, options.wishes));
+    append(sources.losses, copybook.losses);
     write_output(options.output, copybook.text);
-    for (const auto* losses :
-         {&std::as_const(sources).left_out, &without_form, &without_place, &copybook.losses}) {
-        for (const conversion::Problem& loss : *losses) warn(conversion::message_of(loss));
-    }
+    for (const conversion::Problem& loss : sources.losses) warn(conversion::message_of(loss));
     if (!copybook.possible_records.empty() && options.path.empty()) {
         say("sxml: note: each document has one such record; if the records are further down, "
             "--record " +
@@ -130,8 +166,9 @@ void add_copybook_command(CLI::App& application) {
         "copybook", "make a copybook that reads documents, from samples of them or their schema");
     auto options = std::make_shared<CopybookOptions>();
     command
-        ->add_option("IN", options->inputs,
-                     "sample documents and XML Schemas: files, web addresses, - for standard input")
+        ->add_option(
+            "IN", options->inputs,
+            "sample documents, XML Schemas and a DTD: files, web addresses, - for standard input")
         ->required()
         ->option_text("...");
     command->add_option("-o,--output", options->output, "the copybook (default: standard output)")
@@ -141,8 +178,10 @@ void add_copybook_command(CLI::App& application) {
                      "how much longer than seen texts, numbers and tables may be (default: 20%)")
         ->option_text("PERCENT");
     command->add_flag("--packed", options->wishes.is_packed, "make numbers COMP-3");
+    command->add_flag("--exact", options->wishes.fields.is_exact,
+                      "make texts of numbers that to-xml would write in another way than they are");
     command->add_flag("--sampled", options->is_of_samples,
-                      "leave out what a schema allows and no sample has");
+                      "leave out what a schema or DTD allows and no sample has");
     command->add_flag("--attributes", options->takes_attributes,
                       "take attributes as elements ELEMENT_ATTRIBUTE; give it to from-xml, too");
     add_record_path_option(*command, options->path);
