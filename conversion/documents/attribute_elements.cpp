@@ -48,6 +48,14 @@ const std::vector<AttributeElements::Made>& AttributeElements::end() {
     return made_;
 }
 
+bool AttributeElements::begins_text(std::string_view text) {
+    const bool is_of_record = open_.size() == 2 && !is_in_text_;
+    if (!is_of_record || text.find_first_not_of(" \t\r\n") == text.npos) return false;
+    text_element_ = attribute_element_name(open_.back().name, "text");
+    is_in_text_ = rule_.fields.count(text_element_) > 0;
+    return is_in_text_;
+}
+
 void AttributeElements::make_after(Siblings& siblings, Made attribute) {
     std::uint64_t& made = siblings.made[attribute.name];
     for (; made + 1 < siblings.count && !is_too_much_; ++made) {

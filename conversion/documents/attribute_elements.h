@@ -15,8 +15,10 @@ namespace conversion {
 
 // Names of the elements that hold fields: their attributes become their first elements. Those of
 // other elements come after their end. Records hold fields, whatever their names.
+// A record's own text becomes the element `price_text` where there is a field of this name.
 struct AttributeRule {
     std::unordered_set<std::string> groups;
+    std::unordered_set<std::string> fields{};
 };
 
 // False for declarations of namespaces and what begins with xml: or xsi:, which are no data.
@@ -41,6 +43,11 @@ class AttributeElements {
     // An end tag: what comes after it. When only some elements of a name have the attribute, there
     // is an empty one for each before, so that the fifth of the one is that of the fifth other.
     const std::vector<Made>& end();
+    // A piece of text: whether an element for it begins before it, and called what.
+    bool begins_text(std::string_view text);
+    const std::string& text_element() const { return text_element_; }
+    // Whether it ends before the tag that comes now. To be asked before begin() and end().
+    bool ends_text() { return std::exchange(is_in_text_, false); }
     // There would be too many empty ones.
     bool is_too_much() const { return is_too_much_; }
 
@@ -61,6 +68,8 @@ class AttributeElements {
     std::vector<Made> made_;
     std::uint64_t empty_ones_ = 0;  // since a record began
     bool is_too_much_ = false;
+    std::string text_element_;
+    bool is_in_text_ = false;
 };
 
 }  // namespace conversion

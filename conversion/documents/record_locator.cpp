@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <fstream>
 #include <new>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -72,10 +73,17 @@ struct RecordLocator::Search {
     static void XMLCALL start(void* user, const XML_Char* name, const XML_Char** attributes) {
         Search& self = of(user);
         if (++self.depth == 2) ++self.record;
+        if (self.made) self.made->ends_text();
         const std::size_t count = self.made ? self.made->begin(name, attributes).size() : 0;
         if (!self.is_in_wanted_record()) return;
         if (self.depth == 2) self.bytes.begin = bytes_of_event(self.parser).begin;
         self.note(1 + count);
+    }
+
+    static void XMLCALL note_text(void* user, const XML_Char* text, int length) {
+        Search& self = of(user);
+        const std::string_view piece(text, static_cast<std::size_t>(length));
+        if (self.made->begins_text(piece) && self.is_in_wanted_record()) self.note(1);
     }
 
     void note(std::size_t count) {
@@ -84,6 +92,7 @@ struct RecordLocator::Search {
 
     static void XMLCALL finish(void* user, const XML_Char*) {
         Search& self = of(user);
+        if (self.made) self.made->ends_text();
         const std::size_t count = self.made ? self.made->end().size() : 0;
         if (count > 0 && self.is_in_wanted_record()) self.note(count);
         const bool is_end = self.depth == 2 && self.is_in_wanted_record();
@@ -118,6 +127,7 @@ RecordLocator::RecordLocator(std::string file, std::optional<AttributeRule> rule
     XML_SetUserData(search_->parser, search_.get());
     XML_SetElementHandler(search_->parser, &Search::start, &Search::finish);
     XML_SetXmlDeclHandler(search_->parser, &Search::declare);
+    if (search_->made) XML_SetCharacterDataHandler(search_->parser, &Search::note_text);
 }
 
 RecordLocator::~RecordLocator() = default;

@@ -73,13 +73,16 @@ class AttributesCopy {
     }
     static void XMLCALL finish(void* parser, const XML_Char* name) {
         guarded(parser, [name](AttributesCopy& self) {
+            self.end_text();
             self.tag("</", name);
             self.add(self.elements_.end());
         });
     }
     static void XMLCALL text(void* parser, const XML_Char* text, int length) {
         guarded(parser, [=](AttributesCopy& self) {
-            self.escape({text, static_cast<std::size_t>(length)}, "<>&\r");
+            const std::string_view piece(text, static_cast<std::size_t>(length));
+            if (self.elements_.begins_text(piece)) self.tag("<", self.elements_.text_element());
+            self.escape(piece, "<>&\r");
         });
     }
     static void XMLCALL skip_entity(void* parser, const XML_Char* name, int is_parameter) {
@@ -90,7 +93,12 @@ class AttributesCopy {
         });
     }
 
+    void end_text() {
+        if (elements_.ends_text()) tag("</", elements_.text_element());
+    }
+
     void begin(const XML_Char* name, const XML_Char** attributes) {
+        end_text();
         const std::vector<AttributeElements::Made>& made = elements_.begin(name, attributes);
         const bool is_document_element = depth_++ == 0;
         pending_ += "<";

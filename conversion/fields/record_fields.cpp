@@ -41,11 +41,11 @@ Problem endless_variants(const Xfd& xfd) {
 
 }  // namespace
 
-std::unordered_set<std::string> group_names(const Xfd& xfd) {
-    std::unordered_set<std::string> names;
+ElementNames element_names(const Xfd& xfd) {
+    ElementNames names;
     for (std::int32_t i = 0; i < xfd.item_count; ++i) {
         const XfdItem& item = xfd.items[i];
-        if (is_group(item) && item.level > 1) names.insert(item.name);
+        if (item.level > 1) (is_group(item) ? names.groups : names.fields).insert(item.name);
     }
     return names;
 }

@@ -48,8 +48,14 @@ inline bool condition_holds(const Xfd& xfd, std::int16_t condition) {
            (xfd.conditions[condition - 1].is_true & 1) != 0;
 }
 
-// Names of the elements below the records' own that hold elements. Throws std::bad_alloc.
-std::unordered_set<std::string> group_names(const Xfd& xfd);
+// Names of the elements below the records' own: those that hold elements, and those that are
+// fields.
+struct ElementNames {
+    std::unordered_set<std::string> groups{};
+    std::unordered_set<std::string> fields{};
+};
+// Throws std::bad_alloc.
+ElementNames element_names(const Xfd& xfd);
 
 // Found once for a description, by the rules by which the module writes a record, so that choosing
 // a layout for a record costs next to nothing.

@@ -1,8 +1,11 @@
 #include "conversion/samples/attribute_profile.h"
 
 #include <iterator>
+#include <string>
 #include <unordered_set>
 #include <utility>
+
+#include "conversion/documents/attribute_elements.h"
 
 namespace conversion {
 
@@ -41,6 +44,7 @@ class AttributePlacement {
             place_within(*child, false);
             child = next;
         }
+        if (is_record && element.children.empty() && has_text(element)) add_text(element);
         const bool is_holder =
             is_record || holders_.count(element.name) > 0 || texts_.count(element.name) == 0;
         auto inside = element.children.begin();
@@ -57,6 +61,20 @@ class AttributePlacement {
             }
         }
         element.attributes = {};
+    }
+
+    // A record's own text, as a field.
+    void add_text(ElementProfile& record) {
+        auto next = record.children.begin();
+        const std::string name = attribute_element_name(record.name, "text");
+        ElementProfile* const field = profile_.child(record, name, next);
+        if (field == nullptr) return;
+        field->text = std::exchange(record.text, {});
+        field->declared = std::exchange(record.declared, {});
+        if (field->declared) field->declared->least = field->declared->most = 1;
+        field->count = record.count;
+        field->parents = record.count;
+        field->most = 1;
     }
 
     static std::uint64_t occurs(const ElementProfile& element) {

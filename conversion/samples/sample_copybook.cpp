@@ -266,7 +266,7 @@ CopybookMaker::Kinds CopybookMaker::kinds() {
                 lose(kind, {},
                      is_text ? "cannot be read: its text is not in an element below it"
                              : "cannot be read: nothing in it can be a field",
-                     "");
+                     is_text ? "--attributes reads it as the element NAME_text" : "");
             }
             continue;
         }

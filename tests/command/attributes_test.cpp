@@ -124,6 +124,24 @@ TEST_F(CommandTest, NamesPlacesOfTheDocumentWithAttributes) {
     EXPECT_EQ(aside.status, 1) << aside.err;
 }
 
+// A record that is a text has it in a field.
+TEST_F(CommandTest, ReadsTheTextOfARecordWithAttributes) {
+    write_file("s.xml",
+               "<rates><rate currency='USD'>1.08</rate>\n<rate currency='JPY'>161</rate></rates>");
+    ASSERT_EQ(sxml({"copybook", "s.xml", "--attributes", "--exact", "-o", "s.cpy"}).err, "");
+    const Outcome read =
+        sxml({"from-xml", "s.xml", "s.dat", "-l", "s.cpy", "--attributes", "--strict"});
+    ASSERT_EQ(read.status, 0) << read.err << read_file("s.cpy");
+    ASSERT_EQ(sxml({"to-xml", "s.dat", "t.xml", "-l", "s.cpy"}).status, 0);
+    EXPECT_EQ(contents_of(read_file("t.xml")),
+              (std::vector<std::string>{"rate/rate_currency/USD", "rate/rate_text/1.08",
+                                        "rate/rate_currency/JPY", "rate/rate_text/161"}));
+    // The place of an element after such a text.
+    write_file("s.xml", "<rates><rate currency='USD'>1.08\n <more>x</more></rate></rates>");
+    const Outcome more = sxml({"from-xml", "s.xml", "s.dat", "-l", "s.cpy", "--attributes"});
+    EXPECT_NE(more.err.find("s.xml:2:2: record 1: more: "), std::string::npos) << more.err;
+}
+
 TEST_F(CommandTest, RefusesAttributesThatCannotBeElements) {
     std::string many = "<a><r>";
     for (int i = 0; i < 3000; ++i) many += "<t x" + std::to_string(i) + "='1'>1</t>";

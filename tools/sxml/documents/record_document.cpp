@@ -30,7 +30,8 @@ const DocumentSource& RecordDocument::source() const {
 
 void RecordDocument::prepare(const records::Description& description, RunReport& report) {
     if (options_.takes_attributes) {
-        const conversion::AttributeRule rule{conversion::group_names(description.xfd())};
+        conversion::ElementNames names = conversion::element_names(description.xfd());
+        const conversion::AttributeRule rule{std::move(names.groups), std::move(names.fields)};
         with_attributes_.emplace(value_of(source().with_attributes_as_elements(rule)));
     }
     const conversion::LeftOut left_out = source().left_out();
