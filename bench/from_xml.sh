@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Measures `sxml from-xml` beside C programs written by hand for one layout, one with libxml2's reader
-# and one with Expat, which make the same record file. `sxml-expat` is sxml with everything through Expat.
+# and one with Expat, which make the same record file. `sxml-expat` is sxml with everything through Expat,
+# `sxml-jobs` with two processes.
 #     from_xml.sh BUILD_DIR [RECORDS [ROUNDS]]
 set -euo pipefail
 build=${1:?usage: from_xml.sh BUILD_DIR [RECORDS [ROUNDS]]}
@@ -10,14 +11,16 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 source "$here/programs.bash"
-programs=(sxml sxml-expat libxml2 expat)
+programs=(sxml sxml-jobs sxml-expat libxml2 expat)
 
 command_of() { # NAME IN OUT
     case $1 in
         sxml) command=("$build/bin/sxml" from-xml "$2" "$3" --layout "$here/customer.cpy"
-            --name customer_file) ;;
+            --name customer_file --jobs 1) ;;
+        sxml-jobs) command=("$build/bin/sxml" from-xml "$2" "$3" --layout "$here/customer.cpy"
+            --name customer_file --jobs 2) ;;
         sxml-expat) command=("$build/bin/sxml" from-xml "$2" "$3" --layout "$here/customer.cpy"
-            --name customer_file --set SXML_PLAIN_RECORDS=no) ;;
+            --name customer_file --jobs 1 --set SXML_PLAIN_RECORDS=no) ;;
         *) command=("$build/bench/from_xml_$1" "$2" "$3") ;;
     esac
 }
@@ -46,3 +49,4 @@ report "$(stat -c %s "$work/document")" "$work/small" "$work/large" 4000
 target "sxml's time / libxml2's" sxml libxml2 below 1
 target "sxml's time / expat's" sxml expat most 0.45
 target "sxml's time / expat's, everything through Expat" sxml-expat expat most 1.15
+target "sxml's time / that of two processes" sxml sxml-jobs least 1.8

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Measures `sxml to-xml` beside C programs written by hand for one layout: one with libxml2's writer
-# and two without a library, which make the same document.
+# and two without a library, which make the same document. `sxml-jobs` is sxml with two processes.
 #     to_xml.sh BUILD_DIR [RECORDS [ROUNDS]]
 set -euo pipefail
 build=${1:?usage: to_xml.sh BUILD_DIR [RECORDS [ROUNDS]]}
@@ -13,13 +13,15 @@ source "$here/programs.bash"
 
 export SOURCE_DATE_EPOCH=1795305600
 date=$(date -u -d "@$SOURCE_DATE_EPOCH" +%Y/%m/%d)
-version=$("$build/bin/sxml" --version | sed 's/^sxml //')
-programs=(sxml libxml2 snprintf buffer)
+version=$("$build/bin/sxml" --version | sed -n '1s/^sxml \([^ ]*\).*/\1/p')
+programs=(sxml sxml-jobs libxml2 snprintf buffer)
 
 command_of() { # NAME IN OUT
     case $1 in
         sxml) command=("$build/bin/sxml" to-xml "$2" "$3" --layout "$here/customer.cpy"
-            --name customer_file) ;;
+            --name customer_file --jobs 1) ;;
+        sxml-jobs) command=("$build/bin/sxml" to-xml "$2" "$3" --layout "$here/customer.cpy"
+            --name customer_file --jobs 2) ;;
         *) command=("$build/bench/to_xml_$1" "$2" "$3" "$version" "$date") ;;
     esac
 }
@@ -48,3 +50,4 @@ time_rounds "$work/records"
 report "$(stat -c %s "$work/sxml.out")" "$work/small" "$work/large" 4000
 target "libxml2's time / sxml's" libxml2 sxml least 4
 target "sxml's time / snprintf's" sxml snprintf most 0.45
+target "sxml's time / that of two processes" sxml sxml-jobs least 1.4
