@@ -9,7 +9,7 @@ rounds=${3:-5}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d "$build/parse.XXXXXX")
 trap 'rm -rf "$work"' EXIT
-ways="expat handlers libxml2 whole records"
+ways="expat handlers libxml2 dom whole records"
 program=$build/bench/parse_rates
 if [ ! -x "$program" ]; then
     echo "parse: not measured, $program is not built"
@@ -31,7 +31,9 @@ for ((round = 0; round < rounds; ++round)); do
         "$program" "$way" "$work/large.xml" "$build/lib/sxml.so" >>"$work/$way.times"
     done
 done
-base=$(sort -n "$work/expat.times" | head -1)
+elements=$((records * 10))
+least() { sort -n "$work/$1.times" | head -n 1 | cut -d " " -f "$2"; }
+base=$(least expat 1)
 for way in $ways; do
     instructions=not-counted
     if command -v valgrind >/dev/null; then
@@ -39,12 +41,29 @@ for way in $ways; do
             "$program" "$way" "$work/small.xml" "$build/lib/sxml.so" 2>&1 |
             sed -n 's/.*Collected : //p')
     fi
-    sort -n "$work/$way.times" | awk -v way="$way" -v bytes="$bytes" -v base="$base" \
+    sort -n "$work/$way.times" | awk -v elements="$elements" -v way="$way" -v bytes="$bytes" -v base="$base" \
         -v instructions="$instructions" -v small="$(stat -c %s "$work/small.xml")" '
-        { time[NR] = $1 }
+        { time[NR] = $1; memory = $2 }
         END {
             median = time[int((NR + 1) / 2)]
             printf "  %-9s best %7.1f MB/s, median %7.1f MB/s, time is %5.2f of expat\047s; ",
                 way, bytes / time[1] / 1e6, bytes / median / 1e6, time[1] / base
-            printf "%s instructions for %d bytes\n", instructions, small }'
+            printf "%s instructions for %d bytes, ", instructions, small
+            printf "%.0f bytes of memory an element\n", memory / elements }'
+done
+awk -v whole="$(least whole 1)" -v dom="$(least dom 1)" -v bytes="$(least whole 2)" -v elements="$elements" 'BEGIN {
+    printf "  target: the whole document / libxml2\047s tree at most 1.00; measured %.2f: %s\n",
+        whole / dom, whole <= dom ? "met" : "missed"
+    printf "  target: bytes of memory an element at most 250; measured %.0f: %s\n", bytes / elements,
+        bytes <= 250 * elements ? "met" : "missed" }'
+# Whole programs that use the parser API.
+for command in rewrite tree; do
+    printf "  sxml %s: " "$command"
+    case $command in
+        rewrite) words=("$work/large.xml" "$work/rewritten.xml") ;;
+        tree) words=("$work/large.xml") ;;
+    esac
+    start=$(date +%s%N)
+    "$build/bin/sxml" "$command" "${words[@]}" >/dev/null
+    echo "$(((($(date +%s%N) - start)) / 1000000)) ms for $bytes bytes"
 done

@@ -1,10 +1,13 @@
 // One way of reading a document, timed in this process.
 //     parse_rates WAY DOCUMENT [MODULE]
 // Ways: expat (no handlers), handlers (Expat with empty handlers), libxml2 (its reader, every node
-// visited), whole and records (the module's parser API). Prints the seconds taken.
+// visited), dom (libxml2's tree), whole and records (the module's parser API). Prints the seconds
+// taken, and the most memory that the process had, in bytes.
 
 #include <expat.h>
+#include <libxml/parser.h>
 #include <libxml/xmlreader.h>
+#include <sys/resource.h>
 
 #include <chrono>
 #include <cstdio>
@@ -57,6 +60,13 @@ bool parse_libxml2(const char* document) {
     return status == 0;
 }
 
+bool parse_dom(const char* document) {
+    xmlDocPtr tree = xmlReadFile(document, nullptr, XML_PARSE_HUGE);
+    const bool complete = tree != nullptr;
+    xmlFreeDoc(tree);
+    return complete;
+}
+
 bool parse_whole(const XmlApi& api, const char* document) {
     const std::uint32_t parser = api.xml_open_file(document, OPTIONS | XMLOPT_PARSE_WHOLE, 0);
     const bool complete = parser != 0 && api.xml_parser_current(parser) == 0;
@@ -78,6 +88,7 @@ bool parse_records(const XmlApi& api, const char* document) {
 bool parse(const std::string& way, const char* document, const XmlApi& api) {
     if (way == "expat" || way == "handlers") return parse_expat(document, way == "handlers");
     if (way == "libxml2") return parse_libxml2(document);
+    if (way == "dom") return parse_dom(document);
     if (way == "whole") return parse_whole(api, document);
     return way == "records" && parse_records(api, document);
 }
@@ -102,6 +113,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "parse_rates: %s cannot read %s\n", argv[1], argv[2]);
         return 1;
     }
-    std::printf("%.4f\n", time.count());
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("%.4f %ld\n", time.count(), usage.ru_maxrss * 1024);
     return 0;
 }
