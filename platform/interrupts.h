@@ -7,8 +7,8 @@ namespace platform {
 
 struct InterruptEntry;
 
-// While this lives, the file, or the folder that is empty but for such files, is removed when a
-// signal ends the process; not when it ends a child that began as a copy of the process.
+// While this lives, the file, or the folder with the files in it, is removed when a signal ends the
+// process; not when it ends a child that began as a copy of the process.
 class RemovedOnInterrupt {
   public:
     RemovedOnInterrupt() = default;

@@ -1,8 +1,12 @@
 #include "platform/interrupts.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <memory>
@@ -34,6 +38,32 @@ InterruptEntry* unused_entry() {
     entry->next = entries;
     entries = entry;
     return entry;
+}
+
+// Async-signal-safe, as opendir() is not.
+void remove_files_in(const char* path) {
+    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder < 0) return;
+    alignas(dirent64) std::array<char, 4096> names{};
+    for (;;) {
+        const ssize_t size = getdents64(folder, names.data(), names.size());
+        if (size <= 0) break;
+        for (ssize_t at = 0; at < size;) {
+            const auto* const entry = reinterpret_cast<const dirent64*>(names.data() + at);
+            unlinkat(folder, entry->d_name, 0);
+            at += entry->d_reclen;
+        }
+    }
+    close(folder);
+}
+
+// Another process may be making a file in it meanwhile.
+void remove_folder(const char* path) {
+    constexpr int MOST_TRIES = 3;
+    for (int i = 0; i < MOST_TRIES && rmdir(path) != 0 && errno == ENOTEMPTY; ++i) {
+        remove_files_in(path);
+    }
+    rmdir(path);
 }
 
 void remove_files_and_die(int signal_number) {
@@ -79,9 +109,8 @@ void remove_interrupted_files() {
     for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
         if (entry->is_used && entry->owner == process) unlink(entry->path.c_str());
     }
-    // Folders, empty by now.
     for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (entry->is_used && entry->owner == process) rmdir(entry->path.c_str());
+        if (entry->is_used && entry->owner == process) remove_folder(entry->path.c_str());
     }
 }
 

@@ -121,6 +121,16 @@ TEST_F(CobolTest, FilesThatCannotBeDescribedAreRefused) {
     }
 }
 
+TEST_F(CobolTest, NothingStaysOfACompilationThatASignalEnds) {
+    fs::create_directory("private");
+    set("TMPDIR", fs::current_path().string() + "/private");
+    const std::string cob = SXML_BUILD_DIR "/bin/sxml cob " + PROGRAMS + "units.cbl -o units";
+    const Outcome outcome = run({"bash", "-c",
+                                 "for s in 0.03 0.06 0.1 0.15 0.2 0.3; do timeout -s TERM $s " +
+                                     cob + " 2>/dev/null; done; ls -d private/sxml.??????"});
+    EXPECT_EQ(outcome.out, "");
+}
+
 // Modules, objects, several sources, another driver: the layouts come along.
 TEST_F(CobolTest, LayoutsAreBoundInHoweverProgramsAreMade) {
     const std::string record = "       01  R.\n           05 A PIC X(3).\n";
