@@ -15,7 +15,7 @@
 #include "host/errors.h"
 #include "host/runtime/memory_report.h"
 #include "host/runtime/module.h"
-#include "host/runtime/settings.h"
+#include "host/runtime/settings/settings.h"
 #include "host/runtime/trace_control.h"
 #include "records/description.h"
 #include "records/numbers.h"

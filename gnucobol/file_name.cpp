@@ -14,7 +14,7 @@
 #include "conversion/documents/document_source.h"
 #include "gnucobol/runtime.h"
 #include "gnucobol/runtime_settings.h"
-#include "gnucobol/settings.h"
+#include "gnucobol/trusted_settings.h"
 
 namespace gnucobol {
 

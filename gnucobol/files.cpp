@@ -13,10 +13,10 @@
 #include "gnucobol/ending.h"
 #include "gnucobol/file_name.h"
 #include "gnucobol/report.h"
-#include "gnucobol/settings.h"
+#include "gnucobol/trusted_settings.h"
 #include "gnucobol/signals.h"
 #include "host/config.h"
-#include "host/runtime/settings.h"
+#include "host/runtime/settings/settings.h"
 
 int sxml_cob_documents = 0;
 

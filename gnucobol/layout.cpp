@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "gnucobol/file_name.h"
-#include "gnucobol/settings.h"
+#include "gnucobol/trusted_settings.h"
 #include "records/source/text_case.h"
 
 namespace gnucobol {

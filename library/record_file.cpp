@@ -8,7 +8,7 @@
 #include "conversion/formats/format_detection.h"
 #include "conversion/session/module.h"
 #include "host/encoding.h"
-#include "host/runtime/settings.h"
+#include "host/runtime/settings/settings.h"
 
 namespace library {
 

@@ -8,7 +8,7 @@
 #include "host/files.h"
 #include "host/runtime/fetch.h"
 #include "host/runtime/memory_failure.h"
-#include "host/runtime/settings.h"
+#include "host/runtime/settings/settings.h"
 #include "host/runtime/tracked_memory.h"
 #include "host/runtime/transfer.h"
 #include "platform/descriptors.h"

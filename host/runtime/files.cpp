@@ -18,7 +18,7 @@
 
 #include "host/runtime/immortal.h"
 #include "host/runtime/memory_failure.h"
-#include "host/runtime/settings.h"
+#include "host/runtime/settings/settings.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/write_failures.h"
 #include "platform/descriptors.h"

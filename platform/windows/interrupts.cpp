@@ -36,18 +36,11 @@ InterruptEntry* unused_entry() {
     return entry;
 }
 
-// Runs on a thread of the system's. The lock is kept: no file is made between this and the end.
-BOOL WINAPI remove_files(DWORD /*event*/) {
+// Runs on a thread of the system's. The lock is kept: no file is made between this and the end,
+// which comes at once and tells why; the next handler would end as if the run had come through.
+BOOL WINAPI end_process(DWORD /*event*/) {
     AcquireSRWLockExclusive(&lock);
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (entry->is_used) DeleteFileW(entry->path.c_str());
-    }
-    // Folders, empty by now.
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (entry->is_used) RemoveDirectoryW(entry->path.c_str());
-    }
-    // At once, and telling why: the next handler would let the process end as if it had come
-    // through.
+    remove_interrupted_files();
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
     return TRUE;
 }
@@ -82,7 +75,17 @@ RemovedOnInterrupt::~RemovedOnInterrupt() {
 }
 
 void handle_interrupts() {
-    SetConsoleCtrlHandler(remove_files, TRUE);
+    SetConsoleCtrlHandler(end_process, TRUE);
+}
+
+void remove_interrupted_files() {
+    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+        if (entry->is_used) DeleteFileW(entry->path.c_str());
+    }
+    // Folders, empty by now.
+    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+        if (entry->is_used) RemoveDirectoryW(entry->path.c_str());
+    }
 }
 
 }  // namespace platform

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "host/files.h"
-#include "host/runtime/settings.h"
+#include "host/runtime/settings/settings.h"
 #include "tests/records/layout_fixture.h"
 #include "tests/support/scratch_folder.h"
 

@@ -5,7 +5,7 @@
 
 #include "host/files.h"
 #include "host/runtime/memory_report.h"
-#include "host/runtime/settings.h"
+#include "host/runtime/settings/settings.h"
 #include "tests/runtime/scratch.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/hidden_failures.h"
 
 namespace command {

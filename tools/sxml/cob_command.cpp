@@ -14,7 +14,7 @@
 #include "tools/sxml/cob/run.h"
 #include "tools/sxml/cob/words.h"
 #include "tools/sxml/commands.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -11,7 +11,7 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/describe.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/help_text.h"
 #include "tools/sxml/version.h"
 

@@ -8,7 +8,7 @@
 #include "tools/sxml/document.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 
 namespace command {
 

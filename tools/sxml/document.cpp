@@ -7,7 +7,7 @@
 #include "host/errors.h"
 #include "host/runtime/memory_report.h"
 #include "records/description.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "conversion/texts/utf8.h"
-#include "tools/sxml/errors.h"
-#include "tools/sxml/progress.h"
+#include "tools/sxml/failure.h"
+#include "tools/sxml/reports/progress.h"
 
 namespace command {
 

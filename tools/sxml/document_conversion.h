@@ -11,8 +11,8 @@
 
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
-#include "tools/sxml/reject_file.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/reject_file.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

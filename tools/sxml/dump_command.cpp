@@ -7,12 +7,12 @@
 
 #include "conversion/session/module.h"
 #include "tools/sxml/commands.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_input.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 #include "tools/sxml/record_table.h"
 
 namespace command {

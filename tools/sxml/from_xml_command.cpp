@@ -9,14 +9,14 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/documents/record_document.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/jobs/from_xml_parts.h"
 #include "tools/sxml/jobs/jobs_option.h"
 #include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_target.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 
 namespace command {
 

@@ -7,7 +7,7 @@
 #include "host/runtime/memory_failure.h"
 #include "host/runtime/memory_report.h"
 #include "host/runtime/streams.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

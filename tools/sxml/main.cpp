@@ -8,7 +8,7 @@
 #include "platform/interrupts.h"
 #include "platform/standard_streams.h"
 #include "tools/sxml/command_line.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/hidden_failures.h"
 
 namespace {

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "tools/sxml/document.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/field_value.h"
-#include "tools/sxml/progress.h"
+#include "tools/sxml/reports/progress.h"
 
 namespace command {
 

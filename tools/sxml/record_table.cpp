@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/field_value.h"
 
 namespace command {

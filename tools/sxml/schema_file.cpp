@@ -3,8 +3,8 @@
 #include "host/runtime/streams.h"
 #include "platform/files.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/errors.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/failure.h"
+#include "tools/sxml/options/setting_options.h"
 #include "tools/sxml/scratch_output.h"
 
 namespace command {

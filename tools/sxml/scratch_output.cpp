@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "conversion/formats/byte_source.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -13,14 +13,14 @@
 #include "platform/paths.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/jobs/jobs_option.h"
 #include "tools/sxml/jobs/to_xml_parts.h"
 #include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_input.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 #include "tools/sxml/schema_file.h"
 
 namespace command {

@@ -15,13 +15,13 @@
 #include "tools/sxml/document.h"
 #include "tools/sxml/document_conversion.h"
 #include "tools/sxml/documents/record_document.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/record_input.h"
 #include "tools/sxml/options/record_target.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 #include "tools/sxml/record_conversion.h"
 
 namespace command {

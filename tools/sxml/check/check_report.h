@@ -5,7 +5,7 @@
 
 #include "conversion/texts/character_set.h"
 #include "tools/sxml/check/field_statistics.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "records/field_types.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/field_value.h"
 
 namespace command {

@@ -9,7 +9,7 @@
 #include "conversion/texts/text_check.h"
 #include "records/field_types.h"
 #include "records/numbers.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -12,7 +12,7 @@
 #include "tools/sxml/cob/generated_code.h"
 #include "tools/sxml/cob/judge.h"
 #include "tools/sxml/cob/run.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command::cob {
 

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command::cob {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "records/source/text_case.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command::cob {
 

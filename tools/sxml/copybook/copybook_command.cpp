@@ -14,7 +14,7 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/documents/record_document.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/run_files.h"
 

@@ -5,7 +5,7 @@
 #include "conversion/documents/document_check.h"
 #include "host/errors.h"
 #include "host/runtime/streams.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "conversion/fields/record_fields.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -7,7 +7,7 @@
 #include "conversion/session/input_document.h"
 #include "records/description.h"
 #include "tools/sxml/options/record_target.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

@@ -13,9 +13,9 @@
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/documents/parsed_document.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/run_files.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

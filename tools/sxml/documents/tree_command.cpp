@@ -7,9 +7,9 @@
 #include "tools/sxml/document.h"
 #include "tools/sxml/documents/parsed_document.h"
 #include "tools/sxml/documents/tree_printer.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/run_files.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

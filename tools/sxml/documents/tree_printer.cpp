@@ -6,7 +6,7 @@
 #include <cstdio>
 
 #include "conversion/texts/utf8.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

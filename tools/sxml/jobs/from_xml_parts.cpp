@@ -7,11 +7,11 @@
 #include "conversion/documents/record_locator.h"
 #include "host/trace.h"
 #include "platform/files.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/jobs/jobs_option.h"
 #include "tools/sxml/jobs/part_result.h"
 #include "tools/sxml/jobs/parts_run.h"
-#include "tools/sxml/progress.h"
+#include "tools/sxml/reports/progress.h"
 
 namespace command {
 

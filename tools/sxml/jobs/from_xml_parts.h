@@ -7,8 +7,8 @@
 #include "conversion/session/input_document.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/document_conversion.h"
-#include "tools/sxml/reject_file.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/reject_file.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "platform/processes.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

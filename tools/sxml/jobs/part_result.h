@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "tools/sxml/document_conversion.h"
-#include "tools/sxml/reject_file.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/reject_file.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

@@ -7,7 +7,7 @@
 
 #include "platform/descriptors.h"
 #include "platform/processes.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/hidden_failures.h"
 
 namespace command {

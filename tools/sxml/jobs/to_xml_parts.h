@@ -8,8 +8,8 @@
 #include "records/description.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/options/record_input.h"
-#include "tools/sxml/reject_file.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/reject_file.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace command {
 

@@ -12,7 +12,7 @@
 #include "tools/sxml/layout/layout_export.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 #include "tools/sxml/text_table.h"
 
 namespace command {

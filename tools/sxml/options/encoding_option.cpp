@@ -4,8 +4,8 @@
 #include <map>
 
 #include "host/encoding.h"
-#include "tools/sxml/errors.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/failure.h"
+#include "tools/sxml/options/setting_options.h"
 
 namespace command {
 

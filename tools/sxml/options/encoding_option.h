@@ -8,7 +8,7 @@
 #include "conversion/session/output_document.h"
 #include "conversion/texts/character_set.h"
 #include "records/description.h"
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/run_report.h"
 
 namespace CLI {
 class App;

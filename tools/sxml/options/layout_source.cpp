@@ -5,7 +5,7 @@
 
 #include "conversion/formats/byte_source.h"
 #include "platform/files.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

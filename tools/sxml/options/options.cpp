@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "conversion/formats/format_detection.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

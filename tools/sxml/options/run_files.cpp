@@ -8,7 +8,7 @@
 #include "platform/descriptors.h"
 #include "platform/environment.h"
 #include "platform/paths.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -2,7 +2,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/sxml/commands.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

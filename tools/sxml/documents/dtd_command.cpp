@@ -6,10 +6,10 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 #include "tools/sxml/scratch_output.h"
 
 namespace command {

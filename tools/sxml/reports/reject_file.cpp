@@ -1,6 +1,6 @@
-#include "tools/sxml/reject_file.h"
+#include "tools/sxml/reports/reject_file.h"
 
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

@@ -11,7 +11,7 @@
 #include "platform/paths.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/run_files.h"
 
 namespace command {

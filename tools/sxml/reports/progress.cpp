@@ -1,4 +1,4 @@
-#include "tools/sxml/progress.h"
+#include "tools/sxml/reports/progress.h"
 
 #include <array>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "tools/sxml/run_report.h"
+#include "tools/sxml/reports/run_report.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 #include "conversion/documents/unread_entities.h"
 #include "tools/sxml/atomic_output.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/field_value.h"
 
 namespace command {

@@ -1,8 +1,8 @@
-#include "tools/sxml/options/settings.h"
+#include "tools/sxml/options/setting_options.h"
 
 #include "host/config.h"
-#include "host/runtime/settings.h"
-#include "tools/sxml/errors.h"
+#include "host/runtime/settings/settings.h"
+#include "tools/sxml/failure.h"
 
 namespace command {
 

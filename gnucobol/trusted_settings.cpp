@@ -1,4 +1,4 @@
-#include "gnucobol/settings.h"
+#include "gnucobol/trusted_settings.h"
 
 #include <strings.h>
 #include <sys/auxv.h>

@@ -1,10 +1,10 @@
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 
 #include <cstdio>
 #include <system_error>
 
 #include "platform/descriptors.h"
-#include "tools/sxml/progress.h"
+#include "tools/sxml/reports/progress.h"
 #include "tools/sxml/terminal.h"
 
 namespace command {

@@ -16,9 +16,9 @@
 #include "host/runtime/immortal.h"
 #include "host/runtime/memory_failure.h"
 #include "host/runtime/memory_report.h"
-#include "host/runtime/setting_values.h"
-#include "host/runtime/settings.h"
-#include "host/runtime/settings_file.h"
+#include "host/runtime/settings/setting_values.h"
+#include "host/runtime/settings/settings.h"
+#include "host/runtime/settings/settings_file.h"
 #include "host/runtime/text_hash.h"
 #include "platform/environment.h"
 

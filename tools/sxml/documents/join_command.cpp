@@ -10,7 +10,7 @@
 #include "conversion/documents/document_source.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
-#include "tools/sxml/errors.h"
+#include "tools/sxml/failure.h"
 #include "tools/sxml/options/run_files.h"
 
 namespace command {

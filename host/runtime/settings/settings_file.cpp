@@ -1,4 +1,4 @@
-#include "host/runtime/settings_file.h"
+#include "host/runtime/settings/settings_file.h"
 
 #include <cerrno>
 #include <cstdio>

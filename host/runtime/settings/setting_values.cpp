@@ -1,4 +1,4 @@
-#include "host/runtime/setting_values.h"
+#include "host/runtime/settings/setting_values.h"
 
 #include <algorithm>
 #include <cctype>
