@@ -126,8 +126,8 @@ TEST_F(CharactersTest, DocumentsMayStayInSingleByteSets) {
 // Characters of two bytes, judged by iconv: in PIC X with shifts in EBCDIC and without them in
 // ASCII, in PIC G without, and PIC N in UTF-16.
 TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
-    write_file("t.txt", "ab\u6F22\u5B57c");
-    write_file("g.txt", "\u6F22\u5B57");
+    write_file("t.txt", "ab\u4E2D\u5B57c");
+    write_file("g.txt", "\u4E2D\u5B57");
     const auto in = [](const std::string& set, const std::string& file) {
         return run({"iconv", "-f", "utf-8", "-t", set, file}).out;
     };
@@ -150,7 +150,7 @@ TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
         write_file("e.dat", record);
         EXPECT_EQ(sxml({"to-xml", "e.dat", "e.xml", "-l", "e.cpy", "--encoding", set}).err, "");
         const std::string document = read_file("e.xml");
-        EXPECT_NE(document.find("<x>ab\u6F22\u5B57c</x>\r\n  <g>\u6F22\u5B57</g>\r\n"
+        EXPECT_NE(document.find("<x>ab\u4E2D\u5B57c</x>\r\n  <g>\u4E2D\u5B57</g>\r\n"
                                 "  <n>\u00E9\u20AC</n>"),
                   std::string::npos)
             << document;
@@ -162,13 +162,13 @@ TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
     }
     // Cut after a whole character, with its shift; fields without an element are blank.
     write_file("c.xml",
-               "<d><r><x>abcd\u6F22\u5B57\u6F22</x><g>\u6F22\u5B57\u6F22\u5B57</g>"
+               "<d><r><x>abcd\u4E2D\u5B57\u4E2D</x><g>\u4E2D\u5B57\u4E2D\u5B57</g>"
                "<n>ab\U0001F600</n></r><r><x>x</x></r></d>");
     const Outcome cut = sxml({"from-xml", "c.xml", "c.dat", "-l", "e.cpy", "--encoding", "IBM939"});
     EXPECT_NE(cut.err.find("field x: a text of 12 bytes was cut to fit into 10"), std::string::npos)
         << cut.err;
     EXPECT_NE(cut.err.find("field n: a text of 8 bytes was cut to fit into 6"), std::string::npos);
-    write_file("x.txt", "abcd\u6F22\u5B57");
+    write_file("x.txt", "abcd\u4E2D\u5B57");
     const std::string wide = in("IBM939", "g.txt").substr(1, 4);
     EXPECT_EQ(read_file("c.dat"), in("IBM939", "x.txt") + wide + wide.substr(0, 2) +
                                       std::string("\0a\0b\0 ", 6) + "\x40\x40\x40\x40" + "\xA7" +
@@ -183,7 +183,7 @@ TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
         SCOPED_TRACE(set);
         write_file("a.dat", padded(in(set, "t.txt"), 8, ' '));
         EXPECT_EQ(sxml({"to-xml", "a.dat", "a.xml", "-l", "a.cpy", "--encoding", set}).err, "");
-        EXPECT_NE(read_file("a.xml").find("<x>ab\u6F22\u5B57c</x>"), std::string::npos);
+        EXPECT_NE(read_file("a.xml").find("<x>ab\u4E2D\u5B57c</x>"), std::string::npos);
         EXPECT_EQ(sxml({"from-xml", "a.xml", "b.dat", "-l", "a.cpy", "--encoding", set}).err, "");
         EXPECT_EQ(read_file("b.dat"), read_file("a.dat"));
     }

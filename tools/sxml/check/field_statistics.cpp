@@ -27,6 +27,17 @@ bool is_zero(const records::Decimal& number) {
                        [](std::uint8_t digit) { return digit == 0; });
 }
 
+// Whether a text that is not all blank begins with a blank of two bytes.
+bool starts_blank(std::span<const std::uint8_t> text, conversion::TextBlank blank) {
+    const auto is_blank_at = [text, blank](std::size_t at) {
+        return text[at] == blank.first && text[at + 1] == blank.second;
+    };
+    if (text.size() < 2 || !is_blank_at(0)) return false;
+    std::size_t at = 0;
+    while (at + 1 < text.size() && is_blank_at(at)) at += 2;
+    return at + 1 < text.size();
+}
+
 }  // namespace
 
 FieldStatistics::FieldStatistics(records::Description& description,
@@ -96,7 +107,7 @@ void FieldStatistics::add(const conversion::Record& record) {
             ++row.counts.invalid;
         } else {
             add_value(row, field, bytes);
-            if (field.kind == FieldKind::text) note_shifted(record, field);
+            if (field.kind == FieldKind::text) note_shifted(record, field, bytes);
         }
     }
     // Of a record without a layout all other bytes are lost; that is told by itself.
@@ -185,20 +196,27 @@ void FieldStatistics::add_text(Row& row, const Field& field, const std::uint8_t*
     if (!row.last || text > *row.last) row.last = text;
 }
 
-void FieldStatistics::note_shifted(const conversion::Record& record, const Field& field) {
-    const records::FieldEdges edges =
-        records::field_extra(description_.xfd().items[field.item].data).edges;
+void FieldStatistics::note_shifted(const conversion::Record& record, const Field& field,
+                                   const std::uint8_t* bytes) {
+    const XfdItem& item = description_.xfd().items[field.item];
+    const records::FieldEdges edges = records::field_extra(item.data).edges;
     if (edges.is_right != 0 || edges.blanks != 0) return;
-    const std::span<const std::uint8_t> bytes(record.data + field.offset,
-                                              static_cast<std::size_t>(field.length));
-    const auto is_text = [this](std::uint8_t byte) { return !is_blank(byte); };
-    const auto last = std::find_if(bytes.rbegin(), bytes.rend(), is_text);
-    if (last == bytes.rend()) return;
-    const bool is_kept = !is_blank(bytes.front()) && !is_white(bytes.front()) && !is_white(*last);
+    const auto text = std::span(bytes, static_cast<std::size_t>(field.length));
+    const conversion::TextForm form = conversion::text_form(item, characters_);
+    const bool is_kept = form == conversion::TextForm::plain
+                             ? keeps_edges(text)
+                             : !starts_blank(text, conversion::blank_of(form, characters_));
     if (is_kept || shifted_.count++ > 0) return;
     shifted_.first_record = record.number;
     shifted_.first_offset = record.file_offset + static_cast<std::uint64_t>(field.offset);
     shifted_.first_field = fields_.name(field.item);
+}
+
+bool FieldStatistics::keeps_edges(std::span<const std::uint8_t> text) const {
+    const auto is_text = [this](std::uint8_t byte) { return !is_blank(byte); };
+    const auto last = std::find_if(text.rbegin(), text.rend(), is_text);
+    if (last == text.rend()) return true;
+    return !is_blank(text.front()) && !is_white(text.front()) && !is_white(*last);
 }
 
 // Tabs and line ends.

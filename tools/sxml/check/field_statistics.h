@@ -90,7 +90,10 @@ class FieldStatistics {
     void add_text(Row& row, const conversion::Field& field, const std::uint8_t* bytes);
     void add_unnamed(const conversion::Record& record, const conversion::RecordLayout& layout,
                      std::int32_t length);
-    void note_shifted(const conversion::Record& record, const conversion::Field& field);
+    void note_shifted(const conversion::Record& record, const conversion::Field& field,
+                      const std::uint8_t* bytes);
+    // Whether a document keeps the white space at both ends.
+    bool keeps_edges(std::span<const std::uint8_t> text) const;
     bool is_white(std::uint8_t byte) const;
     bool is_blank(std::uint8_t byte) const { return byte == characters_.space() || byte == 0; }
 
