@@ -13,8 +13,8 @@
 #include "gnucobol/ending.h"
 #include "gnucobol/file_name.h"
 #include "gnucobol/report.h"
-#include "gnucobol/trusted_settings.h"
 #include "gnucobol/signals.h"
+#include "gnucobol/trusted_settings.h"
 #include "host/config.h"
 #include "host/runtime/settings/settings.h"
 

@@ -16,8 +16,8 @@
 #include "tools/sxml/jobs/jobs_option.h"
 #include "tools/sxml/jobs/part_result.h"
 #include "tools/sxml/jobs/parts_run.h"
-#include "tools/sxml/reports/progress.h"
 #include "tools/sxml/record_conversion.h"
+#include "tools/sxml/reports/progress.h"
 
 namespace command {
 
