@@ -262,7 +262,7 @@ records::RecordPosition InputDocument::position_asked_by(std::size_t layout) con
 Done InputDocument::check_position() {
     if (!first_layout_ && !last_layout_) return std::nullopt;
     const bool follows_last = std::exchange(has_last_, position_.is_last);
-    const auto problem = [this](std::string what) {
+    const auto problem = [](std::string what) {
         return Problem{Cause::record, {}, std::move(what), "the layouts' conditions ask for it"};
     };
     if (follows_last) {
