@@ -51,7 +51,7 @@ fi
 if command -v fish >/dev/null; then
     fish -n sxml.fish || fail "fish does not read the completion"
     found=$(HOME=$(mktemp -d) fish -c 'source sxml.fish
-        for line in "sxml to-x" "sxml layout --cs" "sxml layout --format f"; complete -C $line | cut -f 1; end' | tr '\n' ' ')
+        for line in "sxml to-x" "sxml layout --csv" "sxml layout --format f"; complete -C $line | cut -f 1; end' | tr '\n' ' ')
     [ "$found" = "to-xml --csv fixed free " ] || fail "fish completes to $found"
 fi
 exit "$failed"

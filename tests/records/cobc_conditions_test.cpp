@@ -2,6 +2,8 @@
 // compares with every literal.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "tests/records/cobc_program.h"
 #include "tests/records/layout_fixture.h"
 
@@ -109,6 +111,16 @@ std::string program_of(const std::vector<Case>& all) {
     return data + code + " STOP RUN.\n";
 }
 
+// The releases disagree about a text and a negative number, and about a number with a separate sign
+// and a text; conditions are those of 3.1.
+bool is_compared(const Case& each, std::string_view literal) {
+    static const bool is_3_1 = std::system("cobc --version | grep -q '(GnuCOBOL) 3\\.1\\.'") == 0;
+    const std::string_view clauses = each.clauses;
+    if (is_3_1) return true;
+    if (clauses.starts_with("PIC X")) return !literal.starts_with('-');
+    return !clauses.ends_with("SEPARATE") || !literal.starts_with('\'');
+}
+
 bool holds(const Case& each, const std::string& relation, const std::string& value) {
     Description description =
         layout_tests::described(std::string("01 R.\n*> sxml: when F ") + relation +
@@ -125,11 +137,12 @@ TEST(CobcConditions, LiteralsCompareAlike) {
         for (const std::string& value : each.values) {
             for (const std::string literal : each.literals) {
                 ASSERT_LT(line, said.size());
+                const std::string theirs = said[line++];
+                if (!is_compared(each, literal)) continue;
                 const char ours =
                     order(holds(each, "= " + literal, value), holds(each, "< " + literal, value));
-                EXPECT_EQ(std::string(1, ours), said[line++])
-                    << each.clauses << " with " << hex_of(value) << " (" << value << ") and "
-                    << literal;
+                EXPECT_EQ(std::string(1, ours), theirs) << each.clauses << " with " << hex_of(value)
+                                                        << " (" << value << ") and " << literal;
             }
         }
     }

@@ -15,7 +15,7 @@ bool is_full(const XmlElement& element) {
 // own. The element is not full.
 void insert_first(XmlElement& element, std::int32_t position) {
     std::uint32_t* const at = element.indices + position;
-    std::uint32_t* const end = element.indices + element.last_index + 1;
+    std::uint32_t* const end = element.indices + (element.last_index + 1);
     std::move_backward(at, end, end + 1);
     *at = 1;
     ++element.last_index;
