@@ -107,6 +107,39 @@ convert() {
     test ! -e "$3.parts"
 }
 
+# refused MESSAGE COMMAND...: the command fails, and says so on standard error or in the log of a part.
+refused() {
+    local message=$1
+    shift
+    if "$@" 2>"$work/refusal"; then
+        echo "cluster.sh: not refused: $*" >&2
+        return 1
+    fi
+    cat out.xml.parts/log-* >>"$work/refusal" 2>/dev/null || true
+    grep -qF "$message" "$work/refusal" || {
+        cat "$work/refusal" >&2
+        return 1
+    }
+}
+
+# No record is lost, and no part of another conversion taken.
+refuse_losses() {
+    local convert=("$source/examples/slurm/convert.sh" to-xml)
+    printf '       01 PAIR.\n           05 A PIC X(4).\n           05 B PIC 9(4).\n' >pair.cpy
+    printf 'abcd0001efgh0002ij' >cut.dat
+    refused "the record is cut short" "${convert[@]}" cut.dat out.xml pair.cpy 2
+    test ! -e out.xml
+    printf 'abcd0001\nef  0002\nij  0003\n' >pairs.txt
+    refused "set RECORDS" env -u RECORDS "${convert[@]}" pairs.txt out.xml pair.cpy 2 --line
+    RECORDS=3 refused "holds parts of another conversion" "${convert[@]}" pairs.txt out.xml pair.cpy 2 --line
+    rm -r out.xml.parts
+    for count in 2 3; do # more than they are said to be, and as many
+        RECORDS=$count "${convert[@]}" pairs.txt out.xml pair.cpy 2 --line
+        test "$(grep -c '<pair>' out.xml)" -eq 3
+        rm out.xml
+    done
+}
+
 start
 cd "$work"
 failing_sxml
@@ -118,4 +151,5 @@ convert to-xml records many.xml
 cmp one.xml many.xml
 convert from-xml many.xml many.records
 cmp records many.records
+refuse_losses
 echo "cluster: 100,003 records in 7 parts, one of them made again: the same document and the same records as of one process"
