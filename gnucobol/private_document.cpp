@@ -82,6 +82,17 @@ bool is_named(int descriptor, const std::string& name) {
            held.st_ino == named.st_ino && held.st_dev == named.st_dev;
 }
 
+// Why a private file could not be opened.
+Result refuse_private_file(const std::string& name, int error) {
+    struct stat info {};
+    if ((error == EACCES || error == EPERM) && lstat(name.c_str(), &info) == 0) {
+        return {Status::in_use, name +
+                                    " is there and belongs to another user, who is writing the "
+                                    "document or has been stopped; then remove it"};
+    }
+    return refusal(error);
+}
+
 }  // namespace
 
 PrivateDocument::PrivateDocument(PrivateDocument&& other) noexcept
@@ -151,7 +162,7 @@ Result PrivateDocument::begin_beside() {
         if (descriptor_ < 0 && errno == ENOENT) {
             return {Status::permanent_error, "there is no folder " + folder() + "; make it"};
         }
-        if (descriptor_ < 0) return refusal(errno);
+        if (descriptor_ < 0) return refuse_private_file(name_, errno);
         if (!lock(descriptor_)) return {Status::in_use, {}};
         if (is_named(descriptor_, name_)) break;
         close(descriptor_);
@@ -163,12 +174,6 @@ Result PrivateDocument::begin_beside() {
 }
 
 Result PrivateDocument::begin_elsewhere() {
-    struct stat info {};
-    if (lstat(name_.c_str(), &info) == 0) {
-        return {Status::in_use, name_ +
-                                    " is there and belongs to another user, who is writing the "
-                                    "document or has been stopped; then remove it"};
-    }
     target_lock_ = open(target_.c_str(), O_RDWR | O_CLOEXEC);
     if (target_lock_ < 0) return refusal(errno);
     const bool is_alone =

@@ -20,7 +20,7 @@ namespace {
 constexpr std::array<int, 14> POLITE = {SIGINT,  SIGHUP,    SIGQUIT, SIGTERM,  SIGPIPE,
                                         SIGALRM, SIGVTALRM, SIGPROF, SIGXCPU,  SIGUSR1,
                                         SIGUSR2, SIGIO,     SIGPWR,  SIGSTKFLT};
-constexpr std::array<int, 5> FAULTS = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+constexpr std::array<int, 7> FAULTS = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS, SIGTRAP};
 
 // A file to remove. Plain arrays, since a handler looks at them.
 struct Slot {
@@ -112,6 +112,7 @@ void watch_signals() {
     is_watching = true;
     for (const int number : POLITE) watch(number);
     for (const int number : FAULTS) watch(number);
+    for (int number = SIGRTMIN; number <= std::min(SIGRTMAX, NSIG - 1); ++number) watch(number);
     outlive_size_limit();
 }
 

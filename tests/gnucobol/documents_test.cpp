@@ -44,6 +44,10 @@ TEST_F(EndingTest, DocumentsAreCompleteWhenTheProgramEndsAsItMeansTo) {
         {"./ending wait new & sleep 0.3; kill -ALRM $!; wait $!", false, unchanged},
         {"./ending wait new & sleep 0.3; kill -USR1 $!; wait $!", false, unchanged},
         {"./ending wait new & sleep 0.3; kill -XCPU $!; wait $!", false, unchanged},
+        {"./ending wait new & sleep 0.3; kill -SYS $!; wait $!", false, unchanged},
+        {"./ending wait new & sleep 0.3; kill -TRAP $!; wait $!", false, unchanged},
+        {"./ending wait new & sleep 0.3; kill -RTMIN $!; wait $!", false, unchanged},
+        {"./ending wait new & sleep 0.3; kill -RTMAX $!; wait $!", false, unchanged},
         {"./ending fork new", true, ""},
         {"SXML_VERBOSE= ./ending close new", true, ""},
         {"timeout -s INT 0.3 ./ending wait new", false, unchanged},
@@ -157,12 +161,16 @@ TEST_F(EndingTest, AFolderNeedNotAdmitNewFiles) {
     // What another user has begun is neither taken over nor passed by.
     write_file(".result.xml.part", "");
     fs::permissions(".result.xml.part", fs::perms{0});
-    const Outcome refused = ours("close other");
-    EXPECT_TRUE(refused.out.starts_with("open 61\n")) << refused.out;
-    EXPECT_NE(refused.err.find(".result.xml.part is there and belongs to another user"),
-              std::string::npos)
-        << refused.err;
-    EXPECT_EQ(read_file("result.xml"), whole);
+    for (const bool is_document_there : {true, false}) {
+        if (!is_document_there) fs::rename("result.xml", "kept.xml");
+        const Outcome refused = ours("close other");
+        EXPECT_TRUE(refused.out.starts_with("open 61\n")) << refused.out;
+        EXPECT_NE(refused.err.find(".result.xml.part is there and belongs to another user"),
+                  std::string::npos)
+            << refused.err;
+        EXPECT_EQ(read_file(is_document_there ? "result.xml" : "kept.xml"), whole);
+    }
+    EXPECT_FALSE(fs::exists("result.xml"));
     fs::current_path("..");
 }
 
