@@ -5,32 +5,15 @@
 #include <unistd.h>
 
 #include <array>
-#include <csignal>
 #include <cstdlib>
 #include <sstream>
 
 #include "gnucobol/runtime.h"
+#include "platform/posix/held_signals.h"
 
 namespace gnucobol {
 
 namespace {
-
-// No signal comes while this lives: the runtime's handler would wait for a lock that the runtime
-// holds while it shows its configuration.
-class SignalsBlocked {
-  public:
-    SignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_BLOCK, &all, &earlier_);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &earlier_, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-  private:
-    sigset_t earlier_{};
-};
 
 // Standard output goes into a pipe while this lives: a pipe has room for some settings, and does
 // not count as a file of which the size may be limited.
@@ -79,7 +62,8 @@ class CapturedOutput {
 
 // The runtime shows its configuration and gives no other access to it.
 std::string shown_configuration() {
-    const SignalsBlocked blocked;
+    // The runtime's handler would wait for a lock that the runtime holds meanwhile.
+    const platform::HeldSignals held;
     CapturedOutput output;
     if (!output.works()) return {};
     print_runtime_conf();

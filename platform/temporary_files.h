@@ -9,7 +9,8 @@
 
 namespace platform {
 
-// The folder for temporary files: TMPDIR where it may be trusted (environment.h), else the system's.
+// The folder for temporary files: TMPDIR where it may be trusted (environment.h), else the
+// system's.
 std::string temporary_folder();
 
 class TemporaryFile {
