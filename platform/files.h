@@ -43,10 +43,17 @@ int empty_file(std::FILE* file);
 bool means_no_space(int error);
 // Removes a file. Result: 0 or the error number.
 int remove_file(const char* name);
+// Removes a folder that is empty. Result: 0 or the error number.
+int remove_empty_folder(const char* name);
 // Gives a file another name, in the place of what has that name. Result: 0 or the error number.
 int rename_file(const char* old_name, const char* new_name);
 // Gives an open file the permissions that another one has. Result: 0 or the error number.
 int copy_permissions(int from, int to);
+// Has what a file holds written to the disk. Result: 0, also where the file system cannot do this,
+// or the error number.
+int flush_file(const std::string& name);
+// Has the names in a folder written to the disk, as far as the system can.
+void flush_folder(const std::string& name);
 // Takes all that is written to it, and holds nothing.
 const char* null_device();
 

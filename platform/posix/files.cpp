@@ -1,5 +1,6 @@
 #include "platform/files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +52,10 @@ int remove_file(const char* name) {
     return unlink(name) == 0 ? 0 : errno;
 }
 
+int remove_empty_folder(const char* name) {
+    return rmdir(name) == 0 ? 0 : errno;
+}
+
 int rename_file(const char* old_name, const char* new_name) {
     return std::rename(old_name, new_name) == 0 ? 0 : errno;
 }
@@ -60,6 +65,18 @@ int copy_permissions(int from, int to) {
     struct stat status {};
     const bool is_done = fstat(from, &status) == 0 && fchmod(to, status.st_mode & permissions) == 0;
     return is_done ? 0 : errno;
+}
+
+int flush_file(const std::string& name) {
+    const int descriptor = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) return errno;
+    const int error = fsync(descriptor) == 0 ? 0 : errno;
+    close(descriptor);
+    return error == EINVAL || error == ENOTSUP || error == EROFS ? 0 : error;
+}
+
+void flush_folder(const std::string& name) {
+    flush_file(name);
 }
 
 const char* null_device() {

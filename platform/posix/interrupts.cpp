@@ -5,40 +5,14 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <filesystem>
-#include <memory>
-#include <utility>
+
+#include "platform/interrupt_entries.h"
 
 namespace platform {
 
-// A name in the list. Entries are never released, so that a signal handler may go through the list
-// at any time; one that is not in use is taken again. The name is complete whenever it is in use.
-struct InterruptEntry {
-    std::atomic<bool> is_used = false;
-    std::string path;
-    pid_t owner = 0;
-    InterruptEntry* next = nullptr;
-};
-
 namespace {
-
-// The state of the process: what a signal removes.
-constinit std::atomic<InterruptEntry*> entries = nullptr;
-static_assert(std::atomic<InterruptEntry*>::is_always_lock_free &&
-              std::atomic<bool>::is_always_lock_free);
-
-InterruptEntry* unused_entry() {
-    for (InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (!entry->is_used) return entry;
-    }
-    auto* entry = new InterruptEntry;
-    entry->next = entries;
-    entries = entry;
-    return entry;
-}
 
 // Async-signal-safe, as opendir() is not.
 void remove_files_in(const char* path) {
@@ -84,32 +58,20 @@ void handle(int signal_number, void (*handler)(int), int flags) {
 
 }  // namespace
 
-RemovedOnInterrupt::RemovedOnInterrupt(const std::string& path) {
-    std::string whole = std::filesystem::absolute(path).string();
-    entry_ = unused_entry();
-    entry_->path = std::move(whole);
-    entry_->owner = getpid();
-    entry_->is_used = true;
+int process_number() {
+    return getpid();
 }
 
-RemovedOnInterrupt::RemovedOnInterrupt(RemovedOnInterrupt&& other) noexcept
-    : entry_(std::exchange(other.entry_, nullptr)) {}
-
-RemovedOnInterrupt& RemovedOnInterrupt::operator=(RemovedOnInterrupt&& other) noexcept {
-    std::swap(entry_, other.entry_);
-    return *this;
-}
-
-RemovedOnInterrupt::~RemovedOnInterrupt() {
-    if (entry_ != nullptr) entry_->is_used = false;
+std::filesystem::path absolute_path(const std::string& path) {
+    return std::filesystem::absolute(path);
 }
 
 void remove_interrupted_files() {
-    const pid_t process = getpid();
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+    const int process = process_number();
+    for (const InterruptEntry* entry = interrupt_entries; entry != nullptr; entry = entry->next) {
         if (entry->is_used && entry->owner == process) unlink(entry->path.c_str());
     }
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+    for (const InterruptEntry* entry = interrupt_entries; entry != nullptr; entry = entry->next) {
         if (entry->is_used && entry->owner == process) remove_folder(entry->path.c_str());
     }
 }

@@ -8,8 +8,6 @@
 #include <filesystem>
 #include <utility>
 
-#include "platform/files.h"
-
 namespace platform {
 
 namespace {
@@ -90,15 +88,6 @@ void take_over(const std::string& file, const struct stat* old) {
     close(descriptor);
 }
 
-// Result: 0 or the error number. File systems that cannot do this do not count.
-int flush_to_disk(const std::string& name) {
-    const int descriptor = open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) return errno;
-    const int error = fsync(descriptor) == 0 ? 0 : errno;
-    close(descriptor);
-    return error == EINVAL || error == ENOTSUP || error == EROFS ? 0 : error;
-}
-
 }  // namespace
 
 std::optional<Replacement> Replacement::begin(const std::string& target) {
@@ -122,22 +111,6 @@ std::optional<Replacement> Replacement::begin(const std::string& target) {
     take_over(temporary->name(), exists ? &present : nullptr);
     replacement.temporary_.emplace(std::move(*temporary));
     return replacement;
-}
-
-int Replacement::prepare() {
-    if (!temporary_ || is_on_disk_) return 0;
-    const int error = flush_to_disk(temporary_->name());
-    is_on_disk_ = error == 0;
-    return error;
-}
-
-int Replacement::commit() {
-    if (!temporary_) return 0;
-    if (const int error = prepare(); error != 0) return error;
-    if (const int error = temporary_->rename_to(target_); error != 0) return error;
-    flush_to_disk(folder_of(target_).string());  // the name is there already
-    temporary_.reset();
-    return 0;
 }
 
 }  // namespace platform

@@ -93,6 +93,10 @@ int remove_file(const char* name) {
     return outcome(DeleteFileW(wide_file_name(name).c_str()));
 }
 
+int remove_empty_folder(const char* name) {
+    return outcome(RemoveDirectoryW(wide_file_name(name).c_str()));
+}
+
 int rename_file(const char* old_name, const char* new_name) {
     return outcome(MoveFileExW(wide_file_name(old_name).c_str(), wide_file_name(new_name).c_str(),
                                MOVEFILE_REPLACE_EXISTING));
@@ -112,6 +116,14 @@ int copy_permissions(int from, int to) {
     return outcome(
         SetFileInformationByHandle(handle_of(to), FileBasicInfo, &read_only, sizeof read_only));
 }
+
+int flush_file(const std::string& name) {
+    const FileHandle file(name, GENERIC_WRITE, OPEN_EXISTING);
+    return file.is_open() && FlushFileBuffers(file.get()) != 0 ? 0 : error_number();
+}
+
+// Windows does so by itself.
+void flush_folder(const std::string& /*name*/) {}
 
 const char* null_device() {
     return "NUL";

@@ -2,38 +2,31 @@
 
 #include <windows.h>
 
-#include <atomic>
-#include <filesystem>
-#include <utility>
-
+#include "platform/interrupt_entries.h"
 #include "platform/paths.h"
+#include "platform/windows/console.h"
 #include "platform/windows/held_interrupts.h"
 #include "platform/windows/system_texts.h"
 
 namespace platform {
 
-// A name in the list. Entries are never released; one that is not in use is taken again. The name
-// is complete whenever it is in use.
-struct InterruptEntry {
-    std::atomic<bool> is_used = false;
-    std::wstring path;
-    InterruptEntry* next = nullptr;
-};
-
 namespace {
 
-// The state of the process: what an interrupt removes.
-constinit std::atomic<InterruptEntry*> entries = nullptr;
 SRWLOCK lock = SRWLOCK_INIT;
 
-InterruptEntry* unused_entry() {
-    for (InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (!entry->is_used) return entry;
-    }
-    auto* entry = new InterruptEntry;
-    entry->next = entries;
-    entries = entry;
-    return entry;
+void remove_files_in(const std::filesystem::path& folder) {
+    const DWORD attributes = GetFileAttributesW(folder.c_str());
+    const bool is_folder = attributes != INVALID_FILE_ATTRIBUTES &&
+                           (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+                           (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+    if (!is_folder) return;
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW((folder / L"*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return;
+    do {
+        DeleteFileW((folder / found.cFileName).c_str());
+    } while (FindNextFileW(search, &found) != 0);
+    FindClose(search);
 }
 
 // Runs on a thread of the system's. The lock is kept: no file is made between this and the end,
@@ -41,6 +34,7 @@ InterruptEntry* unused_entry() {
 BOOL WINAPI end_process(DWORD /*event*/) {
     AcquireSRWLockExclusive(&lock);
     remove_interrupted_files();
+    restore_console();  // nothing that is to run at the end does
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
     return TRUE;
 }
@@ -55,23 +49,12 @@ HeldInterrupts::~HeldInterrupts() {
     ReleaseSRWLockExclusive(&lock);
 }
 
-RemovedOnInterrupt::RemovedOnInterrupt(const std::string& path) {
-    std::wstring whole = wide_file_name(name_of(std::filesystem::absolute(path_of(path))));
-    entry_ = unused_entry();
-    entry_->path = std::move(whole);
-    entry_->is_used = true;
+int process_number() {
+    return static_cast<int>(GetCurrentProcessId());
 }
 
-RemovedOnInterrupt::RemovedOnInterrupt(RemovedOnInterrupt&& other) noexcept
-    : entry_(std::exchange(other.entry_, nullptr)) {}
-
-RemovedOnInterrupt& RemovedOnInterrupt::operator=(RemovedOnInterrupt&& other) noexcept {
-    std::swap(entry_, other.entry_);
-    return *this;
-}
-
-RemovedOnInterrupt::~RemovedOnInterrupt() {
-    if (entry_ != nullptr) entry_->is_used = false;
+std::filesystem::path absolute_path(const std::string& path) {
+    return wide_file_name(name_of(std::filesystem::absolute(path_of(path))));
 }
 
 void handle_interrupts() {
@@ -79,12 +62,13 @@ void handle_interrupts() {
 }
 
 void remove_interrupted_files() {
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
+    for (const InterruptEntry* entry = interrupt_entries; entry != nullptr; entry = entry->next) {
         if (entry->is_used) DeleteFileW(entry->path.c_str());
     }
-    // Folders, empty by now.
-    for (const InterruptEntry* entry = entries; entry != nullptr; entry = entry->next) {
-        if (entry->is_used) RemoveDirectoryW(entry->path.c_str());
+    for (const InterruptEntry* entry = interrupt_entries; entry != nullptr; entry = entry->next) {
+        if (!entry->is_used) continue;
+        remove_files_in(entry->path);
+        RemoveDirectoryW(entry->path.c_str());
     }
 }
 

@@ -32,11 +32,6 @@ std::string end_of_link(const std::string& name) {
     return length < path.size() ? narrow({path.data(), length}) : std::string();
 }
 
-int flush_to_disk(const std::string& name) {
-    const FileHandle file(name, GENERIC_WRITE, OPEN_EXISTING);
-    return file.is_open() && FlushFileBuffers(file.get()) != 0 ? 0 : error_number();
-}
-
 }  // namespace
 
 std::optional<Replacement> Replacement::begin(const std::string& target) {
@@ -57,21 +52,6 @@ std::optional<Replacement> Replacement::begin(const std::string& target) {
     if (!temporary) return std::nullopt;
     replacement.temporary_.emplace(std::move(*temporary));
     return replacement;
-}
-
-int Replacement::prepare() {
-    if (!temporary_ || is_on_disk_) return 0;
-    const int error = flush_to_disk(temporary_->name());
-    is_on_disk_ = error == 0;
-    return error;
-}
-
-int Replacement::commit() {
-    if (!temporary_) return 0;
-    if (const int error = prepare(); error != 0) return error;
-    if (const int error = temporary_->rename_to(target_); error != 0) return error;
-    temporary_.reset();
-    return 0;
 }
 
 }  // namespace platform

@@ -7,13 +7,14 @@
 #include <initializer_list>
 
 #include "platform/descriptors.h"
+#include "platform/windows/console.h"
 #include "platform/windows/handles.h"
 
 namespace platform {
 
 namespace {
 
-UINT code_page_before = 0;  // of the console, which outlives the process
+UINT code_page_before = 0;  // 0: not known
 
 // What is written is UTF-8, and has the usual sequences for colours.
 void prepare_console() {
@@ -26,10 +27,14 @@ void prepare_console() {
     code_page_before = GetConsoleOutputCP();
     if (code_page_before == 0 || code_page_before == CP_UTF8) return;
     SetConsoleOutputCP(CP_UTF8);
-    std::atexit([] { SetConsoleOutputCP(code_page_before); });
+    std::atexit(restore_console);
 }
 
 }  // namespace
+
+void restore_console() {
+    if (code_page_before != 0) SetConsoleOutputCP(code_page_before);
+}
 
 bool open_missing_standard_streams() {
     for (const int descriptor : {STANDARD_INPUT, STANDARD_OUTPUT, STANDARD_ERROR}) {

@@ -3,7 +3,6 @@
 #include <array>
 #include <cerrno>
 #include <string_view>
-#include <utility>
 
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -69,28 +68,6 @@ std::optional<TemporaryFile> TemporaryFile::create(const std::string& folder,
     }
 }
 
-TemporaryFile::TemporaryFile(std::string name) : name_(std::move(name)), removed_(name_) {}
-
-TemporaryFile::TemporaryFile(TemporaryFile&& other) noexcept
-    : name_(std::exchange(other.name_, {})), removed_(std::move(other.removed_)) {}
-
-TemporaryFile::~TemporaryFile() {
-    if (!name_.empty()) remove_file(name_.c_str());
-}
-
-std::string TemporaryFile::keep() {
-    removed_ = {};
-    return std::exchange(name_, {});
-}
-
-int TemporaryFile::rename_to(const std::string& target) {
-    const int error = rename_file(name_.c_str(), target.c_str());
-    if (error != 0) return error;
-    name_.clear();
-    removed_ = {};
-    return 0;
-}
-
 std::optional<TemporaryFolder> TemporaryFolder::create() {
     const HeldInterrupts held;
     std::string name = make_new(temporary_folder() + "/sxml.", [](const std::string& wanted) {
@@ -100,18 +77,9 @@ std::optional<TemporaryFolder> TemporaryFolder::create() {
     try {
         return TemporaryFolder(name);
     } catch (...) {
-        RemoveDirectoryW(wide_file_name(name).c_str());
+        remove_empty_folder(name.c_str());
         throw;
     }
-}
-
-TemporaryFolder::TemporaryFolder(std::string name) : name_(std::move(name)), removed_(name_) {}
-
-TemporaryFolder::TemporaryFolder(TemporaryFolder&& other) noexcept
-    : name_(std::exchange(other.name_, {})), removed_(std::move(other.removed_)) {}
-
-TemporaryFolder::~TemporaryFolder() {
-    if (!name_.empty()) RemoveDirectoryW(wide_file_name(name_).c_str());
 }
 
 }  // namespace platform
