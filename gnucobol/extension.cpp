@@ -46,8 +46,15 @@ std::uint64_t size_of(int descriptor) {
 // `size` bytes from `offset` on, or as many as there are.
 std::string part_of(int descriptor, std::uint64_t offset, std::uint64_t size) {
     std::string part(size, '\0');
-    const ssize_t count = pread(descriptor, part.data(), size, static_cast<off_t>(offset));
-    part.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    std::size_t filled = 0;
+    while (filled < size) {
+        const ssize_t count = pread(descriptor, part.data() + filled, size - filled,
+                                    static_cast<off_t>(offset + filled));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        filled += static_cast<std::size_t>(count);
+    }
+    part.resize(filled);
     return part;
 }
 
