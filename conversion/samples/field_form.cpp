@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "conversion/texts/counted.h"
+
 namespace conversion {
 
 namespace {
@@ -121,10 +123,6 @@ std::string comment_on_declaration(const Declaration& declared) {
 }
 
 }  // namespace
-
-std::string counted(std::uint64_t count, const std::string& what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
 
 FieldForm field_of(const ElementProfile& element, const FieldWishes& wishes) {
     const TextProfile& seen = element.text;

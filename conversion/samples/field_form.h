@@ -38,7 +38,4 @@ TableForm table_of(const ElementProfile& element, const FieldWishes& wishes);
 // What a schema says of it and what was seen, in one line; may be empty.
 std::string comment_on(const ElementProfile& element);
 
-// "1 record", "2 records"
-std::string counted(std::uint64_t count, const std::string& what);
-
 }  // namespace conversion

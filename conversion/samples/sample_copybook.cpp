@@ -6,6 +6,7 @@
 #include <set>
 
 #include "conversion/samples/cobol_names.h"
+#include "conversion/texts/counted.h"
 
 namespace conversion {
 

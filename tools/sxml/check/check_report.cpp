@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "conversion/texts/counted.h"
 #include "conversion/texts/utf8.h"
 #include "tools/sxml/field_value.h"
 #include "tools/sxml/text_table.h"
@@ -12,13 +13,10 @@ namespace command {
 
 namespace {
 
+using conversion::counted;
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t LONGEST_SHOWN = 32;  // bytes of a value or of evidence in the text
-
-std::string counted(std::uint64_t count, const std::string& thing) {
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
 
 std::string shortened(const std::string& text) {
     const std::size_t size = conversion::whole_characters(text, LONGEST_SHOWN);

@@ -4,19 +4,13 @@
 #include <utility>
 
 #include "conversion/fields/record_fields.h"
+#include "conversion/texts/counted.h"
 #include "tools/sxml/failure.h"
 
 namespace command {
 
+using conversion::counted;
 using conversion::DocumentSource;
-
-namespace {
-
-std::string counted(std::uint64_t count, const std::string& what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
-}  // namespace
 
 RecordDocument::RecordDocument(const DocumentSource& given, const DocumentOptions& options)
     : options_(options), given_(given) {
