@@ -74,11 +74,7 @@ void add_from_xml_command(CLI::App& application) {
     CLI::App* command =
         application.add_subcommand("from-xml", "turn an XML document into a record file");
     auto options = std::make_shared<FromXmlOptions>();
-    command
-        ->add_option("XML", options->xml,
-                     "the document: a file, a web address, - for standard input")
-        ->required()
-        ->option_text(" ");
+    add_document_argument(*command, "XML", options->xml);
     command
         ->add_option("RECORDS", options->records, "the record file to write, - for standard output")
         ->required()

@@ -14,6 +14,7 @@
 #include "tools/sxml/document.h"
 #include "tools/sxml/documents/parsed_document.h"
 #include "tools/sxml/failure.h"
+#include "tools/sxml/options/options.h"
 #include "tools/sxml/options/run_files.h"
 #include "tools/sxml/reports/run_report.h"
 
@@ -128,11 +129,7 @@ void add_rewrite_command(CLI::App& application) {
     CLI::App* command =
         application.add_subcommand("rewrite", "read a document and write it in sxml's own form");
     auto options = std::make_shared<RewriteOptions>();
-    command
-        ->add_option("IN", options->in,
-                     "the document: a file, - for standard input, or a web address")
-        ->required()
-        ->option_text(" ");
+    add_document_argument(*command, "IN", options->in);
     command->add_option("OUT", options->out, "the document to write, - for standard output")
         ->required()
         ->option_text(" ");

@@ -12,6 +12,7 @@
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/failure.h"
+#include "tools/sxml/options/options.h"
 #include "tools/sxml/options/run_files.h"
 
 namespace command {
@@ -141,11 +142,7 @@ void add_split_command(CLI::App& application) {
     CLI::App* command = application.add_subcommand(
         "split", "make several whole documents of one, and print their names");
     auto options = std::make_shared<SplitOptions>();
-    command
-        ->add_option("IN", options->in,
-                     "the document: a file, - for standard input, or a web address")
-        ->required()
-        ->option_text(" ");
+    add_document_argument(*command, "IN", options->in);
     command
         ->add_option("--parts", options->parts,
                      "make N documents of about the same size; some may have no records")

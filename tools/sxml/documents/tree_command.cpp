@@ -8,6 +8,7 @@
 #include "tools/sxml/documents/parsed_document.h"
 #include "tools/sxml/documents/tree_printer.h"
 #include "tools/sxml/failure.h"
+#include "tools/sxml/options/options.h"
 #include "tools/sxml/options/run_files.h"
 #include "tools/sxml/reports/run_report.h"
 
@@ -42,11 +43,7 @@ void add_tree_command(CLI::App& application) {
     CLI::App* command = application.add_subcommand(
         "tree", "show a document's elements, a line for each, with their occurrence numbers");
     auto options = std::make_shared<TreeOptions>();
-    command
-        ->add_option("IN", options->in,
-                     "the document: a file, - for standard input, or a web address")
-        ->required()
-        ->option_text(" ");
+    add_document_argument(*command, "IN", options->in);
     command->add_flag("--full", options->full, "do not shorten long values and attributes");
     command->footer("Example:\n  sxml tree orders.xml | less");
     command->callback([options] { print_tree(*options); });

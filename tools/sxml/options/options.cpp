@@ -182,6 +182,13 @@ void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgumen
     add_description_options(command, options);
 }
 
+void add_document_argument(CLI::App& command, const char* name, std::string& document) {
+    command
+        .add_option(name, document, "the document: a file, - for standard input, or a web address")
+        ->required()
+        ->option_text(" ");
+}
+
 void add_record_path_option(CLI::App& command, std::string& path) {
     command
         .add_option("--record", path,

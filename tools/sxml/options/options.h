@@ -26,6 +26,9 @@ enum class LayoutArgument { positional, option };
 // command line has been parsed.
 void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgument argument);
 
+// Adds the argument, of this name, that is the document to read.
+void add_document_argument(CLI::App& command, const char* name, std::string& document);
+
 // Adds --record, which says where in a document the records are.
 void add_record_path_option(CLI::App& command, std::string& path);
 
