@@ -4,6 +4,7 @@
 #include <expat.h>
 
 #include <memory>
+#include <new>
 #include <string>
 
 #include "conversion/documents/expat_position.h"
@@ -28,13 +29,25 @@ class CheckedParser {
     static void* owner(void* parser) { return of(parser).owner_; }
     static CheckedParser& of(void* parser);
 
-    // For handlers, through which nothing may be thrown: they end parse() before the end of the
-    // document, without a problem, with one, or with std::bad_alloc. Expat may still call the
-    // handler of the end tag of an element without content: see is_stopped().
+    // For handlers: they end parse() before the end of the document, without a problem, with one,
+    // or with std::bad_alloc. Expat may still call the handler of the end tag of an element without
+    // content: see is_stopped().
     void stop();
     void stop(Problem problem);
     void stop_without_memory();
     bool is_stopped() const { return is_stopped_; }
+    // For handlers: does the work, unless the parser of their first argument was stopped; when that
+    // throws std::bad_alloc, parse() ends with it. Nothing may be thrown through Expat.
+    template <class Work>
+    static void guarded(void* parser, const Work& work) {
+        CheckedParser& self = of(parser);
+        if (self.is_stopped_) return;
+        try {
+            work();
+        } catch (const std::bad_alloc&) {
+            self.stop_without_memory();
+        }
+    }
     // Whether general entities have been declared whose text is outside of the document.
     bool has_external_entities() const { return has_external_entities_; }
     // Where the present event stands: the document's name as shown, line and column.

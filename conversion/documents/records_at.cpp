@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <new>
 #include <string_view>
 #include <vector>
 
@@ -121,12 +120,8 @@ class RecordsAt {
     void leave_out(std::uint64_t& count) {
         const bool is_first = left_out_.texts + left_out_.attributes == 0;
         ++count;
-        if (!is_first || parser_.is_stopped()) return;
-        try {
-            left_out_.first = parser_.place();
-        } catch (const std::bad_alloc&) {
-            parser_.stop_without_memory();
-        }
+        if (!is_first) return;
+        CheckedParser::guarded(parser_.expat(), [this] { left_out_.first = parser_.place(); });
     }
 
     static void XMLCALL start(void* user, const XML_Char* name, const XML_Char** attributes) {
@@ -176,14 +171,10 @@ class RecordsAt {
 
     ByteRange event() const { return bytes_of_event(parser_.expat()); }
 
-    // Nothing may be thrown through Expat, which may go on for a call after it was stopped.
     void copy(std::uint64_t end, PartialCopy::As as) {
-        if (parser_.is_stopped()) return;
-        try {
+        CheckedParser::guarded(parser_.expat(), [&] {
             if (Done problem = copy_.copy(end, as)) parser_.stop(*std::move(problem));
-        } catch (const std::bad_alloc&) {
-            parser_.stop_without_memory();
-        }
+        });
     }
 
     void stop(std::string what, std::string remedy) {

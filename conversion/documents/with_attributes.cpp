@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <new>
 #include <string_view>
 #include <vector>
 
@@ -47,18 +46,14 @@ class AttributesCopy {
     static AttributesCopy& of(void* parser) {
         return *static_cast<AttributesCopy*>(CheckedParser::owner(parser));
     }
-    // Nothing may be thrown through Expat, which may go on for a call after it was stopped.
     template <class Work>
     static void guarded(void* parser, const Work& work) {
-        AttributesCopy& self = of(parser);
-        if (self.parser_.is_stopped()) return;
-        try {
+        CheckedParser::guarded(parser, [&] {
+            AttributesCopy& self = of(parser);
             work(self);
             if (self.pending_.size() < PIECE) return;
             if (Done problem = self.write_out()) self.parser_.stop(*std::move(problem));
-        } catch (const std::bad_alloc&) {
-            self.parser_.stop_without_memory();
-        }
+        });
     }
 
     static void XMLCALL declare(void* parser, const XML_Char*, const XML_Char* encoding, int) {

@@ -1,7 +1,6 @@
 #include "conversion/samples/document_profile.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -129,38 +128,27 @@ class ProfileReader {
     std::vector<Open> open_;
 };
 
-// Nothing may be thrown through Expat.
 void XMLCALL ProfileReader::start(void* user, const XML_Char* name, const XML_Char** attributes) {
-    ProfileReader& self = of(user);
-    try {
+    CheckedParser::guarded(user, [=] {
+        ProfileReader& self = of(user);
         self.open(name);
         if (self.parser_.is_stopped()) return;
         if (self.open_.size() == 1) self.note_prefixes(attributes);
-        for (; *attributes != nullptr; attributes += 2) {
-            if (is_data_attribute(*attributes)) self.note_attribute(attributes[0], attributes[1]);
+        for (const XML_Char** at = attributes; *at != nullptr; at += 2) {
+            if (is_data_attribute(*at)) self.note_attribute(at[0], at[1]);
         }
-    } catch (const std::bad_alloc&) {
-        self.parser_.stop_without_memory();
-    }
+    });
 }
 
 void XMLCALL ProfileReader::finish(void* user, const XML_Char*) {
-    ProfileReader& self = of(user);
-    if (self.parser_.is_stopped()) return;
-    try {
-        self.close();
-    } catch (const std::bad_alloc&) {
-        self.parser_.stop_without_memory();
-    }
+    CheckedParser::guarded(user, [user] { of(user).close(); });
 }
 
 void XMLCALL ProfileReader::text(void* user, const XML_Char* text, int length) {
-    ProfileReader& self = of(user);
-    try {
+    CheckedParser::guarded(user, [=] {
+        ProfileReader& self = of(user);
         self.add_text(self.open_.back(), {text, static_cast<std::size_t>(length)});
-    } catch (const std::bad_alloc&) {
-        self.parser_.stop_without_memory();
-    }
+    });
 }
 
 void ProfileReader::open_root(const std::string& name) {

@@ -51,30 +51,20 @@ class DocumentTypeReader {
     static DocumentTypeReader& of(void* parser) {
         return *static_cast<DocumentTypeReader*>(CheckedParser::owner(parser));
     }
-    // Nothing may be thrown through Expat.
-    template <class Work>
-    static void guarded(void* parser, const Work& work) {
-        DocumentTypeReader& self = of(parser);
-        if (self.parser_.is_stopped()) return;
-        try {
-            work(self);
-        } catch (const std::bad_alloc&) {
-            self.parser_.stop_without_memory();
-        }
-    }
 
     static void XMLCALL stop_at_element(void* parser, const XML_Char*, const XML_Char**) {
         CheckedParser::of(parser).stop();
     }
     static void XMLCALL declare_element(void* parser, const XML_Char* name, XML_Content* model) {
-        guarded(parser, [=](DocumentTypeReader& self) { self.add(parser, name, *model); });
+        CheckedParser::guarded(parser, [=] { of(parser).add(parser, name, *model); });
         XML_FreeContentModel(of(parser).parser_.expat(), model);
     }
     static void XMLCALL declare_attribute(void* parser, const XML_Char* element,
                                           const XML_Char* name, const XML_Char* type,
                                           const XML_Char* value, int is_required) {
-        guarded(parser, [=](DocumentTypeReader& self) {
+        CheckedParser::guarded(parser, [=] {
             if (!is_data_attribute(name)) return;
+            DocumentTypeReader& self = of(parser);
             DeclaredElement* const declared = self.element(parser, element);
             if (declared == nullptr || declared->attributes.size() >= MOST_ATTRIBUTES) return;
             // With a value, #REQUIRED is #FIXED.
@@ -87,8 +77,8 @@ class DocumentTypeReader {
         // Entities of the document's content are left out, as where documents are read.
         if (context != nullptr) return XML_STATUS_OK;
         int status = XML_STATUS_ERROR;
-        guarded(parser, [&](DocumentTypeReader& self) {
-            status = self.read_part(parser, system) ? XML_STATUS_OK : XML_STATUS_ERROR;
+        CheckedParser::guarded(parser, [&] {
+            status = of(parser).read_part(parser, system) ? XML_STATUS_OK : XML_STATUS_ERROR;
         });
         return status;
     }

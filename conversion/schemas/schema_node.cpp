@@ -1,7 +1,6 @@
 #include "conversion/schemas/schema_node.h"
 
 #include <algorithm>
-#include <new>
 
 #include "conversion/documents/checked_parser.h"
 
@@ -59,15 +58,8 @@ class SchemaReader {
     static SchemaReader& of(void* parser) {
         return *static_cast<SchemaReader*>(CheckedParser::owner(parser));
     }
-    // Nothing may be thrown through Expat.
     static void XMLCALL start(void* user, const XML_Char* name, const XML_Char** attributes) {
-        SchemaReader& self = of(user);
-        if (self.parser_.is_stopped()) return;
-        try {
-            self.open(name, attributes);
-        } catch (const std::bad_alloc&) {
-            self.parser_.stop_without_memory();
-        }
+        CheckedParser::guarded(user, [=] { of(user).open(name, attributes); });
     }
     static void XMLCALL finish(void* user, const XML_Char*) {
         SchemaReader& self = of(user);
