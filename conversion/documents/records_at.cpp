@@ -58,15 +58,17 @@ class PartialCopy {
         is_big_endian_ = piece_[0] == 0 || piece_[0] == 0xFE;
     }
 
+    // Pieces begin with whole units: they are even, and so is where events begin and end.
     void blank(std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const bool is_high = is_wide_ && ((at_ + i) % 2 == 0) == is_big_endian_;
-            const bool is_line_end = piece_[i] == '\n' || piece_[i] == '\r';
-            if (is_high) {
-                piece_[i] = 0;
-            } else if (!is_line_end) {
-                piece_[i] = ' ';
-            }
+        const std::size_t size = is_wide_ ? 2 : 1;
+        for (std::size_t unit = 0; unit + size <= count; unit += size) {
+            std::uint8_t& low = piece_[unit + (is_wide_ && is_big_endian_ ? 1 : 0)];
+            std::uint8_t* const high =
+                is_wide_ ? &piece_[unit + (is_big_endian_ ? 0 : 1)] : nullptr;
+            const bool is_line_end =
+                (low == '\n' || low == '\r') && (high == nullptr || *high == 0);
+            if (!is_line_end) low = ' ';
+            if (high != nullptr) *high = 0;
         }
     }
 
