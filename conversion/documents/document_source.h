@@ -22,6 +22,10 @@ struct LeftOut {
     Place first{};
 };
 
+// A problem (wrong usage) for what is no path to records, such as orders/page/order: the document
+// element and at least one more name.
+Done check_record_path(const std::string& path);
+
 // A document as a file. What is kept of standard input or of the web is a private copy, which goes
 // with this object.
 class DocumentSource {

@@ -196,13 +196,16 @@ class RecordsAt {
 
 }  // namespace
 
+Done check_record_path(const std::string& path) {
+    if (path.find('/') != path.npos && ("/" + path + "/").find("//") == path.npos) return {};
+    return Problem{Cause::usage,
+                   {},
+                   "--record: " + path + " is not a path to records",
+                   "give the names from the document element on, as in orders/page/order"};
+}
+
 Result<DocumentSource> DocumentSource::with_records_at(const std::string& path) const {
-    if (path.find('/') == path.npos || ("/" + path + "/").find("//") != std::string::npos) {
-        return Problem{Cause::usage,
-                       {},
-                       "--record: " + path + " is not a path to records",
-                       "give the names from the document element on, as in orders/page/order"};
-    }
+    if (Done problem = check_record_path(path)) return *std::move(problem);
     Result<DocumentSource> reduced = empty_copy(name_);
     if (!reduced) return reduced;
     Result<ByteSource> copied = ByteSource::open(file_);

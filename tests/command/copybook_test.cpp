@@ -309,12 +309,14 @@ TEST_F(CommandTest, TakesRecordsAtAPath) {
         EXPECT_NE(made.out.find("4 records"), std::string::npos) << made.out;
         EXPECT_EQ(made.out.find("OTHER"), std::string::npos) << made.out;
     }
+    write_file("s.xsd", "<schema xmlns='http://www.w3.org/2001/XMLSchema'/>");
     write_file("broken.xml", "<orders>\n<page></pages></orders>");
     write_file("entity.xml", "<!DOCTYPE a [<!ENTITY e '<r><b>1</b></r>'>]><a><p>&e;</p></a>");
     const std::vector<std::array<const char*, 4>> refused = {
         {"utf-8.xml", "orders/nothing", "1", "utf-8.xml: there is no element at orders/nothing"},
         {"utf-8.xml", "orders", "2", "is not a path to records"},
         {"utf-8.xml", "orders//order", "2", "is not a path to records"},
+        {"s.xsd", "orders//order", "2", "is not a path to records"},
         {"broken.xml", "orders/page", "1", "broken.xml:2:9: mismatched tag"},
         {"entity.xml", "a/p/r", "1", "the records come from an entity"},
     };

@@ -136,6 +136,7 @@ void declare_elements(Sources& sources, const CopybookOptions& options) {
 
 void make_copybook(CopybookOptions& options) {
     options.wishes.fields.grow = percent_of(options.grow);
+    if (!options.path.empty()) check(conversion::check_record_path(options.path));
     RunFiles files;
     files.writes(options.output);
     Sources sources;
