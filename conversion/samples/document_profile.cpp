@@ -212,6 +212,12 @@ void DocumentProfile::remove(ElementProfile& parent, ElementProfile& child) {
     parent.children.erase(child.self);
 }
 
+bool DocumentProfile::has_attribute(const ElementProfile& of, const std::string& name) {
+    const std::string element = attribute_element_name(of.name, name);
+    return std::any_of(of.attribute_values.begin(), of.attribute_values.end(),
+                       [&element](const ElementProfile& one) { return one.name == element; });
+}
+
 ElementProfile* DocumentProfile::attribute(ElementProfile& of, const std::string& name) {
     const std::string element = attribute_element_name(of.name, name);
     for (ElementProfile& known : of.attribute_values) {

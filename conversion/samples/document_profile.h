@@ -105,6 +105,8 @@ class DocumentProfile {
     // Prefixes that the samples' document elements declare, each with its URI; "" is the default.
     const std::vector<std::pair<std::string, std::string>>& prefixes() const { return prefixes_; }
 
+    // Whether a sample has the attribute of this name. False when attributes are not wanted.
+    static bool has_attribute(const ElementProfile& of, const std::string& name);
     // The attribute of this name, as an element. Null when there are too many paths. Throws
     // std::bad_alloc.
     ElementProfile* attribute(ElementProfile& of, const std::string& name);

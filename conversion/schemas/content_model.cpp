@@ -56,8 +56,7 @@ Result<const Content*> ContentModels::of(const SchemaNode& complex_type) {
 
 Done ContentModels::collect(const SchemaNode& complex_type, Content& content) {
     if (Done problem = enter(complex_type)) return problem;
-    content.is_mixed = content.is_mixed || complex_type.attribute("mixed") == "true" ||
-                       complex_type.attribute("mixed") == "1";
+    content.is_mixed = content.is_mixed || complex_type.is_true("mixed");
     Done problem;
     const SchemaNode* derived = complex_type.child("complexContent");
     const bool is_simple = derived == nullptr && complex_type.child("simpleContent") != nullptr;
@@ -65,7 +64,7 @@ Done ContentModels::collect(const SchemaNode& complex_type, Content& content) {
     if (derived == nullptr) {
         problem = collect_own(complex_type, content);
     } else {
-        content.is_mixed = content.is_mixed || derived->attribute("mixed") == "true";
+        content.is_mixed = content.is_mixed || derived->is_true("mixed");
         for (const auto& child : derived->children) {
             if (!problem) problem = collect_derived(*child, content);
         }
@@ -79,7 +78,7 @@ Done ContentModels::collect(const SchemaNode& complex_type, Content& content) {
 Done ContentModels::collect_derived(const SchemaNode& derivation, Content& content) {
     const std::string key = component_key_of(derivation, derivation.attribute("base"));
     const SchemaNode* const base = set_.find("type", key);
-    if (base == nullptr && !key.starts_with(component_key(SCHEMA_NAMESPACE, ""))) {
+    if (base == nullptr && !is_built_in(key)) {
         return problem_at(derivation, "the type " + derivation.attribute("base") +
                                           " is not declared" + set_.hint_for(key));
     }
@@ -188,7 +187,7 @@ Result<Particles> ContentModels::particles_of_element(const SchemaNode& node, Co
         if (Done problem = add_substitutes(node, *element, result)) return *std::move(problem);
     }
     const bool is_alone = result.all().empty();
-    const bool is_abstract = element->attribute("abstract") == "true";
+    const bool is_abstract = element->is_true("abstract");
     if (!is_abstract) result.add({element->attribute("name"), element, &node, 1, 1}, true);
     if (is_abstract && is_alone && content.abstract == nullptr) content.abstract = &node;
     const bool is_certain = result.all().size() == 1;
@@ -208,7 +207,7 @@ Done ContentModels::add_substitutes(const SchemaNode& from, const SchemaNode& he
             if (Done problem = work(from)) return problem;
             if (!seen.insert(substitute).second) continue;
             heads.push_back(substitute);
-            if (substitute->attribute("abstract") == "true") continue;
+            if (substitute->is_true("abstract")) continue;
             particles.add({substitute->attribute("name"), substitute, &from, 1, 1}, true);
         }
     }

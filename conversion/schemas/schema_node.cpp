@@ -7,6 +7,7 @@
 namespace conversion {
 
 const std::string_view SCHEMA_NAMESPACE = "http://www.w3.org/2001/XMLSchema";
+const std::string_view XML_NAMESPACE = "http://www.w3.org/XML/1998/namespace";
 
 namespace {
 
@@ -165,6 +166,11 @@ bool SchemaNode::has(std::string_view wanted) const {
                        [wanted](const auto& attribute) { return attribute.first == wanted; });
 }
 
+bool SchemaNode::is_true(std::string_view wanted) const {
+    const std::string value = attribute(wanted);
+    return value == "true" || value == "1";
+}
+
 const SchemaNode* SchemaNode::child(std::string_view wanted) const {
     for (const auto& child : children) {
         if (child->name == wanted) return child.get();
@@ -193,10 +199,13 @@ std::string component_key_of(const SchemaNode& node, std::string_view written) {
     const std::string* const uri = uri_of(node, prefix);
     if (uri != nullptr) return component_key(*uri, local);
     if (!prefix.empty()) {
-        return component_key(prefix == "xml" ? "http://www.w3.org/XML/1998/namespace" : prefix,
-                             local);
+        return component_key(prefix == "xml" ? XML_NAMESPACE : prefix, local);
     }
     return component_key(node.file->takes_namespace ? node.file->target_namespace : "", local);
+}
+
+bool is_built_in(const std::string& key) {
+    return key.starts_with(component_key(SCHEMA_NAMESPACE, ""));
 }
 
 bool is_schema(const std::string& file) {

@@ -13,6 +13,7 @@
 namespace conversion {
 
 extern const std::string_view SCHEMA_NAMESPACE;
+extern const std::string_view XML_NAMESPACE;  // of the prefix xml
 
 // One schema document. Names without a prefix, and the components it declares, are in
 // `target_namespace`, which for an included one may be that of the document that includes it.
@@ -38,6 +39,8 @@ struct SchemaNode {
     // The value of an attribute; empty when it has none.
     std::string attribute(std::string_view wanted) const;
     bool has(std::string_view wanted) const;
+    // Whether an attribute of type xs:boolean is there, and true.
+    bool is_true(std::string_view wanted) const;
     // The first child of this name; null when there is none.
     const SchemaNode* child(std::string_view wanted) const;
     Place place() const;
@@ -48,6 +51,9 @@ std::string component_key(std::string_view uri, std::string_view local);
 // The component that a name with or without prefix, as it stands in an attribute of `node`, means.
 // An unknown prefix is taken for the URI itself.
 std::string component_key_of(const SchemaNode& node, std::string_view written);
+
+// Whether a key is that of a component of XML Schema itself, such as the type xs:int.
+bool is_built_in(const std::string& key);
 
 // True when the document element of the document is xs:schema. False also when it cannot be read,
 // or is not well-formed. Throws std::bad_alloc.

@@ -1,12 +1,11 @@
 #include "conversion/schemas/schema_profile.h"
 
-#include <algorithm>
+#include <iterator>
 #include <set>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
-#include "conversion/documents/attribute_elements.h"
 #include "conversion/schemas/content_model.h"
 #include "conversion/schemas/simple_types.h"
 
@@ -21,17 +20,6 @@ Problem problem_at(const SchemaNode& node, std::string what, std::string remedy 
 std::string_view local_name(std::string_view name) {
     const std::size_t colon = name.find(':');
     return colon == name.npos ? name : name.substr(colon + 1);
-}
-
-bool is_true(const SchemaNode& node, std::string_view attribute) {
-    const std::string value = node.attribute(attribute);
-    return value == "true" || value == "1";
-}
-
-bool has_attribute(const ElementProfile& element, const std::string& name) {
-    const std::string made = attribute_element_name(element.name, name);
-    return std::any_of(element.attribute_values.begin(), element.attribute_values.end(),
-                       [&made](const ElementProfile& one) { return one.name == made; });
 }
 
 class SchemaProfile {
@@ -92,7 +80,7 @@ Result<const SchemaNode*> SchemaProfile::only_element() const {
                 component_key(element->file->target_namespace, element->attribute("name"));
             const bool is_part = set_.is_referred_to(key) || element->has("substitutionGroup");
             const bool is_wanted = with_parts || !is_part;
-            if (is_wanted && !is_true(*element, "abstract")) candidates.push_back(element);
+            if (is_wanted && !element->is_true("abstract")) candidates.push_back(element);
         }
         if (!candidates.empty()) break;
     }
@@ -134,8 +122,7 @@ Result<SchemaProfile::Type> SchemaProfile::type_of(const SchemaNode& element) co
             const std::string name = at->attribute("type");
             const std::string key = component_key_of(*at, name);
             const SchemaNode* const type = set_.find("type", key);
-            const bool is_built_in = key.starts_with(component_key(SCHEMA_NAMESPACE, ""));
-            if (type != nullptr || is_built_in) return Type{type, at, name};
+            if (type != nullptr || is_built_in(key)) return Type{type, at, name};
             return problem_at(*at, "the type " + name + " is not declared" + set_.hint_for(key));
         }
         if (!at->has("substitutionGroup")) break;
@@ -159,7 +146,7 @@ Done SchemaProfile::describe(ElementProfile& element, const SchemaNode& declarat
                        : describe_text(element, *type);
     if (problem) return problem;
     auto& text = element.declared->text;
-    if (text && is_true(declaration, "nillable")) text->may_be_empty = true;
+    if (text && declaration.is_true("nillable")) text->may_be_empty = true;
     return {};
 }
 
@@ -184,7 +171,7 @@ Done SchemaProfile::describe_complex(ElementProfile& element, const SchemaNode& 
         is_left_out_ = true;
         return {};
     }
-    if (is_true(type, "abstract")) {
+    if (type.is_true("abstract")) {
         lose(element, type, "the type is abstract, and xsi:type chooses another",
              "give a sample; what it holds is described");
     }
@@ -281,8 +268,7 @@ Done SchemaProfile::describe_attributes(ElementProfile& element, const Content& 
         const SchemaNode* declaration = attribute;
         if (attribute->has("ref")) {
             const std::string key = component_key_of(*attribute, attribute->attribute("ref"));
-            if (key.starts_with(component_key("http://www.w3.org/XML/1998/namespace", "")))
-                continue;
+            if (key.starts_with(component_key(XML_NAMESPACE, ""))) continue;
             declaration = set_.find("attribute", key);
             if (declaration == nullptr) {
                 return problem_at(*attribute, "the attribute " + attribute->attribute("ref") +
@@ -304,7 +290,7 @@ Done SchemaProfile::describe_attributes(ElementProfile& element, const Content& 
 Done SchemaProfile::describe_attribute(ElementProfile& element, const SchemaNode& attribute,
                                        const SchemaNode& declaration) {
     const std::string name = declaration.attribute("name");
-    if (wishes_.is_of_samples && !has_attribute(element, name)) return {};
+    if (wishes_.is_of_samples && !DocumentProfile::has_attribute(element, name)) return {};
     ElementProfile* const made = profile_.attribute(element, name);
     if (made == nullptr) return problem_at(attribute, "there are too many attributes");
     if (made->declared) return {};  // a restriction says it again

@@ -281,9 +281,8 @@ class Derivation {
 
     Result<Facets> of_name(const SchemaNode& from, const std::string& name) {
         const std::string key = component_key_of(from, name);
-        const std::string built_in_key = component_key(SCHEMA_NAMESPACE, "");
-        if (key.starts_with(built_in_key)) {
-            const auto facets = built_in(std::string_view(key).substr(built_in_key.size()));
+        if (is_built_in(key)) {
+            const auto facets = built_in(std::string_view(key).substr(key.find('}') + 1));
             if (facets) return *facets;
         }
         const SchemaNode* const type = set_.find("type", key);

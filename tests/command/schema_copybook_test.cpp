@@ -234,6 +234,13 @@ TEST_F(CommandTest, SaysWhatASchemaHasThatRecordsHaveNot) {
          record_of("<xs:element name='m'><xs:complexType mixed='true'><xs:sequence>" + node +
                    "</xs:sequence></xs:complexType></xs:element>"),
          0, "t.xsd:2:"},
+        {"mixed by a number",
+         record_of("<xs:element name='m'><xs:complexType><xs:complexContent mixed='1'>"
+                   "<xs:restriction base='xs:anyType'><xs:sequence>" +
+                   node +
+                   "</xs:sequence></xs:restriction></xs:complexContent></xs:complexType>"
+                   "</xs:element>"),
+         0, "r/m: mixed content"},
         {"any", record_of(node + "<xs:any/>"), 0, "r: may hold elements of any name"},
         {"attribute",
          record_of(node + "<xs:element name='m'><xs:complexType><xs:sequence>" + node +
