@@ -9,9 +9,14 @@ namespace {
 constexpr std::uint64_t UNBOUNDED = Declaration::UNBOUNDED;
 constexpr std::size_t MOST_WORK = 300'000;  // steps
 constexpr std::size_t MOST_OPEN = 64;       // types and groups, each within the one before
+constexpr std::size_t MOST_DEPTH = 512;     // sequences and the like, over all open groups
 
 Problem problem_at(const SchemaNode& node, std::string what) {
     return {Cause::document, node.place(), std::move(what), ""};
+}
+
+Problem too_deep(const SchemaNode& node) {
+    return problem_at(node, "contains or extends itself, or nests too deep");
 }
 
 // A number of occurrences as it is written.
@@ -39,9 +44,7 @@ Done ContentModels::work(const SchemaNode& node) {
 
 // A type or group that is looked into, until it is erased from `open_`.
 Done ContentModels::enter(const SchemaNode& node) {
-    if (open_.size() >= MOST_OPEN || !open_.insert(&node).second) {
-        return problem_at(node, "contains or extends itself, or nests too deep");
-    }
+    if (open_.size() >= MOST_OPEN || !open_.insert(&node).second) return too_deep(node);
     return {};
 }
 
@@ -50,6 +53,7 @@ Result<const Content*> ContentModels::of(const SchemaNode& complex_type) {
     if (known != known_.end()) return &known->second;
     Content content;
     open_.clear();
+    depth_ = 0;
     if (Done problem = collect(complex_type, content)) return *std::move(problem);
     return &known_.emplace(&complex_type, std::move(content)).first->second;
 }
@@ -128,7 +132,14 @@ Done ContentModels::collect_attributes(const SchemaNode& node, Content& content)
 
 Result<Particles> ContentModels::particles_of(const SchemaNode& node, Content& content) {
     if (Done problem = work(node)) return *std::move(problem);
-    if (node.name == "group") return particles_of_group(node, content);
+    if (++depth_ > MOST_DEPTH) return too_deep(node);
+    Result<Particles> result = node.name == "group" ? particles_of_group(node, content)
+                                                    : particles_of_compositor(node, content);
+    --depth_;
+    return result;
+}
+
+Result<Particles> ContentModels::particles_of_compositor(const SchemaNode& node, Content& content) {
     Particles result;
     const bool is_choice = node.name == "choice";
     std::size_t alternatives = 0;

@@ -36,6 +36,7 @@ class ContentModels {
     Done collect_own(const SchemaNode& node, Content& content);
     Done collect_attributes(const SchemaNode& node, Content& content);
     Result<Particles> particles_of(const SchemaNode& node, Content& content);
+    Result<Particles> particles_of_compositor(const SchemaNode& node, Content& content);
     Result<Particles> particles_of_group(const SchemaNode& reference, Content& content);
     Result<Particles> particles_of_element(const SchemaNode& node, Content& content);
     Done add_substitutes(const SchemaNode& from, const SchemaNode& head, Particles& particles);
@@ -45,6 +46,7 @@ class ContentModels {
     const SchemaSet& set_;
     std::unordered_map<const SchemaNode*, Content> known_;
     std::set<const SchemaNode*> open_;  // types and groups
+    std::size_t depth_ = 0;             // of model groups that are looked into
     std::size_t work_ = 0;
 };
 

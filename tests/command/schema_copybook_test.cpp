@@ -215,6 +215,21 @@ std::string deep_groups() {
     return schema;
 }
 
+// No document nests deeper than is allowed, but they do together.
+std::string deep_groups_of_groups() {
+    std::string schema = BEGIN;
+    for (int i = 0; i < 20; ++i) {
+        schema += "<xs:group name='g" + std::to_string(i) + "'>";
+        for (int depth = 0; depth < 245; ++depth) schema += "<xs:sequence>";
+        schema += "<xs:group ref='g" + std::to_string(i + 1) + "'/>";
+        for (int depth = 0; depth < 245; ++depth) schema += "</xs:sequence>";
+        schema += "</xs:group>";
+    }
+    return schema +
+           "<xs:group name='g20'><xs:sequence/></xs:group><xs:element name='all'><xs:complexType>"
+           "<xs:group ref='g0'/></xs:complexType></xs:element></xs:schema>";
+}
+
 // What has no form in records is said with its place; what is hostile ends with an error.
 TEST_F(CommandTest, SaysWhatASchemaHasThatRecordsHaveNot) {
     struct Case {
@@ -283,6 +298,7 @@ TEST_F(CommandTest, SaysWhatASchemaHasThatRecordsHaveNot) {
         {"groups", groups_of_groups(), 1, "too large when its groups are put together"},
         {"types", types_of_types(), 1, "more than 100000 different elements"},
         {"depth", deep_groups(), 1, "nests deeper than 256"},
+        {"depth over groups", deep_groups_of_groups(), 1, "or nests too deep"},
         {"entities", bomb + "]>" + BEGIN + "<xs:documentation>&e39;</xs:documentation></xs:schema>",
          1, "t.xsd:"},
         {"missing file", BEGIN + "<xs:include schemaLocation='no.xsd'/></xs:schema>", 1,
