@@ -11,7 +11,9 @@ namespace {
 constexpr std::uint64_t GUESSED_TEXT = 80;
 constexpr std::uint64_t GUESSED_OCCURS = 10;
 constexpr int MOST_DIGITS = 18;  // of numbers without a limit; every COBOL takes as many
+constexpr int MOST_DIGITS_OF_A_FIELD = 38;
 constexpr int GUESSED_DECIMALS = 5;
+constexpr int SIGN_AND_POINT = 2;  // characters
 
 std::uint64_t grown(std::uint64_t seen, int grow) {
     return (seen * static_cast<std::uint64_t>(100 + grow) + 99) / 100;
@@ -63,30 +65,48 @@ FieldForm declared_text(const TextProfile& seen, const TextLimits& limits, int g
     return form;
 }
 
-FieldForm declared_number(const TextProfile& seen, const TextLimits& limits, int grow) {
-    const bool is_known = limits.whole_digits && limits.decimals;
-    if (!is_known && seen.is_number()) {
-        const FieldForm sample = form_by_samples(seen, grow, true);
-        const int decimals = std::max(limits.decimals.value_or(0), seen.decimals());
-        const auto sampled = static_cast<int>(sample.bytes) - seen.decimals();
-        const int whole = limits.whole_digits.value_or(std::min(sampled, MOST_DIGITS - decimals));
-        return number_form(whole, decimals, limits.may_be_negative);
+struct Digits {
+    int whole;
+    int decimals;
+    bool is_guess;
+
+    int count() const { return whole + decimals; }
+};
+
+// Room for all that was seen, whatever is declared.
+Digits declared_digits(const TextProfile& seen, const TextLimits& limits, int grow) {
+    if (!seen.is_number()) {
+        const int decimals = limits.decimals.value_or(GUESSED_DECIMALS);
+        const int left = std::max(MOST_DIGITS - decimals, 1);
+        const bool is_known = limits.whole_digits && limits.decimals;
+        return {limits.whole_digits.value_or(left), decimals, !is_known};
     }
-    const int decimals = limits.decimals.value_or(GUESSED_DECIMALS);
-    const int left = std::max(MOST_DIGITS - decimals, 0);
-    FieldForm form =
-        number_form(limits.whole_digits.value_or(left), decimals, limits.may_be_negative);
-    form.is_guess = !is_known;
+    const int decimals = std::max(limits.decimals.value_or(0), seen.decimals());
+    const auto sampled =
+        static_cast<int>(form_by_samples(seen, grow, true).bytes) - seen.decimals();
+    const int whole = limits.whole_digits.value_or(std::min(sampled, MOST_DIGITS - decimals));
+    return {std::max(whole, seen.whole_digits()), decimals, false};
+}
+
+FieldForm text_of_digits(const TextProfile& seen, const Digits& digits) {
+    const auto most = static_cast<std::uint64_t>(digits.count() + SIGN_AND_POINT);
+    FieldForm form = text_form(std::max(most, seen.most_bytes()));
+    form.is_guess = digits.is_guess;
+    return form;
+}
+
+FieldForm declared_number(const TextProfile& seen, const TextLimits& limits, int grow) {
+    const Digits digits = declared_digits(seen, limits, grow);
+    if (digits.count() > MOST_DIGITS_OF_A_FIELD) return text_of_digits(seen, digits);
+    const bool is_negative = limits.may_be_negative || (seen.is_number() && seen.is_negative());
+    FieldForm form = number_form(digits.whole, digits.decimals, is_negative);
+    form.is_guess = digits.is_guess;
     return form;
 }
 
 // A number that may be empty, which zero is not.
 FieldForm declared_text_of_number(const TextProfile& seen, const TextLimits& limits, int grow) {
-    const FieldForm number = declared_number(seen, limits, grow);
-    constexpr std::uint64_t SIGN_AND_POINT = 2;
-    FieldForm form = text_form(std::max(number.bytes + SIGN_AND_POINT, seen.most_bytes()));
-    form.is_guess = number.is_guess;
-    return form;
+    return text_of_digits(seen, declared_digits(seen, limits, grow));
 }
 
 void add(std::string& comment, const std::string& more) {

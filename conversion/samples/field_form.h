@@ -27,8 +27,9 @@ struct FieldWishes {
     bool is_exact = false;  // no number that would be written in another way than it was read
 };
 
-// The field of an element without elements. Where a schema sets a limit, that counts; otherwise
-// what was seen, and more. Numbers of which some are empty are texts, as zero is not empty; so are
+// The field of an element without elements. Where a schema sets a limit, that counts, if what was
+// seen keeps to it; otherwise what was seen, and more. Numbers that need more than 38 digits, and
+// numbers of which some are empty are texts, as zero is not empty; so are
 // those of which some are missing and others zero.
 FieldForm field_of(const ElementProfile& element, const FieldWishes& wishes);
 

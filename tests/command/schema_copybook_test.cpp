@@ -335,4 +335,36 @@ TEST_F(CommandTest, SaysWhatASchemaHasThatRecordsHaveNot) {
     EXPECT_NE(other.err.find("no schema declares the document element s"), std::string::npos);
 }
 
+// Numbers of a sample fit, whatever the schema leaves for them.
+TEST_F(CommandTest, MakesRoomForTheNumbersOfASample) {
+    const auto decimals = [](int digits) { return "type='D" + std::to_string(digits) + "'/>"; };
+    std::string schema = record_of(
+        "<xs:element name='a' " + decimals(18) + "<xs:element name='b' " + decimals(20) +
+        "<xs:element name='c' " + decimals(37) + "<xs:element name='d' type='xs:unsignedByte'/>");
+    for (const int digits : {18, 20, 37}) {
+        const std::string number = std::to_string(digits);
+        schema.insert(BEGIN.size(), "<xs:simpleType name='D" + number +
+                                        "'><xs:restriction base='xs:decimal'><xs:fractionDigits "
+                                        "value='" +
+                                        number + "'/></xs:restriction></xs:simpleType>");
+    }
+    write_file("t.xsd", schema);
+    write_file("s.xml",
+               "<all xmlns='urn:o'><r><a>12.5</a><b>-312.5</b><c>12.5</c><d>-1234</d></r></all>");
+    ASSERT_EQ(sxml({"copybook", "t.xsd", "s.xml", "-o", "t.cpy"}).err, "");
+    const std::string copybook = read_file("t.cpy");
+    for (const std::string part :
+         {"A PIC S9(2)V9(18).", "B PIC S9(3)V9(20).", "C PIC X(41).", "D PIC S9(4)."}) {
+        EXPECT_NE(copybook.find(part), std::string::npos) << part << "\nin: " << copybook;
+    }
+    ASSERT_EQ(sxml({"from-xml", "s.xml", "s.dat", "-l", "t.cpy", "--strict"}).status, 0);
+    ASSERT_EQ(sxml({"to-xml", "s.dat", "again.xml", "-l", "t.cpy"}).status, 0);
+    EXPECT_EQ(
+        contents_of(read_file("again.xml")),
+        (std::vector<std::string>{"r/a/12.5" + std::string(17, '0'),
+                                  "r/b/-312.5" + std::string(19, '0'), "r/c/12.5", "r/d/-1234"}));
+    // Without the sample, too, something is before the point.
+    EXPECT_NE(sxml({"copybook", "t.xsd"}).out.find("B PIC S9(1)V9(20)."), std::string::npos);
+}
+
 }  // namespace
