@@ -42,7 +42,11 @@ Done SchemaSet::load(const Wanted& wanted) {
     }
     const auto path = std::filesystem::weakly_canonical(platform::path_of(wanted.file));
     const std::string taken_into = wanted.is_included ? wanted.target_namespace : "";
-    if (!seen_.insert(platform::name_of(path) + "\n" + taken_into).second) return {};
+    const std::string name = platform::name_of(path) + "\n";
+    if (const SchemaNode* known = known_root(name, taken_into)) {
+        if (wanted.from == nullptr) take_top_elements(*known);
+        return {};
+    }
     if (documents_.size() >= MOST_DOCUMENTS) {
         return Problem{
             Cause::document,
@@ -58,8 +62,27 @@ Done SchemaSet::load(const Wanted& wanted) {
         file->target_namespace = wanted.target_namespace;
         file->takes_namespace = true;
     }
+    known_.emplace(name + (file->takes_namespace ? taken_into : ""), root->get());
     documents_.push_back({std::move(file), *std::move(root)});
+    if (wanted.from == nullptr) take_top_elements(*documents_.back().root);
     return take_children(*documents_.back().root, wanted);
+}
+
+// One without a target namespace is another document in each namespace that it is taken into.
+const SchemaNode* SchemaSet::known_root(const std::string& name,
+                                        const std::string& taken_into) const {
+    auto known = known_.find(name);
+    if (known == known_.end() || !known->second->has("targetNamespace")) {
+        known = known_.find(name + taken_into);
+    }
+    return known == known_.end() ? nullptr : known->second;
+}
+
+void SchemaSet::take_top_elements(const SchemaNode& root) {
+    if (!given_.insert(&root).second) return;
+    for (const auto& child : root.children) {
+        if (child->name == "element") top_elements_.push_back(child.get());
+    }
 }
 
 Done SchemaSet::take_children(const SchemaNode& root, const Wanted& wanted) {
@@ -72,8 +95,6 @@ Done SchemaSet::take_children(const SchemaNode& root, const Wanted& wanted) {
                            "include the schema, and change the types there"};
         } else {
             declare(*child);
-            const bool is_top = wanted.from == nullptr && name == "element";
-            if (is_top) top_elements_.push_back(child.get());
         }
         note_references(*child);
     }
@@ -85,12 +106,13 @@ Done SchemaSet::want(const SchemaNode& reference, const Wanted& by) {
     if (location.empty()) return {};
     const bool is_included = reference.name == "include";
     const std::string& own = reference.file->target_namespace;
-    if (is_url(location)) {
+    if (is_url(location) || is_url(by.shown_name)) {
         not_read_.try_emplace(is_included ? own : reference.attribute("namespace"), location);
         return {};
     }
-    const std::string file = file_at(location, by.file);
-    wanted_.push_back({file, file_at(location, by.shown_name), own, &reference, is_included});
+    // Not from the copy that is kept of standard input.
+    const std::string file = file_at(location, by.shown_name);
+    wanted_.push_back({file, file, own, &reference, is_included});
     return {};
 }
 

@@ -45,6 +45,8 @@ class SchemaSet {
     };
 
     Done load(const Wanted& wanted);
+    const SchemaNode* known_root(const std::string& name, const std::string& taken_into) const;
+    void take_top_elements(const SchemaNode& root);
     Done take_children(const SchemaNode& root, const Wanted& wanted);
     Done want(const SchemaNode& reference, const Wanted& by);
     void declare(const SchemaNode& node);
@@ -56,7 +58,10 @@ class SchemaSet {
     };
     std::vector<Document> documents_;
     std::vector<Wanted> wanted_;
-    std::set<std::string> seen_;  // files, with the namespace that they were taken into
+    // The documents' elements, by their files' names, a line end, and the namespace that a document
+    // without one was taken into.
+    std::unordered_map<std::string, const SchemaNode*> known_;
+    std::set<const SchemaNode*> given_;  // of documents that were given to add()
     std::size_t nodes_ = 0;
     std::unordered_map<std::string, std::unordered_map<std::string, const SchemaNode*>> components_;
     std::unordered_map<std::string, std::vector<const SchemaNode*>> substitutes_;

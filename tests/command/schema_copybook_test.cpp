@@ -367,4 +367,35 @@ TEST_F(CommandTest, MakesRoomForTheNumbersOfASample) {
     EXPECT_NE(sxml({"copybook", "t.xsd"}).out.find("B PIC S9(1)V9(20)."), std::string::npos);
 }
 
+// Schemas that import each other count as given in any order. One from standard input names files
+// of the current folder, not of that where a copy of it is kept.
+TEST_F(CommandTest, FindsTheSchemasThatAreGiven) {
+    std::string imported = record_of("<xs:element name='id' type='T'/>");
+    imported.insert(BEGIN.size(), "<xs:include schemaLocation='types.xsd'/>");
+    write_file("o.xsd", imported);
+    write_file("first.xsd",
+               "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:import "
+               "namespace='urn:o' schemaLocation='o.xsd'/><xs:element name='x'/></xs:schema>");
+    const auto types = [](const std::string& length) {
+        return "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:simpleType name='T'>"
+               "<xs:restriction base='xs:string'><xs:length value='" +
+               length + "'/></xs:restriction></xs:simpleType></xs:schema>";
+    };
+    write_file("types.xsd", types("5"));
+    write_file("s.xml", "<all xmlns='urn:o'><r><id>7</id></r></all>");
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"copybook", "first.xsd", "o.xsd", "s.xml"},
+          {"copybook", "o.xsd", "first.xsd", "s.xml"},
+          {"copybook", "o.xsd", "o.xsd"},
+          {"copybook", "-"}}) {
+        const Outcome made = sxml(words, imported);
+        EXPECT_NE(made.out.find("ID PIC X(5)."), std::string::npos) << words[1] << made.err;
+    }
+    std::filesystem::create_directory("tmp");
+    std::filesystem::rename("types.xsd", "tmp/types.xsd");
+    const Outcome missing =
+        run({"env", "TMPDIR=tmp", command_under_test(), "copybook", "-"}, imported);
+    EXPECT_EQ(missing.err, "sxml: standard input:2:1: types.xsd: No such file or directory\n");
+}
+
 }  // namespace
