@@ -1,5 +1,6 @@
 #include "conversion/schemas/document_type.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "conversion/formats/byte_source.h"
 #include "conversion/samples/declaration.h"
 #include "conversion/schemas/local_files.h"
+#include "platform/files.h"
 
 namespace conversion {
 
@@ -19,6 +21,12 @@ constexpr std::size_t MOST_FILES = 100;  // of a document type
 constexpr std::size_t MOST_ELEMENTS = 100'000;
 constexpr std::size_t MOST_ATTRIBUTES = 1000;  // of an element
 constexpr std::size_t PIECE = std::size_t{1} << 16;
+
+bool are_one(const std::string& file, const std::string& other) {
+    const auto state = platform::state_of(file);
+    const auto other_state = platform::state_of(other);
+    return state && other_state && state->identity == other_state->identity;
+}
 
 }  // namespace
 
@@ -39,7 +47,9 @@ class DocumentTypeReader {
         files_.push_back({file, shown_name});
         Done problem = parser_.parse(file, shown_name);
         // A part that was not well-formed, as its own parser says.
-        return external_problem_ ? external_problem_ : problem;
+        if (external_problem_) return external_problem_;
+        if (!problem && !foreign_.empty() && !counts_foreign_) note_foreign();
+        return problem;
     }
 
   private:
@@ -47,6 +57,15 @@ class DocumentTypeReader {
         std::string file;
         std::string shown_name;
     };
+
+    void note_foreign() {
+        Place place;
+        place.file = files_.back().shown_name;
+        type_.not_read_.push_back(
+            {Cause::document, std::move(place),
+             "the document names another DTD, and " + foreign_ + " does not count for it",
+             "give it beside documents that name none"});
+    }
 
     static DocumentTypeReader& of(void* parser) {
         return *static_cast<DocumentTypeReader*>(CheckedParser::owner(parser));
@@ -67,6 +86,11 @@ class DocumentTypeReader {
             DocumentTypeReader& self = of(parser);
             DeclaredElement* const declared = self.element(parser, element);
             if (declared == nullptr || declared->attributes.size() >= MOST_ATTRIBUTES) return;
+            const auto is_same = [name](const auto& one) { return one.name == name; };
+            // The first declaration binds.
+            if (std::any_of(declared->attributes.begin(), declared->attributes.end(), is_same)) {
+                return;
+            }
             // With a value, #REQUIRED is #FIXED.
             declared->attributes.push_back(
                 {name, values_of(type), is_required != 0 || value != nullptr, self.place(parser)});
@@ -100,11 +124,11 @@ class DocumentTypeReader {
     }
 
     Place place(void* parser) const {
-        const auto* const expat = static_cast<XML_Parser>(parser);
+        auto* const expat = static_cast<XML_Parser>(parser);
         Place place;
         place.file = files_.back().shown_name;
-        place.line = line_of_event(const_cast<XML_Parser>(expat));
-        place.column = column_of_event(const_cast<XML_Parser>(expat));
+        place.line = line_of_event(expat);
+        place.column = column_of_event(expat);
         return place;
     }
 
@@ -166,9 +190,10 @@ class DocumentTypeReader {
     // The external subset, or a parameter entity. False: it is not well-formed.
     bool read_part(XML_Parser parser, const XML_Char* system) {
         const std::string location = system == nullptr ? foreign_ : system;
+        if (system == nullptr) counts_foreign_ = true;
         Result<std::string> found =
             local_file(location, system == nullptr ? std::string() : folder_of_);
-        if (found && type_.files_.size() >= MOST_FILES) {
+        if (found && parts_ >= MOST_FILES) {
             found = Problem{Cause::document, {}, "there are too many parts", ""};
         }
         if (!found) {
@@ -179,8 +204,10 @@ class DocumentTypeReader {
             type_.not_read_.push_back(std::move(problem));
             return true;
         }
-        type_.files_.push_back(*found);
-        files_.push_back({*found, location});
+        if (!counts_foreign_) counts_foreign_ = are_one(*found, foreign_);
+        ++parts_;
+        type_.files_.insert(*found);
+        files_.push_back({*found, *found});
         const std::string folder = std::exchange(folder_of_, *found);
         const bool is_read = parse_part(parser);
         folder_of_ = folder;
@@ -222,6 +249,8 @@ class DocumentTypeReader {
     CheckedParser parser_;
     std::string folder_of_;    // the file, or address, from which locations are seen
     std::vector<File> files_;  // each named by the one before
+    std::size_t parts_ = 0;    // of the document type, that were read
+    bool counts_foreign_ = false;
     Done external_problem_;
 };
 

@@ -1,6 +1,7 @@
 // What a document's type (its DTD) declares.
 #pragma once
 
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -29,23 +30,23 @@ class DocumentType {
   public:
     // Reads what a document's DOCTYPE declares, in itself and in the local files that it names,
     // seen from `shown_name`; `foreign` is a file that counts as the external subset of a document
-    // without DOCTYPE, or is empty. What documents read before have declared stays. A problem when
+    // that names none, or is empty. What documents read before have declared stays. A problem when
     // a file is not well-formed, and for content models that nest too deep. Throws std::bad_alloc.
     Done add(const std::string& file, const std::string& shown_name, const std::string& foreign);
 
     bool is_empty() const { return elements_.empty(); }
     // Null when nothing of this name is declared.
     const DeclaredElement* find(const std::string& name) const;
-    // The parts that could not be read, or are on the web.
+    // The parts that could not be read, or are on the web, and foreign ones that do not count.
     const std::vector<Problem>& not_read() const { return not_read_; }
     // The files that were read beside the documents.
-    const std::vector<std::string>& files() const { return files_; }
+    const std::set<std::string>& files() const { return files_; }
 
   private:
     friend class DocumentTypeReader;
     std::unordered_map<std::string, DeclaredElement> elements_;
     std::vector<Problem> not_read_;
-    std::vector<std::string> files_;
+    std::set<std::string> files_;
 };
 
 }  // namespace conversion

@@ -104,11 +104,15 @@ TEST_F(CommandTest, SaysWhatADtdHasThatRecordsHaveNot) {
         {"<!DOCTYPE a SYSTEM 'http://localhost:1/a.dtd'>" + sample, "0", "it is not a local file"},
         {"<!DOCTYPE a SYSTEM '/dev/zero'>" + sample, "0", "not a regular file"},
         {"<!DOCTYPE a SYSTEM 'bad.dtd'>" + sample, "1", "bad.dtd:2:14: syntax error"},
+        {"<!DOCTYPE a SYSTEM 'dtd/outer.dtd'>" + sample, "1", "dtd/inner.dtd:2:14: syntax error"},
         {"<!DOCTYPE a SYSTEM 'loop.dtd'>" + sample, "1", "loop.dtd:1:"},
         {"<!DOCTYPE a [<!ELEMENT r " + deep + ">]>" + sample, "1", "nests deeper than 256"},
         {wide + "]><a><a0/></a>", "1", "different elements, or they nest deeper"},
     };
     write_file("bad.dtd", "<!ELEMENT a (r)>\n<!ELEMENT r (>");
+    std::filesystem::create_directory("dtd");
+    write_file("dtd/outer.dtd", "<!ENTITY % i SYSTEM 'inner.dtd'>%i;");
+    write_file("dtd/inner.dtd", "<!ELEMENT a (r)>\n<!ELEMENT r (>");
     write_file("loop.dtd", "<!ENTITY % l SYSTEM 'loop.dtd'>%l;");
     for (const auto& [document, status, said] : cases) {
         SCOPED_TRACE(said);
@@ -118,6 +122,51 @@ TEST_F(CommandTest, SaysWhatADtdHasThatRecordsHaveNot) {
         EXPECT_NE(outcome.err.find(said), std::string::npos) << outcome.err.substr(0, 500);
     }
     EXPECT_EQ(sxml({"copybook", "s.xml", "a.dtd", "b.dtd"}).status, 2);
+}
+
+// A DTD that is given counts, or it is said why not; it is never replaced.
+TEST_F(CommandTest, SaysWhenAGivenDtdDoesNotCount) {
+    struct Case {
+        std::vector<std::string> words;
+        int status;
+        std::string said;  // of warnings and errors
+    };
+    const std::string dtd = "<!ELEMENT a (r*)>";
+    write_file("given.dtd", dtd);
+    write_file("own.dtd", dtd);
+    write_file("own.xml", "<!DOCTYPE a SYSTEM 'own.dtd'><a><r><b>1</b></r></a>");
+    write_file("within.xml", "<!DOCTYPE a [<!ELEMENT r (b)>]><a><r><b>1</b></r></a>");
+    write_file("s.xsd",
+               "<schema xmlns='http://www.w3.org/2001/XMLSchema'><element name='a'/></schema>");
+    const std::vector<Case> cases = {
+        {{"s.xsd", "no.dtd"}, 1, "sxml: no.dtd: No such file or directory\n"},
+        {{"s.xsd", "given.dtd"},
+         2,
+         "sxml: a DTD needs a sample beside it: give a document of this type\n"},
+        {{"own.xml", "http://localhost:1/a.dtd"},
+         1,
+         "sxml: http://localhost:1/a.dtd: it is not a local file\n"},
+        {{"own.xml", "given.dtd", "-o", "given.dtd"},
+         2,
+         "sxml: given.dtd would be written, and is read as given.dtd: they are one file; name "
+         "another one to write\n"},
+        {{"own.xml", "given.dtd"},
+         0,
+         "sxml: warning: own.xml: the document names another DTD, and given.dtd does not count for "
+         "it; give it beside documents that name none\n"},
+        {{"own.xml", "./own.dtd"}, 0, ""},
+        {{"within.xml", "given.dtd"}, 0, ""},
+        // No number of documents uses up what each may have.
+        {std::vector<std::string>(101, "own.xml"), 0, ""},
+    };
+    for (const Case& one : cases) {
+        std::vector<std::string> words = {"copybook"};
+        words.insert(words.end(), one.words.begin(), one.words.end());
+        const Outcome outcome = sxml(words);
+        EXPECT_EQ(outcome.status, one.status) << one.said;
+        EXPECT_EQ(outcome.err, one.said);
+        EXPECT_EQ(read_file("given.dtd"), dtd);
+    }
 }
 
 }  // namespace

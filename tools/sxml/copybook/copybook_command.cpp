@@ -10,6 +10,7 @@
 #include "conversion/samples/attribute_profile.h"
 #include "conversion/samples/sample_copybook.h"
 #include "conversion/schemas/document_type_profile.h"
+#include "conversion/schemas/local_files.h"
 #include "conversion/schemas/schema_profile.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
@@ -78,6 +79,15 @@ std::string dtd_of(const CopybookOptions& options) {
     return found;
 }
 
+// As it is called on the disk. Fails when it cannot be read.
+std::string dtd_file(const std::string& name) {
+    auto file = conversion::local_file(name, "");
+    if (file) return *file;
+    conversion::Problem problem = file.problem();
+    problem.place.file = name;
+    fail(problem);
+}
+
 void add_sample(Sources& sources, const conversion::DocumentSource& document,
                 const CopybookOptions& options) {
     check(sources.type.add(document.file(), document.name(), dtd_of(options)));
@@ -97,6 +107,7 @@ void read_sources(Sources& sources, CopybookOptions& options, RunFiles& files) {
         std::string& all = options.wishes.made_from;
         all += all.empty() ? "" : ", ";
         if (is_dtd(name)) {
+            files.reads(dtd_file(name));
             all += in_comment(name);
             continue;
         }
@@ -108,6 +119,9 @@ void read_sources(Sources& sources, CopybookOptions& options, RunFiles& files) {
         } else {
             add_sample(sources, document, options);
         }
+    }
+    if (!dtd_of(options).empty() && sources.profile.root().count == 0) {
+        fail_usage("a DTD needs a sample beside it: give a document of this type");
     }
     for (const std::string& file : sources.schemas.files()) files.reads(file);
     for (const std::string& file : sources.type.files()) files.reads(file);
