@@ -16,7 +16,7 @@ using Names = std::unordered_set<std::string>;
 bool has_text(const ElementProfile& element) {
     if (element.text.texts() > 0) return true;
     const auto& declared = element.declared;
-    return declared && declared->text && declared->text->length != 0;
+    return declared && (declared->has_text || (declared->text && declared->text->length != 0));
 }
 
 // Of elements at this one and below it that hold elements, and that have a text.

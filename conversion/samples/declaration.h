@@ -31,6 +31,7 @@ struct Declaration {
     std::uint64_t least = 1;
     std::uint64_t most = 1;
     std::optional<TextLimits> text{};  // nothing: it has no text, or it is not said which
+    bool has_text = false;             // it may have one, of which nothing else is said
 };
 
 }  // namespace conversion

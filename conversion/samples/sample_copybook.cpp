@@ -261,8 +261,10 @@ CopybookMaker::Kinds CopybookMaker::kinds() {
         }
         if (!has_fields(kind, 1)) {
             say_losses(kind);
-            const bool is_text = kind.children.empty() &&
-                                 (kind.text.texts() > 0 || (kind.declared && kind.declared->text));
+            const bool is_text =
+                kind.children.empty() &&
+                (kind.text.texts() > 0 ||
+                 (kind.declared && (kind.declared->text || kind.declared->has_text)));
             if (is_text || !kind.children.empty()) {
                 lose(kind, {},
                      is_text ? "cannot be read: its text is not in an element below it"

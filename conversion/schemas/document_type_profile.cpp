@@ -46,6 +46,7 @@ class TypeProfile {
         if (declared.kind == Kind::empty && element.declared) {
             element.declared->text = TextLimits{.length = 0, .shown = "without content"};
         }
+        if (declared.kind == Kind::text && element.declared) element.declared->has_text = true;
         if (Done problem = describe_attributes(element, declared)) return problem;
         open_.insert(element.name);
         Done problem = describe_children(element, declared, depth);
@@ -97,7 +98,8 @@ class TypeProfile {
     Done describe_attributes(ElementProfile& element, const DeclaredElement& declared) {
         const bool is_wanted = profile_.wants_attributes() && element.parent != nullptr;
         for (const DeclaredAttribute& attribute : declared.attributes) {
-            if (wishes_.is_of_samples) break;
+            const bool is_seen = DocumentProfile::has_attribute(element, attribute.name);
+            if (wishes_.is_of_samples && !is_seen) continue;
             if (!is_wanted) {
                 if (element.attributes.line == 0) element.attributes = attribute.place;
                 continue;

@@ -184,4 +184,31 @@ TEST_F(CommandTest, RefusesAttributesThatCannotBeElements) {
     }
 }
 
+// What a DTD declares, of elements and attributes that samples have and have not.
+TEST_F(CommandTest, ReadsAttributesThatADtdDeclares) {
+    const std::string type =
+        "<!DOCTYPE a [<!ELEMENT r (code,price?)><!ELEMENT code (#PCDATA)><!ELEMENT price (#PCDATA)>"
+        "<!ATTLIST r state (open|cancelled) #IMPLIED><!ATTLIST r state (o|c) 'o' k CDATA #IMPLIED>"
+        "<!ATTLIST price unit CDATA #REQUIRED>]>";
+    write_file("s.xml", type + "<a><r state='open'><code>A</code></r></a>");
+    const Outcome sampled = sxml({"copybook", "s.xml", "--attributes", "--sampled"});
+    EXPECT_NE(sampled.out.find("*>   one of 2; optional; longest 4 characters\n"
+                               "           05  R-STATE PIC X(9)."),
+              std::string::npos)
+        << sampled.out;
+    EXPECT_EQ(sampled.out.find("R-K"), std::string::npos) << sampled.out;
+    EXPECT_EQ(sampled.out.find("PRICE"), std::string::npos) << sampled.out;
+    ASSERT_EQ(sxml({"copybook", "s.xml", "--attributes", "-o", "s.cpy"}).status, 0);
+    write_file("t.xml", type +
+                            "<a><r state='open' k='2'><code>B</code><price unit='kg'>5</price>"
+                            "</r></a>");
+    const Outcome read =
+        sxml({"from-xml", "t.xml", "t.dat", "-l", "s.cpy", "--attributes", "--strict"});
+    ASSERT_EQ(read.status, 0) << read.err << read_file("s.cpy");
+    ASSERT_EQ(sxml({"to-xml", "t.dat", "again.xml", "-l", "s.cpy"}).status, 0);
+    EXPECT_EQ(contents_of(read_file("again.xml")),
+              (std::vector<std::string>{"r/r_state/open", "r/r_k/2", "r/code/B", "r/price/5",
+                                        "r/price_unit/kg"}));
+}
+
 }  // namespace
