@@ -71,9 +71,14 @@ bool may_allocate() {
 
 // False when `more` bytes would be beyond the limit.
 bool is_within_limit(std::uint64_t more) {
-    counters.limit_was_met =
-        counters.live_bytes > counters.limit || more > counters.limit - counters.live_bytes;
-    return !counters.limit_was_met;
+    return counters.live_bytes <= counters.limit && more <= counters.limit - counters.live_bytes;
+}
+
+// Notes that there were not `more` bytes, and whether the limit was why. What succeeds afterwards
+// does not change the reason.
+void note_failure(std::uint64_t more) {
+    counters.limit_was_met = !is_within_limit(more);
+    note_memory_failure();
 }
 
 void report_damage(const void* block, const Origin& origin, const char* what) {
@@ -150,7 +155,7 @@ void* take_new_block(std::size_t size, bool zeroed, const Origin& origin) {
 
 void* allocate_block(std::size_t size, bool zeroed, const Origin& origin) {
     void* block = take_new_block(size, zeroed, origin);
-    if (block == nullptr) note_memory_failure();
+    if (block == nullptr) note_failure(size);
     return block;
 }
 
@@ -169,9 +174,10 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
     BlockHeader* header = header_of(block);
     std::uint32_t number = 0;
     const std::size_t present = block_size(header);
-    if (!may_allocate() || (size > present && !is_within_limit(size - present)) ||
+    const std::size_t more = size > present ? size - present : 0;
+    if (!may_allocate() || (more > 0 && !is_within_limit(more)) ||
         !find_site({source, line, description_of(block)}, number)) {
-        note_memory_failure();
+        note_failure(more);
         return nullptr;
     }
     count_out(header);
@@ -179,7 +185,7 @@ void* reallocate(void* block, std::size_t size, const char* source, int line) {
     if (moved == nullptr) {
         count_in(header);
         --site(header->site).all_blocks;
-        note_memory_failure();
+        note_failure(more);
         return nullptr;
     }
     moved->site = number;

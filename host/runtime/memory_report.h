@@ -48,7 +48,7 @@ RUNTIME_API bool allocation_failed();
 // The most that the live blocks may take; what goes beyond fails as if memory were exhausted. 0: no
 // limit. The setting SXML_MEMORY_LIMIT sets it.
 RUNTIME_API void limit_memory(std::uint64_t bytes);
-// Why memory ran out, for people: the limit, once it was met, or memory itself. Takes none.
+// Why the last allocation that failed did so, for people: the limit, or memory itself. Takes none.
 RUNTIME_API const char* memory_problem();
 
 // A line per live block, as SXML_HOST_LEAKS=1 prints it when the process ends.

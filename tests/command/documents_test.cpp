@@ -142,15 +142,23 @@ TEST_F(DocumentsTest, MayTakeSoMuchMemory) {
     std::string wide = "<a><r>";
     for (int i = 0; i < 100'000; ++i) wide += "<e/>";
     write_file("wide.xml", wide + "</r></a>");
+    std::string repeated = "<a><r>";
+    for (int i = 0; i < 60'000; ++i) repeated += "<t>x</t>";
+    write_file("repeated.xml", repeated + "</r><r><t>y</t></r></a>");
     write_file("r.cpy", "01 REC. 05 R PIC X(9).\n");
-    const std::vector<std::vector<std::string>> commands = {
-        {"tree", "deep.xml"},
-        {"rewrite", "deep.xml", "out"},
-        {"from-xml", "wide.xml", "out", "--layout", "r.cpy"},
+    write_file("t.cpy", "01 REC. 05 T PIC X(9).\n");
+    const struct {
+        std::vector<std::string> command;
+        const char* limit;
+    } cases[] = {
+        {{"tree", "deep.xml"}, "4"},
+        {{"rewrite", "deep.xml", "out"}, "4"},
+        {{"from-xml", "wide.xml", "out", "--layout", "r.cpy"}, "4"},
+        {{"from-xml", "repeated.xml", "out", "--layout", "t.cpy"}, "1"},
     };
-    for (const auto& command : commands) {
+    for (const auto& [command, limit] : cases) {
         write_file("out", "as it was");
-        setenv("SXML_MEMORY_LIMIT", "4", 1);
+        setenv("SXML_MEMORY_LIMIT", limit, 1);
         const Outcome refused = sxml(command);
         setenv("SXML_MEMORY_LIMIT", "400", 1);
         EXPECT_EQ(refused.status, 1) << command[0];
