@@ -50,7 +50,8 @@ void check_lines(const conversion::RecordFormat& format, const conversion::Chara
             if (field.kind == FieldKind::text || field.kind == FieldKind::display_number) continue;
             report.warn_of(
                 "--line: field " + fields.name(field.item) +
-                " is binary; a byte in it that looks like a line end would cut its record");
+                " is binary; a byte in it that looks like a line end would cut its record; "
+                "use --record-format rdw, or fixed");
             return;
         }
     }
