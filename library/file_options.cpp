@@ -1,9 +1,9 @@
 #include "library/file_options.h"
 
 #include <charconv>
-#include <functional>
-#include <map>
 #include <string_view>
+
+#include "records/option_names.h"
 
 namespace library {
 
@@ -14,9 +14,7 @@ using conversion::Done;
 using conversion::Problem;
 using conversion::RecordFormat;
 using conversion::Result;
-
-template <class Value>
-using Choices = std::map<std::string, Value, std::less<>>;
+using records::Choices;
 
 const Choices<bool> YES_OR_NO = {{"no", false}, {"yes", true}};
 const Choices<bool> KINDS = {{"document", true}, {"records", false}};
@@ -24,26 +22,6 @@ const Choices<BlankFill> FILLS = {{"by-type", BlankFill::by_type},
                                   {"keep", BlankFill::keep},
                                   {"spaces", BlankFill::spaces},
                                   {"zeros", BlankFill::zeros}};
-const Choices<records::SourceFormat> SOURCE_FORMATS = {
-    {"detect", records::SourceFormat::detect},
-    {"fixed", records::SourceFormat::fixed},
-    {"free", records::SourceFormat::free},
-    {"variable", records::SourceFormat::variable}};
-const Choices<records::BinarySize> BINARY_SIZES = {{"1--8", records::BinarySize::smallest},
-                                                   {"1-2-4-8", records::BinarySize::by_digits_1248},
-                                                   {"2-4-8", records::BinarySize::by_digits_248}};
-const Choices<records::ByteOrder> BYTE_ORDERS = {{"big-endian", records::ByteOrder::big_endian},
-                                                 {"native", records::ByteOrder::native}};
-const Choices<records::Machine> MACHINES = {{"mainframe", records::Machine::mainframe},
-                                            {"native", records::Machine::native}};
-
-const Choices<records::MovingData> MOVING_DATA = {{"fixed", records::MovingData::fixed},
-                                                  {"refuse", records::MovingData::refused},
-                                                  {"sliding", records::MovingData::sliding}};
-const Choices<records::NationalSize> NATIONAL_SIZES = {
-    {"2", records::NationalSize::two_bytes},
-    {"cobc-3.1", records::NationalSize::cobc_3_1},
-    {"cobc-3.2", records::NationalSize::cobc_3_2}};
 
 Problem wrong(const std::string& what, const std::string& remedy) {
     Problem problem{conversion::Cause::usage, {}, what, remedy};
@@ -82,26 +60,21 @@ Done take_number(std::string_view name, const std::string& value, std::uint64_t&
                  "it takes a number of bytes");
 }
 
-// "RECORD: CONDITION"
 Done take_condition(const std::string& value, FileOptions& options) {
-    const std::size_t colon = value.find(':');
-    if (colon == std::string::npos) {
+    std::optional<records::ItemDirective> directive = records::condition_directive(value);
+    if (!directive) {
         return wrong("the option when cannot be " + value,
                      "name the record or item and its condition, as in HEADER: KIND = \"H\"");
     }
-    options.copybook.directives.push_back(
-        {value.substr(0, colon), "when " + value.substr(colon + 1)});
+    options.copybook.directives.push_back(*std::move(directive));
     return std::nullopt;
 }
 
-// "FIELD=ELEMENT" names an item's element, any other text the document element.
 void take_name(const std::string& value, FileOptions& options) {
-    const std::size_t equals = value.find('=');
-    if (equals == std::string::npos) {
-        options.layout.name = value;
+    if (std::optional<records::ItemDirective> directive = records::name_directive(value)) {
+        options.copybook.directives.push_back(*std::move(directive));
     } else {
-        options.copybook.directives.push_back(
-            {value.substr(0, equals), "name " + value.substr(equals + 1)});
+        options.layout.name = value;
     }
 }
 
@@ -143,15 +116,19 @@ Done take(std::string_view name, const std::string& value, FileOptions& options)
     if (name == "when") return take_condition(value, options);
     if (name == "buffer") return choose(name, value, FILLS, options.fill);
     if (name == "source-format") {
-        return choose(name, value, SOURCE_FORMATS, options.copybook.format);
+        return choose(name, value, records::SOURCE_FORMATS, options.copybook.format);
     }
-    if (name == "machine") return choose(name, value, MACHINES, options.layout.machine);
-    if (name == "byte-order") return choose(name, value, BYTE_ORDERS, options.layout.byte_order);
-    if (name == "binary-size") return choose(name, value, BINARY_SIZES, options.layout.binary_size);
+    if (name == "machine") return choose(name, value, records::MACHINES, options.layout.machine);
+    if (name == "byte-order") {
+        return choose(name, value, records::BYTE_ORDERS, options.layout.byte_order);
+    }
+    if (name == "binary-size") {
+        return choose(name, value, records::BINARY_SIZES, options.layout.binary_size);
+    }
     if (name == "national-size") {
-        return choose(name, value, NATIONAL_SIZES, options.layout.national_size);
+        return choose(name, value, records::NATIONAL_SIZES, options.layout.national_size);
     }
-    if (name == "odo") return choose(name, value, MOVING_DATA, options.layout.moving_data);
+    if (name == "odo") return choose(name, value, records::MOVING_DATA, options.layout.moving_data);
     if (name == "debugging-lines") {
         return choose(name, value, YES_OR_NO, options.copybook.debugging_lines);
     }

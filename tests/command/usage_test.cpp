@@ -31,6 +31,7 @@ TEST_P(UsageTest, EndsWithStatusAndMessage) {
     write_file("long.cpy",
                "       01  R.\n" + std::string(50, ' ') + "05  FIELD-NAME   PIC X(4).\n");
     write_file("late.cpy", "       01  R.\n       * the word\n           05  F PIC X.\n");
+    write_file("binary.cpy", "       01  R.\n           05  B PIC 9(4) COMP.\n");
     write_file("ebcdic.cpy", run({"iconv", "-t", "cp037"}, COPYBOOK).out);
     write_file("rdw", std::string("\0\x08\0\0aaaa\0\x06\0\0aa\0\x08\0\0aaaa", 22));
     const std::vector<std::string> before = files();
@@ -126,6 +127,16 @@ const std::vector<UsageCase> CASES = {
      {"SOURCE_DATE_EPOCH", "yesterday"}},
     {"one_file", {"to-xml", "words", "--layout", "line.cpy"}, 2, {"XML is required"}},
     {"unknown_format", to_xml({"--format", "loose"}), 2, {"--format", "loose"}},
+    {"condition_without_one",
+     to_xml({"--when", "LINE-RECORD: "}),
+     2,
+     {"--when LINE-RECORD: : name the record or item and its condition, as in"}},
+    {"name_without_condition", to_xml({"--when", "LINE-RECORD"}), 2, {"--when LINE-RECORD: name"}},
+    {"binary_field_in_lines",
+     {"to-xml", "words", "words.xml", "--layout", "binary.cpy", "--line", "--strict"},
+     1,
+     {"--line: field b is binary; a byte in it that looks like a line end would cut its record; "
+      "use --record-format rdw, or fixed"}},
     {"unknown_setting",
      to_xml({"--set", "SXML_COLOUR=red"}),
      2,

@@ -1,53 +1,19 @@
 #include "tools/sxml/options/options.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
+#include <utility>
 
+#include "records/option_names.h"
 #include "tools/sxml/failure.h"
 
 namespace command {
 
 namespace {
 
-const std::map<std::string, records::SourceFormat> SOURCE_FORMATS = {
-    {"detect", records::SourceFormat::detect},
-    {"fixed", records::SourceFormat::fixed},
-    {"free", records::SourceFormat::free},
-    {"variable", records::SourceFormat::variable},
-};
-
-const std::map<std::string, records::BinarySize> BINARY_SIZES = {
-    {"1-2-4-8", records::BinarySize::by_digits_1248},
-    {"2-4-8", records::BinarySize::by_digits_248},
-    {"1--8", records::BinarySize::smallest},
-};
-
-const std::map<std::string, records::ByteOrder> BYTE_ORDERS = {
-    {"big-endian", records::ByteOrder::big_endian},
-    {"native", records::ByteOrder::native},
-};
-
-const std::map<std::string, records::Machine> MACHINES = {
-    {"mainframe", records::Machine::mainframe},
-    {"native", records::Machine::native},
-};
-
-const std::map<std::string, records::MovingData> MOVING_DATA = {
-    {"fixed", records::MovingData::fixed},
-    {"refuse", records::MovingData::refused},
-    {"sliding", records::MovingData::sliding},
-};
-
-const std::map<std::string, records::NationalSize> NATIONAL_SIZES = {
-    {"2", records::NationalSize::two_bytes},
-    {"cobc-3.1", records::NationalSize::cobc_3_1},
-    {"cobc-3.2", records::NationalSize::cobc_3_2},
-};
-
 // An option whose value is one of the names of `values`.
 template <typename Value>
 void add_choice(CLI::App& command, const std::string& name, Value& variable,
-                const std::map<std::string, Value>& values, const std::string& help) {
+                const records::Choices<Value>& values, const std::string& help) {
     std::vector<std::string> names;
     std::string metavariable;
     for (const auto& entry : values) {
@@ -71,36 +37,32 @@ void add_source_options(CLI::App& command, LayoutOptions& options) {
                     "a folder to search for COPY texts (may be repeated)")
         ->allow_extra_args(false)
         ->option_text("FOLDER");
-    add_choice(command, "--format", options.copybook.format, SOURCE_FORMATS,
+    add_choice(command, "--format", options.copybook.format, records::SOURCE_FORMATS,
                "source format of the layout (default: told from its text)");
     command.add_flag("--debugging-lines", options.copybook.debugging_lines,
                      "treat D lines as source, not as comments");
 }
 
-// "FIELD=ELEMENT" names an item's element, any other text the document element.
+// Each names an item's element, or the document element.
 void take_names(const std::vector<std::string>& names, LayoutOptions& options) {
     for (const std::string& name : names) {
-        const std::size_t equals = name.find('=');
-        if (equals == std::string::npos) {
-            options.layout.name = name;
+        if (auto directive = records::name_directive(name)) {
+            options.copybook.directives.push_back(*std::move(directive));
         } else {
-            options.copybook.directives.push_back(
-                {name.substr(0, equals), "name " + name.substr(equals + 1)});
+            options.layout.name = name;
         }
     }
 }
 
-// "RECORD: CONDITION". Throws Failure (wrong usage).
+// Throws Failure (wrong usage).
 void take_conditions(const std::vector<std::string>& texts, LayoutOptions& options) {
     for (const std::string& text : texts) {
-        const std::size_t colon = text.find(':');
-        const std::size_t condition = text.find_first_not_of(" \t", colon + 1);
-        if (colon == std::string::npos || condition == std::string::npos) {
+        auto directive = records::condition_directive(text);
+        if (!directive) {
             fail_usage("--when " + text +
                        ": name the record or item and its condition, as in 'HEADER: KIND = \"H\"'");
         }
-        options.copybook.directives.push_back(
-            {text.substr(0, colon), "when " + text.substr(condition)});
+        options.copybook.directives.push_back(*std::move(directive));
     }
 }
 
@@ -128,20 +90,20 @@ void add_item_options(CLI::App& command, LayoutOptions& options) {
 
 void add_description_options(CLI::App& command, LayoutOptions& options) {
     records::LayoutOptions& layout = options.layout;
-    add_choice(command, "--machine", layout.machine, MACHINES,
+    add_choice(command, "--machine", layout.machine, records::MACHINES,
                "where the records come from: sizes, byte order and floating point of binary items "
                "(default: native; mainframe for records in EBCDIC)");
-    add_choice(command, "--binary-size", layout.binary_size, BINARY_SIZES,
+    add_choice(command, "--binary-size", layout.binary_size, records::BINARY_SIZES,
                "bytes that binary items may take (default: 1-2-4-8; 2-4-8 of a mainframe)");
-    add_choice(command, "--byte-order", layout.byte_order, BYTE_ORDERS,
+    add_choice(command, "--byte-order", layout.byte_order, records::BYTE_ORDERS,
                "of COMP, COMP-4 and BINARY items; native: that of COMP-5 (default: big-endian)");
-    add_choice(command, "--national-size", layout.national_size, NATIONAL_SIZES,
+    add_choice(command, "--national-size", layout.national_size, records::NATIONAL_SIZES,
                "bytes of a NATIONAL character, or the rule of a cobc (default: 2)");
     command.add_flag_callback(
         "--no-truncate", [&layout] { layout.binary_truncate = false; },
         "binary items hold all that fits their bytes, whatever their picture says");
     add_choice(
-        command, "--odo", layout.moving_data, MOVING_DATA,
+        command, "--odo", layout.moving_data, records::MOVING_DATA,
         "tables with DEPENDING ON that do not end the record: refuse them (default), take them as "
         "full in every record (fixed), or let what follows them slide (default of a mainframe)");
     command.add_flag("--ebcdic-sign", layout.ebcdic_sign,
