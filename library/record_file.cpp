@@ -141,8 +141,24 @@ bool RecordFile::is_document() const {
                                          ends_in_xml(target_.name));
 }
 
+// Options for another kind of file, or for reading, would be of no effect.
+Done RecordFile::check_options() const {
+    const bool is_input = target_.direction == Direction::read;
+    if ((options_.skip > 0 || options_.skip_end > 0) && (is_document() || !is_input)) {
+        return problem_of(Cause::usage, target_.name,
+                          "the options skip and skip-end are for record files that are read",
+                          "leave them out");
+    }
+    if (!options_.record_path.empty() && !(is_document() && is_input)) {
+        return problem_of(Cause::usage, target_.name,
+                          "the option record is for documents that are read", "leave it out");
+    }
+    return std::nullopt;
+}
+
 Done RecordFile::open_file() {
     if (target_.direction == Direction::none) return std::nullopt;
+    if (Done problem = check_options()) return problem;
     if (target_.direction == Direction::write) return open_output();
     if (is_document()) return open_input_document();
     Result<conversion::ByteSource> source = conversion::ByteSource::open(target_.name);
@@ -244,13 +260,20 @@ Result<bool> RecordFile::read_document() {
     Result<bool> outcome = input_->read();
     if (!outcome || !*outcome) return outcome;
     can_go_on_ = true;
-    if (input_->problem()) return input_->problem().value();
     position_ = input_->position();
     records::set_position(description_.xfd(), position_);
+    if (input_->problem()) return problem_of_document();
     if (Done problem = take(input_->record(), input_->layout())) return *std::move(problem);
     can_go_on_ = false;
     warn_of_document();
     return outcome;
+}
+
+// Why the document does not have such a record. What can be had of it is taken; it is blank where
+// the tables' counters do not say how it lies in a file.
+Problem RecordFile::problem_of_document() {
+    if (input_->record().empty() || take(input_->record(), input_->layout())) clear();
+    return at_record(input_->problem()).value();
 }
 
 void RecordFile::warn_of_document() {

@@ -66,9 +66,11 @@ class RecordFile {
     RecordFile(records::Description description, conversion::CharacterSet characters,
                conversion::RecordFields fields, FileOptions options, Target target);
     conversion::Done open_file();
+    conversion::Done check_options() const;
     conversion::Done open_input_document();
     conversion::Done open_output();
     conversion::Result<bool> read_document();
+    conversion::Problem problem_of_document();
     void warn_of_document();
     conversion::Done strict_problem() const;
     conversion::Result<bool> read_record_file();

@@ -65,7 +65,8 @@ typedef struct SxmlFile SxmlFile;
  *                  as the options of the command (source-format is its --format); copy-path may be
  *                  given several times; the last four take yes or no
  *   buffer         by-type (default), spaces, zeros or keep: as `sxml from-xml --buffer`
- * and every setting, such as SXML_CREATE_STYLE=NONE.
+ * and every setting, such as SXML_CREATE_STYLE=NONE. A file of the other kind, and one that is
+ * written, refuses skip, skip-end and record.
  * Result: a handle, to be given back with sxml_close, also when opening has failed: sxml_problem is
  * then not empty. Null only when there is no memory for the handle. */
 SXML_RECORDS_API SxmlFile* sxml_open(const char* layout, const char* file, const char* mode,
@@ -80,8 +81,9 @@ SXML_RECORDS_API int sxml_write(SxmlFile* file);
 
 /* Takes a failure of sxml_read or sxml_write back that concerned that record alone (its cause is
  * SXML_RECORD): the next sxml_read gives the record after, and sxml_write writes another one. What
- * can be had of the record is there until then, for a file of rejected records. Result: 0, or -1
- * when the file as a whole has failed, or nothing has. */
+ * can be had of the record is there until then, for a file of rejected records: it is blank when a
+ * document has a wrong counter for tables that slide. Result: 0, or -1 when the file as a whole has
+ * failed, or nothing has. */
 SXML_RECORDS_API int sxml_skip(SxmlFile* file);
 
 /* Completes a file that is written: it takes the place of what had its name before. Of a file that

@@ -146,33 +146,58 @@ TEST_F(RecordsTest, BadRecordsArePutAside) {
     write_file("r.xml",
                "<?xml version=\"1.0\"?><d><page><a><kind>A</kind><n>1</n><m>7</m></a></page>"
                "<page><a><kind>A</kind><n>1.5</n></a><b><kind>B</kind><w>x</w></b></page></d>");
+    write_file("s.cpy",
+               "       01  R.\n           05  N PIC 9.\n"
+               "           05  T PIC X(2) OCCURS 0 TO 3 DEPENDING ON N.\n"
+               "           05  Z PIC X(3).\n");
+    write_file("s.xml",
+               "<d><r><n>2</n><t>a</t><t>b</t><z>one</z></r><r><n>7</n><t>c</t><z>two</z></r>"
+               "<r><n>1</n><t>d</t><t>e</t><z>six</z></r><r><n>0</n><z>end</z></r></d>");
+    struct RecordOutcome {
+        std::string bytes;
+        std::string problem = {};
+    };
     struct Case {
+        const char* layout;
         const char* file;
         std::vector<const char*> options;
-        std::vector<std::string> outcomes;  // of each record: its bytes, or what is wrong
+        std::vector<RecordOutcome> outcomes;
     };
     const std::string none = "none of the record layouts' conditions holds";
     const Case cases[] = {
-        {"r.dat", {"skip=4", "strict=yes", nullptr}, {"A01", "Bxy", none, "A02"}},
-        {"r.xml",
+        {"r.cpy",
+         "r.dat",
+         {"skip=4", "strict=yes", nullptr},
+         {{"A01"}, {"Bxy"}, {"C00", none}, {"A02"}}},
+        {"r.cpy",
+         "r.xml",
          {"record=d/page/a", "strict=yes", nullptr},
-         {"m: the text went into no field; no field has this name",
-          "field n: more decimals than the field holds, which were cut: '1.5'"}},
+         {{"A01", "m: the text went into no field; no field has this name"},
+          {"A01", "field n: more decimals than the field holds, which were cut: '1.5'"}}},
+        {"s.cpy",
+         "s.xml",
+         {"odo=sliding", nullptr},
+         {{"2a b   one"},
+          {"0         ", "s.xml: record 2, field n: the counter is not a number from 0 to 3"},
+          {"1d     six", "s.xml: record 3, field t(2): there is data for an entry"},
+          {"0      end"}}},
     };
     for (const Case& one : cases) {
-        SxmlFile* const file = sxml_open("r.cpy", one.file, "r", one.options.data());
+        SxmlFile* const file = sxml_open(one.layout, one.file, "r", one.options.data());
         EXPECT_STREQ(sxml_problem(file), "") << one.file;
         EXPECT_EQ(sxml_skip(file), -1);  // nothing has failed
-        for (const std::string& expected : one.outcomes) {
+        std::int64_t number = 0;
+        for (const RecordOutcome& expected : one.outcomes) {
+            ++number;
             const int result = sxml_read(file);
+            EXPECT_EQ(result, expected.problem.empty() ? 1 : -1) << one.file << number;
             std::size_t length = 0;
             const char* const bytes = static_cast<const char*>(sxml_record(file, &length));
-            if (result == 1) {
-                EXPECT_EQ(std::string(bytes, length), expected);
-                continue;
-            }
-            EXPECT_NE(std::string(sxml_problem(file)).find(expected), std::string::npos)
+            EXPECT_EQ(std::string(bytes, length), expected.bytes);
+            if (result == 1) continue;
+            EXPECT_NE(std::string(sxml_problem(file)).find(expected.problem), std::string::npos)
                 << sxml_problem(file);
+            EXPECT_EQ(sxml_problem_record(file), number);
             EXPECT_EQ(sxml_problem_cause(file), SXML_RECORD);
             EXPECT_EQ(sxml_read(file), -1);  // until it is taken back
             EXPECT_EQ(sxml_skip(file), 0);
@@ -226,15 +251,28 @@ TEST_F(RecordsTest, TakesTheOptionsOfTheCommand) {
     EXPECT_STREQ(sxml_get_text(file, sxml_field(file, "word")), "xyz");
     EXPECT_EQ(sxml_read(file), 0);
     sxml_close(file);
-    for (const auto& [option, said] : {std::pair("skip=x", "the option skip cannot be x"),
-                                       {"when=A", "as in HEADER:"},
-                                       {"record=d/none", "none"},
-                                       {"format=auto", "name the format"}}) {
-        write_file("r.xml", "<d/>");
+    write_file("r.xml", "<d/>");
+    const struct {
+        const char* option;
+        const char* file;
+        const char* mode;
+        const char* said;
+    } refusals[] = {
+        {"skip=x", "r.xml", "r", "the option skip cannot be x"},
+        {"when=A", "r.xml", "r", "as in HEADER:"},
+        {"when=A: ", "r.xml", "r", "as in HEADER:"},
+        {"record=d/none", "r.xml", "r", "none"},
+        {"format=auto", "new", "w", "name the format"},
+        {"skip=4", "r.xml", "r", "r.xml: the options skip and skip-end are for record files"},
+        {"skip-end=4", "new", "w", "new: the options skip and skip-end are for record files"},
+        {"record=d/r", "r", "r", "r: the option record is for documents that are read"},
+        {"record=d/r", "new.xml", "w", "new.xml: the option record is for documents"},
+    };
+    for (const auto& [option, name, mode, said] : refusals) {
         const char* const one[] = {option, nullptr};
-        const bool is_output = std::string(option) == "format=auto";
-        SxmlFile* const refused =
-            sxml_open("two.cpy", is_output ? "new" : "r.xml", is_output ? "w" : "r", one);
+        SxmlFile* const refused = sxml_open("two.cpy", name, mode, one);
+        EXPECT_EQ(sxml_problem_cause(refused) == SXML_USAGE,
+                  std::string(option) != "record=d/none");
         EXPECT_NE(std::string(sxml_problem(refused)).find(said), std::string::npos)
             << sxml_problem(refused);
         sxml_close(refused);
