@@ -132,7 +132,23 @@ TEST_F(TerminalTest, ConversionsSayHowFarTheyAre) {
         EXPECT_EQ(line.ends_with(" left"), c.knows_the_size) << line;
         EXPECT_TRUE(text.ends_with("\033[K")) << text;  // the line is gone at the end
     }
-    // A message does not stand behind the line.
+    // One line, however many processes share the work: that of the first process, which knows the
+    // size. The others are held up, so that there is time for theirs.
+    std::string large = "<d>\n";
+    for (int i = 0; i < 400'000; ++i) large += "<r><word>w</word></r>\n";
+    write_file("large.xml", large + "</d>\n");
+    const std::string shared = shown(
+        "$sxml from-xml large.xml out -l c.cpy --jobs 2 & all=/proc/$!/task/$!/children; "
+        "{ for i in 1 2 3; do sleep 0.05; kill -STOP $(cat $all); sleep 0.25; "
+        "kill -CONT $(cat $all); done; } 2>/dev/null; wait");
+    int lines = 0;
+    for (std::size_t at = 0; (at = shared.find(" records, ", at)) != std::string::npos; ++at) {
+        const std::string line = shared.substr(at, shared.find("\033[K", at) - at);
+        EXPECT_TRUE(line.ends_with(" left")) << line;
+        ++lines;
+    }
+    EXPECT_GT(lines, 0) << shared;
+    // A message begins on a line of its own.
     const std::string text = shown("$sxml from-xml odd.xml" + slowly);
     EXPECT_NE(text.find("left\033[K\033[K\033[1msxml: "), std::string::npos) << text;
 }

@@ -7,7 +7,6 @@
 
 #include "conversion/texts/utf8.h"
 #include "tools/sxml/failure.h"
-#include "tools/sxml/reports/progress.h"
 
 namespace command {
 
@@ -65,24 +64,29 @@ DocumentConversion::DocumentConversion(conversion::InputDocument& document,
       report_(report),
       rejects_(rejects) {}
 
-void DocumentConversion::read_all() {
-    Progress progress(size_);
+void DocumentConversion::read_all(Progress* progress) {
     while (value_of(document_.read())) {
         const std::uint64_t number = document_.count();
         if (number >= wanted_.first && number - wanted_.first < wanted_.count) convert();
-        if (document_.count() % RECORDS_BETWEEN_LOOKS == 0) {
-            progress.update(document_.count(), document_.parsed_bytes());
+        if (progress != nullptr && document_.count() % RECORDS_BETWEEN_LOOKS == 0) {
+            progress->update(document_.count(), document_.parsed_bytes());
         }
     }
 }
 
+// The line is gone when this returns, before anything is said of the whole.
+void DocumentConversion::read_with_progress() {
+    Progress progress(size_);
+    read_all(&progress);
+}
+
 void DocumentConversion::convert_all() {
-    read_all();
+    read_all(nullptr);
     check(store_.close());
 }
 
 void DocumentConversion::run() {
-    read_all();
+    read_with_progress();
     finish_document(totals(), document_.fields(), document_.shown_name(), report_, rejects_);
     if (document_.count() < wanted_.first && wanted_.first > 1) {
         fail(document_.shown_name() + ": there are only " + std::to_string(document_.count()) +

@@ -11,6 +11,7 @@
 
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
+#include "tools/sxml/reports/progress.h"
 #include "tools/sxml/reports/reject_file.h"
 #include "tools/sxml/reports/run_report.h"
 
@@ -53,8 +54,8 @@ class DocumentConversion {
     }
     // Records that came before those of the document, which is a part.
     void begin_after(DocumentTotals totals) { totals_ = std::move(totals); }
-    // Converts all records, finishes and closes the store. Throws Failure as convert_all() and
-    // finish_document().
+    // Converts all records and says how far it is, finishes and closes the store. Throws Failure as
+    // convert_all() and finish_document().
     void run();
     // Converts all records and closes the store. Throws Failure where the document ends too early
     // or is not well-formed, for a record that cannot be stored, unless it can be rejected, and
@@ -64,7 +65,8 @@ class DocumentConversion {
     DocumentTotals totals() const;
 
   private:
-    void read_all();
+    void read_all(Progress* progress);
+    void read_with_progress();
     void convert();
     std::span<const std::uint8_t> record();
     std::optional<conversion::Problem> problem_of_record();
