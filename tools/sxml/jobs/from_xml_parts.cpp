@@ -1,5 +1,6 @@
 #include "tools/sxml/jobs/from_xml_parts.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -129,8 +130,9 @@ class PartsOfDocument {
 
 DocumentSoFar convert_divided(const DocumentRun& run, unsigned jobs, const DocumentParts& parts) {
     PartsOfDocument all(run, parts.size());
+    const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(jobs, parts.count()));
     const PartsDone done =
-        convert_parts({jobs, parts.count(), run.output, 0,
+        convert_parts({workers, parts.count(), run.output, 0,
                        [&](std::uint64_t part, const platform::NamelessFile& file) {
                            return convert_part(run, parts, part, file);
                        },

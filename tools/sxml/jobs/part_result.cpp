@@ -1,5 +1,6 @@
 #include "tools/sxml/jobs/part_result.h"
 
+#include <limits>
 #include <nlohmann/json.hpp>
 
 namespace command {

@@ -13,7 +13,7 @@
 namespace command {
 
 struct PartsRun {
-    unsigned jobs;
+    unsigned jobs;               // workers, at least one
     std::uint64_t parts;         // at most so many
     const AtomicOutput& output;  // a file
     std::uint64_t position;      // where in it the first part goes
