@@ -72,9 +72,7 @@ WorkFolder::WorkFolder() : folder_(new_folder()) {}
 
 WorkFolder::~WorkFolder() {
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_.name(), error)) {
-        std::filesystem::remove_all(entry.path(), error);
-    }
+    std::filesystem::remove_all(folder_.name(), error);
 }
 
 }  // namespace command::cob

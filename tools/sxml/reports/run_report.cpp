@@ -110,12 +110,11 @@ void RunReport::count_unused(const std::string& path, const std::string& hint,
 }
 
 void RunReport::note_left_out(const conversion::Problem& first, std::uint64_t count) {
-    count_unused("outside of the records", "");
-    unused_["outside of the records"].count += count - 1;
+    count_unused("outside of the records", "", count);
     const bool is_wanted = this->count(Finding::unused_data);
     if (is_strict()) fail(first);
     if (is_wanted) name(Finding::unused_data, first);
-    counts_[static_cast<std::size_t>(Finding::unused_data)] += count - 1;
+    add(Finding::unused_data, count - 1);
 }
 
 const char* RunReport::key_of(Finding finding) {
