@@ -4,21 +4,20 @@
 // with a status that COBOL knows, and a document that was closed is well-formed to Expat alone.
 // Where there was no document, the statuses and the records read are those of the plain file.
 #include <dlfcn.h>
-#include <expat.h>
 #include <fcntl.h>
 #include <libcob.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "fuzz/judge.h"
 
 namespace {
 
@@ -28,13 +27,7 @@ constexpr std::size_t RECORD_LENGTH = 15;
 constexpr std::size_t NAME_LENGTH = 200;
 constexpr std::size_t MOST_OPERATIONS = 40;
 
-std::string_view input_of_case;
-
-void require(bool holds, const char* what, std::string_view detail = {}) {
-    if (holds) return;
-    std::cout << "not so: " << what << '\n' << detail << "\ninput:\n" << input_of_case << std::endl;
-    std::abort();
-}
+fuzz::Judge judge(std::cout);  // what goes to standard error is lost
 
 // The program OPERATIONS of one compilation, and the file that it works on.
 class Program {
@@ -43,9 +36,9 @@ class Program {
 
     Program(const char* library, const std::string& file) : file_(file) {
         void* const loaded = dlopen(library, RTLD_NOW | RTLD_LOCAL);
-        require(loaded != nullptr, "the program is loaded");
+        judge.require(loaded != nullptr, "the program is loaded");
         call_ = reinterpret_cast<Call>(dlsym(loaded, "OPERATIONS"));
-        require(call_ != nullptr, "the program is found");
+        judge.require(call_ != nullptr, "the program is found");
         name_.fill(' ');
         std::copy(file.begin(), file.end(), name_.begin());
     }
@@ -66,32 +59,19 @@ class Program {
     std::array<unsigned char, NAME_LENGTH> name_ = {};
 };
 
-// A folder in memory where there is one; messages go nowhere, there may be thousands.
+// The folder, and no messages: there may be thousands.
 struct Surroundings {
     Surroundings() {
-        folder = fs::exists("/dev/shm") ? "/dev/shm/fuzzXXXXXX" : "/tmp/fuzzXXXXXX";
-        require(mkdtemp(folder.data()) != nullptr, "there is a folder");
         const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        require(dup2(nowhere, STDERR_FILENO) == STDERR_FILENO, "messages go nowhere");
+        judge.require(dup2(nowhere, STDERR_FILENO) == STDERR_FILENO, "messages go nowhere");
         cob_init(0, nullptr);
     }
-    ~Surroundings() {
-        std::error_code error;
-        fs::remove_all(folder, error);
-    }
-    Surroundings(const Surroundings&) = delete;
-    Surroundings& operator=(const Surroundings&) = delete;
-    std::string folder;
+    const fuzz::Folder folder{judge};
 };
 
-void require_well_formed(const std::string& name) {
+std::string contents(const std::string& name) {
     std::ifstream input(name, std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(input), {});
-    const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser(
-        XML_ParserCreate(nullptr), XML_ParserFree);
-    require(parser != nullptr, "there is a parser");
-    require(XML_Parse(parser.get(), text.data(), static_cast<int>(text.size()), 1) == XML_STATUS_OK,
-            "a document that was closed is well-formed", text);
+    return {std::istreambuf_iterator<char>(input), {}};
 }
 
 // Takes the record of a W from the input: digits and letters are made of the bytes, so that both
@@ -122,7 +102,7 @@ bool is_known(const std::string& status) {
     return std::ranges::find(KNOWN, status) != std::end(KNOWN);
 }
 
-bool has_parts(const std::string& folder) {
+bool has_parts(const fs::path& folder) {
     return std::any_of(fs::directory_iterator(folder), fs::directory_iterator(),
                        [](const fs::directory_entry& entry) {
                            return entry.path().filename().string().find(".part") !=
@@ -134,10 +114,10 @@ bool has_parts(const std::string& folder) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Surroundings surroundings;
-    static Program document(SXML_OPERATIONS_XML, surroundings.folder + "/f.xml");
-    static Program plain(SXML_OPERATIONS_PLAIN, surroundings.folder + "/f.dat");
+    static Program document(SXML_OPERATIONS_XML, surroundings.folder / "f.xml");
+    static Program plain(SXML_OPERATIONS_PLAIN, surroundings.folder / "f.dat");
     std::string_view input(reinterpret_cast<const char*>(data), size);
-    input_of_case = input;
+    judge.begin(input);
     const std::size_t end = input.find('\0');
     if (end == std::string_view::npos) return 0;
     fs::remove(document.file());
@@ -157,21 +137,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Program::Record same = record;
         const std::string status = document.run(letter, record);
         log += letter + status + " ";
-        require(is_known(status), "a status is one of COBOL's", log);
+        judge.require(is_known(status), "a status is one of COBOL's", log);
         if (letter == 'O' || letter == 'E' || letter == 'I') {
             if (status < "10") opened = letter;
         } else if (letter == 'C' && status == "00") {
-            if (opened == "O" || opened == "E") require_well_formed(document.file());
+            const bool is_written = opened == "O" || opened == "E";
+            if (is_written) judge.require_well_formed(contents(document.file()));
             opened = "-";
         }
         if (!is_compared) continue;
         const std::string expected = plain.run(letter, same);
-        require(status == expected, "the statuses are those of a plain file", log + expected);
-        require(record == same, "the records are those of a plain file", log);
+        judge.require(status == expected, "the statuses are those of a plain file", log + expected);
+        judge.require(record == same, "the records are those of a plain file", log);
     }
     Program::Record record = {};
     document.run('C', record);
     plain.run('C', record);
-    require(!has_parts(surroundings.folder), "nothing is left behind", log);
+    judge.require(!has_parts(surroundings.folder.path()), "nothing is left behind", log);
     return 0;
 }

@@ -2,11 +2,7 @@
 // character set and settings, a copybook up to a NUL, the bytes of records. What is refused is
 // refused with a reason and leaves no document; what is written is well-formed to Expat alone, and
 // the records that it gives make the same document again, unless a warning told of a repair.
-#include <expat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -17,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fuzz/judge.h"
 #include "sxml/records.h"
 
 namespace {
@@ -26,40 +23,10 @@ namespace fs = std::filesystem;
 constexpr std::size_t MOST_RECORDS = 4;
 constexpr std::size_t LARGEST_RECORD = 20'000;
 
-std::string_view input_of_case;
+fuzz::Judge judge(std::cerr);
 
-void require(bool holds, const char* what, std::string_view detail = {}) {
-    if (holds) return;
-    std::cerr << "not so: " << what << '\n' << detail << "\ninput:\n" << input_of_case << std::endl;
-    std::abort();
-}
-
-// A folder for the files of this process, in memory where there is one.
-class Folder {
-  public:
-    Folder() {
-        std::string name = fs::exists("/dev/shm") ? "/dev/shm/fuzzXXXXXX" : "/tmp/fuzzXXXXXX";
-        require(mkdtemp(name.data()) != nullptr, "there is a folder");
-        path_ = name;
-    }
-    ~Folder() {
-        std::error_code error;
-        fs::remove_all(path_, error);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    std::string operator/(const char* name) const { return path_ / name; }
-    std::size_t entries() const {
-        const fs::directory_iterator files(path_);
-        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
-    }
-
-  private:
-    fs::path path_;
-};
-
-const Folder& folder() {
-    static const Folder made;
+const fuzz::Folder& folder() {
+    static const fuzz::Folder made(judge);
     return made;
 }
 
@@ -80,14 +47,6 @@ std::string without_space_at_ends(const std::string& document) {
     return std::regex_replace(document, space, "<");
 }
 
-void require_well_formed(const std::string& text) {
-    const std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser(
-        XML_ParserCreate(nullptr), XML_ParserFree);
-    require(parser != nullptr, "there is a parser");
-    require(XML_Parse(parser.get(), text.data(), static_cast<int>(text.size()), 1) == XML_STATUS_OK,
-            "the document is well-formed", text);
-}
-
 class Case {
   public:
     Case(std::uint8_t choices, std::string_view copybook)
@@ -105,7 +64,7 @@ class Case {
         const File file = open(nullptr, nullptr);
         std::size_t length = 0;
         if (sxml_record(file.get(), &length) == nullptr) {
-            require(*sxml_problem(file.get()) != '\0', "a refusal has a reason");
+            judge.require(*sxml_problem(file.get()) != '\0', "a refusal has a reason");
             return false;
         }
         if (length == 0 || length > LARGEST_RECORD) return false;
@@ -121,7 +80,7 @@ class Case {
         for (;;) {
             const std::size_t written = write(name);
             if (written == records_.size()) return contents(folder() / name);
-            require(!fs::exists(folder() / name), "what failed leaves no document");
+            judge.require(!fs::exists(folder() / name), "what failed leaves no document");
             records_.resize(written);
         }
     }
@@ -136,7 +95,7 @@ class Case {
             const auto* const record = static_cast<const char*>(sxml_record(file.get(), &length));
             records_.emplace_back(record, length);
         }
-        require(result == 0, "the document is read to its end", sxml_problem(file.get()));
+        judge.require(result == 0, "the document is read to its end", sxml_problem(file.get()));
     }
 
     std::size_t record_count() const { return records_.size(); }
@@ -149,7 +108,7 @@ class Case {
         const std::string path = name != nullptr ? folder() / name : "";
         File file(sxml_open(layout_.c_str(), name != nullptr ? path.c_str() : nullptr, mode,
                             options_.data()));
-        require(file != nullptr, "there is a handle");
+        judge.require(file != nullptr, "there is a handle");
         return file;
     }
 
@@ -162,11 +121,12 @@ class Case {
                                   sxml_write(file.get()) == 0;
             is_repaired_ |= sxml_warning(file.get(), 0) != nullptr;
             if (is_taken) continue;
-            require(*sxml_problem(file.get()) != '\0', "a refusal has a reason");
-            require(sxml_finish(file.get()) != 0, "a file that has failed is not finished");
+            judge.require(*sxml_problem(file.get()) != '\0', "a refusal has a reason");
+            judge.require(sxml_finish(file.get()) != 0, "a file that has failed is not finished");
             return i;
         }
-        require(sxml_finish(file.get()) == 0, "the document is finished", sxml_problem(file.get()));
+        judge.require(sxml_finish(file.get()) == 0, "the document is finished",
+                      sxml_problem(file.get()));
         return records_.size();
     }
 
@@ -182,23 +142,23 @@ class Case {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
     const std::string_view input(reinterpret_cast<const char*>(data), size);
-    input_of_case = input;
+    judge.begin(input);
     const std::size_t end = input.find('\0', 1);
     if (end == std::string_view::npos) return 0;
     Case one(data[0], input.substr(1, end - 1));
     if (!one.take_apart(input.substr(end + 1))) return 0;
     const std::string document = one.document("first.xml");
     const std::size_t count = one.record_count();
-    require_well_formed(document);
+    judge.require_well_formed(document);
     one.read("first.xml");
-    require(one.record_count() == count || one.ignores_empty_data(),
-            "as many records come back as went", document);
+    judge.require(one.record_count() == count || one.ignores_empty_data(),
+                  "as many records come back as went", document);
     const bool is_repaired = one.is_repaired();
     const std::string again = one.document("second.xml");
-    require(is_repaired || without_space_at_ends(again) == without_space_at_ends(document),
-            "the records make the same document", document + "\n" + again);
+    judge.require(is_repaired || without_space_at_ends(again) == without_space_at_ends(document),
+                  "the records make the same document", document + "\n" + again);
     fs::remove(folder() / "first.xml");
     fs::remove(folder() / "second.xml");
-    require(folder().entries() == 1, "nothing is left behind");
+    judge.require(folder().entries() == 1, "nothing is left behind");
     return 0;
 }
