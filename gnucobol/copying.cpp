@@ -11,7 +11,7 @@
 namespace gnucobol {
 
 Result copy_part(int from, std::uint64_t begin, std::uint64_t end, int to, std::uint64_t offset) {
-    if (const int error = platform::move_output(to, offset); error != 0) return refusal(error);
+    if (const int error = platform::move_to(to, offset); error != 0) return refusal(error);
     std::array<char, 65536> part{};
     while (begin < end) {
         const std::size_t wanted = std::min<std::uint64_t>(part.size(), end - begin);

@@ -32,7 +32,7 @@ ssize_t read_some(int descriptor, char* buffer, std::size_t size);
 // Where in its file the next byte is written; nothing where the position cannot be chosen: of
 // pipes, devices, and descriptors that write at the end whatever their position is.
 std::optional<std::uint64_t> output_position(int descriptor);
-// Lets the next byte be written at this position. Result: 0 or the error number.
-int move_output(int descriptor, std::uint64_t position);
+// Lets the next byte be read or written at this position. Result: 0 or the error number.
+int move_to(int descriptor, std::uint64_t position);
 
 }  // namespace platform

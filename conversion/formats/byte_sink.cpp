@@ -39,7 +39,7 @@ ByteSink::~ByteSink() {
 }
 
 Done ByteSink::move_to(std::uint64_t position) {
-    const int error = platform::move_output(descriptor_, position);
+    const int error = platform::move_to(descriptor_, position);
     return error == 0 ? Done{} : system_problem(shown_name_, error);
 }
 

@@ -156,7 +156,7 @@ void find_start(HostStream* stream) {
 // Result: as it is; on failure it is closed.
 int at_position(int descriptor, std::uint64_t position) {
     if (descriptor < 0) return descriptor;
-    const int error = platform::move_output(descriptor, position);
+    const int error = platform::move_to(descriptor, position);
     if (error == 0) return descriptor;
     platform::close_descriptor(descriptor);
     errno = error;
@@ -347,7 +347,7 @@ void host_fseek(HostStream* stream, std::uint32_t position) {
     if (!stream->can_seek) return fail(stream, ESPIPE);
     // The buffered bytes lie after the new position: nobody will see them.
     const std::uint64_t target = present - way_back;
-    const int error = platform::move_output(stream->descriptor, target);
+    const int error = platform::move_to(stream->descriptor, target);
     if (error != 0) return fail(stream, error);
     stream->buffer_start = target;
     stream->position = 0;

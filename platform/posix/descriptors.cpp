@@ -90,7 +90,7 @@ std::optional<std::uint64_t> output_position(int descriptor) {
     return static_cast<std::uint64_t>(position);
 }
 
-int move_output(int descriptor, std::uint64_t position) {
+int move_to(int descriptor, std::uint64_t position) {
     return lseek(descriptor, static_cast<off_t>(position), SEEK_SET) >= 0 ? 0 : errno;
 }
 

@@ -85,7 +85,7 @@ std::optional<std::uint64_t> output_position(int descriptor) {
     return static_cast<std::uint64_t>(position.QuadPart);
 }
 
-int move_output(int descriptor, std::uint64_t position) {
+int move_to(int descriptor, std::uint64_t position) {
     LARGE_INTEGER target{};
     target.QuadPart = static_cast<LONGLONG>(position);
     const BOOL is_done = SetFilePointerEx(handle_of(descriptor), target, nullptr, FILE_BEGIN);
