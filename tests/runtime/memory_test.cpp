@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "host/runtime/memory_report.h"
@@ -40,6 +41,26 @@ TEST(Memory, ReportsWhereBlocksComeFromOldestFirst) {
               std::string::npos);
     for (void* block : {first, second, static_cast<void*>(third)}) host_free(block, SOURCE, 1, 0);
     EXPECT_EQ(host::live_blocks().size(), before);
+}
+
+// What succeeds does not change why an allocation failed; a later failure has a reason of its own.
+TEST(Memory, TellsWhyTheLastAllocationFailed) {
+    const std::string by_limit = "more memory is needed than SXML_MEMORY_LIMIT allows";
+    const auto allocate = [](std::size_t size) {
+        void* const block = host_alloc(size, HOST_BLOCK_RAW, SOURCE, 50, "limited block", 0);
+        host_free(block, SOURCE, 1, 0);
+        return block != nullptr;
+    };
+    host::limit_memory(host::live_bytes() + 10'000);
+    EXPECT_FALSE(allocate(20'000));
+    EXPECT_TRUE(allocate(1'000));
+    EXPECT_EQ(std::string(host::memory_problem()).find(by_limit), 0U);
+    for (const bool is_failing : {true, false}) {
+        host::fail_allocation(is_failing ? 1 : 0);
+        EXPECT_EQ(allocate(1'000), !is_failing);
+        EXPECT_STREQ(host::memory_problem(), "there is not enough memory");
+    }
+    host::limit_memory(0);
 }
 
 TEST(Memory, TotalsAddUpPerDescriptionWhateverThePlace) {
