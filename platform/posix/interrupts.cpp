@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -31,10 +32,12 @@ void remove_files_in(const char* path) {
     close(folder);
 }
 
-// Another process may be making a file in it meanwhile.
+// Processes that the same signal ends may be making files in it meanwhile.
 void remove_folder(const char* path) {
-    constexpr int MOST_TRIES = 3;
+    constexpr int MOST_TRIES = 10;
+    constexpr int PAUSE = 20;  // milliseconds
     for (int i = 0; i < MOST_TRIES && rmdir(path) != 0 && errno == ENOTEMPTY; ++i) {
+        if (i > 0) poll(nullptr, 0, PAUSE);
         remove_files_in(path);
     }
     rmdir(path);
