@@ -66,17 +66,8 @@ bool has_counter(const Node& node) {
     return node.source->occurs && !node.source->occurs->depending_on.empty();
 }
 
-// Whether a table with DEPENDING ON is not what ends the record.
-bool has_moving_data(const Node& node, bool is_last = true) {
-    if (has_counter(node) && !is_last) return true;
-    for (std::size_t i = 0; i < node.children.size(); ++i) {
-        const bool is_end = is_last && node.occurs <= 1 &&
-                            std::all_of(node.children.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                                        node.children.end(),
-                                        [](const auto& later) { return later->redefined >= 0; });
-        if (has_moving_data(*node.children[i], is_end)) return true;
-    }
-    return false;
+bool has_moving_data(const Node& record) {
+    return !moving_tables(record).empty();
 }
 
 const Node* root_of(const Node& node) {
@@ -109,11 +100,15 @@ class Compiler {
             return std::nullopt;
         }
         const NameScope scope(layouts_);
+        // Where one layout slides, all records lie packed.
+        const bool slides = options_.slides() &&
+                            std::any_of(layouts_.begin(), layouts_.end(),
+                                        [](const auto& each) { return has_moving_data(*each); });
         int fillers = 0;
         for (const auto& layout : layouts_) {
             set_forms(*layout, options_, diagnostics_);
             set_names(*layout, options_, diagnostics_, fillers);
-            if (options_.slides() && has_moving_data(*layout)) {
+            if (slides) {
                 find_counters(*layout, scope);
             } else {
                 find_length_rules(*layout, scope);
@@ -142,8 +137,9 @@ class Compiler {
         }
     }
 
-    // Of each table that slides: where its counter is.
+    // Of each table that slides: where its counter is. A table that moves nothing need not slide.
     void find_counters(Node& record, const NameScope& scope) {
+        const bool must_slide = has_moving_data(record);
         for_each(record, [&](Node& table) {
             if (!has_counter(table)) return;
             const Occurs& occurs = *table.source->occurs;
@@ -153,8 +149,13 @@ class Compiler {
             const std::string problem = counter_problem(record, table, counter);
             if (problem.empty()) {
                 table.counter = operand_of(*counter.node, table);
-            } else {
+            } else if (must_slide) {
                 diagnostics_.error(occurs.place, problem);
+            } else {
+                diagnostics_.warning(occurs.place, "the counter " + occurs.depending_on +
+                                                       " does not tell the length of " +
+                                                       item_name(*table.source) +
+                                                       "; the table is taken at its maximum");
             }
         });
     }

@@ -147,33 +147,24 @@ class Placer {
     // Tables with DEPENDING ON have one size here. Where others do not, what follows them moves.
     void check_moving_data(const Node& root) {
         if (options_.moving_data != MovingData::fixed && !options_.slides()) {
-            check_moving_data(root, nullptr, nullptr);
+            for (const MovingTable& each : moving_tables(root)) refuse(each);
         }
     }
 
     bool failed() const { return too_deep_ || too_long_; }
 
   private:
-    // `next`: what follows the item; `around`: the innermost table that it lies in. Or null.
-    void check_moving_data(const Node& node, const Node* next, const Node* around) {
-        const std::optional<Occurs>& occurs = node.source->occurs;
-        if (occurs && !occurs->depending_on.empty() && (next != nullptr || around != nullptr)) {
-            const std::string name = item_name(*node.source);
-            diagnostics_.error(
-                occurs->place,
-                (around != nullptr
-                     ? name + " has DEPENDING ON and lies in the table " +
-                           item_name(*around->source) + ", whose entries then differ in length"
-                     : item_name(*next->source) + " comes after the table " + name +
-                           ", whose DEPENDING ON moves it") +
-                    "; say how the records lie: --odo sliding when a table takes the room of its "
-                    "entries in use, --odo fixed when every record holds the whole table");
-        }
-        if (node.occurs > 1) around = &node;
-        for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
-            check_moving_data(**child, next, around);
-            if ((*child)->redefined < 0) next = child->get();
-        }
+    void refuse(const MovingTable& moving) {
+        const std::string name = item_name(*moving.table->source);
+        diagnostics_.error(
+            moving.table->source->occurs->place,
+            (moving.around != nullptr
+                 ? name + " has DEPENDING ON and lies in the table " +
+                       item_name(*moving.around->source) + ", whose entries then differ in length"
+                 : item_name(*moving.next->source) + " comes after the table " + name +
+                       ", whose DEPENDING ON moves it") +
+                "; say how the records lie: --odo sliding when a table takes the room of its "
+                "entries in use, --odo fixed when every record holds the whole table");
     }
 
     int occurrences(const DataItem& item, int depth) {
@@ -375,10 +366,30 @@ class Placer {
     bool too_long_ = false;
 };
 
+// `next`: what follows the item; `around`: the innermost table that it lies in. Or null.
+void add_moving_tables(const Node& node, const Node* next, const Node* around,
+                       std::vector<MovingTable>& found) {
+    const std::optional<Occurs>& occurs = node.source->occurs;
+    if (occurs && !occurs->depending_on.empty() && (next != nullptr || around != nullptr)) {
+        found.push_back({&node, next, around});
+    }
+    if (node.occurs > 1) around = &node;
+    for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
+        add_moving_tables(**child, next, around, found);
+        if ((*child)->redefined < 0) next = child->get();
+    }
+}
+
 }  // namespace
 
 std::string item_name(const DataItem& item) {
     return item.name.empty() ? "FILLER" : item.name;
+}
+
+std::vector<MovingTable> moving_tables(const Node& record) {
+    std::vector<MovingTable> found;
+    add_moving_tables(record, nullptr, nullptr, found);
+    return found;
 }
 
 std::unique_ptr<Node> place_record(const DataItem& record, const LayoutOptions& options,

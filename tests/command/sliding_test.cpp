@@ -132,6 +132,37 @@ TEST_F(SlidingTest, ChecksCountEntriesInUse) {
     EXPECT_NE(document.out.find(row), std::string::npos) << document.out;
 }
 
+// A table that ends its record moves nothing. Where another layout slides, it is counted all the
+// same.
+TEST_F(SlidingTest, LayoutsSlideTogether) {
+    write_file("s.cpy",
+               "       01  A.\n           05  A-K PIC X.\n           05  A-N PIC 9.\n"
+               "           05  A-E PIC X(2) OCCURS 0 TO 3 DEPENDING ON A-N.\n"
+               "           05  A-Z PIC X.\n"
+               "       01  B.\n           05  B-K PIC X.\n           05  B-N PIC 9.\n"
+               "           05  B-E PIC X(2) OCCURS 1 TO 4 DEPENDING ON B-N.\n");
+    ASSERT_EQ(sxml({"compile", "s.cpy", "-o", "s.xfd", "--odo", "sliding", "--when", "A: A-K = 'A'",
+                    "--when", "B: B-K = 'B'"})
+                  .err,
+              "");
+    const std::string records("\0\x09\0\0A1xxz\0\x08\0\0B1rr\0\x0A\0\0B2rrss", 27);
+    write_file("s.dat", records);
+    EXPECT_EQ(to_xml("rdw", "s.xfd").err, "");
+    EXPECT_EQ(from_xml("rdw", "s.xfd").err, "");
+    EXPECT_EQ(read_file("s.dat"), records);
+    write_file("s.dat", std::string("\0\x0E\0\0B9rrQQWWEE", 14));
+    const Outcome counter = to_xml("rdw", "s.xfd");
+    EXPECT_EQ(counter.status, 1);
+    EXPECT_NE(counter.err.find("field B-N"), std::string::npos) << counter.err;
+    // A counter that is not in the record.
+    write_file("n.cpy", read_file("s.cpy") +
+                            "       01  C.\n           05  C-K PIC X.\n"
+                            "           05  C-E PIC X OCCURS 1 TO 4 DEPENDING ON A-N.\n");
+    const Outcome alien = sxml({"layout", "n.cpy", "--odo", "sliding"});
+    EXPECT_EQ(alien.status, 0);
+    EXPECT_NE(alien.err.find("does not tell the length of C-E"), std::string::npos) << alien.err;
+}
+
 // Bad records are named with their place, and can be put aside.
 TEST_F(SlidingTest, CountersAndLengthsThatCannotBeAreNamed) {
     write_file("s.cpy",
