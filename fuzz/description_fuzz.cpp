@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                            0x31);
     for (int n = 1; n <= xfd.condition_count; ++n) Q4TestCOBOLCond(&xfd, n, record.data());
     for (std::int32_t length = 0; length <= description->record_length(); length += 7) {
-        const std::int32_t used = description->used_length(record.data(), length);
+        const std::int32_t used = description->used_length(record.data(), length, {});
         require(used >= 0 && used <= length);
     }
     const std::string json = records::description_to_json(*description);

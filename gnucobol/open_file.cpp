@@ -248,8 +248,8 @@ std::uint32_t OpenFile::length_of_record_read() const {
     }
     std::uint32_t length = layout_length();
     if (description.min_record_length() < description.record_length()) {
-        const std::int32_t used =
-            description.used_length(file_.record->data, static_cast<std::int32_t>(longest()));
+        const std::int32_t used = description.used_length(
+            file_.record->data, static_cast<std::int32_t>(longest()), input_->position());
         length = std::min(length, static_cast<std::uint32_t>(used));
     } else if (file_.organization == COB_ORG_LINE_SEQUENTIAL || is_one_text()) {
         length = length_of_text();

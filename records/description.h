@@ -87,9 +87,10 @@ class Description {
     std::int32_t min_record_length() const;  // shortest that OCCURS DEPENDING ON allows
     // Length of this record as its OCCURS DEPENDING ON counter gives it, when the table ends the
     // record; otherwise, or when the counter is out of range, `length` itself. Never above
-    // `length`.
+    // `length`. `position`: of the record in its file, for conditions that ask for it, here and
+    // below.
     std::int32_t used_length(const void* record, std::int32_t length,
-                             RecordPosition position = {}) const;
+                             RecordPosition position) const;
     // Whether records lie packed in files: tables with OCCURS DEPENDING ON take the room of their
     // entries in use, and what comes after them follows at once. The lengths and offsets of all
     // items, record_length() too, are those of the full record, with every entry in its place.
@@ -105,7 +106,7 @@ class Description {
                                             std::vector<SlidingRun>& runs) const;
     // Whether at `place` in the record is the counter of the table that ends it, or of one that
     // slides, with the value 1.
-    bool is_counter_of_one(const void* record, const void* place) const;
+    bool is_counter_of_one(const void* record, const void* place, RecordPosition position) const;
 
     // One line of `sxml layout`: an item at its first occurrence, groups and hidden items included.
     struct Row {

@@ -2,10 +2,11 @@
 
 namespace conversion {
 
-bool SingleEntry::is_counted_by(const std::uint8_t* record, const void* place) {
-    if (!description_->is_counter_of_one(record, place)) return false;
+bool SingleEntry::is_counted_by(const std::uint8_t* record, const void* place,
+                                records::RecordPosition position) {
+    if (!description_->is_counter_of_one(record, place, position)) return false;
     if (description_->slides()) return true;
-    end_ = description_->used_length(record, description_->record_length());
+    end_ = description_->used_length(record, description_->record_length(), position);
     return true;
 }
 

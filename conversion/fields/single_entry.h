@@ -14,9 +14,11 @@ class SingleEntry {
     // The description must outlive this object.
     explicit SingleEntry(const records::Description& description) : description_(&description) {}
 
-    // A number has been stored at `place` in the record. True when it is that counter: the fields
-    // that follow are to be matched without the number of the entry.
-    bool is_counted_by(const std::uint8_t* record, const void* place);
+    // A number has been stored at `place` in the record, which stands at `position` in its file.
+    // True when it is that counter: the fields that follow are to be matched without the number of
+    // the entry.
+    bool is_counted_by(const std::uint8_t* record, const void* place,
+                       records::RecordPosition position);
     // The next record is read.
     void begin_record() { end_ = 0; }
     // False for fields after the only entry.

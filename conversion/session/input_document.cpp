@@ -270,6 +270,8 @@ Done InputDocument::check_position() {
                        ", which is to be the last");
     }
     if (!first_layout_ || !named_layout_) return std::nullopt;
+    // Of the layouts of a record that is both, a reader takes the same one.
+    if (position_.is_first && position_.is_last && layout() == named_layout_) return std::nullopt;
     const bool is_named = position_asked_by(*named_layout_).is_first;
     if (is_named == position_.is_first) return std::nullopt;
     return problem(is_named
@@ -368,7 +370,7 @@ void InputDocument::store_number(std::int32_t index, std::string_view text) {
         note_trouble({index, FieldFate::cut_number, std::string(written), 0, 0, 0});
     }
     if (!follows_entries_) return;
-    if (single_entry_.is_counted_by(record_.data(), target.address)) {
+    if (single_entry_.is_counted_by(record_.data(), target.address, position_)) {
         handler_.exact_table_match = 0;
     }
 }

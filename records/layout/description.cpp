@@ -190,15 +190,15 @@ std::optional<CounterProblem> Description::find_runs(std::size_t layout, const s
     return RunFinder(full, runs).run(data_->plans[layout]);
 }
 
-bool Description::is_counter_of_one(const void* record, const void* place) const {
+bool Description::is_counter_of_one(const void* record, const void* place,
+                                    RecordPosition position) const {
     const auto* bytes = static_cast<const std::uint8_t*>(record);
     if (slides()) return is_sliding_counter_of_one(*data_, bytes, place);
     const auto& rules = data_->model.length_rules;
     return std::any_of(rules.begin(), rules.end(), [&](const LengthRule& rule) {
         return bytes + rule.counter.offset == place &&
                count_of(rule.counter, bytes + rule.counter.offset, rule.min, rule.max) == 1 &&
-               (rule.condition == 0 ||
-                condition_holds(*data_, rule.condition, bytes, data_->block.position));
+               (rule.condition == 0 || condition_holds(*data_, rule.condition, bytes, position));
     });
 }
 

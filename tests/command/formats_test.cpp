@@ -385,6 +385,35 @@ TEST_F(FormatsTest, LayoutsAreChosenByPosition) {
         EXPECT_EQ(outcome.status, 1);
         EXPECT_NE(outcome.err.find(each.problem), std::string::npos) << outcome.err;
     }
+    // One record is both: of the layout that comes first.
+    write_file("in", file_of("gnucobol:3", {"00001"}));
+    for (std::vector<std::string> words :
+         {std::vector<std::string>{"to-xml", "in", "one.xml"}, {"from-xml", "one.xml", "back"}}) {
+        words.insert(words.end(),
+                     {"-l", "t.cpy", "-l", "h.cpy", "--when", "HEADER: FIRST", "--when",
+                      "TRAILER: LAST", "--name", "recs", "--record-format", "gnucobol:3"});
+        EXPECT_EQ(sxml(words).err, "");
+    }
+    EXPECT_NE(read_file("one.xml").find("<total>1</total>"), std::string::npos);
+    EXPECT_EQ(read_file("back"), read_file("in"));
+    write_file("in.xml", "<recs>" + trailer + "</recs>");
+    EXPECT_NE(run({"from-xml", "in.xml", "-"}).err.find("the first record is to be of the layout"),
+              std::string::npos);
+    // The only entry of a table in the first record holds one in turn.
+    write_file("first.cpy",
+               "       01  HEADER.\n           05  N PIC 9.\n"
+               "           05  E OCCURS 1 TO 4 DEPENDING ON N.\n"
+               "               10  I PIC X OCCURS 2.\n"
+               "       01  DETAIL.\n           05  X PIC X(9).\n");
+    write_file("e.dat", "1xy      ");
+    const std::vector<std::string> first = {"-l", "first.cpy", "--when", "HEADER: FIRST"};
+    const auto convert = [&](std::vector<std::string> words) {
+        words.insert(words.end(), first.begin(), first.end());
+        return sxml(words).err;
+    };
+    EXPECT_EQ(convert({"to-xml", "e.dat", "e.xml"}), "");
+    EXPECT_EQ(convert({"from-xml", "e.xml", "f.dat"}), "");
+    EXPECT_EQ(read_file("f.dat"), "1xy      ");
     const Outcome part = sxml({"to-xml", "in", "-", "-l", "d.cpy", "--when", "T: FIRST"});
     EXPECT_NE(part.err.find("FIRST and LAST tell records apart"), std::string::npos) << part.err;
 }

@@ -271,18 +271,18 @@ TEST(Compile, LengthFollowsTheCounter) {
                  {"04aaabbb", 8, 8},
                  {"0", 1, 1}};
     for (const auto& each : cases) {
-        EXPECT_EQ(description.used_length(each.record, each.length), each.used) << each.record;
+        EXPECT_EQ(description.used_length(each.record, each.length, {}), each.used) << each.record;
     }
     const Description from_one =
         described("01 R.\n 05 N PIC 9.\n 05 T PIC X OCCURS 4 DEPENDING N.");
     EXPECT_EQ(from_one.min_record_length(), 2);
-    EXPECT_EQ(from_one.used_length("2abcd", 5), 3);
+    EXPECT_EQ(from_one.used_length("2abcd", 5, {}), 3);
     // A table that does not end the record takes its full room, if the user says so.
     LayoutOptions full;
     full.moving_data = MovingData::fixed;
     const Description inner = described(
         "01 R.\n 05 N PIC 9.\n 05 T PIC X OCCURS 1 TO 4 DEPENDING ON N.\n 05 Z PIC X.", full);
-    EXPECT_EQ(inner.used_length("1abcdZ", 6), 6);
+    EXPECT_EQ(inner.used_length("1abcdZ", 6, {}), 6);
 }
 
 // Sizes, byte orders and slack bytes of a mainframe, where cobc is no judge.
