@@ -9,6 +9,7 @@
 namespace platform {
 
 constexpr std::int32_t NO_CHARACTER = -1;
+constexpr std::int32_t BEGINS_CHARACTER = -2;  // the bytes only begin a character
 // Unicode for each byte, NO_CHARACTER where the set has none.
 using CharacterTable = std::array<std::int32_t, 256>;
 

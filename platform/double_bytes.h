@@ -6,18 +6,22 @@
 #include <string>
 #include <vector>
 
+#include "platform/character_sets.h"
+
 namespace platform {
 
 struct DoubleByteSet {
-    static constexpr std::int32_t NONE = -1;
-
-    std::array<std::int32_t, 256> single{};  // Unicode for each byte by itself, or NONE
-    std::array<bool, 256> is_lead{};         // bytes that begin a character of two
-    std::vector<std::int32_t> pairs;         // 65536: Unicode for two bytes, the first counting 256
-    bool has_shifts = false;                 // pairs stand between shift-out and shift-in (EBCDIC)
+    CharacterTable single{};          // Unicode for each byte by itself, or NO_CHARACTER
+    std::array<bool, 256> is_lead{};  // bytes that begin a character of two
+    // 65536: Unicode for two bytes, the first counting 256; NO_CHARACTER, or BEGINS_CHARACTER for
+    // the start of one that takes more bytes.
+    std::vector<std::int32_t> pairs;
+    std::vector<bool> is_read_only;  // of these, pairs whose character is written by another one
+    bool has_shifts = false;         // pairs stand between shift-out and shift-in (EBCDIC)
 };
 
-// Looks a set up by its name. False when the system does not know it, or it is of another kind.
-bool find_double_byte_set(const std::string& name, DoubleByteSet& set);
+// Looks a set up by its name. multi_byte: `set` is filled; unknown: the system does not know it, or
+// it is of another kind; no_memory: the system has not the memory to say.
+CharacterSetKind find_double_byte_set(const std::string& name, DoubleByteSet& set);
 
 }  // namespace platform

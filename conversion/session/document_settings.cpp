@@ -17,15 +17,11 @@ constexpr const char* STYLESHEET[] = {"SXML_STYLESHEET_TYPE", "SXML_STYLESHEET_H
 constexpr const char* SCHEMA[] = {"SXML_SCHEMA_NAME", "SXML_SCHEMA_NAMESPACE_DATA",
                                   "SXML_SCHEMA_DOC"};
 
-bool is_control(char character) {
-    return static_cast<unsigned char>(character) < 0x20 && character != '\t' && character != '\n' &&
-           character != '\r';
-}
-
 // What the document cannot hold of a text; empty when it can hold all of it.
 std::string fault_of(std::string_view text, const CharacterSet& characters) {
     // ISO-8859-1 has all other bytes.
-    if (std::any_of(text.begin(), text.end(), is_control)) {
+    if (std::any_of(text.begin(), text.end(),
+                    [](char c) { return is_control(static_cast<unsigned char>(c)); })) {
         return "a control character is not allowed in XML";
     }
     if (characters.converts() && characters.is_latin1_document()) return {};

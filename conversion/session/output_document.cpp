@@ -15,10 +15,6 @@ namespace conversion {
 
 namespace {
 
-bool is_control(std::int32_t code) {
-    return code < 0x20 && code != '\t' && code != '\n' && code != '\r';
-}
-
 bool is_number(FieldKind kind) {
     return kind == FieldKind::display_number || kind == FieldKind::other_number;
 }

@@ -12,6 +12,7 @@ namespace conversion {
 namespace {
 
 using Characters = platform::CharacterTable;
+using Kind = platform::CharacterSetKind;
 
 constexpr const char* KNOWN_SETS =
     "utf-8, iso-8859-1, cp037, cp1047, cp500 and cp273 are some of those known";
@@ -58,11 +59,16 @@ bool is_ebcdic_set(const Characters& characters) {
 ByteClass classify_character(std::int32_t character) {
     if (character == platform::NO_CHARACTER) return ByteClass::undefined;
     if (character == 0) return ByteClass::nul;
-    if (character == '\t' || character == '\n' || character == '\r') return ByteClass::plain;
-    return character < 0x20 ? ByteClass::forbidden : ByteClass::plain;
+    return is_control(character) ? ByteClass::forbidden : ByteClass::plain;
 }
 
 }  // namespace
+
+DocumentEncoding document_encoding(const std::string& encoding, const std::string& configured) {
+    const bool is_latin1 = host_encoding_code(configured.c_str()) == HOST_ENCODING_LATIN1;
+    const bool is_own = is_latin1 || configured == encoding;
+    return is_own ? DocumentEncoding::single_byte : DocumentEncoding::utf8;
+}
 
 Result<CharacterSet> CharacterSet::find(const std::string& name, DocumentEncoding encoding) {
     CharacterSet set(name);
@@ -73,16 +79,15 @@ Result<CharacterSet> CharacterSet::find(const std::string& name, DocumentEncodin
     }
     if (!is_xml_name_of_encoding(name)) return unsuitable(name, "not a known character set");
     Characters characters{};
-    const auto kind = platform::find_character_set(name, characters);
-    if (kind == platform::CharacterSetKind::no_memory) {
-        return Problem{Cause::no_memory, {}, host::memory_problem(), {}};
-    }
-    if (kind == platform::CharacterSetKind::unknown) {
-        return unsuitable(name, "not a known character set");
-    }
-    const bool is_multi_byte = kind == platform::CharacterSetKind::multi_byte;
+    const Problem no_memory{Cause::no_memory, {}, host::memory_problem(), {}};
+    const Kind kind = platform::find_character_set(name, characters);
+    if (kind == Kind::no_memory) return no_memory;
+    if (kind == Kind::unknown) return unsuitable(name, "not a known character set");
+    const bool is_multi_byte = kind == Kind::multi_byte;
     const bool may_shift = characters[SHIFT_OUT] == platform::NO_CHARACTER;
-    if ((is_multi_byte || may_shift) && set.become_double_byte()) {
+    const Kind pairs = is_multi_byte || may_shift ? set.become_double_byte() : Kind::unknown;
+    if (pairs == Kind::no_memory) return no_memory;
+    if (pairs == Kind::multi_byte) {
         if (encoding == DocumentEncoding::utf8) return set;
         return unsuitable(name, "documents can have its characters in UTF-8 only");
     }
@@ -125,11 +130,12 @@ void CharacterSet::classify_bytes(bool is_limited) {
     }
 }
 
-bool CharacterSet::become_double_byte() {
+Kind CharacterSet::become_double_byte() {
     platform::DoubleByteSet found;
-    if (!platform::find_double_byte_set(name_, found)) return false;
+    const Kind kind = platform::find_double_byte_set(name_, found);
+    if (kind != Kind::multi_byte) return kind;
+    if (!found.has_shifts && !nearly_extends_ascii(found.single)) return Kind::unknown;
     ebcdic_ = found.has_shifts;
-    if (!ebcdic_ && !nearly_extends_ascii(found.single)) return false;
     characters_ = found.single;
     converts_ = true;
     declared_name_ = "UTF-8";
@@ -139,7 +145,7 @@ bool CharacterSet::become_double_byte() {
         if (found.is_lead[byte] || (ebcdic_ && is_shift)) classes_[byte] = ByteClass::multi_byte;
     }
     pairs_ = std::make_shared<const platform::DoubleByteSet>(std::move(found));
-    return true;
+    return Kind::multi_byte;
 }
 
 }  // namespace conversion

@@ -21,8 +21,17 @@ enum class ByteClass : std::uint8_t {
     multi_byte      // part of a character of several bytes, or a shift
 };
 
+// Whether the code is that of a control character that XML 1.0 does not allow, or negative.
+inline bool is_control(std::int32_t code) {
+    return code < 0x20 && code != '\t' && code != '\n' && code != '\r';
+}
+
 // What documents are in. single_byte: the set of the records, or ISO-8859-1 for those in EBCDIC.
 enum class DocumentEncoding : std::uint8_t { utf8, single_byte };
+
+// Of records in the set called `encoding`, where the document's encoding is set to `configured`
+// (SXML_ENCODING; either may be empty): single_byte when that is ISO-8859-1, or this very set.
+DocumentEncoding document_encoding(const std::string& encoding, const std::string& configured);
 
 // A character set. Text in UTF-8 and ISO-8859-1 goes into the document as it is, and the document
 // declares that encoding. Text in other sets is converted, unless the document is in that set.
@@ -52,9 +61,13 @@ class CharacterSet {
     bool has_pairs() const { return pairs_ != nullptr; }
     bool has_shifts() const { return has_pairs() && pairs_->has_shifts; }
     bool is_lead(std::uint8_t byte) const { return has_pairs() && pairs_->is_lead[byte]; }
-    // Unicode; negative when there is no such character.
+    // Unicode; negative when there is no such character (as in platform::DoubleByteSet).
     std::int32_t pair(std::uint8_t first, std::uint8_t second) const {
         return pairs_->pairs[std::size_t{first} << 8 | second];
+    }
+    // Whether texts are written with this pair; the character of another one has several.
+    bool writes(std::uint8_t first, std::uint8_t second) const {
+        return !pairs_->is_read_only[std::size_t{first} << 8 | second];
     }
     // The character (Unicode) of each byte of a single-byte set; negative where there is none.
     const std::array<std::int32_t, 256>& characters() const { return characters_; }
@@ -66,7 +79,8 @@ class CharacterSet {
     bool become_single_byte(const std::array<std::int32_t, 256>& characters,
                             DocumentEncoding encoding);
     void classify_bytes(bool is_limited);
-    bool become_double_byte();
+    // multi_byte: done; no_memory; unknown: the set is neither EBCDIC nor an extension of ASCII.
+    platform::CharacterSetKind become_double_byte();
 
     std::string name_;
     std::string declared_name_;

@@ -45,9 +45,10 @@ FieldText::FieldText(DocumentText from, const CharacterSet& to)
     }
     if (!to.has_pairs()) return;
     for (std::uint32_t pair = 0; pair < 0x10000; ++pair) {
-        const std::int32_t code =
-            to.pair(static_cast<std::uint8_t>(pair >> 8), static_cast<std::uint8_t>(pair & 0xFF));
-        if (code < 0) continue;
+        const auto first = static_cast<std::uint8_t>(pair >> 8);
+        const auto second = static_cast<std::uint8_t>(pair & 0xFF);
+        const std::int32_t code = to.pair(first, second);
+        if (code < 0 || !to.writes(first, second)) continue;
         pairs_.emplace(static_cast<char32_t>(code), static_cast<std::uint16_t>(pair));
     }
 }

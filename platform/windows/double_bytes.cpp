@@ -3,8 +3,8 @@
 namespace platform {
 
 // The system's code pages are not looked at.
-bool find_double_byte_set(const std::string&, DoubleByteSet&) {
-    return false;
+CharacterSetKind find_double_byte_set(const std::string&, DoubleByteSet&) {
+    return CharacterSetKind::unknown;
 }
 
 }  // namespace platform
