@@ -34,8 +34,8 @@ struct Place {
     std::optional<std::uint32_t> in_record = {};    // offset in the record, from 0
     std::uint64_t line = 0;                         // in a document, from 1
     std::uint64_t column = 0;                       // in bytes, from 1
-    // Of the record's elements, from 1: of it, line and column are to be found yet. 0: they are
-    // not.
+    // Number of the element, from 1, whose line and column a caller still has to find; 0: nothing
+    // to find.
     std::uint32_t element = 0;
 };
 

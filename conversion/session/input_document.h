@@ -56,7 +56,7 @@ struct UnusedData {
     // What is likely.
     enum class Hint : std::uint8_t {
         none,
-        spelling,   // a field's name differs in case, hyphens or underscores only
+        spelling,   // a field's name differs in case, hyphens, underscores or full stops only
         prefix,     // without its prefix it would be a field's name
         attribute,  // fields take elements only
         level       // the records are one level deeper in the document

@@ -15,6 +15,8 @@ namespace conversion {
 
 namespace {
 
+constexpr const char* ENDS_WITHIN_FIELD = "the record ends within the field";
+
 bool is_number(FieldKind kind) {
     return kind == FieldKind::display_number || kind == FieldKind::other_number;
 }
@@ -143,13 +145,11 @@ void OutputDocument::translate(std::span<const std::uint8_t> bytes, TextForm for
 }
 
 void OutputDocument::translate_characters(std::span<const std::uint8_t> bytes, TextForm form) {
-    constexpr std::int32_t IDEOGRAPHIC_SPACE = 0x3000;
     TextDecoder decoder(bytes, characters_, form);
     const bool is_utf8 = characters_.declared_name() == "UTF-8";
     std::size_t end = 0;  // of what is not blank
     while (const auto character = decoder.next()) {
         const std::int32_t code = character->code;
-        const bool is_blank = form == TextForm::double_byte && code == IDEOGRAPHIC_SPACE;
         if (is_control(code)) {
             append_control();
         } else if (is_utf8 || (characters_.converts() && code < 0x80)) {
@@ -160,7 +160,7 @@ void OutputDocument::translate_characters(std::span<const std::uint8_t> bytes, T
             const auto part = bytes.subspan(character->start, character->length);
             translated_.append(part.begin(), part.end());
         }
-        if (!is_blank) end = translated_.size();
+        if (!decoder.is_blank(*character)) end = translated_.size();
     }
     translated_.resize(end);
 }
@@ -190,7 +190,9 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
         if (Done problem = hide_unused_entries()) return problem;
     } else {
         if (Done problem = check_length(length)) return problem;
-        if (outcome_.length < description_.record_length()) complete_cut_field();
+        if (outcome_.length < description_.record_length()) {
+            if (Done problem = complete_cut_field()) return problem;
+        }
     }
     if (Done problem = check_texts()) return problem;
     if (is_strict_) {
@@ -228,7 +230,7 @@ Done OutputDocument::hide_unused_entries() {
         if (!condition_holds(*module_file_.xfd, field.condition)) continue;
         if (!sliding_->has_any(field.offset, field.length)) continue;
         if (sliding_->has_all(field.offset, field.length)) continue;
-        return Problem{Cause::record, place_of(field, 0), "the record ends within the field", ""};
+        return Problem{Cause::record, place_of(field, 0), ENDS_WITHIN_FIELD, ""};
     }
     return std::nullopt;
 }
@@ -252,21 +254,30 @@ void OutputDocument::choose(std::optional<std::size_t> layout) {
     }
 }
 
-// The module leaves a field out that reaches beyond the record.
-void OutputDocument::complete_cut_field() {
-    std::int32_t whole = outcome_.length;
+// The module leaves a field out that reaches beyond the record. A problem when the record ends
+// within a character of two bytes.
+Done OutputDocument::complete_cut_field() {
+    const std::int32_t cut = outcome_.length;
     for (const Field& field : chosen().fields) {
         const std::int32_t end = field.offset + field.length;
-        const bool is_cut = field.offset < outcome_.length && end > outcome_.length;
-        if (is_cut && condition_holds(*module_file_.xfd, field.condition)) {
-            whole = std::max(whole, end);
+        const bool is_cut = field.offset < cut && end > cut;
+        if (!is_cut || !condition_holds(*module_file_.xfd, field.condition)) continue;
+        if (outcome_.length == cut) {
+            completed_.assign(static_cast<std::size_t>(description_.record_length()),
+                              characters_.space());
+            std::copy_n(record_, cut, completed_.begin());
         }
+        outcome_.length = std::max(outcome_.length, end);
+        const TextForm form = text_form(module_file_.xfd->items[field.item], characters_);
+        if (form == TextForm::plain) continue;
+        if ((cut - field.offset) % 2 != 0) {
+            return Problem{Cause::record, place_of(field, 0), ENDS_WITHIN_FIELD, ""};
+        }
+        fill_blank(completed_.data() + cut, static_cast<std::size_t>(end - cut),
+                   blank_of(form, characters_));
     }
-    if (whole == outcome_.length) return;
-    completed_.assign(static_cast<std::size_t>(description_.record_length()), characters_.space());
-    std::copy_n(record_, outcome_.length, completed_.begin());
-    record_ = completed_.data();
-    outcome_.length = whole;
+    if (outcome_.length > cut) record_ = completed_.data();
+    return std::nullopt;
 }
 
 Done OutputDocument::check_length(std::int32_t length) const {

@@ -68,10 +68,11 @@ class OutputDocument {
     // description's records are long. What lies after the last occurrence of a table with OCCURS
     // DEPENDING ON that ends the record is left out; a field that the record's end cuts is filled
     // up with spaces. `layout`: write it as this one of fields().layouts(), whatever the conditions
-    // say. Without it the conditions decide, and a record of no layout is written as the first. A
-    // `position`: of the record in its file, for conditions that ask for it. A
-    // problem, with field and offset in the record, when the document cannot hold a text; nothing
-    // is written then. Whether all could be stored, take_write_failure() tells.
+    // say. Without it the conditions decide, and a record of no layout is written as the first.
+    // `position`: of the record in its file, for conditions that ask for it. A problem, with field
+    // and offset in the record, when the document cannot hold a text, or the record ends within a
+    // character of two bytes; nothing is written then. Whether all could be stored,
+    // take_write_failure() tells.
     Done write(const std::uint8_t* record, std::int32_t length,
                std::optional<std::size_t> layout = std::nullopt,
                records::RecordPosition position = {});
@@ -98,7 +99,7 @@ class OutputDocument {
     void translate_characters(std::span<const std::uint8_t> bytes, TextForm form);
     void append_control();
     void choose(std::optional<std::size_t> layout);
-    void complete_cut_field();
+    Done complete_cut_field();
     Done spread(std::span<const std::uint8_t> packed, std::optional<std::size_t> layout);
     Done hide_unused_entries();
     Place place_of(const Field& field, std::int32_t position) const;

@@ -1,6 +1,7 @@
 #include "conversion/texts/text_check.h"
 
 #include <algorithm>
+#include <span>
 
 #include "conversion/texts/text_decoder.h"
 #include "host/utf8.h"
@@ -18,14 +19,24 @@ bool is_all_nul(const std::uint8_t* text, std::int32_t length, std::uint8_t nul)
     return std::all_of(text, text + length, [nul](std::uint8_t byte) { return byte == nul; });
 }
 
-bool is_forbidden(std::int32_t code) {
-    return code < 0x20 && code != '\t' && code != '\n' && code != '\r';
+// "the byte 0x01" or "the bytes 0x00 0x01", and the verb after them.
+std::string shown_bytes(std::span<const std::uint8_t> bytes) {
+    std::string shown = bytes.size() > 1 ? "the bytes" : "the byte";
+    for (const std::uint8_t byte : bytes) shown += " " + hexadecimal(byte);
+    return shown + (bytes.size() > 1 ? " are" : " is");
 }
+
+constexpr std::int32_t LAST_OF_LATIN1 = 0xFF;
+constexpr const char* FORBIDDEN = " a control character that XML does not allow";
+constexpr const char* FORBIDDEN_REMEDY =
+    "does the layout fit the records? Binary data needs the directive `hex` in the copybook";
 
 }  // namespace
 
 TextCheck::TextCheck(const CharacterSet& characters, bool allows_controls)
-    : characters_(characters), allows_controls_(allows_controls) {
+    : characters_(characters),
+      allows_controls_(allows_controls),
+      is_limited_(characters.converts() && characters.is_latin1_document()) {
     for (std::size_t byte = 0; byte < special_.size(); ++byte) {
         special_[byte] = characters.classes()[byte] == ByteClass::plain ? 0 : 1;
         if (byte >= 0x20 && byte < 0x80 && special_[byte] != 0) is_ascii_plain_ = false;
@@ -54,38 +65,43 @@ std::optional<TextProblem> TextCheck::look_at_characters(const std::uint8_t* tex
                                                          std::int32_t length, TextForm form) const {
     TextDecoder decoder({text, static_cast<std::size_t>(length)}, characters_, form);
     while (const auto character = decoder.next()) {
-        if (character->code >= 0 && (allows_controls_ || !is_forbidden(character->code))) continue;
+        const std::int32_t code = character->code;
+        const bool is_lost = is_limited_ && code > LAST_OF_LATIN1;
+        if (code >= 0 && !is_lost && (allows_controls_ || !is_control(code))) continue;
         const auto position = static_cast<std::int32_t>(character->start);
-        if (character->code >= 0) return problem_of(position, text[character->start]);
-        std::string shown = "the byte" + std::string(character->length > 1 ? "s" : "");
-        for (std::size_t i = 0; i < character->length; ++i) {
-            shown += " " + hexadecimal(text[character->start + i]);
+        const bool is_plain_control = form == TextForm::plain && code >= 0;
+        if (is_plain_control || code == 0) return problem_of(position, text[position]);
+        const std::string shown = shown_bytes({text + position, character->length});
+        if (code > 0 && !is_lost) return TextProblem{position, shown + FORBIDDEN, FORBIDDEN_REMEDY};
+        if (code == platform::BEGINS_CHARACTER) {
+            return TextProblem{position, shown + " the start of a character of more than two bytes",
+                               "only characters of one and of two bytes are read"};
         }
         const std::string set = form == TextForm::utf16 ? "UTF-16" : characters_.name();
-        return TextProblem{position, shown + " are no character of " + set, {}};
+        return TextProblem{
+            position, is_lost ? shown + lacking(set) : shown + " no character of " + set, {}};
     }
     return std::nullopt;
 }
 
+std::string TextCheck::lacking(const std::string& set) const {
+    return " a character of " + set + " that " + characters_.declared_name() + " lacks";
+}
+
 TextProblem TextCheck::problem_of(std::int32_t position, std::uint8_t byte) const {
-    const std::string shown = "the byte " + hexadecimal(byte);
+    const std::string shown = shown_bytes({&byte, 1});
     switch (characters_.classify(byte)) {
         case ByteClass::nul:
             return {position, "a NUL byte with text after it, which would be lost",
                     "does the layout fit the records?"};
         case ByteClass::forbidden:
-            return {position, shown + " is a control character that XML does not allow",
-                    "does the layout fit the records? Binary data needs the directive `hex` in the "
-                    "copybook"};
+            return {position, shown + FORBIDDEN, FORBIDDEN_REMEDY};
         case ByteClass::undefined:
-            return {position, shown + " is no character of " + characters_.name(), {}};
+            return {position, shown + " no character of " + characters_.name(), {}};
         case ByteClass::not_in_target:
-            return {position,
-                    shown + " is a character of " + characters_.name() + " that " +
-                        characters_.declared_name() + " lacks",
-                    {}};
+            return {position, shown + lacking(characters_.name()), {}};
         default:
-            return {position, shown + " is not valid UTF-8", NAME_THE_CHARACTER_SET};
+            return {position, shown + " not valid UTF-8", NAME_THE_CHARACTER_SET};
     }
 }
 

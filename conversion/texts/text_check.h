@@ -50,9 +50,11 @@ class TextCheck {
     std::optional<TextProblem> look_at_characters(const std::uint8_t* text, std::int32_t length,
                                                   TextForm form) const;
     TextProblem problem_of(std::int32_t position, std::uint8_t byte) const;
+    std::string lacking(const std::string& set) const;
 
     const CharacterSet& characters_;
     bool allows_controls_;
+    bool is_limited_;                          // to the characters of ISO-8859-1
     std::array<std::uint8_t, 256> special_{};  // 0 for plain characters
     bool is_ascii_plain_ = true;               // from the blank to 0x7F
 };

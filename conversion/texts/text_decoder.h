@@ -26,6 +26,14 @@ class TextDecoder {
     // are passed over; one that is missing or too many comes as no character.
     std::optional<Character> next();
 
+    // Whether the character is a blank, which is left out at a text's end: the space, and in fields
+    // of characters of two bytes the ideographic one.
+    bool is_blank(const Character& character) const {
+        constexpr std::int32_t IDEOGRAPHIC_SPACE = 0x3000;
+        return character.code == ' ' ||
+               (form_ == TextForm::double_byte && character.code == IDEOGRAPHIC_SPACE);
+    }
+
   private:
     Character take(std::int32_t code, std::size_t length);
     bool is_filled_up() const;

@@ -176,9 +176,24 @@ TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
                                       "\x40\x40\x40\x40");
     write_file("e.dat", padded("\x81\x0E\x4F\x58", 26, '\x40'));
     EXPECT_NE(sxml({"to-xml", "e.dat", "-", "-l", "e.cpy", "--encoding", "IBM939"})
-                  .err.find("are no character of IBM939"),
+                  .err.find("the byte 0x40 is no character of IBM939"),
               std::string::npos);
     write_file("a.cpy", "       01  R.\n           05  X PIC X(8).\n");
+    write_file("a.dat", "\x8F\xB0\xA1     ");
+    EXPECT_NE(sxml({"to-xml", "a.dat", "-", "-l", "a.cpy", "--encoding", "EUC-JP"})
+                  .err.find("the bytes 0x8F 0xB0 are the start of a character of more than two"),
+              std::string::npos);
+    // Of several pairs for one character, iconv's.
+    for (const auto& [set, text] :
+         {std::pair("CP932", "\u7E8A\u2252"), {"BIG5", "\u5140\u55C0"}, {"BIG5", "\u5341\u5345"}}) {
+        write_file("w.txt", std::string(text) + "  ");
+        const std::string pairs = in(set, "w.txt");
+        ASSERT_EQ(pairs.size(), 6U) << set;
+        write_file("w.dat", pairs + "  ");
+        EXPECT_EQ(sxml({"to-xml", "w.dat", "w.xml", "-l", "a.cpy", "--encoding", set}).err, "");
+        EXPECT_EQ(sxml({"from-xml", "w.xml", "b.dat", "-l", "a.cpy", "--encoding", set}).err, "");
+        EXPECT_EQ(read_file("b.dat"), read_file("w.dat")) << set;
+    }
     for (const std::string set : {"CP932", "GBK", "BIG5", "EUC-JP"}) {
         SCOPED_TRACE(set);
         write_file("a.dat", padded(in(set, "t.txt"), 8, ' '));
@@ -187,6 +202,59 @@ TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
         EXPECT_EQ(sxml({"from-xml", "a.xml", "b.dat", "-l", "a.cpy", "--encoding", set}).err, "");
         EXPECT_EQ(read_file("b.dat"), read_file("a.dat"));
     }
+}
+
+// PIC N and what a document cannot hold of it: characters of UTF-16, and halves of them.
+TEST_F(CharactersTest, NationalTextsThatCannotBeAreNamed) {
+    write_file("n.cpy", "       01  R.\n           05  X PIC X.\n           05  N PIC N(3).\n");
+    const struct {
+        std::string setting, text, said, written;
+    } cases[] = {
+        {"ISO-8859-1", {"\0\xE9\0 \0 ", 6}, "", "<n>\xE9</n>"},
+        {"ISO-8859-1",
+         {"\0a\x30\x42\0 ", 6},
+         "field n, byte offset 3 (3 in the record): the bytes 0x30 0x42 are a character of UTF-16 "
+         "that ISO-8859-1 "
+         "lacks",
+         ""},
+        {"ISO-8859-1", {"\x04\x16\0 \0 ", 6}, "the bytes 0x04 0x16 are a character of UTF-16", ""},
+        {"UTF-8", {"\x04\x16\0 \0 ", 6}, "", "<n>\u0416</n>"},
+        {"UTF-8",
+         {"\0a\0\x01\0 ", 6},
+         "the bytes 0x00 0x01 are a control character that XML does not allow",
+         ""},
+        {"UTF-8", {"\0a\0\0\0b", 6}, "a NUL byte with text after it", ""},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(testing::PrintToString(each.text));
+        write_file("n.dat", "\xE7" + each.text);
+        const Outcome outcome = sxml({"to-xml", "n.dat", "-", "-l", "n.cpy", "--encoding", "cp037",
+                                      "--set", "SXML_ENCODING=" + each.setting});
+        EXPECT_EQ(outcome.status, each.said.empty() ? 0 : 1);
+        EXPECT_NE(outcome.err.find(each.said), std::string::npos) << outcome.err;
+        EXPECT_NE(outcome.out.find(each.written), std::string::npos) << outcome.out;
+    }
+}
+
+// The record's end cuts a field of two bytes a character.
+TEST_F(CharactersTest, CutNationalTextsAreFilledUp) {
+    write_file("n.cpy", "       01  R.\n           05  X PIC X.\n           05  N PIC N(3).\n");
+    const std::vector<std::string> words = {
+        "n.dat", "-", "-l", "n.cpy", "--encoding", "cp037", "--record-format", "rdw"};
+    write_file("n.dat", std::string("\0\x09\0\0\xE7\0a\x4E\0", 9));
+    const Outcome filled = run_on("to-xml", words);
+    EXPECT_EQ(filled.status, 0);
+    EXPECT_NE(filled.out.find("<n>a\u4E00</n>"), std::string::npos) << filled.out;
+    write_file("n.dat", std::string("\0\x08\0\0\xE7\0a\x4E", 8));
+    const Outcome halved = run_on("to-xml", words);
+    EXPECT_EQ(halved.status, 1);
+    EXPECT_NE(halved.err.find("field n, byte offset 5 (1 in the record): the record ends within"),
+              std::string::npos)
+        << halved.err;
+    // What a field ends with that looks like a NUL byte.
+    write_file("n.dat", std::string("\xE7\0a\0b\x4E\0", 7));
+    const Outcome whole = sxml({"check", "n.dat", "-l", "n.cpy", "--encoding", "cp037"});
+    EXPECT_NE(whole.out.find("6  ab\u4E00  "), std::string::npos) << whole.out;
 }
 
 // Control characters, and NUL bytes before a text.
