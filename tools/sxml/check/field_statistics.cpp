@@ -182,8 +182,9 @@ void FieldStatistics::add_text(Row& row, const Field& field, const std::uint8_t*
     const std::size_t width = row.form == conversion::TextForm::plain ? 1 : 2;
     auto length = static_cast<std::size_t>(field.length);
     const auto ends_blank = [&] {
+        const std::uint8_t first = bytes[length - width];
         const std::uint8_t last = bytes[length - 1];
-        return last == 0 || (last == blank.second && bytes[length - width] == blank.first);
+        return (first == 0 && last == 0) || (first == blank.first && last == blank.second);
     };
     while (length >= width && ends_blank()) length -= width;
     if (length == 0) {
