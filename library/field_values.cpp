@@ -95,8 +95,7 @@ Complaint FieldValues::get_characters(const XfdItem& item, const std::uint8_t* r
                    (characters_.is_utf8() ? "not UTF-8" : "no character of " + characters_.name());
         }
         conversion::append_utf8(static_cast<char32_t>(character->code), text);
-        const bool is_wide = form == conversion::TextForm::double_byte;
-        if (character->code != (is_wide ? 0x3000 : ' ') && character->code != 0) end = text.size();
+        if (!decoder.is_blank(*character) && character->code != 0) end = text.size();
     }
     text.resize(end);
     return {};

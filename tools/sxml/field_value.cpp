@@ -32,21 +32,16 @@ bool is_control(char32_t code) {
 
 std::string shown_text(std::span<const std::uint8_t> bytes,
                        const conversion::CharacterSet& characters, conversion::TextForm form) {
-    constexpr std::string_view IDEOGRAPHIC_SPACE = "\u3000";
     std::string text = "'";
     conversion::TextDecoder decoder(bytes, characters, form);
     std::size_t end = text.size();  // of what is not blank
     while (const auto character = decoder.next()) {
-        const std::size_t start = text.size();
         if (character->code < 0 || is_control(static_cast<char32_t>(character->code))) {
             text += '.';
         } else {
             conversion::append_utf8(static_cast<char32_t>(character->code), text);
         }
-        const std::string_view added = std::string_view(text).substr(start);
-        const bool is_blank =
-            added == " " || (form != conversion::TextForm::plain && added == IDEOGRAPHIC_SPACE);
-        if (!is_blank) end = text.size();
+        if (!decoder.is_blank(*character)) end = text.size();
     }
     text.resize(end);
     return text + "'";
