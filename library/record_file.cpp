@@ -7,7 +7,7 @@
 #include "conversion/documents/unread_entities.h"
 #include "conversion/formats/format_detection.h"
 #include "conversion/session/module.h"
-#include "host/encoding.h"
+#include "host/config.h"
 #include "host/runtime/settings/settings.h"
 
 namespace library {
@@ -58,6 +58,8 @@ class RecordFile::Settings {
     Settings(const Settings&) = delete;
     Settings& operator=(const Settings&) = delete;
 
+    std::string configured_encoding() const { return host_config_string("SXML_ENCODING", ""); }
+
     // Tries all values. A problem names the first that cannot be.
     static Done check(const FileOptions& options) {
         Done found;
@@ -81,13 +83,9 @@ Result<std::unique_ptr<RecordFile>> RecordFile::open(const std::string& layout,
                                                      const Target& target, FileOptions options) {
     if (const auto module = conversion::xml_module(); !module) return module.problem();
     if (Done problem = Settings::check(options)) return *std::move(problem);
-    const bool is_latin1 = std::ranges::any_of(options.settings, [](const auto& setting) {
-        return setting.first == "SXML_ENCODING" &&
-               host_encoding_code(setting.second.c_str()) == HOST_ENCODING_LATIN1;
-    });
+    const std::string encoding = options.encoding.empty() ? "utf-8" : options.encoding;
     Result<CharacterSet> characters = CharacterSet::find(
-        options.encoding.empty() ? "utf-8" : options.encoding,
-        is_latin1 ? conversion::DocumentEncoding::single_byte : conversion::DocumentEncoding::utf8);
+        encoding, conversion::document_encoding(encoding, Settings(options).configured_encoding()));
     if (!characters) return characters.problem();
     options.layout.encoding =
         characters->is_ebcdic() ? records::RecordEncoding::ebcdic : records::RecordEncoding::ascii;

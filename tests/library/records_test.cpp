@@ -279,6 +279,16 @@ TEST_F(RecordsTest, TakesTheOptionsOfTheCommand) {
     }
 }
 
+// Documents may stay in the set of the records, as with the command.
+TEST_F(RecordsTest, DocumentsAreInTheEncodingThatIsSet) {
+    const char* const options[] = {"encoding=windows-1252", "SXML_ENCODING=windows-1252", nullptr};
+    SxmlFile* const file = sxml_open("r.cpy", "out.xml", "w", options);
+    EXPECT_EQ(sxml_write(file), 0) << sxml_problem(file);
+    EXPECT_EQ(sxml_finish(file), 0) << sxml_problem(file);
+    sxml_close(file);
+    EXPECT_NE(read_file("out.xml").find("encoding=\"WINDOWS-1252\""), std::string::npos);
+}
+
 TEST_F(RecordsTest, FailuresStayAndNameTheRecord) {
     std::size_t length = 0;
     ASSERT_NE(sxml_record(open(), &length), nullptr);

@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
-#include "host/encoding.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/setting_options.h"
 
@@ -20,12 +19,10 @@ conversion::CharacterSet find_character_set(const std::string& name, const std::
 
 conversion::CharacterSet records_character_set(const std::string& encoding) {
     const std::string configured = setting_text("SXML_ENCODING");
-    const bool is_latin1 = host_encoding_code(configured.c_str()) == HOST_ENCODING_LATIN1;
     const std::string name = configured.empty() ? "utf-8" : configured;
     if (!encoding.empty()) {
-        const bool is_own = is_latin1 || configured == encoding;
         return find_character_set(encoding, "--encoding",
-                                  is_own ? DocumentEncoding::single_byte : DocumentEncoding::utf8);
+                                  conversion::document_encoding(encoding, configured));
     }
     conversion::CharacterSet found =
         find_character_set(name, "SXML_ENCODING", DocumentEncoding::utf8);
