@@ -7,7 +7,7 @@
 #include <string>
 
 #include "host/errors.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/streams.h"
 #include "sxml/xml_api.h"
 #include "tests/support/scratch_folder.h"

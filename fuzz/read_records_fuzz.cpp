@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "host/errors.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/module.h"
 #include "host/runtime/settings/settings.h"
 #include "host/runtime/trace_control.h"

@@ -12,7 +12,7 @@
 
 #include "gnucobol/file_name.h"
 #include "gnucobol/trusted_settings.h"
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 
 namespace gnucobol {
 

@@ -9,7 +9,7 @@
 
 #include "conversion/formats/byte_sink.h"
 #include "conversion/formats/byte_source.h"
-#include "host/runtime/fetch.h"
+#include "host/runtime/fetching/fetch.h"
 #include "platform/descriptors.h"
 #include "platform/files.h"
 #include "platform/paths.h"

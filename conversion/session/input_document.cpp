@@ -11,7 +11,7 @@
 #include "host/config.h"
 #include "host/encoding.h"
 #include "host/errors.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "platform/files.h"
 #include "records/alignment.h"
 #include "records/conventions.h"

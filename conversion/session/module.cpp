@@ -12,8 +12,8 @@
 
 #include "host/config.h"
 #include "host/errors.h"
-#include "host/runtime/memory_failure.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_failure.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/record_handlers.h"
 #include "host/runtime/streams.h"
 #include "records/numbers.h"

@@ -8,7 +8,7 @@
 #include "conversion/texts/text_decoder.h"
 #include "conversion/texts/utf8.h"
 #include "host/dispatch_table.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "records/numbers.h"
 
 namespace conversion {

@@ -4,7 +4,7 @@
 #include <cctype>
 
 #include "host/encoding.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "platform/character_sets.h"
 
 namespace conversion {

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "host/runtime/tracked_memory.h"
+#include "host/runtime/memory/tracked_memory.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "host/runtime/immortal.h"
-#include "host/runtime/memory_failure.h"
+#include "host/runtime/memory/immortal.h"
+#include "host/runtime/memory/memory_failure.h"
 #include "host/utf8.h"
 #include "platform/character_sets.h"
 

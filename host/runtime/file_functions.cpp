@@ -4,7 +4,7 @@
 #include <new>
 #include <string>
 
-#include "host/runtime/memory_failure.h"
+#include "host/runtime/memory/memory_failure.h"
 #include "host/runtime/module.h"
 #include "platform/descriptors.h"
 #include "platform/files.h"

@@ -16,8 +16,8 @@
 #include <string_view>
 #include <utility>
 
-#include "host/runtime/immortal.h"
-#include "host/runtime/memory_failure.h"
+#include "host/runtime/memory/immortal.h"
+#include "host/runtime/memory/memory_failure.h"
 #include "host/runtime/settings/settings.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/write_failures.h"

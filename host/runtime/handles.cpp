@@ -7,9 +7,9 @@
 #include <new>
 #include <vector>
 
-#include "host/runtime/immortal.h"
-#include "host/runtime/memory_failure.h"
-#include "host/runtime/tracked_memory.h"
+#include "host/runtime/memory/immortal.h"
+#include "host/runtime/memory/memory_failure.h"
+#include "host/runtime/memory/tracked_memory.h"
 
 namespace host {
 namespace {

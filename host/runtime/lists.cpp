@@ -1,6 +1,6 @@
 #include "host/lists.h"
 
-#include "host/runtime/tracked_memory.h"
+#include "host/runtime/memory/tracked_memory.h"
 
 using namespace host;
 

@@ -4,9 +4,9 @@
 
 #include <cstring>
 
+#include "host/runtime/memory/tracked_memory.h"
 #include "host/runtime/name_index.h"
 #include "host/runtime/text_hash.h"
-#include "host/runtime/tracked_memory.h"
 
 namespace {
 

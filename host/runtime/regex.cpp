@@ -9,7 +9,7 @@
 
 #include "host/handles.h"
 #include "host/runtime/library_versions.h"
-#include "host/runtime/tracked_memory.h"
+#include "host/runtime/memory/tracked_memory.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "host/runtime/tracked_memory.h"
+#include "host/runtime/memory/tracked_memory.h"
 
 namespace host {
 

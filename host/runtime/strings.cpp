@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "host/handles.h"
+#include "host/runtime/memory/tracked_memory.h"
 #include "host/runtime/string_entries.h"
-#include "host/runtime/tracked_memory.h"
 
 namespace {
 

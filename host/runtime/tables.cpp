@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "host/name_index.h"
+#include "host/runtime/memory/tracked_memory.h"
 #include "host/runtime/name_index.h"
-#include "host/runtime/tracked_memory.h"
 
 struct HostTable {
     HostNameIndex* index;

@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "host/runtime/immortal.h"
-#include "host/runtime/memory_failure.h"
+#include "host/runtime/memory/immortal.h"
+#include "host/runtime/memory/memory_failure.h"
 #include "host/runtime/streams.h"
 
 namespace host {

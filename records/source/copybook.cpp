@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <utility>
 
-#include "records/source/copy_library.h"
 #include "records/source/entry_parser.h"
 #include "records/source/program_structure.h"
 #include "records/source/record_builder.h"
-#include "records/source/source_hints.h"
-#include "records/source/text_case.h"
-#include "records/source/text_manipulation.h"
+#include "records/source/text/copy_library.h"
+#include "records/source/text/source_hints.h"
+#include "records/source/text/text_case.h"
+#include "records/source/text/text_manipulation.h"
 
 namespace records {
 

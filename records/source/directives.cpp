@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "records/source/condition_parser.h"
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 
 namespace records {
 

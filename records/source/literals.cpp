@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 
 namespace records {
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "records/data_item.h"
-#include "records/source/source_set.h"
+#include "records/source/text/source_set.h"
 #include "records/source/tokens.h"
 
 namespace records {

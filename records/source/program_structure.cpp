@@ -8,7 +8,7 @@
 #include "records/source/directives.h"
 #include "records/source/entry_parser.h"
 #include "records/source/literals.h"
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 #include "records/source/value_clause.h"
 
 namespace records {

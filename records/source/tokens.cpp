@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 
 namespace records {
 

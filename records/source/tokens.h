@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "records/source/text_word.h"
+#include "records/source/text/text_word.h"
 
 namespace records {
 

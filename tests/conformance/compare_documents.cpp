@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "tests/parser/comparison.h"
 #include "tests/parser/parser_test.h"
 

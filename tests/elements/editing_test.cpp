@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "host/handles.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "tests/elements/element_test.h"
 
 namespace {

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "sxml/xml_api.h"
 
 inline std::string file_text(const std::filesystem::path& path) {

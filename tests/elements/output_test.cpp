@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "host/files.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/trace_control.h"
 #include "tests/elements/element_test.h"
 

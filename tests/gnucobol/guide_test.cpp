@@ -8,7 +8,7 @@
 
 namespace {
 
-// The guide's parts between lines of three backquotes: what stands behind the opening ones, and the
+// The guide's parts between lines of three backquotes: what stands after the opening ones, and the
 // lines.
 struct Block {
     std::string label;

@@ -8,7 +8,7 @@
 #include <ctime>
 #include <functional>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/streams.h"
 #include "tests/module/module_fixture.h"
 

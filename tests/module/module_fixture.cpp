@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "host/files.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/settings/settings.h"
 #include "host/runtime/trace_control.h"
 #include "records/description.h"

@@ -1,7 +1,7 @@
 // Opening for input: names, retries, failures.
 #include <filesystem>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/trace_control.h"
 #include "tests/module/module_fixture.h"
 #include "tests/module/sample_descriptions.h"

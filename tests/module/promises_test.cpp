@@ -12,7 +12,7 @@
 #include "host/encoding.h"
 #include "host/files.h"
 #include "host/memory.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/trace_control.h"
 #include "tests/module/module_fixture.h"
 #include "tests/module/sample_descriptions.h"

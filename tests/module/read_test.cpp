@@ -5,7 +5,7 @@
 #include <chrono>
 #include <random>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/trace_control.h"
 #include "tests/module/module_fixture.h"

@@ -2,7 +2,7 @@
 // nothing behind and can be tried again.
 #include <functional>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "tests/parser/bare_expat.h"
 #include "tests/parser/parser_test.h"
 

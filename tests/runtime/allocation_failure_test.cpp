@@ -10,7 +10,7 @@
 #include "host/memory.h"
 #include "host/name_index.h"
 #include "host/regex.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/strings.h"
 #include "host/tables.h"
 #include "tests/runtime/scratch.h"

@@ -10,7 +10,7 @@
 
 #include "host/files.h"
 #include "host/memory.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "tests/runtime/scratch.h"
 
 namespace {

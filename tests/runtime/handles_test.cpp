@@ -5,7 +5,7 @@
 #include <set>
 #include <vector>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/strings.h"
 #include "tests/runtime/scratch.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "tests/runtime/scratch.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "host/handles.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "tests/runtime/scratch.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "host/handles.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "tests/runtime/scratch.h"
 
 namespace {

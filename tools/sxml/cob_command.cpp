@@ -7,7 +7,7 @@
 #include <fstream>
 
 #include "host/runtime/library_files.h"
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 #include "tools/sxml/cob/calling_compiler.h"
 #include "tools/sxml/cob/descriptions.h"
 #include "tools/sxml/cob/header.h"

@@ -5,7 +5,7 @@
 
 #include "conversion/session/module.h"
 #include "host/errors.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "records/description.h"
 #include "tools/sxml/failure.h"
 

@@ -4,8 +4,8 @@
 #include <exception>
 #include <new>
 
-#include "host/runtime/memory_failure.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_failure.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/streams.h"
 #include "tools/sxml/failure.h"
 

@@ -4,7 +4,7 @@
 #include <new>
 #include <string>
 
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/memory_report.h"
 #include "platform/interrupts.h"
 #include "platform/standard_streams.h"
 #include "tools/sxml/command_line.h"

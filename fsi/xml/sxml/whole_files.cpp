@@ -4,8 +4,8 @@
 
 #include "fsi/xml/sxml/entries.h"
 #include "fsi/xml/sxml/host_functions.h"
+#include "fsi/xml/sxml/writing/xml_output.h"
 #include "fsi/xml/sxml/xml_file.h"
-#include "fsi/xml/sxml/xml_output.h"
 #include "host/errors.h"
 #include "host/files.h"
 #include "host/trace.h"

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "fsi/xml/sxml/input_items.h"
-#include "fsi/xml/sxml/item_tags.h"
-#include "fsi/xml/sxml/write_plan.h"
+#include "fsi/xml/sxml/reading/input_items.h"
+#include "fsi/xml/sxml/writing/item_tags.h"
+#include "fsi/xml/sxml/writing/write_plan.h"
 #include "host/files.h"
 #include "host/record_description.h"
 #include "host/record_handler.h"

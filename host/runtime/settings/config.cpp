@@ -13,9 +13,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/runtime/immortal.h"
-#include "host/runtime/memory_failure.h"
-#include "host/runtime/memory_report.h"
+#include "host/runtime/memory/immortal.h"
+#include "host/runtime/memory/memory_failure.h"
+#include "host/runtime/memory/memory_report.h"
 #include "host/runtime/settings/setting_values.h"
 #include "host/runtime/settings/settings.h"
 #include "host/runtime/settings/settings_file.h"

@@ -8,7 +8,7 @@
 
 #include "records/copybook.h"
 #include "records/description.h"
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 #include "tools/sxml/cob/generated_code.h"
 #include "tools/sxml/cob/judge.h"
 #include "tools/sxml/cob/run.h"

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 
 namespace command::cob {
 

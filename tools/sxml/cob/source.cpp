@@ -6,7 +6,7 @@
 #include <optional>
 #include <sstream>
 
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 
 namespace command::cob {
 

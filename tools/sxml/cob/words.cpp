@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "records/source/text_case.h"
+#include "records/source/text/text_case.h"
 #include "tools/sxml/failure.h"
 
 namespace command::cob {

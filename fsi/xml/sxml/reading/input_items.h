@@ -1,0 +1,24 @@
+// What reading needs besides the description's items. Worked out once when a file is opened: which
+// group encloses each item, and the order in which fields are filled. For each record anew: its
+// elements.
+#pragma once
+
+#include <cstdint>
+
+#include "fsi/xml/handlers/record_tree.h"
+#include "fsi/xml/sxml/reading/record_index.h"
+#include "host/record_description.h"
+
+struct InputItems {
+    std::int32_t* enclosing;     // per item: the nearest item before it of a lower level, or -1
+    std::int32_t* fields;        // fields by condition, and by place among those of one condition
+    std::int32_t field_count;    // groups and fields of conditions out of range are left out
+    std::uint32_t* names;        // per item: the number of its name in the tree
+    RecordTree tree;             // the record being read
+    RecordIndex record_index;    // of its elements
+    std::int32_t text_encoding;  // of their texts
+};
+
+// Null when memory is exhausted. Released with free_input_items.
+InputItems* new_input_items(const Xfd& xfd);
+void free_input_items(InputItems* items);

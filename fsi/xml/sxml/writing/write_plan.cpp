@@ -1,0 +1,171 @@
+#include "fsi/xml/sxml/writing/write_plan.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "fsi/xml/sxml/group_path.h"
+#include "fsi/xml/sxml/items.h"
+#include "fsi/xml/sxml/plugin.h"
+#include "fsi/xml/sxml/writing/field_output.h"
+#include "fsi/xml/sxml/writing/xml_output.h"
+#include "host/memory.h"
+
+namespace {
+
+constexpr std::size_t MOST_MARKUP_OF_AN_ITEM = 512;
+constexpr std::size_t MARKUP_OF_ALL = 65536;
+
+PlanStep::Kind kind_of(const Xfd& xfd, const XfdItem& field) {
+    if (field.format == XFD_FORMAT_BINARY || field.offset < 0 || field.data.length <= 0) {
+        return PlanStep::OTHER;
+    }
+    if (is_numeric_type(field.data.type)) return PlanStep::NUMBER;
+    const std::int32_t encoding = text_encoding(xfd, field.data.type);
+    const bool is_of_bytes = encoding >= HOST_ENCODING_UNKNOWN &&
+                             encoding <= HOST_ENCODING_LATIN1 && host_unit_width(encoding) == 1;
+    return is_of_bytes && field.data.length <= MOST_PLANNED_TEXT ? PlanStep::TEXT : PlanStep::OTHER;
+}
+
+// Where a plan goes. Without a plan its parts are only counted.
+struct Parts {
+    WritePlan* plan;
+    PlanStep* steps;
+    char* markup;
+};
+
+// Walks the layouts as the writer of a record does.
+class PlanMaker {
+  public:
+    PlanMaker(const Xfd& xfd, const ItemTags& tags, const Parts& parts)
+        : xfd_(xfd), tags_(tags), parts_(parts), budget_(xfd.item_count) {}
+
+    // All layouts, up to the first that is too much.
+    void make() {
+        for (std::int32_t i = 0; i < xfd_.item_count && !is_complete(); ++i) {
+            if ((i == 0 || xfd_.items[i].level == RECORD_LEVEL) && !make_layout(i)) break;
+        }
+    }
+    std::size_t layout_count() const { return layout_count_; }
+    std::size_t step_count() const { return step_count_; }
+    std::size_t markup_size() const { return markup_size_; }
+
+  private:
+    bool is_counting() const { return parts_.plan == nullptr; }
+    bool is_complete() const {
+        return !is_counting() && layout_count_ == parts_.plan->layout_count;
+    }
+    bool is_too_much() const {
+        return markup_size_ >
+               MARKUP_OF_ALL + MOST_MARKUP_OF_AN_ITEM * static_cast<std::size_t>(xfd_.item_count);
+    }
+
+    bool make_layout(std::int32_t layout) {
+        const std::size_t first_step = step_count_;
+        const std::size_t first_markup = markup_size_;
+        full_length_ = 0;
+        if (!walk(layout)) {
+            step_count_ = first_step;
+            markup_size_ = first_markup;
+            return false;
+        }
+        add_step({0, -1, 0, 0, 0, PlanStep::END});
+        if (!is_counting()) {
+            parts_.plan->layouts[layout_count_] = {layout, full_length_, parts_.steps + first_step,
+                                                   parts_.markup + first_markup};
+        }
+        ++layout_count_;
+        return true;
+    }
+
+    // False when the layout is too much for a plan.
+    bool walk(std::int32_t layout) {
+        GroupPath path;
+        if (!start(path, layout)) return false;
+        while (!path.empty()) {
+            OpenGroup& group = path.innermost();
+            const std::int32_t child = group.child;
+            if (child > 0) {
+                group.child = next_sibling_item(xfd_, child, true);
+                if (!start(path, child)) return false;
+            } else {
+                const std::int32_t item = path.close().item;
+                add_indent(xfd_.items[item].level);
+                add_markup(tags_.end_tag(item));
+            }
+        }
+        return !is_too_much();
+    }
+
+    bool start(GroupPath& path, std::int32_t index) {
+        const std::int32_t written = written_item(xfd_, index, path);
+        const XfdItem& item = xfd_.items[written];
+        if (!budget_.spend() || (is_group(item) && path.full())) return false;
+        full_length_ = std::max({full_length_, extent_of(xfd_.items[index]), extent_of(item)});
+        add_indent(item.level);
+        add_markup(tags_.start_tag(written));
+        if (is_group(item)) {
+            add_markup("\r\n");
+            path.open({written, first_child_item(xfd_, written), 0, false});
+        } else {
+            add_step({0, written, item.offset, static_cast<std::uint32_t>(item.data.length),
+                      item.condition, kind_of(xfd_, item)});
+            add_markup(tags_.end_tag(written));
+        }
+        return !is_too_much();
+    }
+
+    void add_markup(std::string_view text) {
+        if (!is_counting()) std::memcpy(parts_.markup + markup_size_, text.data(), text.size());
+        markup_size_ += text.size();
+    }
+
+    void add_indent(int level) {
+        const auto blanks = static_cast<std::size_t>(indent_blanks(level));
+        if (!is_counting()) std::memset(parts_.markup + markup_size_, ' ', blanks);
+        markup_size_ += blanks;
+    }
+
+    // Ends the markup before a field.
+    void add_step(PlanStep step) {
+        step.markup_length = static_cast<std::uint32_t>(markup_size_ - step_markup_);
+        step_markup_ = markup_size_;
+        if (!is_counting()) parts_.steps[step_count_] = step;
+        ++step_count_;
+    }
+
+    const Xfd& xfd_;
+    const ItemTags& tags_;
+    Parts parts_;
+    WalkBudget budget_;
+    std::size_t layout_count_ = 0;
+    std::size_t step_count_ = 0;
+    std::size_t markup_size_ = 0;
+    std::size_t step_markup_ = 0;  // where the markup after the last step begins
+    std::uint32_t full_length_ = 0;
+};
+
+}  // namespace
+
+const LayoutPlan* WritePlan::of_layout(std::int32_t item) const {
+    const LayoutPlan* const end = layouts + layout_count;
+    const LayoutPlan* const found = std::lower_bound(
+        layouts, end, item,
+        [](const LayoutPlan& layout, std::int32_t wanted) { return layout.item < wanted; });
+    return found != end && found->item == item ? found : nullptr;
+}
+
+WritePlan* new_write_plan(const Xfd& xfd, const ItemTags& tags) {
+    PlanMaker count(xfd, tags, {nullptr, nullptr, nullptr});
+    count.make();
+    const std::size_t head = sizeof(WritePlan) + count.layout_count() * sizeof(LayoutPlan);
+    const std::size_t steps = count.step_count() * sizeof(PlanStep);
+    void* const block = host_alloc(head + steps + count.markup_size() + MARKUP_READ_SIZE,
+                                   HOST_BLOCK_ZEROED, SXML_SOURCE, __LINE__, "XML write plan", 0);
+    auto* const plan = static_cast<WritePlan*>(block);
+    if (plan == nullptr) return nullptr;
+    auto* const after = static_cast<char*>(block) + head;
+    plan->layout_count = count.layout_count();
+    PlanMaker(xfd, tags, {plan, reinterpret_cast<PlanStep*>(after), after + steps}).make();
+    return plan;
+}

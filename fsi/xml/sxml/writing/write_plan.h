@@ -1,0 +1,51 @@
+// The plan of writing a record, made once when a file is opened for output: for each record layout
+// the fields in the order in which they are written, and between them the markup that stands there
+// in every record. A record is written by plan when it is long enough to hold every field, nothing
+// is traced, and empty elements are not left out; all others are written by walking the items.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "fsi/xml/sxml/writing/item_tags.h"
+#include "host/record_description.h"
+
+struct PlanStep {
+    enum Kind : std::uint8_t {
+        TEXT,    // characters in an encoding of bytes, not many
+        NUMBER,  // converted by the host
+        OTHER,   // whatever the walk over the items would make of the field
+        END      // no field: the markup after the last one
+    };
+    std::uint32_t markup_length;  // bytes of markup before the field
+    std::int32_t item;            // index of the field
+    std::int32_t offset;          // of its bytes; they lie in a record of full length
+    std::uint32_t length;         // in bytes
+    std::int16_t condition;
+    Kind kind;
+};
+
+struct LayoutPlan {
+    std::int32_t item;          // index of the item that opens the layout
+    std::uint32_t full_length;  // bytes from which on a record holds every field
+    const PlanStep* steps;      // up to the END
+    const char* markup;         // of all steps
+};
+
+// One block: the layouts' steps and markup follow.
+struct WritePlan {
+    std::size_t layout_count;
+    LayoutPlan layouts[1];  // ascending by item
+
+    // Null for a layout that has no plan.
+    const LayoutPlan* of_layout(std::int32_t item) const;
+};
+
+// The longest field of kind TEXT.
+constexpr std::int32_t MOST_PLANNED_TEXT = 1024;
+// So many bytes may be read from where any piece of markup begins, in steps of as many.
+constexpr std::size_t MARKUP_READ_SIZE = 16;
+
+// A plan of the layouts, up to the first with which the walks of all together become longer than
+// the description has items. Null when memory is exhausted. Released with host_free.
+WritePlan* new_write_plan(const Xfd& xfd, const ItemTags& tags);
