@@ -10,12 +10,11 @@
 #include "host/utf8.h"
 #include "records/alignment.h"
 #include "records/field_types.h"
+#include "records/hexadecimal.h"
 
 namespace library {
 
 namespace {
-
-constexpr std::string_view HEXADECIMAL = "0123456789ABCDEF";
 
 XfdDataDesc field_at(const XfdItem& item, std::uint8_t* record) {
     XfdDataDesc field = item.data;
@@ -23,32 +22,16 @@ XfdDataDesc field_at(const XfdItem& item, std::uint8_t* record) {
     return field;
 }
 
-std::string hexadecimal(const std::uint8_t* bytes, std::int32_t length) {
-    std::string text;
-    for (std::int32_t i = 0; i < length; ++i) {
-        text += HEXADECIMAL[bytes[i] >> 4];
-        text += HEXADECIMAL[bytes[i] & 0xF];
-    }
-    return text;
-}
-
-// The value of a hexadecimal digit; 16 for another character.
-unsigned digit_value(char c) {
-    if (c >= 'a' && c <= 'f') c = static_cast<char>(c - 'a' + 'A');
-    return static_cast<unsigned>(std::min(HEXADECIMAL.find(c), HEXADECIMAL.size()));
+std::span<const std::uint8_t> bytes_at(const XfdItem& item, const std::uint8_t* record) {
+    return {record + item.offset, static_cast<std::size_t>(item.data.length)};
 }
 
 Complaint set_binary(const XfdItem& item, std::uint8_t* record, std::string_view text) {
-    std::vector<std::uint8_t> bytes;
-    for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-        const unsigned high = digit_value(text[i]);
-        const unsigned low = digit_value(text[i + 1]);
-        if (high > 0xF || low > 0xF) return "takes hexadecimal digits";
-        bytes.push_back(static_cast<std::uint8_t>(high << 4 | low));
+    const std::size_t digits = 2 * static_cast<std::size_t>(item.data.length);
+    if (text.size() != digits || !records::is_hexadecimal(text)) {
+        return "takes " + std::to_string(digits) + " hexadecimal digits";
     }
-    const auto size = static_cast<std::size_t>(item.data.length);
-    if (text.size() != 2 * size) return "takes " + std::to_string(2 * size) + " hexadecimal digits";
-    std::copy(bytes.begin(), bytes.end(), record + item.offset);
+    records::put_hexadecimal(text, record + item.offset);
     return {};
 }
 
@@ -70,7 +53,7 @@ Complaint FieldValues::get_text(const XfdItem& item, const std::uint8_t* record,
                                 std::string& text) const {
     text.clear();
     if (is_binary(item)) {
-        text = hexadecimal(record + item.offset, item.data.length);
+        text = records::hexadecimal(bytes_at(item, record));
         return {};
     }
     if (!is_number(item)) return get_characters(item, record, text);
@@ -82,15 +65,14 @@ Complaint FieldValues::get_text(const XfdItem& item, const std::uint8_t* record,
 
 Complaint FieldValues::get_characters(const XfdItem& item, const std::uint8_t* record,
                                       std::string& text) const {
-    const std::span<const std::uint8_t> bytes(record + item.offset,
-                                              static_cast<std::size_t>(item.data.length));
+    const std::span<const std::uint8_t> bytes = bytes_at(item, record);
     const conversion::TextForm form = conversion::text_form(item, characters_);
     conversion::TextDecoder decoder(bytes, characters_, form);
     std::size_t end = 0;  // of what is not blank
     while (const auto character = decoder.next()) {
-        const std::uint8_t* const start = &bytes[character->start];
         if (character->code < 0) {
-            return "holds X'" + hexadecimal(start, static_cast<std::int32_t>(character->length)) +
+            return "holds X'" +
+                   records::hexadecimal(bytes.subspan(character->start, character->length)) +
                    "', which is " +
                    (characters_.is_utf8() ? "not UTF-8" : "no character of " + characters_.name());
         }
@@ -106,7 +88,7 @@ Complaint FieldValues::get_number(const XfdItem& item, const std::uint8_t* recor
     if (!is_number(item)) return "is not a numeric field";
     const XfdDataDesc field = field_at(item, const_cast<std::uint8_t*>(record));
     if (records::decode_field(field, number)) return {};
-    return "holds no valid number: X'" + hexadecimal(record + item.offset, item.data.length) + "'";
+    return "holds no valid number: X'" + records::hexadecimal(bytes_at(item, record)) + "'";
 }
 
 Complaint FieldValues::set_text(const XfdItem& item, std::uint8_t* record,

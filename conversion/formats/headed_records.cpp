@@ -4,6 +4,8 @@
 #include <cstring>
 #include <vector>
 
+#include "records/hexadecimal.h"
+
 namespace conversion {
 
 namespace {
@@ -145,8 +147,9 @@ class HeadedRecordReader : public RecordReader {
         const std::uint8_t* const header = buffer_.get() + position_;
         const std::optional<std::size_t> payload = block_payload(header);
         if (!payload) {
-            return problem("X'" + hexadecimal(header, BLOCK_HEADER) + "' is not a block's header",
-                           "the file is damaged, or in another format");
+            return problem(
+                "X'" + records::hexadecimal({header, BLOCK_HEADER}) + "' is not a block's header",
+                "the file is damaged, or in another format");
         }
         block_left_ = *payload;
         position_ += BLOCK_HEADER;
@@ -170,16 +173,6 @@ class HeadedRecordReader : public RecordReader {
         return std::min(wanted, filled_ - position_);
     }
 
-    static std::string hexadecimal(const std::uint8_t* bytes, std::size_t count) {
-        constexpr std::string_view DIGITS = "0123456789ABCDEF";
-        std::string text;
-        for (std::size_t i = 0; i < count; ++i) {
-            text += DIGITS[bytes[i] >> 4];
-            text += DIGITS[bytes[i] & 0xF];
-        }
-        return text;
-    }
-
     Problem problem(const std::string& what, const std::string& remedy) const {
         Place place;
         place.file = source_.name();
@@ -200,8 +193,9 @@ class HeadedRecordReader : public RecordReader {
             "the file is damaged, or in another format");
     }
     Problem not_a_header(const std::uint8_t* header) const {
-        return problem("X'" + hexadecimal(header, header_.size) + "' is not a record's header",
-                       "the file is damaged, or in another format");
+        return problem(
+            "X'" + records::hexadecimal({header, header_.size}) + "' is not a record's header",
+            "the file is damaged, or in another format");
     }
     Problem impossible_length(std::uint32_t length) const {
         return problem(

@@ -16,6 +16,7 @@
 #include "records/alignment.h"
 #include "records/conventions.h"
 #include "records/field_types.h"
+#include "records/hexadecimal.h"
 #include "records/numbers.h"
 
 namespace conversion {
@@ -48,16 +49,6 @@ std::string folded(std::string_view name) {
 bool is_ascii(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-int digit_value(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
-}
-
-bool is_hexadecimal(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return digit_value(c) >= 0; });
 }
 
 bool is_aligned(const XfdItem& item) {
@@ -391,7 +382,7 @@ void InputDocument::store_text(std::int32_t index, std::string_view text) {
     const auto size = static_cast<std::size_t>(item.data.length);
     if (item.format == XFD_FORMAT_BINARY) return store_digits(index, text);
     // A text is never as long as the digits of its field.
-    if (options_.takes_hex && text.size() == 2 * size && is_hexadecimal(text)) {
+    if (options_.takes_hex && text.size() == 2 * size && records::is_hexadecimal(text)) {
         return store_digits(index, text);
     }
     const TextForm form = text_form(item, *characters_);
@@ -414,14 +405,10 @@ void InputDocument::store_digits(std::int32_t index, std::string_view text) {
     const auto size = static_cast<std::size_t>(item.data.length);
     std::uint8_t* const target = record_.data() + item.offset;
     std::fill_n(target, size, std::uint8_t{0});
-    if (text.size() % 2 != 0 || !is_hexadecimal(text)) {
+    if (!records::is_hexadecimal(text)) {
         return note_trouble({index, FieldFate::no_digits, std::string(text), 0, size, 0});
     }
-    const std::size_t count = std::min(text.size() / 2, size);
-    for (std::size_t i = 0; i < count; ++i) {
-        target[i] =
-            static_cast<std::uint8_t>(digit_value(text[2 * i]) << 4 | digit_value(text[2 * i + 1]));
-    }
+    records::put_hexadecimal(text.substr(0, 2 * size), target);
     if (text.size() / 2 <= size) return;
     note_trouble({index, FieldFate::cut, std::string(text), text.size() / 2, size, 0});
 }

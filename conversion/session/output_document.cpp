@@ -9,6 +9,7 @@
 #include "conversion/texts/utf8.h"
 #include "host/dispatch_table.h"
 #include "host/runtime/memory/memory_report.h"
+#include "records/hexadecimal.h"
 #include "records/numbers.h"
 
 namespace conversion {
@@ -122,11 +123,7 @@ void OutputDocument::translate(std::span<const std::uint8_t> bytes, TextForm for
     const bool has_controls =
         controls_ != Controls::refuse && control_check_.check(bytes.data(), size, form).has_value();
     if (has_controls && controls_ == Controls::hex) {
-        constexpr std::string_view DIGITS = "0123456789ABCDEF";
-        for (const std::uint8_t byte : bytes) {
-            translated_ += DIGITS[byte >> 4];
-            translated_ += DIGITS[byte & 0xF];
-        }
+        translated_ += records::hexadecimal(bytes);
     } else if (has_controls || form != TextForm::plain || characters_.has_pairs()) {
         translate_characters(bytes, form);
     } else if (!characters_.converts()) {

@@ -5,15 +5,11 @@
 
 #include "conversion/texts/text_decoder.h"
 #include "host/utf8.h"
+#include "records/hexadecimal.h"
 
 namespace conversion {
 
 namespace {
-
-std::string hexadecimal(std::uint8_t byte) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    return {'0', 'x', DIGITS[byte >> 4], DIGITS[byte & 0xF]};
-}
 
 bool is_all_nul(const std::uint8_t* text, std::int32_t length, std::uint8_t nul) {
     return std::all_of(text, text + length, [nul](std::uint8_t byte) { return byte == nul; });
@@ -22,8 +18,7 @@ bool is_all_nul(const std::uint8_t* text, std::int32_t length, std::uint8_t nul)
 // "the byte 0x01" or "the bytes 0x00 0x01", and the verb after them.
 std::string shown_bytes(std::span<const std::uint8_t> bytes) {
     std::string shown = bytes.size() > 1 ? "the bytes" : "the byte";
-    for (const std::uint8_t byte : bytes) shown += " " + hexadecimal(byte);
-    return shown + (bytes.size() > 1 ? " are" : " is");
+    return shown + " 0x" + records::hexadecimal(bytes, " 0x") + (bytes.size() > 1 ? " are" : " is");
 }
 
 constexpr std::int32_t LAST_OF_LATIN1 = 0xFF;

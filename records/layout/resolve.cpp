@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/utf8.h"
+#include "records/hexadecimal.h"
 #include "records/layout/placement.h"
 
 namespace records {
@@ -40,16 +41,6 @@ bool is_utf8(std::string_view text) {
     return true;
 }
 
-std::string hex_of(const std::string& bytes) {
-    constexpr const char* DIGITS = "0123456789ABCDEF";
-    std::string text;
-    for (const char c : bytes) {
-        text += DIGITS[static_cast<unsigned char>(c) >> 4];
-        text += DIGITS[static_cast<unsigned char>(c) & 0xF];
-    }
-    return text;
-}
-
 Operand operand_of(const Literal& literal) {
     Operand operand;
     operand.value = literal.value;
@@ -61,7 +52,7 @@ Operand operand_of(const Literal& literal) {
             operand.kind = Operand::Kind::text;
             if (!is_utf8(literal.value)) {
                 operand.kind = Operand::Kind::hex;
-                operand.value = hex_of(literal.value);
+                operand.value = hexadecimal(literal.value);
             }
             break;
         case Literal::Kind::figurative:

@@ -9,17 +9,6 @@
 
 namespace command {
 
-std::string hexadecimal(std::span<const std::uint8_t> bytes, std::string_view gap) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        if (!text.empty()) text += gap;
-        text += DIGITS[byte >> 4];
-        text += DIGITS[byte & 0xF];
-    }
-    return text;
-}
-
 namespace {
 
 constexpr std::size_t LONGEST_NUMBER = 512;  // characters

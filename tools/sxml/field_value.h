@@ -17,9 +17,6 @@ inline std::span<const std::uint8_t> bytes_of(std::string_view text) {
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-// Hexadecimal digits, two a byte, with `gap` between the bytes.
-std::string hexadecimal(std::span<const std::uint8_t> bytes, std::string_view gap = " ");
-
 // A text in UTF-8, in quotation marks, without the spaces at its end. A dot stands for what cannot
 // be shown.
 std::string shown_text(std::span<const std::uint8_t> bytes,

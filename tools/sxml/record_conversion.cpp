@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "records/hexadecimal.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/field_value.h"
@@ -104,7 +105,7 @@ void RecordConversion::report_number(const conversion::Record& record,
     problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(offset);
     problem.evidence.assign(reinterpret_cast<const char*>(record.data) + offset,
                             static_cast<std::size_t>(field.length));
-    problem.what = "not a valid number: X'" + hexadecimal(bytes_of(problem.evidence), "") + "'";
+    problem.what = "not a valid number: X'" + records::hexadecimal(problem.evidence) + "'";
     report_.name(Finding::bad_number, problem);
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "records/hexadecimal.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/field_value.h"
 
@@ -151,8 +152,8 @@ std::string RecordTable::byte_lines(std::span<const std::uint8_t> bytes, std::si
     for (std::size_t at = 0; at < bytes.size() || at == 0; at += BYTES_IN_A_LINE) {
         const auto part = bytes.subspan(at, std::min(BYTES_IN_A_LINE, bytes.size() - at));
         const bool is_first = at == 0;
-        text += line(std::to_string(offset + at), hexadecimal(part), is_first ? name : "",
-                     is_first ? picture : "", is_first ? value : "");
+        text += line(std::to_string(offset + at), records::hexadecimal(part, " "),
+                     is_first ? name : "", is_first ? picture : "", is_first ? value : "");
     }
     return text;
 }

@@ -6,6 +6,7 @@
 
 #include "conversion/texts/counted.h"
 #include "conversion/texts/utf8.h"
+#include "records/hexadecimal.h"
 #include "tools/sxml/field_value.h"
 #include "tools/sxml/text_table.h"
 
@@ -57,7 +58,7 @@ std::string evidence_text(const CheckOutcome& outcome, const conversion::Problem
     const auto bytes = bytes_of(problem.evidence);
     const bool is_long = bytes.size() > LONGEST_SHOWN;
     const auto shown = bytes.first(std::min(bytes.size(), LONGEST_SHOWN));
-    return "    bytes " + hexadecimal(shown) + (is_long ? " ..." : "") + ", text " +
+    return "    bytes " + records::hexadecimal(shown, " ") + (is_long ? " ..." : "") + ", text " +
            shown_text(shown, outcome.characters) + (is_long ? "..." : "") + "\n";
 }
 

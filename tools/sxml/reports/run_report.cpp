@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "conversion/documents/unread_entities.h"
+#include "records/hexadecimal.h"
 #include "tools/sxml/atomic_output.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/field_value.h"
@@ -43,7 +44,7 @@ Json place_of(const conversion::Problem& problem) {
     if (place.line != 0) json["line"] = place.line;
     if (place.column != 0) json["column"] = place.column;
     json["what"] = problem.what;
-    if (!problem.evidence.empty()) json["bytes"] = hexadecimal(bytes_of(problem.evidence));
+    if (!problem.evidence.empty()) json["bytes"] = records::hexadecimal(problem.evidence, " ");
     return json;
 }
 
