@@ -13,8 +13,7 @@
 #include <string_view>
 
 #include "conversion/documents/document_check.h"
-#include "gnucobol/copying.h"
-#include "gnucobol/nameless_file.h"
+#include "platform/shared_files.h"
 
 namespace gnucobol {
 
@@ -74,14 +73,19 @@ std::optional<std::size_t> same_beginning(std::string_view text, std::string_vie
     return at;
 }
 
+Result copied(int from, std::uint64_t begin, std::uint64_t end, int to, std::uint64_t position) {
+    const int error = platform::copy_bytes(from, begin, end, to, position);
+    return error == 0 ? Result{} : refusal(error);
+}
+
 }  // namespace
 
-Extension::Extension(const std::string& folder) : descriptor_(nameless_file(folder)) {
+Extension::Extension(const std::string& folder) : descriptor_(platform::open_nameless(folder)) {
     if (descriptor_ < 0) {
         throw std::runtime_error(std::string("there is no room for new records: ") +
                                  std::strerror(errno));
     }
-    name_ = name_of_descriptor(descriptor_);
+    name_ = platform::name_of_descriptor(descriptor_);
 }
 
 Extension::~Extension() {
@@ -113,14 +117,14 @@ Result Extension::begin(const std::string& old_document, int target) {
                 "can be added; write it anew"};
     }
     old_size_ = size - end_.size();
-    return copy_part(old.number(), 0, old_size_, target, 0);
+    return copied(old.number(), 0, old_size_, target, 0);
 }
 
 Result Extension::append(int target) const {
     const std::uint64_t size = size_of(descriptor_);
     const std::uint64_t whole = begin_size_ + end_.size();
     if (size < whole) return {Status::permanent_error, "the new records are not complete"};
-    return copy_part(descriptor_, begin_size_, size, target, old_size_);
+    return copied(descriptor_, begin_size_, size, target, old_size_);
 }
 
 }  // namespace gnucobol

@@ -10,9 +10,8 @@
 #include <filesystem>
 #include <utility>
 
-#include "gnucobol/copying.h"
-#include "gnucobol/nameless_file.h"
 #include "gnucobol/signals.h"
+#include "platform/shared_files.h"
 
 namespace gnucobol {
 
@@ -179,9 +178,9 @@ Result PrivateDocument::begin_elsewhere() {
     const bool is_alone =
         lock(target_lock_) && is_named(target_lock_, target_) && !is_locked(name_);
     if (!is_alone) return {Status::in_use, {}};
-    descriptor_ = nameless_file({});
+    descriptor_ = platform::open_nameless({});
     if (descriptor_ < 0) return refusal(errno);
-    name_ = name_of_descriptor(descriptor_);
+    name_ = platform::name_of_descriptor(descriptor_);
     return {};
 }
 
@@ -189,11 +188,11 @@ Result PrivateDocument::copy_into_place() {
     struct stat info {};
     if (fstat(descriptor_, &info) != 0) return refusal(errno);
     // Room is found before anything is changed.
-    const int error = posix_fallocate(target_lock_, 0, info.st_size);
+    int error = posix_fallocate(target_lock_, 0, info.st_size);
     if (error != 0) return refusal(error);
     const auto size = static_cast<std::uint64_t>(info.st_size);
-    Result copied = copy_part(descriptor_, 0, size, target_lock_, 0);
-    if (!is_done(copied)) return copied;
+    error = platform::copy_bytes(descriptor_, 0, size, target_lock_, 0);
+    if (error != 0) return refusal(error);
     const bool is_kept = ftruncate(target_lock_, info.st_size) == 0 && fsync(target_lock_) == 0;
     return is_kept ? Result{} : refusal(errno);
 }

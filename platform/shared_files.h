@@ -1,4 +1,5 @@
-// Files that a process and its workers (processes.h) write together.
+// Files without a name, which a process and its workers (processes.h) may write together, and bytes
+// from one file to another.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +8,22 @@
 
 namespace platform {
 
-// A file that goes when nobody has it open any more, whatever ends the processes.
+// Opens an empty file that goes when nobody has it open any more, whatever ends the processes. It
+// lies in `folder`, or, where that cannot be or `folder` is empty, in the one for temporary files.
+// Result: a descriptor that the caller closes; -1 on failure with the reason in errno.
+int open_nameless(const std::string& folder);
+// What opens again what a descriptor of this process has open.
+std::string name_of_descriptor(int descriptor);
+
+// Copies the bytes from `begin` to before `end` of a file to a position of another one. The
+// positions of both stay. Result: 0 or the error number; EIO when the file is shorter.
+int copy_bytes(int from, std::uint64_t begin, std::uint64_t end, int to, std::uint64_t position);
+
+// A file without a name.
 class NamelessFile {
   public:
-    // Creates an empty one in the folder for temporary files. Nothing, with the reason in errno,
-    // when that is impossible.
+    // Creates an empty one as open_nameless() does. Nothing, with the reason in errno, when that is
+    // impossible.
     static std::optional<NamelessFile> create();
     NamelessFile(NamelessFile&& other) noexcept;
     NamelessFile& operator=(NamelessFile&&) = delete;
@@ -23,8 +35,7 @@ class NamelessFile {
     std::optional<std::uint64_t> size() const;
     // The last `count` bytes; fewer when the file is shorter. Nothing as size().
     std::optional<std::string> end(std::size_t count) const;
-    // Copies the bytes from `begin` to before `end` to a position of another file, open for
-    // writing, whose own position stays. Result: 0 or the error number.
+    // As copy_bytes().
     int copy(std::uint64_t begin, std::uint64_t end, int target, std::uint64_t position) const;
 
   private:

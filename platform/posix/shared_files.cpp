@@ -5,17 +5,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <utility>
-#include <vector>
 
 #include "platform/temporary_files.h"
 
 namespace platform {
 
 namespace {
-
-constexpr std::size_t PIECE = std::size_t{1} << 18;
 
 bool read_at(int descriptor, char* data, std::size_t size, std::uint64_t position) {
     while (size > 0) {
@@ -32,17 +30,43 @@ bool read_at(int descriptor, char* data, std::size_t size, std::uint64_t positio
 
 }  // namespace
 
-std::optional<NamelessFile> NamelessFile::create() {
-    // It has a name for a moment.
+int open_nameless(const std::string& folder) {
+    constexpr mode_t OWN = 0600;
+    for (const std::string& place : {folder, temporary_folder()}) {
+        if (place.empty()) continue;
+        const int descriptor = open(place.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, OWN);
+        if (descriptor >= 0) return descriptor;
+    }
+    // On file systems without such files it has a name for a moment.
     const std::optional<TemporaryFile> named = TemporaryFile::create(temporary_folder(), "sxml");
-    if (!named) return std::nullopt;
-    const int descriptor = open(named->name().c_str(), O_RDWR | O_CLOEXEC);
+    return named ? open(named->name().c_str(), O_RDWR | O_CLOEXEC) : -1;
+}
+
+std::string name_of_descriptor(int descriptor) {
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+int copy_bytes(int from, std::uint64_t begin, std::uint64_t end, int to, std::uint64_t position) {
+    std::array<char, 65536> piece;
+    while (begin < end) {
+        const auto size =
+            static_cast<std::size_t>(std::min<std::uint64_t>(end - begin, piece.size()));
+        if (!read_at(from, piece.data(), size, begin)) return errno;
+        if (const int error = write_at(to, piece.data(), size, position); error != 0) return error;
+        begin += size;
+        position += size;
+    }
+    return 0;
+}
+
+std::optional<NamelessFile> NamelessFile::create() {
+    const int descriptor = open_nameless({});
     if (descriptor < 0) return std::nullopt;
     return NamelessFile(descriptor);
 }
 
 NamelessFile::NamelessFile(int descriptor)
-    : descriptor_(descriptor), name_("/dev/fd/" + std::to_string(descriptor)) {}
+    : descriptor_(descriptor), name_(name_of_descriptor(descriptor)) {}
 
 NamelessFile::NamelessFile(NamelessFile&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)), name_(std::move(other.name_)) {}
@@ -67,17 +91,7 @@ std::optional<std::string> NamelessFile::end(std::size_t count) const {
 
 int NamelessFile::copy(std::uint64_t begin, std::uint64_t end, int target,
                        std::uint64_t position) const {
-    std::vector<char> piece(PIECE);
-    while (begin < end) {
-        const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(end - begin, PIECE));
-        if (!read_at(descriptor_, piece.data(), size, begin)) return errno;
-        if (const int error = write_at(target, piece.data(), size, position); error != 0) {
-            return error;
-        }
-        begin += size;
-        position += size;
-    }
-    return 0;
+    return copy_bytes(descriptor_, begin, end, target, position);
 }
 
 int open_to_write_into(const char* name) {

@@ -6,6 +6,19 @@
 // Needed by workers only, of which there are none (processes.cpp).
 namespace platform {
 
+int open_nameless(const std::string&) {
+    errno = ENOSYS;
+    return -1;
+}
+
+std::string name_of_descriptor(int) {
+    return {};
+}
+
+int copy_bytes(int, std::uint64_t, std::uint64_t, int, std::uint64_t) {
+    return ENOSYS;
+}
+
 std::optional<NamelessFile> NamelessFile::create() {
     errno = ENOSYS;
     return std::nullopt;
