@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "gnucobol/document/open_file.h"
 #include "gnucobol/layout.h"
-#include "gnucobol/open_file.h"
 #include "gnucobol/status.h"
 
 namespace gnucobol {

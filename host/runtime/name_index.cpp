@@ -6,7 +6,7 @@
 
 #include "host/runtime/memory/tracked_memory.h"
 #include "host/runtime/name_index.h"
-#include "host/runtime/text_hash.h"
+#include "host/runtime/text/text_hash.h"
 
 namespace {
 

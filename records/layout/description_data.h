@@ -8,7 +8,7 @@
 
 #include "host/record_description.h"
 #include "records/description.h"
-#include "records/layout/condition_evaluator.h"
+#include "records/layout/conditions/condition_evaluator.h"
 #include "records/layout/model.h"
 #include "records/layout/sliding_plan.h"
 #include "records/position.h"

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "records/alignment.h"
-#include "records/layout/condition_check.h"
+#include "records/layout/conditions/condition_check.h"
 #include "records/layout/description_data.h"
 
 namespace records {

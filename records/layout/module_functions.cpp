@@ -6,7 +6,7 @@
 
 #include "host/config.h"
 #include "records/layout/description_data.h"
-#include "records/layout/search_path.h"
+#include "records/layout/description_files/search_path.h"
 
 namespace records {
 namespace {

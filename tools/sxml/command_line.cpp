@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/describe.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/help_text.h"
+#include "tools/sxml/output/atomic_output.h"
 #include "tools/sxml/version.h"
 
 namespace command {

@@ -4,7 +4,7 @@
 #include <initializer_list>
 
 #include "host/runtime/module.h"
-#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/output/atomic_output.h"
 
 namespace command {
 

@@ -9,7 +9,7 @@
 #include "platform/standard_streams.h"
 #include "tools/sxml/command_line.h"
 #include "tools/sxml/failure.h"
-#include "tools/sxml/hidden_failures.h"
+#include "tools/sxml/output/hidden_failures.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "fsi/xml/handlers/comment_filter.h"
+#include "fsi/xml/handlers/declarations/entity_limit.h"
 #include "fsi/xml/handlers/early_events.h"
-#include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "fsi/xml/handlers/instructions.h"
 #include "fsi/xml/handlers/trace_message.h"

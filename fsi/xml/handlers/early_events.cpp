@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "fsi/xml/handlers/handlers.h"
-#include "fsi/xml/handlers/record_handlers.h"
+#include "fsi/xml/handlers/records/record_handlers.h"
 #include "host/memory.h"
 
 enum class EventKind { START, END, TEXT, COMMENT };

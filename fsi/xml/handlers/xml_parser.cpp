@@ -2,8 +2,8 @@
 
 #include <initializer_list>
 
+#include "fsi/xml/handlers/declarations/entity_limit.h"
 #include "fsi/xml/handlers/early_events.h"
-#include "fsi/xml/handlers/entity_limit.h"
 #include "fsi/xml/handlers/expat_memory.h"
 #include "fsi/xml/handlers/handlers.h"
 #include "host/arrays.h"

@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "fsi/xml/elements/element.h"
-#include "fsi/xml/handlers/declaration_tokens.h"
+#include "fsi/xml/handlers/declarations/declaration_tokens.h"
 #include "fsi/xml/handlers/element_hash.h"
 #include "host/encoding.h"
 #include "host/entities/entity_depth.h"

@@ -3,7 +3,7 @@
 
 #include "fsi/xml/elements/ascii_case.h"
 #include "fsi/xml/handlers/parse_driver.h"
-#include "fsi/xml/handlers/plain_records.h"
+#include "fsi/xml/handlers/records/plain_records.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "host/config.h"
 #include "host/errors.h"

@@ -1,6 +1,6 @@
 // Reading a document record by record: a record is a child of the document element.
 #include "fsi/xml/handlers/parse_driver.h"
-#include "fsi/xml/handlers/plain_records.h"
+#include "fsi/xml/handlers/records/plain_records.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "host/errors.h"
 #include "sxml/xml_api.h"

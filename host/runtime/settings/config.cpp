@@ -19,7 +19,7 @@
 #include "host/runtime/settings/setting_values.h"
 #include "host/runtime/settings/settings.h"
 #include "host/runtime/settings/settings_file.h"
-#include "host/runtime/text_hash.h"
+#include "host/runtime/text/text_hash.h"
 #include "platform/environment.h"
 
 namespace host {

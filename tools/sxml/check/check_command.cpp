@@ -8,12 +8,12 @@
 
 #include "conversion/documents/document_source.h"
 #include "platform/files.h"
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/check/check_report.h"
 #include "tools/sxml/check/record_diagnosis.h"
 #include "tools/sxml/commands.h"
+#include "tools/sxml/convert/document_conversion.h"
+#include "tools/sxml/convert/record_conversion.h"
 #include "tools/sxml/document.h"
-#include "tools/sxml/document_conversion.h"
 #include "tools/sxml/documents/record_document.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/encoding_option.h"
@@ -22,7 +22,7 @@
 #include "tools/sxml/options/record_input.h"
 #include "tools/sxml/options/record_target.h"
 #include "tools/sxml/options/setting_options.h"
-#include "tools/sxml/record_conversion.h"
+#include "tools/sxml/output/atomic_output.h"
 
 namespace command {
 

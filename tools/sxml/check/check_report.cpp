@@ -7,8 +7,8 @@
 #include "conversion/texts/counted.h"
 #include "conversion/texts/utf8.h"
 #include "records/hexadecimal.h"
-#include "tools/sxml/field_value.h"
-#include "tools/sxml/text_table.h"
+#include "tools/sxml/reports/field_value.h"
+#include "tools/sxml/reports/text_table.h"
 
 namespace command {
 

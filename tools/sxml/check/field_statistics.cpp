@@ -6,7 +6,7 @@
 
 #include "records/field_types.h"
 #include "tools/sxml/failure.h"
-#include "tools/sxml/field_value.h"
+#include "tools/sxml/reports/field_value.h"
 
 namespace command {
 

@@ -12,12 +12,12 @@
 #include "conversion/schemas/document_type_profile.h"
 #include "conversion/schemas/local_files.h"
 #include "conversion/schemas/schema_profile.h"
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/documents/record_document.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/run_files.h"
+#include "tools/sxml/output/atomic_output.h"
 
 namespace command {
 

@@ -3,14 +3,14 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/setting_options.h"
-#include "tools/sxml/scratch_output.h"
+#include "tools/sxml/output/atomic_output.h"
+#include "tools/sxml/output/scratch_output.h"
 
 namespace command {
 

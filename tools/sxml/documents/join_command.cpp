@@ -8,10 +8,10 @@
 
 #include "conversion/documents/document_frame.h"
 #include "conversion/documents/document_source.h"
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/run_files.h"
+#include "tools/sxml/output/atomic_output.h"
 
 namespace command {
 

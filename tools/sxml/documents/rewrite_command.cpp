@@ -9,13 +9,13 @@
 #include "host/runtime/streams.h"
 #include "host/utf8.h"
 #include "platform/paths.h"
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/documents/parsed_document.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/run_files.h"
+#include "tools/sxml/output/atomic_output.h"
 #include "tools/sxml/reports/run_report.h"
 
 namespace command {

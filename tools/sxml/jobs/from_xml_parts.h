@@ -5,8 +5,8 @@
 
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
-#include "tools/sxml/atomic_output.h"
-#include "tools/sxml/document_conversion.h"
+#include "tools/sxml/convert/document_conversion.h"
+#include "tools/sxml/output/atomic_output.h"
 #include "tools/sxml/reports/reject_file.h"
 #include "tools/sxml/reports/run_report.h"
 

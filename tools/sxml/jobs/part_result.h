@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/sxml/document_conversion.h"
+#include "tools/sxml/convert/document_conversion.h"
 #include "tools/sxml/reports/reject_file.h"
 #include "tools/sxml/reports/run_report.h"
 

@@ -8,7 +8,7 @@
 #include "platform/descriptors.h"
 #include "platform/processes.h"
 #include "tools/sxml/failure.h"
-#include "tools/sxml/hidden_failures.h"
+#include "tools/sxml/output/hidden_failures.h"
 
 namespace command {
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "platform/shared_files.h"
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/jobs/part_result.h"
+#include "tools/sxml/output/atomic_output.h"
 
 namespace command {
 

@@ -11,12 +11,12 @@
 #include "host/trace.h"
 #include "platform/descriptors.h"
 #include "platform/shared_files.h"
+#include "tools/sxml/convert/record_conversion.h"
 #include "tools/sxml/failure.h"
-#include "tools/sxml/field_value.h"
 #include "tools/sxml/jobs/jobs_option.h"
 #include "tools/sxml/jobs/part_result.h"
 #include "tools/sxml/jobs/parts_run.h"
-#include "tools/sxml/record_conversion.h"
+#include "tools/sxml/reports/field_value.h"
 #include "tools/sxml/reports/progress.h"
 
 namespace command {

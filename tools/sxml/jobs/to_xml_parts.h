@@ -6,8 +6,8 @@
 
 #include "conversion/texts/character_set.h"
 #include "records/description.h"
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/options/record_input.h"
+#include "tools/sxml/output/atomic_output.h"
 #include "tools/sxml/reports/reject_file.h"
 #include "tools/sxml/reports/run_report.h"
 

@@ -6,14 +6,14 @@
 #include <functional>
 #include <memory>
 
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/layout/layout_export.h"
 #include "tools/sxml/options/layout_source.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/options/setting_options.h"
-#include "tools/sxml/text_table.h"
+#include "tools/sxml/output/atomic_output.h"
+#include "tools/sxml/reports/text_table.h"
 
 namespace command {
 

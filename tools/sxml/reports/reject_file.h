@@ -9,7 +9,7 @@
 
 #include "conversion/formats/record_format.h"
 #include "conversion/session/input_document.h"
-#include "tools/sxml/atomic_output.h"
+#include "tools/sxml/output/atomic_output.h"
 #include "tools/sxml/reports/run_report.h"
 
 namespace command {

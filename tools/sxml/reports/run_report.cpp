@@ -7,9 +7,9 @@
 
 #include "conversion/documents/unread_entities.h"
 #include "records/hexadecimal.h"
-#include "tools/sxml/atomic_output.h"
 #include "tools/sxml/failure.h"
-#include "tools/sxml/field_value.h"
+#include "tools/sxml/output/atomic_output.h"
+#include "tools/sxml/reports/field_value.h"
 
 namespace command {
 

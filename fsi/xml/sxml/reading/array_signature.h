@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "fsi/xml/handlers/record_tree.h"
+#include "fsi/xml/handlers/records/record_tree.h"
 #include "host/record_description.h"
 
 // Whether an element must carry as many numbers as its item has dimensions.

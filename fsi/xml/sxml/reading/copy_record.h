@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "fsi/xml/handlers/record_tree.h"
+#include "fsi/xml/handlers/records/record_tree.h"
 
 // Copies an element with everything below it into an empty record tree. Its texts are as they are
 // to be moved. False when memory is exhausted.

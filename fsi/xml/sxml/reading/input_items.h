@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "fsi/xml/handlers/record_tree.h"
+#include "fsi/xml/handlers/records/record_tree.h"
 #include "fsi/xml/sxml/reading/record_index.h"
 #include "host/record_description.h"
 

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "fsi/xml/handlers/handlers.h"
-#include "fsi/xml/handlers/record_handlers.h"
+#include "fsi/xml/handlers/records/record_handlers.h"
 #include "fsi/xml/parsexml/parser_handle.h"
 #include "fsi/xml/sxml/entries.h"
 #include "fsi/xml/sxml/host_functions.h"

@@ -10,7 +10,7 @@
 
 #include <cstdint>
 
-#include "fsi/xml/handlers/record_tree.h"
+#include "fsi/xml/handlers/records/record_tree.h"
 #include "host/record_description.h"
 
 struct IndexedElement;

@@ -1,0 +1,123 @@
+#include "tools/sxml/convert/record_conversion.h"
+
+#include <utility>
+
+#include "records/hexadecimal.h"
+#include "tools/sxml/document.h"
+#include "tools/sxml/failure.h"
+#include "tools/sxml/reports/field_value.h"
+#include "tools/sxml/reports/progress.h"
+
+namespace command {
+
+namespace {
+
+// Records between looks at the clock and at the output's state.
+constexpr std::uint64_t RECORDS_BETWEEN_LOOKS = 1024;
+
+constexpr const char* NUL_HINT =
+    "its NUL bytes keep a condition from holding whose literal is padded with spaces; compare with "
+    "LOW-VALUES as well, or fill the field with spaces";
+
+}  // namespace
+
+RecordConversion::RecordConversion(RecordInput& input, const records::Description& description,
+                                   const conversion::CharacterSet& characters,
+                                   const AtomicOutput& output, RunReport& report, Rejects& rejects,
+                                   conversion::Controls controls)
+    : input_(input),
+      description_(description),
+      output_(output),
+      report_(report),
+      rejects_(rejects),
+      document_(value_of(conversion::OutputDocument::open(description, characters,
+                                                          {output.write_name(),
+                                                           output.shown_name(),
+                                                           {},
+                                                           report.is_strict(),
+                                                           input.format().has_lengths(),
+                                                           controls}))) {}
+
+RecordConversion::~RecordConversion() {
+    if (document_ && output_.is_direct()) document_->abandon();
+}
+
+void RecordConversion::run(std::uint64_t first) {
+    Progress progress(input_.size());
+    while (const std::optional<conversion::Record> record = input_.next()) {
+        if (record->number < first) continue;
+        take(*record);
+        if (record->number % RECORDS_BETWEEN_LOOKS == 0) {
+            progress.update(record->number, record->file_offset);
+        }
+    }
+    close();
+    rejects_.finish_records();
+    report_.sum_up();
+}
+
+void RecordConversion::take(const conversion::Record& record) {
+    report_.count_record();
+    if (observer_) observer_(record);
+    convert(record);
+    if (record.number % RECORDS_BETWEEN_LOOKS == 0) check_written({&output_});
+}
+
+void RecordConversion::close() {
+    check_written({&output_});
+    document_.reset();
+    check_written({&output_});
+}
+
+void RecordConversion::convert(const conversion::Record& record) {
+    conversion::Done problem = document_->write(
+        record.data, static_cast<std::int32_t>(record.length), std::nullopt, record.position());
+    if (problem) return reject(record, *std::move(problem));
+    const conversion::OutputDocument::Outcome& outcome = document_->outcome();
+    for (const conversion::Field* field : outcome.bad_numbers) report_number(record, *field);
+    if (!outcome.is_of_a_layout) report_layout(record);
+}
+
+void RecordConversion::reject(const conversion::Record& record, conversion::Problem problem) {
+    conversion::Place& place = problem.place;
+    place.file = input_.name();
+    place.record = record.number;
+    if (place.in_record) place.byte_offset = record.file_offset + *place.in_record;
+    if (problem.remedy == conversion::NAME_THE_CHARACTER_SET) {
+        problem.remedy =
+            "if the text is in another character set, name it: --encoding iso-8859-1, "
+            "--encoding cp037";
+    }
+    if (problem.cause != conversion::Cause::record || !rejects_.is_wanted()) fail(problem);
+    if (report_.count(Finding::rejected)) report_.name(Finding::rejected, problem);
+    rejects_.add({record.data, record.length}, input_.format());
+}
+
+void RecordConversion::report_number(const conversion::Record& record,
+                                     const conversion::Field& field) {
+    if (!report_.count(Finding::bad_number)) return;
+    conversion::Problem problem{conversion::Cause::record, {}, {}, {}};
+    problem.place.file = input_.name();
+    problem.place.record = record.number;
+    problem.place.field = fields().name(field.item);
+    problem.place.path = fields().path(field.item);
+    const std::int32_t offset = document_->offset_in_record(field.offset);
+    problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(offset);
+    problem.evidence.assign(reinterpret_cast<const char*>(record.data) + offset,
+                            static_cast<std::size_t>(field.length));
+    problem.what = "not a valid number: X'" + records::hexadecimal(problem.evidence) + "'";
+    report_.name(Finding::bad_number, problem);
+}
+
+void RecordConversion::report_layout(const conversion::Record& record) {
+    if (!report_.count(Finding::no_layout)) return;
+    conversion::Problem problem{conversion::Cause::record, {}, {}, {}};
+    problem.place.file = input_.name();
+    problem.place.record = record.number;
+    problem.place.byte_offset = record.file_offset;
+    problem.what = "none of the record layouts' conditions holds";
+    if (document_->outcome().would_fit_with_spaces) problem.remedy = NUL_HINT;
+    report_.name(Finding::no_layout, problem);
+}
+
+}  // namespace command
