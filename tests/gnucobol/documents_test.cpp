@@ -208,6 +208,11 @@ TEST_F(EndingTest, RecordsAreAddedAsIfWrittenAtOnce) {
     fs::remove("result.xml");
     EXPECT_EQ(run_program({"./ending", "extend", "one"}).out, "extend 35\nwrite 48\nclose 42\n");
     set("SOURCE_DATE_EPOCH", "1000000000");
+    run_program({"./ending", "again", "same"});
+    const std::string at_once = read_file("result.xml");
+    run_program({"./ending", "close", "same"});
+    run_program({"./ending", "extend", "same"});
+    EXPECT_EQ(read_file("result.xml"), at_once);
     run_program({"./ending", "close", "one"});
     set("SOURCE_DATE_EPOCH", "1700000000");
     EXPECT_EQ(run_program({"./ending", "extend", "two"}).err, "");

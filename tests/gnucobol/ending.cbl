@@ -41,6 +41,7 @@
            WRITE RESULT-RECORD. DISPLAY "write " S.
            EVALUATE HOW
                WHEN "stop" STOP RUN
+               WHEN "again" WRITE RESULT-RECORD
                WHEN "goback" GOBACK
                WHEN "abort" CALL "there is no such program"
                WHEN "crash"

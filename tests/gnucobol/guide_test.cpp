@@ -30,7 +30,7 @@ std::vector<Block> blocks_of(const std::string& guide) {
     return blocks;
 }
 
-// `cobol FILE` and `xml FILE` give files; `sh` is run, and `text` behind it is what it prints.
+// `cobol FILE` and `xml FILE` give files; `sh` is run, and `text` after it is what it prints.
 TEST_F(CobolTest, TheGuideDoesWhatItSays) {
     std::string script = "PATH=" SXML_BUILD_DIR "/bin:$PATH\nset -e\n";
     std::string expected;

@@ -1,5 +1,6 @@
 // Fetching from a server of our own on the loopback interface.
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 
 #include "host/files.h"
 #include "host/memory.h"
+#include "host/runtime/fetching/fetch.h"
 #include "host/runtime/memory/memory_report.h"
 #include "tests/runtime/scratch.h"
 
@@ -111,6 +113,25 @@ TEST_F(FetchUrl, LeavesNothingBehindWhenTheDocumentIsNotComplete) {
         EXPECT_EQ(scratch_.size(), 0U);
     }
     EXPECT_EQ(host_fetch_url(nullptr), nullptr);
+}
+
+// A document of the largest size allowed when nothing is set is begun, one byte more is refused as
+// soon as it is announced.
+TEST_F(FetchUrl, NoValueTakesTheLimitAway) {
+    for (const char* value : {"0", "-1", "no", "much"}) {
+        const Environment limit("SXML_FETCH_LIMIT", value);
+        for (const bool is_too_large : {false, true}) {
+            const OneAnswer server(ok_ + "Content-Length: 107374182" + (is_too_large ? "5" : "4") +
+                                   "\r\n\r\n<a/>");
+            const std::string name = scratch_.file("fetched");
+            const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            const std::string reason = host::fetch_document(server.url(), file);
+            close(file);
+            EXPECT_EQ(reason == "it is larger than SXML_FETCH_LIMIT allows", is_too_large)
+                << value << ": " << reason;
+            EXPECT_EQ(read_file(name), is_too_large ? "" : "<a/>") << value;
+        }
+    }
 }
 
 TEST_F(FetchUrl, FailsCleanlyWithoutMemoryOrFolder) {

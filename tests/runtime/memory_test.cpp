@@ -150,7 +150,7 @@ TEST(Memory, DamageIsFoundAndReported) {
         const char* report;
     };
     const Case cases[] = {
-        {"behind", [](char* block) { block[20] = 0; }, "bytes behind the block overwritten"},
+        {"behind", [](char* block) { block[20] = 0; }, "bytes after the block overwritten"},
         {"before", [](char* block) { block[-1] = 0; }, "bytes before the block overwritten"},
         {"twice", [](char* block) { host_free(block, SOURCE, 1, 0); },
          "released twice or never allocated"},

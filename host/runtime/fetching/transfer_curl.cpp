@@ -33,6 +33,9 @@ CURLcode transfer(const host::CurlLibrary& curl, const char* url, host::Transfer
         curl.easy_setopt(handle, CURLOPT_TIMEOUT, host::MOST_SECONDS) == CURLE_OK &&
         curl.easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L) == CURLE_OK &&
         curl.easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, host::STALLED_SECONDS) == CURLE_OK &&
+        // What is announced as too large is not begun.
+        curl.easy_setopt(handle, CURLOPT_MAXFILESIZE_LARGE,
+                         static_cast<curl_off_t>(target->room)) == CURLE_OK &&
         curl.easy_setopt(handle, CURLOPT_WRITEFUNCTION, store) == CURLE_OK &&
         curl.easy_setopt(handle, CURLOPT_WRITEDATA, target) == CURLE_OK;
     const CURLcode result = is_set ? curl.easy_perform(handle) : CURLE_OUT_OF_MEMORY;
@@ -52,5 +55,6 @@ std::string host::transfer_document(const char* url, TransferTarget& target) {
     std::array<char, CURL_ERROR_SIZE> reason{};
     const CURLcode result = transfer(*curl, url, &target, reason.data());
     if (result == CURLE_OK) return {};
+    if (result == CURLE_FILESIZE_EXCEEDED) target.is_too_large = true;
     return reason[0] != '\0' ? reason.data() : "libcurl gives no reason";
 }

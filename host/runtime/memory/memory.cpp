@@ -115,7 +115,7 @@ bool check_block(void* block) {
         report_damage(block, site(header->site).origin, "bytes before the block overwritten");
     }
     if (!is_guard(payload + block_size(header))) {
-        report_damage(block, site(header->site).origin, "bytes behind the block overwritten");
+        report_damage(block, site(header->site).origin, "bytes after the block overwritten");
     }
     return true;
 }
