@@ -46,7 +46,7 @@ bool open_document(const gnucobol::Where& where, cob_file* file, int mode, cob_f
         return Files::instance().open(where, *file, mode, item);
     } catch (const std::exception& failure) {
         gnucobol::set_status(*file, item, Status::permanent_error);
-        gnucobol::report(file->select_name, "OPEN", {Status::permanent_error, failure.what()});
+        gnucobol::report_failure(file->select_name, "OPEN", failure);
         return true;
     }
 }

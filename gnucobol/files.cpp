@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
+#include <new>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -14,8 +15,10 @@
 #include "gnucobol/file_name.h"
 #include "gnucobol/report.h"
 #include "gnucobol/signals.h"
+#include "gnucobol/termination.h"
 #include "gnucobol/trusted_settings.h"
 #include "host/config.h"
+#include "host/runtime/memory/memory_failure.h"
 #include "host/runtime/settings/settings.h"
 
 int sxml_cob_documents = 0;
@@ -111,6 +114,17 @@ void Files::settle(cob_file& file, const std::string& path, const char* verb, co
     report(path, verb, result);
 }
 
+template <class Operation>
+void Files::attempt(cob_file& file, const std::string& path, const char* verb, cob_field* item,
+                    const Operation& operation) {
+    try {
+        settle(file, path, verb, item, operation());
+    } catch (const std::exception& failure) {
+        set_status(file, item, Status::permanent_error);
+        report_failure(path.c_str(), verb, failure);
+    }
+}
+
 bool Files::open(const Where& where, cob_file& file, int mode, cob_field* item) {
     if (OpenFile* const open = find(file)) {
         settle(file, open->path(), verb_of_open(mode), item, {Status::already_open, {}});
@@ -120,18 +134,18 @@ bool Files::open(const Where& where, cob_file& file, int mode, cob_field* item) 
     if (file.open_mode != COB_OPEN_CLOSED) return false;
     host::refresh_environment();
     refresh_report_settings();
-    if (!may_be_document(file)) return false;
+    const bool is_possible = may_be_document(file);
+    // Settings that could not be read say nothing.
+    if (host::take_memory_failure()) throw std::bad_alloc();
+    if (!is_possible) return false;
     const sxml_cob_file* const bound = find_bound_file(where, file);
     if (bound == nullptr || (bound->description == nullptr && bound->has_reports == 0))
         return false;
     const std::string path = mapped_name(assigned_name(file));
-    Result result;
-    try {
-        result = open_document(path, *bound, file, mode);
-    } catch (const std::exception& failure) {
-        result = {Status::permanent_error, failure.what()};
-    }
-    settle(file, path, verb_of_open(mode), item, result);
+    attempt(file, path, verb_of_open(mode), item, [&] {
+        const TerminationTold told;
+        return open_document(path, *bound, file, mode);
+    });
     return true;
 }
 
@@ -242,34 +256,30 @@ void Files::remove(const OpenFile& file) {
 
 void Files::close(OpenFile& file, cob_field* item, int option) {
     cob_file& program_file = file.file();
-    const std::string path = file.path();
     if (option == COB_CLOSE_UNIT || option == COB_CLOSE_UNIT_REMOVAL) {
-        settle(program_file, path, "CLOSE", item, {Status::no_reel, {}});
+        settle(program_file, file.path(), "CLOSE", item, {Status::no_reel, {}});
         return;
     }
-    Result result = file.complete();
-    if (result.status == Status::done && option == COB_CLOSE_NO_REWIND) {
-        result.status = Status::no_reel;
-    }
+    attempt(program_file, file.path(), "CLOSE", item, [&] {
+        Result result = file.complete();
+        if (result.status == Status::done && option == COB_CLOSE_NO_REWIND) {
+            result.status = Status::no_reel;
+        }
+        return result;
+    });
+    sum_up_reports(file.path());
     program_file.open_mode = option == COB_CLOSE_LOCK ? COB_OPEN_LOCKED : COB_OPEN_CLOSED;
     remove(file);
-    settle(program_file, path, "CLOSE", item, result);
-    sum_up_reports(path);
 }
 
 void Files::read(OpenFile& file, cob_field* item, int options) {
     survive_errors();
-    Result result;
-    if ((options & (COB_READ_PREVIOUS | COB_READ_FIRST | COB_READ_LAST)) != 0) {
-        result = {Status::not_open_for_input, "a document is only read forward"};
-    } else {
-        try {
-            result = file.read();
-        } catch (const std::exception& failure) {
-            result = {Status::permanent_error, failure.what()};
+    attempt(file.file(), file.path(), "READ", item, [&] {
+        if ((options & (COB_READ_PREVIOUS | COB_READ_FIRST | COB_READ_LAST)) != 0) {
+            return Result{Status::not_open_for_input, "a document is only read forward"};
         }
-    }
-    settle(file.file(), file.path(), "READ", item, result);
+        return file.read();
+    });
 }
 
 void Files::write(OpenFile& file, const Where& where, const cob_field& record,
@@ -281,17 +291,13 @@ void Files::write(OpenFile& file, const Where& where, const cob_field& record,
         const int given = cob_get_int(program_file.variable_record);
         size = given < 0 ? 0 : static_cast<std::size_t>(given);
     }
-    Result result;
-    if (file.is_output() && (size < program_file.record_min || size > program_file.record_max)) {
-        result = {Status::wrong_length, {}};
-    } else {
-        try {
-            result = file.write(static_cast<std::uint32_t>(size), where, expression);
-        } catch (const std::exception& failure) {
-            result = {Status::permanent_error, failure.what()};
+    attempt(program_file, file.path(), "WRITE", item, [&] {
+        if (file.is_output() &&
+            (size < program_file.record_min || size > program_file.record_max)) {
+            return Result{Status::wrong_length, {}};
         }
-    }
-    settle(program_file, file.path(), "WRITE", item, result);
+        return file.write(static_cast<std::uint32_t>(size), where, expression);
+    });
 }
 
 void Files::refuse(OpenFile& file, cob_field* item, const char* verb, Status status) {
@@ -312,10 +318,15 @@ bool Files::finish(bool is_complete) {
     const SignalsWait wait;
     bool is_done = true;
     for (const auto& file : files_) {
-        const Result result = file->is_output() ? finish_output(*file, is_complete) : Result{};
-        if (result.status != Status::done) {
+        try {
+            const Result result = file->is_output() ? finish_output(*file, is_complete) : Result{};
+            if (result.status != Status::done) {
+                is_done = false;
+                report(file->path(), "CLOSE", result);
+            }
+        } catch (const std::exception& failure) {
             is_done = false;
-            report(file->path(), "CLOSE", result);
+            report_failure(file->path().c_str(), "CLOSE", failure);
         }
         if (!is_ended_by_signal()) sum_up_reports(file->path());
     }

@@ -36,6 +36,10 @@ class Files {
   private:
     void settle(cob_file& file, const std::string& path, const char* verb, cob_field* item,
                 const Result& result);
+    // Settles what an operation, a function that gives a Result, gives or throws.
+    template <class Operation>
+    void attempt(cob_file& file, const std::string& path, const char* verb, cob_field* item,
+                 const Operation& operation);
     Result open_document(const std::string& path, const sxml_cob_file& bound, cob_file& file,
                          int mode);
     Result open_input(const std::string& path, const sxml_cob_file& bound, cob_file& file);

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <map>
+#include <new>
 
 #include "host/config.h"
+#include "host/runtime/memory/memory_report.h"
 
 namespace gnucobol {
 
@@ -21,10 +23,21 @@ std::map<std::string, std::map<std::string, std::uint64_t>>& counts() {
 }
 
 bool is_verbose = false;
+bool has_printed = false;  // counts() is there; asking for it takes no memory any more
 
 void print(const std::string& file, const std::string& kind, const std::string& text) {
-    if (++counts()[file][kind] > PRINTED_AT_MOST && !is_verbose) return;
+    std::map<std::string, std::uint64_t>& of_file = counts()[file];
+    has_printed = true;
+    if (++of_file[kind] > PRINTED_AT_MOST && !is_verbose) return;
     std::fprintf(stderr, "sxml: %s: %s\n", file.c_str(), text.c_str());
+}
+
+// Within the same limit, over all files.
+void print_exhausted_memory(const char* file, const char* verb, unsigned status) {
+    static std::uint64_t printed = 0;
+    if (++printed > PRINTED_AT_MOST && !is_verbose) return;
+    std::fprintf(stderr, "sxml: %s: %s: file status %02u: %s\n", file, verb, status,
+                 host::memory_problem());
 }
 
 const char* meaning_of(Status status) {
@@ -77,10 +90,25 @@ void refresh_report_settings() {
 void report(const std::string& file, const char* verb, const Result& result) {
     const auto number = static_cast<unsigned>(result.status);
     if (number < FIRST_ERROR && result.reason.empty() && !is_verbose) return;
-    const std::string digits = (number < 10 ? "0" : "") + std::to_string(number);
-    print(file, std::string(verb) + digits,
-          std::string(verb) + ": file status " + digits + ": " +
-              (result.reason.empty() ? meaning_of(result.status) : result.reason));
+    try {
+        const std::string digits = (number < 10 ? "0" : "") + std::to_string(number);
+        print(file, std::string(verb) + digits,
+              std::string(verb) + ": file status " + digits + ": " +
+                  (result.reason.empty() ? meaning_of(result.status) : result.reason));
+    } catch (const std::bad_alloc&) {
+        print_exhausted_memory(file.c_str(), verb, number);
+    }
+}
+
+void report_failure(const char* file, const char* verb, const std::exception& failure) {
+    if (dynamic_cast<const std::bad_alloc*>(&failure) == nullptr) {
+        try {
+            return report(file, verb, {Status::permanent_error, failure.what()});
+        } catch (const std::bad_alloc&) {
+            // Told below.
+        }
+    }
+    print_exhausted_memory(file, verb, static_cast<unsigned>(Status::permanent_error));
 }
 
 void report_warning(const std::string& file, const std::string& warning) {
@@ -92,6 +120,7 @@ void report_data(const std::string& file, const std::string& kind, const std::st
 }
 
 void sum_up_reports(const std::string& file) {
+    if (!has_printed) return;
     const auto found = counts().find(file);
     if (found == counts().end()) return;
     std::uint64_t untold = 0;

@@ -1,6 +1,7 @@
 // What the adapter tells the user, on standard error.
 #pragma once
 
+#include <exception>
 #include <string>
 
 #include "gnucobol/status.h"
@@ -13,6 +14,10 @@ void refresh_report_settings();
 // Tells what an operation (`verb`, as in the program) on a file gave: errors always, everything
 // with SXML_VERBOSE. Of one message for one file the first ten are printed.
 void report(const std::string& file, const char* verb, const Result& result);
+
+// Tells that an operation ended with an exception, as file status 30. Needs no memory when none is
+// left.
+void report_failure(const char* file, const char* verb, const std::exception& failure);
 
 // Tells something about a file that is no status, within the same limit.
 void report_warning(const std::string& file, const std::string& warning);

@@ -137,6 +137,10 @@ void forget_at_signal(int slot) {
     if (slot >= 0) slots[static_cast<std::size_t>(slot)].is_used = false;
 }
 
+void remove_as_at_signal() {
+    remove_files();
+}
+
 bool is_ended_by_signal() {
     return is_ending != 0;
 }

@@ -23,7 +23,10 @@ void watch_signals();
 int remove_at_signal(const std::string& file, const std::string& document);
 void forget_at_signal(int slot);
 
-// Whether a signal is ending the program.
+// Does at once what a signal would: the program ends without destructors.
+void remove_as_at_signal();
+
+// Whether a signal, or what removes files as one does, is ending the program.
 bool is_ended_by_signal();
 
 }  // namespace gnucobol
