@@ -208,11 +208,13 @@ bool is_built_in(const std::string& key) {
     return key.starts_with(component_key(SCHEMA_NAMESPACE, ""));
 }
 
-bool is_schema(const std::string& file) {
+Result<bool> is_schema(const std::string& file) {
     RootLook look;
     CheckedParser parser(&look);
     XML_SetStartElementHandler(parser.expat(), &RootLook::start);
-    return !parser.parse(file, file) && look.is_schema;
+    Done problem = parser.parse(file, file);
+    if (problem && problem->cause != Cause::document) return *std::move(problem);
+    return !problem && look.is_schema;
 }
 
 Result<std::unique_ptr<SchemaNode>> read_schema(const SchemaFile& file, std::size_t& nodes) {

@@ -55,9 +55,9 @@ std::string component_key_of(const SchemaNode& node, std::string_view written);
 // Whether a key is that of a component of XML Schema itself, such as the type xs:int.
 bool is_built_in(const std::string& key);
 
-// True when the document element of the document is xs:schema. False also when it cannot be read,
-// or is not well-formed. Throws std::bad_alloc.
-bool is_schema(const std::string& file);
+// Whether the document element of a document is xs:schema. False also when it is not well-formed; a
+// problem when it cannot be read. Throws std::bad_alloc.
+Result<bool> is_schema(const std::string& file);
 
 // Reads a schema document. `nodes` counts them over several documents. A problem when it cannot be
 // read, is not a schema, nests deeper than 256 elements, or when there are more than a million

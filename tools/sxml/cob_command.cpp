@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "host/runtime/library_files.h"
 #include "records/source/text/text_case.h"
@@ -72,12 +71,7 @@ std::string write_header(const cob::WorkFolder& folder, const cob::Words& words)
         sources.push_back(cob::describe_source(source, words));
     }
     check_names(words, sources);
-    const std::string header = folder.file("files.h");
-    std::ofstream stream(header, std::ios::binary);
-    stream << cob::header_text(sources, adapter_file(ADAPTER_HEADER));
-    stream.close();
-    if (!stream) fail(header + " cannot be written");
-    return header;
+    return folder.write("files.h", cob::header_text(sources, adapter_file(ADAPTER_HEADER)));
 }
 
 void compile(const std::vector<std::string>& given) {

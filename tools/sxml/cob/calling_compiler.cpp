@@ -8,6 +8,8 @@
 #include <sstream>
 #include <string_view>
 
+#include "tools/sxml/cob/run.h"
+
 namespace command::cob {
 
 namespace {
@@ -23,7 +25,7 @@ std::vector<std::string> split(const std::string& text) {
 std::vector<std::string> words_in_comment(const std::string& code) {
     constexpr std::string_view LABEL = "/* Compile command";
     for (const char* suffix : {".h", ""}) {
-        std::ifstream stream(code + suffix);
+        std::istringstream stream(text_of(code + suffix));
         for (std::string line; std::getline(stream, line);) {
             if (!line.starts_with(LABEL)) continue;
             return split(line.substr(LABEL.size(), line.rfind("*/") - LABEL.size()));

@@ -1,10 +1,8 @@
 #include "tools/sxml/cob/descriptions.h"
 
 #include <algorithm>
-#include <fstream>
 #include <optional>
 #include <set>
-#include <sstream>
 
 #include "records/copybook.h"
 #include "records/description.h"
@@ -207,9 +205,7 @@ DescribedSource describe_source(const std::string& file, const Words& words) {
     const WorkFolder folder;
     const std::string expanded = folder.file("expanded");
     translate(words, {"-E", "-o", expanded, file});
-    std::ostringstream text;
-    text << std::ifstream(expanded, std::ios::binary).rdbuf();
-    const Source source = read_expanded(file, text.str(), is_free_format(words));
+    const Source source = read_expanded(file, text_of(expanded), is_free_format(words));
     DescribedSource result{file, source.programs, {}, {}};
     const bool has_files =
         std::any_of(source.programs.begin(), source.programs.end(),

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string_view>
 
 #include "records/source/text/text_case.h"
+#include "tools/sxml/cob/run.h"
 
 namespace command::cob {
 
@@ -95,13 +95,12 @@ GeneratedCode::GeneratedCode(const std::string& file) {
     for (const auto& entry : fs::directory_iterator(path.parent_path())) {
         const std::string name = entry.path().filename().string();
         if (!name.starts_with(path.filename().string())) continue;
-        std::ifstream stream(entry.path(), std::ios::binary);
+        std::string text = text_of(entry.path().string());
         if (entry.path() == path) {
-            std::ostringstream text;
-            text << stream.rdbuf();
-            code_ = text.str();
+            code_ = std::move(text);
             continue;
         }
+        std::istringstream stream(text);
         for (std::string line; std::getline(stream, line);) take_line(line);
     }
 }

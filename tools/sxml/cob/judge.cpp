@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
 #include <string_view>
 
 #include "tools/sxml/cob/generated_code.h"
@@ -257,7 +257,7 @@ std::string compare(const Probe& probe, const GeneratedItem& item) {
 std::set<int> lines_of_unknown_names(const std::string& messages) {
     constexpr std::string_view FILE = "probe.cbl:";
     std::set<int> lines;
-    std::ifstream stream(messages);
+    std::istringstream stream(messages);
     for (std::string line; std::getline(stream, line);) {
         const std::size_t file = line.find(FILE);
         if (file == std::string::npos || line.find(" error: ") == std::string::npos) continue;
@@ -284,7 +284,7 @@ class ProbeProgram {
         std::vector<GeneratedItem> items;
         std::vector<Probe> known = probes;
         while (!run(known, verb, folder, items)) {
-            const std::set<int> unknown = lines_of_unknown_names(folder.file("errors"));
+            const std::set<int> unknown = lines_of_unknown_names(text_of(folder.file("errors")));
             const std::size_t before = known.size();
             take_out(known, unknown, verb);
             if (known.empty() || known.size() == before) return {};
@@ -332,11 +332,8 @@ class ProbeProgram {
              std::vector<GeneratedItem>& items) const {
         std::string statements;
         for (const Probe& probe : probes) statements += probe.statement(verb, file_);
-        const std::string probe = folder.file("probe.cbl");
-        std::ofstream text(probe, std::ios::binary);
-        text << probe_text(source_, program_, statements);
-        text.close();
-        if (!text) fail(probe + " cannot be written");
+        const std::string probe =
+            folder.write("probe.cbl", probe_text(source_, program_, statements));
         std::vector<std::string> command = {"cobc", "-C", "-m", "-w"};
         for (const std::string& word : words_.reading) {
             const bool is_format = word == "-fixed" || word == "-F" || word == "-free" ||

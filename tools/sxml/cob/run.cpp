@@ -9,6 +9,8 @@
 #include <cstring>
 #include <filesystem>
 
+#include "conversion/formats/byte_sink.h"
+#include "conversion/formats/byte_source.h"
 #include "tools/sxml/failure.h"
 
 namespace command::cob {
@@ -68,11 +70,26 @@ int run_program(const std::vector<std::string>& words, const std::string& errors
     return WEXITSTATUS(status);
 }
 
+std::string text_of(const std::string& file) {
+    auto source = conversion::ByteSource::open(file);
+    if (!source && source.problem().cause == conversion::Cause::not_found) return {};
+    conversion::ByteSource opened = value_of(std::move(source));
+    return value_of(conversion::read_all(opened));
+}
+
 WorkFolder::WorkFolder() : folder_(new_folder()) {}
 
 WorkFolder::~WorkFolder() {
     std::error_code error;
     std::filesystem::remove_all(folder_.name(), error);
+}
+
+std::string WorkFolder::write(const std::string& name, std::string_view text) const {
+    const std::string path = file(name);
+    conversion::ByteSink sink = value_of(conversion::ByteSink::open(path));
+    check(sink.write(text.data(), text.size()));
+    check(sink.close());
+    return path;
 }
 
 }  // namespace command::cob

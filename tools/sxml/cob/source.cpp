@@ -1,12 +1,12 @@
 #include "tools/sxml/cob/source.h"
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <sstream>
 
 #include "records/source/text/text_case.h"
+#include "tools/sxml/cob/run.h"
 
 namespace command::cob {
 
@@ -41,12 +41,10 @@ class OriginalFiles {
     const File& get(const std::string& name) {
         const auto [at, is_new] = files_.try_emplace(name);
         if (!is_new) return at->second;
-        std::ifstream stream(name, std::ios::binary);
-        std::ostringstream text;
-        text << stream.rdbuf();
-        const std::string upper = to_upper(text.str());
+        const std::string text = text_of(name);
+        const std::string upper = to_upper(text);
         File& file = at->second;
-        file.lines = lines_of(text.str());
+        file.lines = lines_of(text);
         file.has_directives = upper.find("SXML:") != std::string::npos;
         file.is_free = is_free_ || upper.find("FORMAT IS FREE") != std::string::npos ||
                        upper.find("FORMAT FREE") != std::string::npos ||

@@ -114,7 +114,7 @@ void read_sources(Sources& sources, CopybookOptions& options, RunFiles& files) {
         const auto document = value_of(conversion::DocumentSource::open(name));
         files.reads_document(name, document);
         all += in_comment(document.name());
-        if (conversion::is_schema(document.file())) {
+        if (value_of(conversion::is_schema(document.file()))) {
             check(sources.schemas.add(document.file(), document.name()));
         } else {
             add_sample(sources, document, options);

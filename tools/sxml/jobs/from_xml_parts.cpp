@@ -139,8 +139,14 @@ DocumentSoFar convert_divided(const DocumentRun& run, unsigned jobs, const Docum
                        [&](PartResult& part) { return all.accept(part); }});
     DocumentSoFar so_far{{}, done.position, done.is_whole, all.totals()};
     if (done.is_whole || done.parts == 0) return so_far;
-    const std::uint64_t begin = value_of(parts.bytes(done.parts)).begin;
-    so_far.rest = {input_part(parts, {begin, parts.size()}), all.records(), false};
+    // A part without records begins within one of a part before it, which is done.
+    for (std::uint64_t part = done.parts; part < parts.count(); ++part) {
+        const ByteRange range = value_of(parts.bytes(part));
+        if (range.begin == range.end) continue;
+        so_far.rest = {input_part(parts, {range.begin, parts.size()}), all.records(), false};
+        return so_far;
+    }
+    so_far.is_whole = true;
     return so_far;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <exception>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -39,7 +40,8 @@ int put(const PartsRun& run, const PartResult& result, const NamelessFile& file,
     return error != 0 ? error : close_error;
 }
 
-void work(const PartsRun& run, unsigned number, const NamelessFile& file, const Channel& parent) {
+void work_on_parts(const PartsRun& run, unsigned number, const NamelessFile& file,
+                   const Channel& parent) {
     for (std::uint64_t part = number; part < run.parts; part += run.jobs) {
         const PartResult result = convert(run, part, file);
         if (parent.send(message_of(result)) != 0 || !result.is_done) return;
@@ -47,6 +49,16 @@ void work(const PartsRun& run, unsigned number, const NamelessFile& file, const 
         if (!position) return;
         const int error = put(run, result, file, std::stoull(*position));
         if (parent.send(std::to_string(error)) != 0 || error != 0 || result.is_last) return;
+    }
+}
+
+// The other process only learns that this one has ended.
+void work(const PartsRun& run, unsigned number, const NamelessFile& file, const Channel& parent) {
+    try {
+        work_on_parts(run, number, file, parent);
+    } catch (const std::bad_alloc&) {
+        report_exhausted_memory();
+        throw;
     }
 }
 

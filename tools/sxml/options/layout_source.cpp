@@ -69,7 +69,7 @@ records::Description LayoutSource::load(records::RecordEncoding encoding,
     layout.encoding = encoding;
     if (encoding == records::RecordEncoding::ebcdic) layout.ebcdic_sign = true;
     std::optional<records::Description> description = compile(layout, diagnostics);
-    if (is_told) say(with_program_name(diagnostics.text()));
+    if (is_told || diagnostics.has_errors()) say(with_program_name(diagnostics.text()));
     if (!description || diagnostics.has_errors()) {
         fail(name_ + ": there is no usable record layout" + remedy_for(diagnostics, options_));
     }

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <new>
+#include <system_error>
 
 #include "platform/descriptors.h"
 #include "platform/environment.h"
@@ -26,9 +28,11 @@ std::optional<platform::FileIdentity> identity_of(const std::optional<platform::
 
 // Two names of a file that does not exist yet give the same path.
 std::string path_of(const std::string& name) {
+    const std::filesystem::path whole = std::filesystem::absolute(platform::path_of(name));
     std::error_code error;
-    return platform::name_of(std::filesystem::weakly_canonical(
-        std::filesystem::absolute(platform::path_of(name)), error));
+    const std::filesystem::path path = std::filesystem::weakly_canonical(whole, error);
+    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+    return platform::name_of(error ? whole : path);
 }
 
 }  // namespace

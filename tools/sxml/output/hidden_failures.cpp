@@ -7,6 +7,7 @@
 #include "host/runtime/memory/memory_failure.h"
 #include "host/runtime/memory/memory_report.h"
 #include "host/runtime/streams.h"
+#include "platform/interrupts.h"
 #include "tools/sxml/failure.h"
 
 namespace command {
@@ -24,10 +25,15 @@ bool is_out_of_memory(const std::exception_ptr& thrown) {
     return false;
 }
 
-// Libraries allocate before main() and in destructors, where nothing can be caught.
+// Libraries allocate before main(), in destructors and in functions that may not throw, where
+// nothing can be caught. In the latter, the exception need not have been caught yet; it is
+// always of memory.
 [[noreturn]] void terminate() {
-    if (!is_out_of_memory(std::current_exception())) std::abort();
+    const std::exception_ptr caught = std::current_exception();
+    const bool is_pending = caught == nullptr && std::uncaught_exceptions() > 0;
+    if (!is_pending && !is_out_of_memory(caught)) std::abort();
     report_exhausted_memory();
+    platform::remove_interrupted_files();
     std::_Exit(EXIT_FAILED);
 }
 
