@@ -1,6 +1,8 @@
 // malloc and its family, with failing calls. operator new of the C++ library calls these as well.
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -17,18 +19,24 @@ void* __libc_memalign(std::size_t alignment, std::size_t size);
 
 namespace {
 
-// The first block that the C++ library itself takes is its reserve for exceptions. Without it no
-// program can throw when memory is out; it is taken before any code of ours runs.
-bool is_reserve(const void* caller) {
-    static bool is_over = false;
-    if (is_over) return false;
+constexpr std::array<const char*, 4> RUNTIME = {"/libcob.", "/libgmp.", "/libxml2.", "/libdb-"};
+
+// Blocks that cannot fail. The first one that the C++ library itself takes is its reserve for
+// exceptions: without it no program can throw when memory is out; it is taken before any code of
+// ours runs. The runtime of COBOL and its libraries end the process, or go on, by themselves.
+bool is_exempt(const void* caller) {
+    static bool has_reserve = false;
     Dl_info info{};
-    is_over = dladdr(caller, &info) != 0 && std::strstr(info.dli_fname, "libstdc++") != nullptr;
-    return is_over;
+    if (dladdr(caller, &info) == 0) return false;
+    const bool is_reserve = !has_reserve && std::strstr(info.dli_fname, "libstdc++") != nullptr;
+    has_reserve = has_reserve || is_reserve;
+    return is_reserve || std::any_of(RUNTIME.begin(), RUNTIME.end(), [&](const char* library) {
+               return std::strstr(info.dli_fname, library) != nullptr;
+           });
 }
 
 bool fails(const void* caller) {
-    if (faults::plan().kind != faults::Kind::memory || is_reserve(caller)) return false;
+    if (faults::plan().kind != faults::Kind::memory || is_exempt(caller)) return false;
     if (!faults::fails(faults::Kind::memory)) return false;
     errno = ENOMEM;
     return true;

@@ -12,8 +12,6 @@ struct Program {
     std::vector<std::string> words;                             // the command line
     std::string input;                                          // its standard input
     std::vector<std::pair<std::string, std::string>> settings;  // environment variables
-    std::string failure_status = {};  // in what the program displays: it has noticed a failure,
-                                      // whatever its exit status
 };
 
 // A kind of call and how it fails.
