@@ -4,22 +4,32 @@
 import argparse
 import random
 import re
+import shutil
 import subprocess
 import sys
 from pathlib import Path
 
 SOURCE = Path(__file__).resolve().parents[2]
-CLONE = SOURCE / "build" / "mutants"
 
-# The test programs that know a folder, as a pattern for ctest's test names' programs.
+# The test programs that know a folder, those first that are quick and most likely to notice. The
+# longest beginning of a path counts.
 PROGRAMS = {
-    "fsi": ["module_test", "round_trip_test", "elements_test", "parser_test"],
-    "host": ["runtime_test", "module_test", "elements_test", "parser_test"],
-    "records": ["copybook_test", "layout_test", "numbers_test"],
-    "conversion": ["command_test"],
+    "fsi/xml/elements": ["elements_test", "parser_test", "module_test"],
+    "fsi/xml/handlers": ["parser_test", "module_test"],
+    "fsi/xml/parsexml": ["parser_test", "module_test", "elements_test"],
+    "fsi/xml/sxml": ["module_test", "round_trip_test", "command_test"],
+    "host": ["runtime_test", "elements_test", "parser_test", "module_test"],
+    "records/numbers": ["numbers_test", "round_trip_test"],
+    "records": ["copybook_test", "layout_test", "round_trip_test"],
+    "conversion": ["command_test", "records_library_test"],
+    "tools/sxml/cob": ["gnucobol_test"],
     "tools": ["command_test"],
     "gnucobol": ["gnucobol_test"],
 }
+FOLDERS = ["fsi", "host", "records", "conversion", "tools", "gnucobol"]
+NOT_BUILT = re.compile(r"/windows/")
+# What the programs load and start.
+PRODUCT = ["sxml_command", "sxml_cob"]
 
 # What is put in the place of what. Each keeps the line's syntax in most places.
 FAULTS = [
@@ -48,91 +58,119 @@ FAULTS = [
 SKIPPED = re.compile(r"^\s*(//|#|static_assert|namespace|using|template|case )|host_trace|trace_")
 
 
-def run(words, **options):
-    return subprocess.run(words, cwd=CLONE, capture_output=True, text=True, errors="replace",
-                          check=False, **options)
+class Clone:
+    """Sources and a build of their own; faults are planted in no other."""
+
+    def __init__(self, folder, preset):
+        self.folder = folder
+        self.preset = preset
+        self.tests = folder / "build" / preset / "tests"
+
+    def run(self, words, **options):
+        return subprocess.run(words, cwd=self.folder, capture_output=True, text=True,
+                              errors="replace", check=False, **options)
+
+    def build(self, targets):
+        return self.run(["cmake", "--build", "--preset", self.preset, "--target", *targets])
+
+    def prepare(self, programs):
+        if not self.folder.exists():
+            subprocess.run(["git", "clone", "-q", str(SOURCE), str(self.folder)], check=True)
+        self.run(["git", "fetch", "-q", str(SOURCE), "HEAD"])
+        self.run(["git", "reset", "-q", "--hard", "FETCH_HEAD"])
+        if not (self.folder / "build" / self.preset / "build.ninja").exists():
+            # Each fault is compiled once, and its absence again: a cache has that.
+            cache = [f"-DCMAKE_{language}_COMPILER_LAUNCHER=ccache" for language in ("C", "CXX")]
+            # Debug information costs the links more than all else.
+            plain = ["-DCMAKE_C_FLAGS_DEBUG=", "-DCMAKE_CXX_FLAGS_DEBUG="]
+            self.run(["cmake", "--preset", self.preset, *plain,
+                      *(cache if shutil.which("ccache") else [])])
+        built = self.build([*PRODUCT, *programs])
+        if built.returncode != 0:
+            sys.exit("the sources do not build:\n" + built.stdout[-2000:])
+
+    def is_noticed(self, programs):
+        for name in programs:
+            try:
+                if self.run([str(self.tests / name), "--gtest_fail_fast"],
+                            timeout=600).returncode != 0:
+                    return name
+            except subprocess.TimeoutExpired:
+                return name + " (it does not end)"
+        return None
 
 
-def prepare(preset):
-    if not CLONE.exists():
-        subprocess.run(["git", "clone", "-q", str(SOURCE), str(CLONE)], check=True)
-    run(["git", "fetch", "-q", str(SOURCE), "HEAD"])
-    run(["git", "reset", "-q", "--hard", "FETCH_HEAD"])
-    run(["cmake", "--preset", preset])
-    built = run(["cmake", "--build", "--preset", preset])
-    if built.returncode != 0:
-        sys.exit("the sources do not build:\n" + built.stdout[-2000:])
+def programs_for(file):
+    known = [folder for folder in PROGRAMS if file.startswith(folder + "/")]
+    return PROGRAMS[max(known, key=len)]
 
 
-def places(folders):
+def places(clone, folders):
+    """Each place once, whatever number of faults it may have."""
     for folder in folders:
-        for file in sorted((CLONE / folder).rglob("*.cpp")):
+        for file in sorted((clone.folder / folder).rglob("*.cpp")):
+            name = str(file.relative_to(clone.folder))
+            if NOT_BUILT.search(name):
+                continue
             for number, line in enumerate(file.read_text().split("\n")):
                 if SKIPPED.search(line):
                     continue
-                for pattern, replacement in FAULTS:
-                    if re.search(pattern, line):
-                        yield folder, file, number, pattern, replacement
+                faults = [fault for fault in FAULTS if re.search(fault[0], line)]
+                if faults:
+                    yield name, number, faults
 
 
-def plant(file, number, pattern, replacement):
+def plant(file, number, fault):
     text = file.read_text()
     lines = text.split("\n")
     before = lines[number]
-    lines[number] = re.sub(pattern, replacement, before, count=1)
+    lines[number] = re.sub(fault[0], fault[1], before, count=1)
     file.write_text("\n".join(lines))
     return text, before.strip(), lines[number].strip()
-
-
-def test_programs(folder, build):
-    for name in PROGRAMS[folder]:
-        for program in sorted((CLONE / build / "tests").glob(name)):
-            yield program
-
-
-def is_noticed(folder, build):
-    for program in test_programs(folder, build):
-        try:
-            if run([str(program), "--gtest_fail_fast"], timeout=300).returncode != 0:
-                return True
-        except subprocess.TimeoutExpired:
-            return True
-    return False
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--count", type=int, default=50)
     parser.add_argument("--seed", type=int, default=random.randrange(2**31))
-    parser.add_argument("--folders", nargs="+", default=list(PROGRAMS), choices=list(PROGRAMS))
+    parser.add_argument("--folders", nargs="+", default=FOLDERS, choices=FOLDERS)
     parser.add_argument("--preset", default="debug")
+    parser.add_argument("--clone", type=Path, default=SOURCE / "build" / "mutants",
+                        help="where the sources are copied to")
+    parser.add_argument("--place", action="append", metavar="FILE:LINE",
+                        help="plant faults of this line only (may be repeated)")
     options = parser.parse_args()
     print(f"seed {options.seed}", flush=True)
-    prepare(options.preset)
-    build = f"build/{options.preset}"
-    for folder in options.folders:
-        if not list(test_programs(folder, build)):
-            sys.exit(f"no test program of {folder} was built")
-        if is_noticed(folder, build):
-            sys.exit(f"the tests of {folder} fail without a fault")
-    candidates = list(places(options.folders))
-    random.Random(options.seed).shuffle(candidates)
+    wanted = [folder for folder in PROGRAMS
+              if any(folder == each or folder.startswith(each + "/") for each in options.folders)]
+    needed = sorted({name for folder in wanted for name in PROGRAMS[folder]})
+    clone = Clone(options.clone, options.preset)
+    clone.prepare(needed)
+    if failing := clone.is_noticed(needed):
+        sys.exit(f"{failing} fails without a fault")
+    chance = random.Random(options.seed)
+    candidates = list(places(clone, options.folders))
+    if options.place:
+        candidates = [each for each in candidates
+                      if f"{each[0]}:{each[1] + 1}" in options.place]
+    chance.shuffle(candidates)
     planted = killed = 0
-    for folder, file, number, pattern, replacement in candidates:
+    for name, number, faults in candidates:
         if planted == options.count:
             break
-        text, before, after = plant(file, number, pattern, replacement)
-        targets = [program.name for program in test_programs(folder, build)]
-        targets += ["sxml", "sxml_command"] + (["sxml_cob"] if folder == "gnucobol" else [])
-        builds = run(["cmake", "--build", "--preset", options.preset, "--target", *targets])
-        if builds.returncode == 0:
-            planted += 1
-            noticed = is_noticed(folder, build)
-            killed += noticed
-            place = f"{file.relative_to(CLONE)}:{number + 1}"
-            print(f"{'noticed ' if noticed else 'SURVIVED'} {place}: {before}  ->  {after}",
-                  flush=True)
-        file.write_text(text)
+        file = clone.folder / name
+        text, before, after = plant(file, number, chance.choice(faults))
+        programs = programs_for(name)
+        try:
+            if clone.build([*PRODUCT, *programs]).returncode != 0:
+                continue
+            noticed = clone.is_noticed(programs)
+        finally:
+            file.write_text(text)
+        planted += 1
+        killed += noticed is not None
+        print(f"{'noticed ' if noticed else 'SURVIVED'} {name}:{number + 1}: {before}  ->  {after}"
+              + (f"  [{noticed}]" if noticed else ""), flush=True)
     print(f"{killed} of {planted} faults were noticed")
 
 
