@@ -9,6 +9,16 @@
 #include "host/export.h"
 #include "host/record_description.h"
 
+// How elements find their fields where tables, or names that stand in several groups, leave a
+// choice.
+enum HostTableMatch : std::int32_t {
+    HOST_TABLES_LOOSE = 0,  // as without SXML_EXACT_TABLE_MATCH
+    HOST_TABLES_EXACT = 1,  // as with it
+    // An element that stands where the description has a field is that field's and no other's; the
+    // only entry of a table is its first. Elements that stand elsewhere: exact.
+    HOST_TABLES_BY_PLACE = 2
+};
+
 // An element of a record that has been read, in document order.
 struct HostRecordElement {
     std::uint32_t number;  // in the record, from 1, the record's own element
@@ -39,9 +49,8 @@ struct HostRecordHandler {
     std::int32_t text_encoding;
     // How much of the document has been parsed, in bytes, set like that.
     std::int64_t parsed_bytes;
-    // Whether an element must carry as many numbers as its item has dimensions, in place
-    // of SXML_EXACT_TABLE_MATCH; the host may change it at any time.
-    std::int32_t exact_table_match;
+    // In place of SXML_EXACT_TABLE_MATCH.
+    HostTableMatch table_match;
     // In place of Q4TestCOBOLCond: evaluates condition `number` (from 1) on the record as filled so
     // far, and stores the result in the description.
     void (*test_condition)(void* context, std::int32_t number);

@@ -104,9 +104,6 @@ class Description {
     // The parts of a full record, so that it can be packed.
     std::optional<CounterProblem> find_runs(std::size_t layout, const std::uint8_t* full,
                                             std::vector<SlidingRun>& runs) const;
-    // Whether at `place` in the record is the counter of the table that ends it, or of one that
-    // slides, with the value 1.
-    bool is_counter_of_one(const void* record, const void* place, RecordPosition position) const;
 
     // One line of `sxml layout`: an item at its first occurrence, groups and hidden items included.
     struct Row {

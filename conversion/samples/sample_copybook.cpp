@@ -79,11 +79,12 @@ class CopybookMaker {
     Kinds kinds();
     void find_twins(const ElementProfile& element);
     void say_twin(const ElementProfile& element);
+    void say_name(const ElementProfile& element);
     bool is_usable(const ElementProfile& element, int level) const;
     bool has_fields(const ElementProfile& element, int level) const;
     void collect_names(const ElementProfile& element, int level);
     void say_losses(const ElementProfile& element);
-    void say_ambiguous();
+    void say_no_record(const ElementProfile& kind);
     void look_for_records(const ElementProfile& kind);
     void note_tables(const ElementProfile& element);
     std::string path_to(const ElementProfile& element) const;
@@ -108,10 +109,8 @@ class CopybookMaker {
     CobolNames names_;
     // Where each name stands: fields and groups.
     struct Use {
-        const ElementProfile* first;
         std::size_t fields = 0;
         std::size_t groups = 0;
-        bool is_optional = false;  // one of the fields is missing somewhere
     };
     std::map<std::string, Use> uses_;
     struct Spelling {
@@ -163,6 +162,11 @@ void CopybookMaker::say_twin(const ElementProfile& element) {
     lose(element, {}, "cannot be read: a name beside it differs in case only", "");
 }
 
+void CopybookMaker::say_name(const ElementProfile& element) {
+    lose(element, {}, "cannot be read: copybooks cannot give this name to a field",
+         "give elements names of letters, digits, _ - . and at most 52 characters");
+}
+
 bool CopybookMaker::has_fields(const ElementProfile& element, int level) const {
     if (!is_usable(element, level)) return false;
     if (element.children.empty()) return level > 1;
@@ -172,10 +176,7 @@ bool CopybookMaker::has_fields(const ElementProfile& element, int level) const {
 
 void CopybookMaker::collect_names(const ElementProfile& element, int level) {
     say_losses(element);
-    if (!can_be_given(element.name)) {
-        return lose(element, {}, "cannot be read: copybooks cannot give this name to a field",
-                    "give elements names of letters, digits, _ - . and at most 52 characters");
-    }
+    if (!can_be_given(element.name)) return say_name(element);
     if (twins_.count(&element) > 0) return say_twin(element);
     if (level > DEEPEST_LEVEL) {
         return lose(element, {}, "cannot be read: it lies deeper than COBOL's levels go",
@@ -188,10 +189,8 @@ void CopybookMaker::collect_names(const ElementProfile& element, int level) {
     spelling.differs =
         spelling.differs || (!spelling.first.empty() && spelling.first != element.name);
     if (spelling.first.empty()) spelling.first = element.name;
-    Use& use = uses_.try_emplace(element.name, Use{&element}).first->second;
+    Use& use = uses_[element.name];
     ++(element.children.empty() ? use.fields : use.groups);
-    const bool may_be_missing = element.declared && element.declared->least == 0;
-    if (may_be_missing || element.parents < element.parent->count) use.is_optional = true;
     for (const ElementProfile& child : element.children) {
         collect_names(child, level_below(level));
     }
@@ -207,18 +206,6 @@ void CopybookMaker::say_losses(const ElementProfile& element) {
     }
     if (element.text.texts() > 0 && !element.children.empty() && element.mixed.line == 0) {
         lose(element, {}, "some hold a text, others elements; the texts cannot be read", "");
-    }
-}
-
-// The module takes the only element of a name for the first field of that name.
-void CopybookMaker::say_ambiguous() {
-    for (const auto& [name, use] : uses_) {
-        if (use.fields < 2 || !use.is_optional) continue;
-        lose(*use.first, {},
-             "elements called " + name +
-                 " stand in several places, and some records lack one; "
-                 "where only one is there, it is taken for the first",
-             "check these fields in such records");
     }
 }
 
@@ -248,29 +235,33 @@ void CopybookMaker::look_for_records(const ElementProfile& kind) {
     }
 }
 
+void CopybookMaker::say_no_record(const ElementProfile& kind) {
+    if (twins_.count(&kind) > 0) return say_twin(kind);
+    say_losses(kind);
+    if (!can_be_given(kind.name)) return say_name(kind);
+    const bool is_text = kind.children.empty() &&
+                         (kind.text.texts() > 0 ||
+                          (kind.declared && (kind.declared->text || kind.declared->has_text)));
+    if (is_text) {
+        lose(kind, {}, "cannot be read: its text is not in an element below it",
+             "--attributes reads it as the element NAME_text");
+    } else if (!kind.children.empty()) {
+        lose(kind, {}, "cannot be read: nothing in it can be a field", "");
+    }
+}
+
 CopybookMaker::Kinds CopybookMaker::kinds() {
     Kinds result;
     find_twins(root_);
     if (root_.attributes.line > 0) {
         lose(root_, root_.attributes, "attributes of the document element cannot be read", "");
     }
+    if (root_.mixed.line > 0) {
+        lose(root_, root_.mixed, "the text beside the records cannot be read", "");
+    }
     for (const ElementProfile& kind : root_.children) {
-        if (twins_.count(&kind) > 0) {
-            say_twin(kind);
-            continue;
-        }
-        if (!has_fields(kind, 1)) {
-            say_losses(kind);
-            const bool is_text =
-                kind.children.empty() &&
-                (kind.text.texts() > 0 ||
-                 (kind.declared && (kind.declared->text || kind.declared->has_text)));
-            if (is_text || !kind.children.empty()) {
-                lose(kind, {},
-                     is_text ? "cannot be read: its text is not in an element below it"
-                             : "cannot be read: nothing in it can be a field",
-                     is_text ? "--attributes reads it as the element NAME_text" : "");
-            }
+        if (twins_.count(&kind) > 0 || !has_fields(kind, 1)) {
+            say_no_record(kind);
             continue;
         }
         collect_names(kind, 1);
@@ -278,7 +269,6 @@ CopybookMaker::Kinds CopybookMaker::kinds() {
         selector_length_ = std::max(selector_length_, kind.name.size());
         result.push_back(&kind);
     }
-    say_ambiguous();
     return result;
 }
 
@@ -416,10 +406,12 @@ void CopybookMaker::add_kind(const ElementProfile& kind, bool is_one_of_several)
 Result<SampleCopybook> CopybookMaker::make() {
     const Kinds all = kinds();
     if (all.empty()) {
+        const auto& losses = result_.losses;
         return Problem{
             Cause::document,
             {.file = wishes_.made_from},
-            "no child of the document element holds elements that can be fields",
+            "no child of the document element holds elements that can be fields" +
+                (losses.empty() ? "" : " (" + losses.back().what + ")"),
             "each child of the document element is taken for a record, and fields lie at "
             "most 13 elements deep in it; --record takes others"};
     }

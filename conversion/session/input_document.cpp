@@ -46,6 +46,12 @@ std::string folded(std::string_view name) {
     return text;
 }
 
+// Whoever has chosen gets what was chosen.
+HostTableMatch table_match() {
+    if (host_config_string(EXACT_TABLE_MATCH, nullptr) == nullptr) return HOST_TABLES_BY_PLACE;
+    return host_config_flag(EXACT_TABLE_MATCH, 1) != 0 ? HOST_TABLES_EXACT : HOST_TABLES_LOOSE;
+}
+
 bool is_ascii(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -75,8 +81,6 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       options_(options),
       fields_(std::move(fields)),
       takes_any_record_(fields_.takes_any_record()),
-      follows_entries_(host_config_string(EXACT_TABLE_MATCH, nullptr) == nullptr),
-      exact_table_match_(host_config_flag(EXACT_TABLE_MATCH, 1)),
       description_(description),
       record_length_(description.record_length()),
       has_decimal_comma_(records::has_decimal_comma(description)),
@@ -84,13 +88,13 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       characters_(characters),
       own_characters_(*CharacterSet::find("utf-8")),
       blank_(description.xfd(), record_length_, options.fill, characters),
-      single_entry_(description),
       record_(static_cast<std::size_t>(record_length_)),
       fates_(static_cast<std::size_t>(description.xfd().item_count)),
       field_uses_(fates_.size()) {
     handler_.context = this;
     handler_.test_condition = &test_condition;
     handler_.store = &store;
+    handler_.table_match = table_match();
     if (options.notes_unused) {
         handler_.unused = &note_element;
         handler_.missing = &note_missing;
@@ -145,7 +149,6 @@ void InputDocument::begin_record() {
         const std::uint8_t space = characters_ != nullptr ? characters_->space() : ' ';
         std::fill_n(record_.begin() + mark.offset, mark.length, space);
     }
-    single_entry_.begin_record();
     std::fill(fates_.begin(), fates_.end(), FieldFate::not_in_document);
     troubles_.clear();
     elements_.clear();
@@ -157,7 +160,6 @@ void InputDocument::begin_record() {
     records::set_position(*module_file_.xfd, position_);
     is_of_a_layout_ = takes_any_record_;
     filled_length_ = 0;
-    handler_.exact_table_match = exact_table_match_;
 }
 
 Result<bool> InputDocument::read() {
@@ -326,10 +328,6 @@ void InputDocument::store(void* document, std::int32_t index, const char* text,
     auto& self = *static_cast<InputDocument*>(document);
     const XfdItem& item = self.module_file_.xfd->items[index];
     FieldFate& fate = self.fates_[static_cast<std::size_t>(index)];
-    if (!self.single_entry_.is_in_use(item.offset)) {
-        fate = FieldFate::not_used;
-        return;
-    }
     fate = FieldFate::filled;
     self.field_uses_[static_cast<std::size_t>(index)].has_had_data = true;
     try {
@@ -359,10 +357,6 @@ void InputDocument::store_number(std::int32_t index, std::string_view text) {
         note_trouble({index, FieldFate::no_number, std::string(written), 0, 0, 0});
     } else if (loses_low_digits(text, target)) {
         note_trouble({index, FieldFate::cut_number, std::string(written), 0, 0, 0});
-    }
-    if (!follows_entries_) return;
-    if (single_entry_.is_counted_by(record_.data(), target.address, position_)) {
-        handler_.exact_table_match = 0;
     }
 }
 
@@ -494,9 +488,9 @@ bool InputDocument::is_blank(const XfdItem& item) const {
     return std::equal(blank.begin(), blank.end(), bytes);
 }
 
-// Elements of a table's only entry carry no number for it, and so are taken for every entry.
+// Matched loosely, elements of a table's only entry are taken for every entry.
 bool InputDocument::is_repeated(std::int32_t item) const {
-    if (handler_.exact_table_match != 0) return false;
+    if (handler_.table_match != HOST_TABLES_LOOSE) return false;
     const Xfd& xfd = *module_file_.xfd;
     const XfdItem& own = xfd.items[item];
     const std::uint8_t* const bytes = record_.data() + own.offset;

@@ -12,7 +12,6 @@
 #include "conversion/documents/record_locator.h"
 #include "conversion/fields/blank_record.h"
 #include "conversion/fields/record_fields.h"
-#include "conversion/fields/single_entry.h"
 #include "conversion/fields/sliding_record.h"
 #include "conversion/problem.h"
 #include "conversion/session/module.h"
@@ -31,8 +30,7 @@ enum class FieldFate : std::uint8_t {
     no_number,        // the text is not a number that fits; docs/numbers.md says what it holds
     no_digits,        // of a binary field: the text is not pairs of hexadecimal digits; it is zero
     cut_number,       // without the decimals, or low-order digits, that it has no room for
-    lost_character,   // the text has a character that the records' set lacks; it is blank
-    not_used          // it is in an entry that the record's table does not have
+    lost_character    // the text has a character that the records' set lacks; it is blank
 };
 
 // A field that is not what the document says.
@@ -214,8 +212,6 @@ class InputDocument {
     Options options_;
     RecordFields fields_;
     bool takes_any_record_;
-    bool follows_entries_;  // the user has not chosen how tables are matched
-    std::int32_t exact_table_match_;
     const records::Description& description_;
     std::int32_t record_length_;
     bool has_decimal_comma_;
@@ -224,7 +220,6 @@ class InputDocument {
     CharacterSet own_characters_;
     std::optional<FieldText> texts_;  // known with the first record
     BlankRecord blank_;
-    SingleEntry single_entry_;
     HostRecordHandler handler_{};
     ModuleFile module_file_;
 

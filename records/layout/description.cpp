@@ -41,16 +41,6 @@ bool mentions(const Model& model, Test::Kind kind) {
     });
 }
 
-bool has_counter_of_one(const SlidingPlan& plan, const std::uint8_t* record, const void* place) {
-    return std::any_of(plan.begin(), plan.end(), [&](const SlidingPiece& piece) {
-        if (!piece.table) return false;
-        const std::optional<Operand>& counter = piece.table->counter;
-        const bool is_one = counter && counter->tables == 0 && record + counter->offset == place &&
-                            count_of(*counter, record + counter->offset, 1, 1).has_value();
-        return is_one || has_counter_of_one(piece.entry, record, place);
-    });
-}
-
 // Tells of the fields with an element in a layout, table entries by their first one.
 class LayoutFields {
   public:
@@ -78,13 +68,6 @@ class LayoutFields {
     int condition_ = -1;
     bool is_mixed_ = false;
 };
-
-bool is_sliding_counter_of_one(const DescriptionData& data, const std::uint8_t* record,
-                               const void* place) {
-    return std::any_of(data.plans.begin(), data.plans.end(), [&](const SlidingPlan& plan) {
-        return has_counter_of_one(plan, record, place);
-    });
-}
 
 // Copies a packed record to where its parts belong.
 class Spreader : public SlidingWalk {
@@ -188,18 +171,6 @@ std::optional<CounterProblem> Description::find_runs(std::size_t layout, const s
                                                      std::vector<SlidingRun>& runs) const {
     runs.clear();
     return RunFinder(full, runs).run(data_->plans[layout]);
-}
-
-bool Description::is_counter_of_one(const void* record, const void* place,
-                                    RecordPosition position) const {
-    const auto* bytes = static_cast<const std::uint8_t*>(record);
-    if (slides()) return is_sliding_counter_of_one(*data_, bytes, place);
-    const auto& rules = data_->model.length_rules;
-    return std::any_of(rules.begin(), rules.end(), [&](const LengthRule& rule) {
-        return bytes + rule.counter.offset == place &&
-               count_of(rule.counter, bytes + rule.counter.offset, rule.min, rule.max) == 1 &&
-               (rule.condition == 0 || condition_holds(*data_, rule.condition, bytes, position));
-    });
 }
 
 const std::vector<Description::Row>& Description::rows() const {

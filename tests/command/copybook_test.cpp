@@ -80,6 +80,18 @@ const std::string CAPITALS =
     "<Feed><lineItem-List><ItemId>A7</ItemId><SORT>up</SORT><seller><Name>A</Name></seller>"
     "<buyer><Name>B</Name></buyer></lineItem-List></Feed>";
 
+// Tables in tables, each with one entry somewhere.
+const std::string LISTS =
+    "<orders><order><line><tax><rate>1</rate></tax><tax><rate>2</rate></tax></line>"
+    "<line><tax><rate>3</rate></tax></line></order>"
+    "<order><line><tax><rate>4</rate></tax><tax><rate>5</rate></tax></line></order>"
+    "<order><line><tax><rate>6</rate></tax></line></order></orders>";
+
+// Names of several fields and groups, of which a record may lack the first.
+const std::string PLACES =
+    "<q><a><n>1</n><buyer><n>2</n></buyer><seller><n>3</n><a>4</a></seller></a>"
+    "<a><seller><n>5</n></seller></a><a><buyer><n>6</n></buyer></a><a><n>7</n><seller/></a></q>";
+
 // Names that COBOL keeps for itself, or cannot hold, or that become alike.
 std::string awkward_names() {
     std::string record = "<r>";
@@ -131,6 +143,8 @@ INSTANTIATE_TEST_SUITE_P(
                EXACT,
                {}},
         Sample{"names", awkward_names(), {}, EXACT, {"*> sxml: name move"}},
+        Sample{"lists in lists", LISTS, {}, {}, {"TAX OCCURS 3."}},
+        Sample{"names in several places", PLACES, {}, {}, {}},
         Sample{"export", flat_export(10000), {}, {}, {"10000 records", "ID PIC 9(6)"}}),
     [](const testing::TestParamInfo<Sample>& sample) {
         std::string name = sample.param.name;
@@ -173,11 +187,12 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
          "s.xml:1:4: r: attributes cannot be read"},
         {"mixed", "<a><r>\n<b>x<c>y</c></b></r></a>", {}, 0, "s.xml:2:13: r/b: the text beside"},
         {"text as record", "<a><r>x</r><s><t>y</t></s></a>", {}, 0, "r: cannot be read"},
-        {"two places",
-         "<a><r><b><n>1</n></b><c><n>2</n></c></r><r><b/><c><n>3</n></c></r></a>",
+        {"text beside records", "<a>x<r><b>1</b></r></a>", {}, 0, "s.xml:1:20: a: the text beside"},
+        {"name of a record",
+         "<a><\xC3\xBC><b>x</b></\xC3\xBC></a>",
          {},
-         0,
-         "elements called n stand in several places"},
+         1,
+         "can be fields (\xC3\xBC: cannot be read: copybooks cannot give this name"},
         {"letters beyond ASCII",
          "<a><r><b>x</b><\xC3\xBC>y</\xC3\xBC></r></a>",
          {},

@@ -15,6 +15,9 @@ struct RecordName {
     std::uint32_t successors[2];  // the names written after it lately, latest first; 0: not known
     bool is_field;                // equal to the name of a field but for case
     bool is_folded_field;         // the name of a field in lower case
+    bool is_group;                // the name of a group
+    bool is_top;                  // the name of an item directly below a record
+    bool is_ambiguous;            // the name of items in groups that are called differently
 
     // The elements of this name in the record that `record` tells; of no account in others.
     std::uint64_t record;

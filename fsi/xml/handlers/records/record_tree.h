@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "fsi/xml/handlers/records/record_names.h"
+#include "host/record_handler.h"
 #include "sxml/xml_api.h"
 
 // An element, numbered from 1 in document order; 0 stands for none.
@@ -58,15 +59,15 @@ struct RecordTree {
     std::uint32_t piece_room;
     std::uint32_t last_element;
     std::uint32_t last_piece;
-    std::uint32_t current;            // the innermost open element
-    std::uint32_t known_elements;     // of the record before, which may be met again
-    std::uint64_t record;             // counts the records that were linked anew
-    bool is_known;                    // all elements so far are those of the record before
-    bool keeps_text;                  // of the innermost open element
-    bool has_numbers;                 // an element has a number
-    bool is_numbered;                 // number_elements has done its work
-    bool notes_unused;                // texts that are not kept, and attributes, are to be noted
-    const std::int32_t* exact_match;  // how tables are matched; null: as the setting says
+    std::uint32_t current;              // the innermost open element
+    std::uint32_t known_elements;       // of the record before, which may be met again
+    std::uint64_t record;               // counts the records that were linked anew
+    bool is_known;                      // all elements so far are those of the record before
+    bool keeps_text;                    // of the innermost open element
+    bool has_numbers;                   // an element has a number
+    bool is_numbered;                   // number_elements has done its work
+    bool notes_unused;                  // texts that are not kept, and attributes, are to be noted
+    const HostTableMatch* table_match;  // null: as the setting says
 };
 
 // Forgets the record; the room is kept for the next one.

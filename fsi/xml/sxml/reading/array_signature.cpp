@@ -78,13 +78,62 @@ bool fits_with_gaps(const Numbers& numbers, const XfdItem& item) {
     return matched == numbers.count && leave(true, "Leaving, TRUE");
 }
 
+constexpr std::uint32_t RECORD_ELEMENT = 1;
+
+enum class Place : std::uint8_t { own, other_entry, other_item, unknown };
+
+// Whether the element, which is not in the item's groups, is in those of an item of the same name.
+bool is_of_another_item(const InputItems& input, const RecordElement& element, std::int32_t group) {
+    const RecordName* const names = input.tree.names.names;
+    if (!names[element.name].is_ambiguous) return false;
+    const bool is_in_record = group < 0 || input.items[group].level <= 1;
+    if (element.parent <= RECORD_ELEMENT) return !is_in_record && names[element.name].is_top;
+    const std::uint32_t around = input.tree.elements[element.parent].name;
+    return names[around].is_group && (is_in_record || input.names[group] != around);
+}
+
+// Compares the names and numbers of an element and what is around it with those of an item, from
+// the inside out.
+Place place_of(const InputItems& input, std::uint32_t number, const XfdItem& item) {
+    if (number == RECORD_ELEMENT) return item.level <= 1 ? Place::own : Place::other_item;
+    bool is_entry = true;
+    auto index = static_cast<std::int32_t>(&item - input.items);
+    for (;;) {
+        const RecordElement& element = input.tree.elements[number];
+        const std::int32_t group = input.enclosing[index];
+        const int outer = group < 0 ? 0 : input.items[group].dimensions();
+        const XfdItem& at = input.items[index];
+        const std::uint32_t wanted = at.dimensions() > outer ? at.subscripts[outer] : 0;
+        is_entry = is_entry && (element.number != 0 ? element.number : wanted != 0) == wanted;
+        const bool is_last = group < 0 || input.items[group].level <= 1;
+        const bool is_in_record = element.parent <= RECORD_ELEMENT;
+        if (is_in_record && is_last) return is_entry ? Place::own : Place::other_entry;
+        if (is_in_record || is_last ||
+            input.tree.elements[element.parent].name != input.names[group]) {
+            return is_of_another_item(input, element, group) ? Place::other_item : Place::unknown;
+        }
+        number = element.parent;
+        index = group;
+    }
+}
+
 }  // namespace
 
 bool matches_exactly(const RecordTree& tree) {
-    return tree.exact_match != nullptr ? *tree.exact_match != 0 : settings::exact_table_match();
+    return tree.table_match != nullptr ? *tree.table_match != HOST_TABLES_LOOSE
+                                       : settings::exact_table_match();
 }
 
-bool same_array_signature(const RecordTree& tree, std::uint32_t element, const XfdItem& item) {
+bool matches_by_place(const RecordTree& tree) {
+    return tree.table_match != nullptr && *tree.table_match == HOST_TABLES_BY_PLACE;
+}
+
+bool same_array_signature(const InputItems& input, std::uint32_t element, const XfdItem& item) {
+    const RecordTree& tree = input.tree;
+    if (matches_by_place(tree)) {
+        const Place place = place_of(input, element, item);
+        if (place != Place::unknown) return place == Place::own;
+    }
     const int dimensions = item.dimensions();
     const RecordElement& found = tree.elements[element];
     if (host_trace_on == 0 && dimensions == 1 && found.number_count == 1) {

@@ -77,6 +77,9 @@ bool ElementSearch::start(std::int32_t at) {
     if (host_trace_on != 0)
         host_trace(1, HOST_TRACE_SEARCH, "find_element %d (%s)", steps[at].item, item.name);
     const std::uint32_t number = first_element_of(tree_, input_.names[steps[at].item]);
+    if (item.level <= 1 && at > 0 && matches_by_place(tree_)) {
+        return finish(at, 1, "Leaving, found the record's element");
+    }
     if (number == 0) return finish(at, 0, "Leaving, no such element");
     const RecordElement& element = tree_.elements[number];
     if (element.next_of_name != 0) return choose(at, number);
@@ -103,9 +106,9 @@ FittingElements ElementSearch::count_fitting(std::uint32_t first, std::int32_t i
     int walked = 0;
     for (std::uint32_t at = first; at != 0; at = tree_.elements[at].next_of_name) {
         if (++walked > WALK_LIMIT && use_index()) {
-            return find_fitting(input_.record_index, tree_, input_.names[index], item);
+            return find_fitting(input_, input_.names[index], item);
         }
-        if (tree_.elements[at].is_moved || !same_array_signature(tree_, at, item)) continue;
+        if (tree_.elements[at].is_moved || !same_array_signature(input_, at, item)) continue;
         found = {found.count + 1, at};
         if (found.count > 1 && host_trace_on == 0) break;
     }
@@ -118,11 +121,11 @@ std::uint32_t ElementSearch::find_child(std::uint32_t parent, std::int32_t index
     for (std::uint32_t child = tree_.elements[parent].first_child; child != 0;
          child = tree_.elements[child].next_sibling) {
         if (++walked > WALK_LIMIT && use_index()) {
-            return find_fitting_child(input_.record_index, tree_, parent, item);
+            return find_fitting_child(input_, parent, item);
         }
         const char* const name = name_text(tree_.names, tree_.elements[child].name);
         if (!equal_ignoring_case(name, item.name)) continue;
-        if (same_array_signature(tree_, child, item)) return child;
+        if (same_array_signature(input_, child, item)) return child;
     }
     return 0;
 }
@@ -182,6 +185,9 @@ bool find_quickly(const InputItems& input, std::uint32_t first, const XfdItem& i
     if (tree.elements[first].next_of_name == 0) {
         if (!tree.elements[first].is_moved) *result = first;
         return true;
+    }
+    if (matches_by_place(tree) && tree.names.names[tree.elements[first].name].is_ambiguous) {
+        return false;
     }
     if (item.dimensions() != 1 || !tree.is_numbered) return false;
     int walked = 0;

@@ -21,6 +21,35 @@ void find_enclosing(const Xfd& xfd, std::int32_t* enclosing) {
     }
 }
 
+bool are_in_same_groups(const InputItems& input, std::int32_t one, std::int32_t other) {
+    while (one >= 0 && other >= 0) {
+        one = input.enclosing[one];
+        other = input.enclosing[other];
+        const bool is_end = one < 0 || input.items[one].level <= 1;
+        const bool is_other_end = other < 0 || input.items[other].level <= 1;
+        if (is_end || is_other_end) return is_end && is_other_end;
+        if (input.names[one] != input.names[other]) return false;
+    }
+    return true;
+}
+
+// What telling the places of elements apart needs to know of the names.
+void describe_names(InputItems& input, std::int32_t count) {
+    RecordName* const names = input.tree.names.names;
+    for (std::int32_t i = 0; i < count; ++i) {
+        RecordName& name = names[input.names[i]];
+        const std::int32_t around = input.enclosing[i];
+        name.is_group = name.is_group || is_group(input.items[i]);
+        name.is_top = name.is_top || (around >= 0 && input.items[around].level <= 1);
+        if (input.items[i].level <= 1) continue;
+        // While names are described, `first` is the first item of a name, from 1.
+        if (name.first == 0) name.first = static_cast<std::uint32_t>(i + 1);
+        const auto first = static_cast<std::int32_t>(name.first - 1);
+        name.is_ambiguous = name.is_ambiguous || !are_in_same_groups(input, first, i);
+    }
+    for (std::int32_t i = 0; i < count; ++i) names[input.names[i]].first = 0;
+}
+
 // Result: number of fields.
 std::int32_t order_fields(const Xfd& xfd, std::int32_t* fields) {
     std::int32_t count = 0;
@@ -65,7 +94,9 @@ InputItems* new_input_items(const Xfd& xfd) {
         free_input_items(items);
         return nullptr;
     }
+    items->items = xfd.items;
     find_enclosing(xfd, items->enclosing);
+    describe_names(*items, xfd.item_count);
     items->field_count = order_fields(xfd, items->fields);
     return items;
 }

@@ -10,6 +10,7 @@
 #include "host/record_description.h"
 
 struct InputItems {
+    const XfdItem* items;        // the description's
     std::int32_t* enclosing;     // per item: the nearest item before it of a lower level, or -1
     std::int32_t* fields;        // fields by condition, and by place among those of one condition
     std::int32_t field_count;    // groups and fields of conditions out of range are left out

@@ -81,7 +81,7 @@ bool start_input(XmlFile& file, const char* name) {
     if (file.input_items == nullptr) return fail_without_memory();
     if (file.handler == nullptr) return true;
     RecordTree& tree = file.input_items->tree;
-    tree.exact_match = &file.handler->exact_table_match;
+    tree.table_match = &file.handler->table_match;
     tree.notes_unused = file.handler->unused != nullptr;
     return true;
 }

@@ -45,12 +45,15 @@ bool find_text(const XmlFile& file, std::uint32_t element, const char** text, st
 }
 
 // While nothing is traced, the setting is asked for where it makes a difference only.
-bool fits(RecordTree& tree, std::uint32_t element, const XfdItem& field) {
+bool fits(InputItems& input, std::uint32_t element, const XfdItem& field) {
+    RecordTree& tree = input.tree;
     if (host_trace_on != 0 && !matches_exactly(tree)) return true;
     number_elements(tree);
-    const bool no_tables = field.dimensions() == 0 && tree.elements[element].number_count == 0;
-    if (no_tables && host_trace_on == 0) return true;
-    if (same_array_signature(tree, element, field)) return true;
+    const RecordElement& found = tree.elements[element];
+    const bool is_settled = !matches_by_place(tree) || !tree.names.names[found.name].is_ambiguous;
+    const bool no_tables = field.dimensions() == 0 && found.number_count == 0;
+    if (no_tables && is_settled && host_trace_on == 0) return true;
+    if (same_array_signature(input, element, field)) return true;
     return host_trace_on == 0 && !matches_exactly(tree);
 }
 
@@ -71,6 +74,11 @@ void move_characters(const XfdItem& field, char* target, const char* text, std::
     std::memset(target + copied, ' ', size - copied);
 }
 
+void note_missing(const XmlFile& file, std::int32_t index) {
+    if (file.handler == nullptr || file.handler->missing == nullptr) return;
+    file.handler->missing(file.handler->context, index);
+}
+
 // Fills the field at `index` from its element. Result: where the field ends in the record, or 0
 // when it was left as it is.
 std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record) {
@@ -79,15 +87,14 @@ std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record
         host_trace(1, HOST_TRACE_DATA, "read_xml_data %d (%s)", index, field.name);
     RecordTree& tree = file.input_items->tree;
     const std::uint32_t element = find_element(file, index);
-    if (element == 0 && file.handler != nullptr && file.handler->missing != nullptr) {
-        file.handler->missing(file.handler->context, index);
-    }
+    if (element == 0) note_missing(file, index);
     const char* text = nullptr;
     std::size_t length = 0;
     if (element == 0 || !find_text(file, element, &text, &length) || !lies_in_record(field)) {
         return leave_without_data("Leaving, no data");
     }
-    if (!fits(tree, element, field)) {
+    if (!fits(*file.input_items, element, field)) {
+        note_missing(file, index);
         return leave_without_data("Leaving, no data (bad array)");
     }
     tree.elements[element].is_moved = true;

@@ -131,8 +131,9 @@ bool make_record_index(RecordIndex& index, const RecordTree& tree) {
 
 // Moved elements are taken out on the way: they stay moved as long as the index lives. So elements
 // that all fit one item are not passed over again and again.
-FittingElements find_fitting(RecordIndex& index, const RecordTree& tree, std::uint32_t name,
-                             const XfdItem& item) {
+FittingElements find_fitting(InputItems& input, std::uint32_t name, const XfdItem& item) {
+    RecordIndex& index = input.record_index;
+    const RecordTree& tree = input.tree;
     FittingElements found = {0, 0};
     const std::uint32_t hash = hash_by_name(name, item.subscripts, item.dimensions());
     std::uint32_t* link = &head_of(index, BY_NAME, hash);
@@ -146,14 +147,16 @@ FittingElements find_fitting(RecordIndex& index, const RecordTree& tree, std::ui
         }
         link = &indexed.next[BY_NAME];
         if (indexed.hashes[BY_NAME] != hash || element.name != name) continue;
-        if (!same_array_signature(tree, number, item)) continue;
+        if (!same_array_signature(input, number, item)) continue;
         found = {found.count + 1, number};
     }
     return found;
 }
 
-std::uint32_t find_fitting_child(const RecordIndex& index, const RecordTree& tree,
-                                 std::uint32_t parent, const XfdItem& item) {
+std::uint32_t find_fitting_child(const InputItems& input, std::uint32_t parent,
+                                 const XfdItem& item) {
+    const RecordIndex& index = input.record_index;
+    const RecordTree& tree = input.tree;
     const std::uint32_t hash =
         hash_by_parent(parent, item.name, item.subscripts, item.dimensions());
     for (std::uint32_t number = head_of(index, BY_PARENT, hash); number != 0;
@@ -161,7 +164,7 @@ std::uint32_t find_fitting_child(const RecordIndex& index, const RecordTree& tre
         const RecordElement& element = tree.elements[number];
         if (index.elements[number].hashes[BY_PARENT] != hash || element.parent != parent) continue;
         if (!equal_ignoring_case(name_text(tree.names, element.name), item.name)) continue;
-        if (same_array_signature(tree, number, item)) return number;
+        if (same_array_signature(input, number, item)) return number;
     }
     return 0;
 }

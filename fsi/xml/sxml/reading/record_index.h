@@ -14,6 +14,7 @@
 #include "host/record_description.h"
 
 struct IndexedElement;
+struct InputItems;
 
 // Zero-filled, it is ready for use.
 struct RecordIndex {
@@ -42,12 +43,11 @@ struct FittingElements {
     int count;          // 2: two or more
     std::uint32_t any;  // the only one when there is one
 };
-FittingElements find_fitting(RecordIndex& index, const RecordTree& tree, std::uint32_t name,
-                             const XfdItem& item);
+FittingElements find_fitting(InputItems& input, std::uint32_t name, const XfdItem& item);
 
 // The first child of `parent` that has the item's name, without regard to case, and fits the item;
 // 0 when there is none.
-std::uint32_t find_fitting_child(const RecordIndex& index, const RecordTree& tree,
-                                 std::uint32_t parent, const XfdItem& item);
+std::uint32_t find_fitting_child(const InputItems& input, std::uint32_t parent,
+                                 const XfdItem& item);
 
 void free_record_index(RecordIndex& index);
