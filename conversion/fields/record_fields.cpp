@@ -56,6 +56,18 @@ void evaluate_conditions(Xfd& xfd, const void* record) {
     }
 }
 
+// Each search continues with the groups found already.
+RecordFields::RecordFields(const Xfd& xfd) : xfd_(&xfd) {
+    enclosing_.reserve(static_cast<std::size_t>(std::max(xfd.item_count, 0)));
+    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
+        std::int32_t before = i - 1;
+        while (before >= 0 && xfd.items[before].level >= xfd.items[i].level) {
+            before = enclosing_[static_cast<std::size_t>(before)];
+        }
+        enclosing_.push_back(before);
+    }
+}
+
 Result<RecordFields> RecordFields::of(const Xfd& xfd) {
     RecordFields result(xfd);
     if (xfd.item_count <= 0) return result;
@@ -167,11 +179,10 @@ std::string RecordFields::name(std::int32_t index) const {
 
 std::string RecordFields::path(std::int32_t index) const {
     std::string text = xfd_->items[index].name;
-    std::int16_t level = xfd_->items[index].level;
-    for (std::int32_t i = index - 1; i >= 0 && level > 2; --i) {
-        if (xfd_->items[i].level >= level) continue;
-        level = xfd_->items[i].level;
-        text.insert(0, std::string(xfd_->items[i].name) + "/");
+    std::int32_t at = enclosing_[static_cast<std::size_t>(index)];
+    while (at >= 0 && xfd_->items[at].level > 1) {
+        text.insert(0, std::string(xfd_->items[at].name) + "/");
+        at = enclosing_[static_cast<std::size_t>(at)];
     }
     return text;
 }

@@ -80,13 +80,14 @@ class RecordFields {
     std::string path(std::int32_t item) const;
 
   private:
-    explicit RecordFields(const Xfd& xfd) : xfd_(&xfd) {}
+    explicit RecordFields(const Xfd& xfd);
     bool collect(int index, std::vector<int>& path, std::vector<Field>& fields);
     int variant_of(int index, const std::vector<int>& path) const;
     int end_of_item(int index) const;
     RecordLayout layout_at(int index, int end) const;
 
     const Xfd* xfd_;
+    std::vector<std::int32_t> enclosing_;  // per item: the group around it; -1: none
     std::vector<RecordLayout> layouts_;
     int visited_ = 0;  // items, while collecting
 };

@@ -56,7 +56,8 @@ OutputDocument::OutputDocument(const host::Module& module, const records::Descri
       fields_(std::move(fields)),
       controls_(options.controls),
       text_check_(characters, controls_ != Controls::refuse),
-      control_check_(characters) {
+      control_check_(characters),
+      completed_(characters) {
     handler_.context = this;
     handler_.choose_layout = &choose_layout;
     if (characters.converts() || controls_ != Controls::refuse) handler_.text = &translate_text;
@@ -254,26 +255,11 @@ void OutputDocument::choose(std::optional<std::size_t> layout) {
 // The module leaves a field out that reaches beyond the record. A problem when the record ends
 // within a character of two bytes.
 Done OutputDocument::complete_cut_field() {
-    const std::int32_t cut = outcome_.length;
-    for (const Field& field : chosen().fields) {
-        const std::int32_t end = field.offset + field.length;
-        const bool is_cut = field.offset < cut && end > cut;
-        if (!is_cut || !condition_holds(*module_file_.xfd, field.condition)) continue;
-        if (outcome_.length == cut) {
-            completed_.assign(static_cast<std::size_t>(description_.record_length()),
-                              characters_.space());
-            std::copy_n(record_, cut, completed_.begin());
-        }
-        outcome_.length = std::max(outcome_.length, end);
-        const TextForm form = text_form(module_file_.xfd->items[field.item], characters_);
-        if (form == TextForm::plain) continue;
-        if ((cut - field.offset) % 2 != 0) {
-            return Problem{Cause::record, place_of(field, 0), ENDS_WITHIN_FIELD, ""};
-        }
-        fill_blank(completed_.data() + cut, static_cast<std::size_t>(end - cut),
-                   blank_of(form, characters_));
-    }
-    if (outcome_.length > cut) record_ = completed_.data();
+    const std::span record(record_, static_cast<std::size_t>(outcome_.length));
+    const auto halved = completed_.complete(record, chosen(), *module_file_.xfd);
+    if (halved) return Problem{Cause::record, place_of(*halved, 0), ENDS_WITHIN_FIELD, ""};
+    record_ = completed_.data();
+    outcome_.length = completed_.length();
     return std::nullopt;
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "conversion/fields/completed_record.h"
 #include "conversion/fields/record_fields.h"
 #include "conversion/fields/sliding_record.h"
 #include "conversion/problem.h"
@@ -129,9 +130,9 @@ class OutputDocument {
     ModuleFile module_file_;
     const std::uint8_t* record_ = nullptr;  // being written
     Outcome outcome_;
-    std::vector<std::uint8_t> completed_;  // a record whose last field was cut
-    std::string translated_;               // one text
-    bool is_out_of_memory_ = false;        // in a function that the module called
+    CompletedRecord completed_;      // the one being written
+    std::string translated_;         // one text
+    bool is_out_of_memory_ = false;  // in a function that the module called
 };
 
 }  // namespace conversion

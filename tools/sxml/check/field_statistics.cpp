@@ -45,6 +45,7 @@ FieldStatistics::FieldStatistics(records::Description& description,
     : description_(description),
       characters_(characters),
       fields_(value_of(RecordFields::of(description.xfd()))),
+      completed_(characters),
       texts_(characters),
       records_(fields_.layouts().size()) {
     if (description.slides()) sliding_.emplace(description, characters.space());
@@ -95,9 +96,16 @@ void FieldStatistics::add(const conversion::Record& record) {
     const std::span<const std::uint8_t> read(record.data, record.length);
     position_ = record.position();
     records::set_position(description_.xfd(), position_);
-    const std::uint8_t* const whole = spread(read);
+    const std::uint8_t* whole = spread(read);
     const RecordLayout& layout = fields_.layouts()[choose(whole)];
-    const std::int32_t length = used_length(read);
+    std::int32_t length = used_length(read);
+    if (!sliding_) {
+        // Half a character at the end, the conversion tells.
+        (void)completed_.complete(read.first(static_cast<std::size_t>(length)), layout,
+                                  description_.xfd());
+        whole = completed_.data();
+        length = completed_.length();
+    }
     for (const Field& field : layout.fields) {
         if (!holds_data(field, length)) continue;
         Row& row = row_of(field);

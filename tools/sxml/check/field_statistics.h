@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "conversion/fields/completed_record.h"
 #include "conversion/fields/record_fields.h"
 #include "conversion/fields/sliding_record.h"
 #include "conversion/formats/record_format.h"
@@ -101,6 +102,7 @@ class FieldStatistics {
     const conversion::CharacterSet& characters_;
     conversion::RecordFields fields_;
     std::optional<conversion::SlidingRecord> sliding_;
+    conversion::CompletedRecord completed_;
     conversion::TextCheck texts_;
     std::vector<Row> rows_;
     std::map<std::int32_t, std::size_t> row_of_item_;

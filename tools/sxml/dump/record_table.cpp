@@ -42,6 +42,7 @@ RecordTable::RecordTable(records::Description& description, const CharacterSet& 
     : xfd_(description.xfd()),
       characters_(characters),
       fields_(value_of(RecordFields::of(description.xfd()))),
+      completed_(characters),
       pictures_(pictures_of(description)) {
     if (description.slides()) sliding_.emplace(description, characters.space());
     for (const RecordLayout& layout : fields_.layouts()) {
@@ -69,6 +70,11 @@ std::string RecordTable::of(const Record& record) {
     const RecordLayout& layout = layouts[chosen.value_or(0)];
     if (layouts.size() > 1 && chosen) text += ", " + layout.name;
     if (!chosen) text += ", of no layout; shown as " + layout.name;
+    whole_ = {record.data, record.length};
+    if (!sliding_ && chosen) {
+        (void)completed_.complete(whole_, layout, xfd_);
+        whole_ = {completed_.data(), static_cast<std::size_t>(completed_.length())};
+    }
     if (problem) text += ", " + problem->place.field + ": " + problem->what;
     return text + "\n" + line("Offset", "Bytes", "Field", "Picture", "Value") +
            lines_of(layout, record, !chosen);
@@ -94,7 +100,8 @@ std::string RecordTable::lines_of(const RecordLayout& layout, const Record& reco
                                   bool takes_all) const {
     std::vector<Field> shown;
     const auto length = sliding_ ? std::numeric_limits<std::int32_t>::max()
-                                 : static_cast<std::int32_t>(record.length);
+                                 : static_cast<std::int32_t>(whole_.size());
+    const auto end_of_record = static_cast<std::int32_t>(record.length);
     std::copy_if(layout.fields.begin(), layout.fields.end(), std::back_inserter(shown),
                  [&](const Field& field) {
                      return takes_all ? field.offset + field.length <= length
@@ -105,6 +112,8 @@ std::string RecordTable::lines_of(const RecordLayout& layout, const Record& reco
             return !sliding_->has_all(field.offset, field.length);
         });
         for (Field& field : shown) field.offset = sliding_->packed_offset(field.offset);
+    } else {
+        std::erase_if(shown, [=](const Field& field) { return field.offset >= end_of_record; });
     }
     std::stable_sort(shown.begin(), shown.end(),
                      [](const Field& a, const Field& b) { return a.offset < b.offset; });
@@ -114,7 +123,8 @@ std::string RecordTable::lines_of(const RecordLayout& layout, const Record& reco
         const auto offset = static_cast<std::size_t>(field.offset);
         if (offset > end) text += unnamed_bytes(record, end, offset);
         text += field_lines(record, field);
-        end = std::max(end, offset + static_cast<std::size_t>(field.length));
+        end =
+            std::min(std::max(end, offset + static_cast<std::size_t>(field.length)), record.length);
     }
     if (end < record.length) text += unnamed_bytes(record, end, record.length);
     return text;
@@ -125,11 +135,14 @@ std::string RecordTable::unnamed_bytes(const Record& record, std::size_t from,
     return byte_lines({record.data + from, to - from}, from, "(no field)", "", "");
 }
 
+// Of a field that the record's end cuts, the bytes that are there.
 std::string RecordTable::field_lines(const Record& record, const Field& field) const {
-    const std::span<const std::uint8_t> bytes(record.data + field.offset,
-                                              static_cast<std::size_t>(field.length));
-    return byte_lines(bytes, static_cast<std::size_t>(field.offset), fields_.name(field.item),
-                      picture_of(field), value_of_field(field, bytes));
+    const auto offset = static_cast<std::size_t>(field.offset);
+    const auto size = static_cast<std::size_t>(field.length);
+    const std::span<const std::uint8_t> bytes(record.data + offset,
+                                              std::min(size, record.length - offset));
+    return byte_lines(bytes, offset, fields_.name(field.item), picture_of(field),
+                      value_of_field(field, whole_.subspan(offset, size)));
 }
 
 std::string RecordTable::value_of_field(const Field& field,

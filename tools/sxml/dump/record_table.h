@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "conversion/fields/completed_record.h"
 #include "conversion/fields/record_fields.h"
 #include "conversion/fields/sliding_record.h"
 #include "conversion/formats/record_format.h"
@@ -43,6 +44,8 @@ class RecordTable {
     const conversion::CharacterSet& characters_;
     conversion::RecordFields fields_;
     std::optional<conversion::SlidingRecord> sliding_;
+    conversion::CompletedRecord completed_;
+    std::span<const std::uint8_t> whole_;  // the record being shown, its last field filled up
     std::map<std::string, std::string> pictures_;  // by element name
     std::size_t name_width_ = 10;
     std::size_t picture_width_ = 7;
