@@ -140,7 +140,8 @@ TEST_F(CharactersTest, CharactersOfTwoBytesComeBack) {
                "           05  G PIC G(3) DISPLAY-1.\n           05  N PIC N(3) NATIONAL.\n"
                "           05  B PIC X(2) OCCURS 2.\n");
     const std::string utf16 = std::string("\0\xE9\x20\xAC\0 ", 6);
-    for (const std::string set : {"IBM930", "IBM935", "IBM937", "IBM939", "IBM1388"}) {
+    for (const std::string set : {"IBM930", "IBM933", "IBM935", "IBM937", "IBM939", "IBM1388",
+                                  "IBM1364", "IBM1371", "IBM1390", "IBM1399"}) {
         SCOPED_TRACE(set);
         const std::string wide = in(set, "g.txt");
         ASSERT_EQ(wide.size(), 6U);
