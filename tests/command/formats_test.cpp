@@ -314,6 +314,26 @@ TEST_F(FormatsTest, LongFilesComeOutWhole) {
     EXPECT_TRUE(read_file("back") == read_file("in"));
 }
 
+#ifndef __SANITIZE_ADDRESS__
+// A file takes the memory of its longest record, however many it has.
+TEST_F(FormatsTest, LongFilesTakeNoMoreMemory) {
+    write_file("recs.cpy",
+               "       01  BIG.\n           05  NO PIC 9(4).\n           05  PART PIC X(2000).\n");
+    const auto kilobytes = [this](std::size_t count) {
+        const std::string record = "0001" + std::string(2000, 'x');
+        write_file("in", file_of("rdw", std::vector<std::string>(count, record)));
+        const Outcome written = to_xml("in", {"--record-format", "rdw"});
+        const Outcome read_back = from_xml({"--record-format", "rdw"});
+        const Outcome made = sxml({"copybook", "out.xml"});
+        EXPECT_EQ(written.err + read_back.err + made.err, "");
+        return std::vector<long>{written.kilobytes, read_back.kilobytes, made.kilobytes};
+    };
+    const std::vector<long> before = kilobytes(2'000);
+    const std::vector<long> after = kilobytes(10'000);  // 16 MB more
+    for (std::size_t i = 0; i < before.size(); ++i) EXPECT_LT(after[i], before[i] + 2'000) << i;
+}
+#endif
+
 // Layouts of different lengths: each record is as long as its own, FILLER at its end included.
 TEST_F(FormatsTest, RecordsAreAsLongAsTheirLayout) {
     write_file("recs.cpy",
