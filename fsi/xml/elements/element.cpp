@@ -1,11 +1,7 @@
 #include "fsi/xml/elements/element.h"
 
-#include <cstring>
-
 #include "fsi/xml/elements/name_index.h"
 #include "fsi/xml/elements/occurrence_numbers.h"
-#include "fsi/xml/elements/owned_text.h"
-#include "host/arrays.h"
 #include "host/handles.h"
 
 namespace {
@@ -19,12 +15,30 @@ bool is_element(std::uint32_t handle) {
     return element_type != 0 && host_handle_type(handle) == element_type;
 }
 
+XmlElement* element_of(std::uint32_t handle) {
+    return static_cast<XmlElement*>(host_handle_ptr(handle));
+}
+
+// Puts an element among the children of its parent, before `before` or after the others.
+void link(XmlElement& parent, XmlElement& element, XmlElement* before) {
+    element.parent = &parent;
+    element.next = before;
+    element.previous = before ? before->previous : parent.last_child;
+    (element.previous ? element.previous->next : parent.first_child) = &element;
+    (before ? before->previous : parent.last_child) = &element;
+    ++parent.child_count;
+    parent.had_children = true;
+}
+
 // Takes an element out of its parent's children.
-void unlink(std::uint32_t handle, XmlElement& element) {
-    if (!element.sibling_node) return;
-    remove_child_name(*element_of(element.parent), handle, element);
-    host_list_remove(element.sibling_node, ELEMENTS_SOURCE, __LINE__, 0);
-    element.sibling_node = nullptr;
+void unlink(XmlElement& element) {
+    if (!element.parent) return;
+    XmlElement& parent = *element.parent;
+    remove_child_name(parent, element);
+    (element.previous ? element.previous->next : parent.first_child) = element.next;
+    (element.next ? element.next->previous : parent.last_child) = element.previous;
+    --parent.child_count;
+    element.parent = element.next = element.previous = nullptr;
 }
 
 // Releases everything below an element, leaves first: so the release of a handle never leads to the
@@ -33,12 +47,12 @@ void release_descendants(XmlElement& top) {
     drop_child_names(top);
     XmlElement* element = &top;
     for (;;) {
-        if (const HostListNode* const node = first_child_node(*element)) {
-            element = element_of(node->value);
+        if (element->first_child) {
+            element = element->first_child;
             drop_child_names(*element);
         } else if (element != &top) {
-            const std::uint32_t leaf = element->sibling_node->value;
-            element = element_of(element->parent);
+            const std::uint32_t leaf = element->handle;
+            element = element->parent;
             host_handle_free(leaf, ELEMENTS_SOURCE, __LINE__, 0);
         } else {
             return;
@@ -46,34 +60,23 @@ void release_descendants(XmlElement& top) {
     }
 }
 
-void release_attributes(XmlElement& element) {
-    const std::uint32_t count = host_array_count(element.attributes);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        free_text(element.attributes[i].name);
-        free_text(element.attributes[i].value);
-    }
-    host_array_free(element.attributes, ELEMENTS_SOURCE, __LINE__);
-    element.attributes = nullptr;
-}
-
-void leave_holder(XmlElementHolder* holder, std::uint32_t handle) {
+void leave_holder(XmlElement& element) {
+    XmlElementHolder* const holder = element.holder;
     if (!holder) return;
-    if (holder->root == handle) holder->root = 0;
-    if (holder->current == handle) holder->current = 0;
+    if (holder->root == &element) holder->root = nullptr;
+    if (holder->current == &element) holder->current = nullptr;
 }
 
 // Run by the host when an element's handle is released.
 void destroy_element(std::uint32_t handle) {
     XmlElement& element = *element_of(handle);
-    leave_holder(element.holder, handle);
-    unlink(handle, element);
-    free_text(element.name);
+    leave_holder(element);
+    unlink(element);
+    drop_name(element.name);
     release_descendants(element);
-    host_list_free(element.children, ELEMENTS_SOURCE, __LINE__, 0);
-    element.children = nullptr;
     free_text(element.value);
-    free_text(element.comments);
-    release_attributes(element);
+    clear_comments(element);
+    clear_attributes(element);
 }
 
 void register_element_type() {
@@ -85,42 +88,25 @@ void register_element_type() {
     element_type = host_handle_type_register(&type);
 }
 
-// The entry of a child among the children of `parent`; null for any other number.
-HostListNode* child_entry(std::uint32_t parent, std::uint32_t child) {
-    if (child == 0 || child == NO_SIBLING || !is_element(child)) return nullptr;
-    const XmlElement& element = *element_of(child);
-    return element.parent == parent ? element.sibling_node : nullptr;
+// The child of `parent` that a handle stands for; null for any other number.
+XmlElement* child_of(const XmlElement& parent, std::uint32_t handle) {
+    if (handle == 0 || handle == NO_SIBLING || !is_element(handle)) return nullptr;
+    XmlElement* const element = element_of(handle);
+    return element->parent == &parent ? element : nullptr;
 }
 
 // Links a new element into its parent's children and numbers it. Whatever may fail comes first, so
 // that on failure the tree is as it was.
-bool link_child(std::uint32_t parent_handle, XmlElement& parent, std::uint32_t handle,
-                XmlElement& child, std::uint32_t before) {
-    static const HostListType list_type = {"XML children list", 0};
+bool add_to_parent(XmlElement& parent, XmlElement& child, std::uint32_t before) {
     if (!reserve_child_name(parent)) return false;
-    HostList* const list =
-        parent.children ? parent.children : host_list_new(&list_type, ELEMENTS_SOURCE, __LINE__, 0);
-    if (!list) return false;
-    const SameName same = find_same_name(parent, child);
-    HostListNode* const node = host_list_insert(handle, list, child_entry(parent_handle, before),
-                                                ELEMENTS_SOURCE, __LINE__, 0);
-    if (!node) {
-        if (!parent.children) host_list_free(list, ELEMENTS_SOURCE, __LINE__, 0);
-        return false;
-    }
-    parent.children = list;
-    child.parent = parent_handle;
-    child.sibling_node = node;
-    add_child_name(parent, handle, child);
+    const SameName same = find_same_name(parent, *child.name);
+    link(parent, child, child_of(parent, before));
+    add_child_name(parent, child);
     number_child(parent, child, same);
     return true;
 }
 
 }  // namespace
-
-XmlElement* element_of(std::uint32_t handle) {
-    return static_cast<XmlElement*>(host_handle_ptr(handle));
-}
 
 XmlElement* lookup_element(std::uint32_t handle) {
     if (is_element(handle)) return element_of(handle);
@@ -128,24 +114,31 @@ XmlElement* lookup_element(std::uint32_t handle) {
     return nullptr;
 }
 
-std::uint32_t create_element(std::uint32_t parent, const char* name, std::uint32_t before) {
+XmlElement* next_in_tree(const XmlElement* element, const XmlElement* top, bool descends) {
+    if (descends && element->first_child) return element->first_child;
+    for (; element != top; element = element->parent) {
+        if (element->next) return element->next;
+    }
+    return nullptr;
+}
+
+XmlElement* create_element(XmlElement* parent, const char* name, std::uint32_t before) {
     register_element_type();
-    XmlElement* const above = lookup_element(parent);
     const std::uint32_t handle =
         host_handle_new(element_type, 0, 0, ELEMENTS_SOURCE, __LINE__, "XML element info", 0);
     if (handle == 0) {
         set_element_error(XMLERR_NO_MEMORY);
-        return 0;
+        return nullptr;
     }
     XmlElement& element = *element_of(handle);
-    element.last_index = -1;
-    element.name = new_text(name, "XML element name");
-    if (element.name == 0 || (above && !link_child(parent, *above, handle, element, before))) {
+    element.handle = handle;
+    element.name = use_name(name ? std::string_view(name) : std::string_view());
+    if (!element.name || (parent && !add_to_parent(*parent, element, before))) {
         set_element_error(XMLERR_NO_MEMORY);
         host_handle_free(handle, ELEMENTS_SOURCE, __LINE__, 0);
-        return 0;
+        return nullptr;
     }
-    return handle;
+    return &element;
 }
 
 std::int32_t xml_is_element(std::uint32_t handle) {

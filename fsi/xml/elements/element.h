@@ -1,64 +1,96 @@
 // The element tree: what an element holds, and how elements are found, made and released. The
-// operations on elements are the functions of sxml/xml_api.h.
+// operations on elements are the functions of sxml/xml_api.h; inside the module they are called on
+// the element itself, so that its handle is looked up once.
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "fsi/xml/elements/element_error.h"
-#include "host/lists.h"
+#include "fsi/xml/elements/interned_names.h"
+#include "fsi/xml/elements/owned_text.h"
 #include "sxml/xml_api.h"
 
 struct NameIndex;
+struct XmlElement;
 
 // The path under which the elements' memory is accounted for.
 constexpr const char* ELEMENTS_SOURCE = "fsi/xml/elements";
 
-// One attribute of an element; the element owns both strings.
+// One attribute of an element, in a tracked block of its own; its value, with a NUL after it,
+// follows.
 struct XmlAttribute {
-    std::uint32_t name;
-    std::uint32_t value;
+    XmlName* name;
 };
-static_assert(sizeof(XmlAttribute) == 8);
+inline const char* value_of(const XmlAttribute& attribute) {
+    return reinterpret_cast<const char*>(&attribute + 1);
+}
 
-// Handles that somebody else keeps of elements. They become 0 when the element is released, so that
-// neither outlives it.
+// What somebody else keeps of a tree. It becomes null when the element is released, so that neither
+// outlives it.
 struct XmlElementHolder {
-    std::uint32_t root;     // the top-level element
-    std::uint32_t current;  // an element of its tree
+    XmlElement* root;     // the top-level element
+    XmlElement* current;  // an element of its tree
 };
 
-// An element, known to everybody else by its handle alone. It owns its strings, its attributes, its
-// list of children and the children themselves.
+// An element, known to callers of the API by its handle alone. It owns its texts, its attributes
+// and its children, which refer to each other and to it.
 struct XmlElement {
-    std::uint32_t name;                      // string, never changed
-    std::uint32_t parent;                    // 0 for a top-level element
-    HostList* children;                      // handles; null until there is a child
-    std::int32_t value_encoding;             // host encoding code, counts while there is a value
-    std::uint32_t value;                     // string; 0 when there never was any data
-    std::uint32_t comments;                  // string; 0 when there are none
-    HostListNode* sibling_node;              // own entry in the parent's children
-    XmlAttribute* attributes;                // host array; null until there is an attribute
-    std::int32_t last_index;                 // -1 when there are no occurrence numbers
-    std::uint32_t indices[XML_INDEX_LIMIT];  // occurrence numbers, outermost first
-    void* user_data;                         // attached by a caller, not owned
-    XmlElementHolder* holder;                // not owned, outlives the element; null for none
+    XmlName* name;  // never changed
+    XmlElement* parent;
+    XmlElement* next;  // among the children of the parent
+    XmlElement* previous;
+    XmlElement* first_child;
+    XmlElement* last_child;
+    OwnedText value;            // counts while there is a value
+    OwnedText* comments;        // tracked block; null when there are none
+    XmlAttribute** attributes;  // host array; null until there is an attribute
+    void* user_data;            // attached by a caller, not owned
+    XmlElementHolder* holder;   // not owned, outlives the element; null for none
+
+    // Bookkeeping of occurrence_numbers.h: the nearest element with a number of its own, up from
+    // and including this one, and when it, or this one, came by what it has.
+    XmlElement* numbered;
+    std::uint64_t numbered_at;
+    std::uint64_t full_at;
 
     // Bookkeeping of name_index.h.
-    NameIndex* child_names;       // of an element with more than a handful of children
-    std::uint32_t next_same;      // ring of the children of one name, while the parent keeps an
-    std::uint32_t previous_same;  // index of names
+    NameIndex* child_names;     // of an element with more than a few children
+    XmlElement* next_same;      // ring of the children of one name, while the parent keeps an
+    XmlElement* previous_same;  // index of names
+
+    std::uint32_t handle;
+    std::uint32_t number;  // among the siblings of its name; 0 when it has none of its own
+    std::uint32_t child_count;
+    std::int32_t value_encoding;  // host encoding code, counts while there is a value
+    std::uint8_t number_count;    // with those of the elements above
+    bool has_value;
+    bool had_children;
 };
 
 // The element behind a handle; null with XMLERR_BAD_ELEMENT when there is none.
 XmlElement* lookup_element(std::uint32_t handle);
 
-// The element behind a handle that is known to be an element's.
-XmlElement* element_of(std::uint32_t handle);
-
-// The first child of an element, null when it has none. Entries lead on to the next ones.
-inline const HostListNode* first_child_node(const XmlElement& element) {
-    return element.children ? element.children->first : nullptr;
+// The handle of an element; 0 for null.
+inline std::uint32_t handle_of(const XmlElement* element) {
+    return element ? element->handle : 0;
 }
 
-// Creates an element; see xml_new_element.
-std::uint32_t create_element(std::uint32_t parent, const char* name, std::uint32_t before);
+// The element after `element` in document order below `top`; null after the last. Without
+// `descends` what is below `element` is passed over.
+XmlElement* next_in_tree(const XmlElement* element, const XmlElement* top, bool descends = true);
+
+// Creates an element below `parent`, before the child with the handle `before` or after the others.
+// See xml_new_element.
+XmlElement* create_element(XmlElement* parent, const char* name, std::uint32_t before);
+
+// What the functions of the API do with an element. Those that add something give false with
+// XMLERR_NO_MEMORY and leave it as it was; a negative length means the text up to its NUL.
+bool append_value(XmlElement& element, const char* text, std::int64_t length,
+                  std::int32_t encoding);
+// False when the value is shorter already.
+bool shorten_value(XmlElement& element, std::uint64_t length, std::int32_t encoding);
+bool add_attribute(XmlElement& element, const char* name, const char* value);
+bool add_comment(XmlElement& element, const char* text);
+void clear_comments(XmlElement& element);
+void clear_attributes(XmlElement& element);

@@ -2,31 +2,27 @@
 #include <cstring>
 
 #include "fsi/xml/elements/element.h"
-#include "host/strings.h"
+#include "fsi/xml/elements/occurrence_numbers.h"
 
 namespace {
 
-// The element of an entry next to `element`'s own; 0 with XMLERR_NO_SIBLINGS when there is none.
-std::uint32_t sibling(std::uint32_t element, HostListNode* HostListNode::*direction) {
+// The handle of the element next to another one; 0 with `error` when there is none.
+std::uint32_t neighbour(std::uint32_t element, XmlElement* XmlElement::*direction,
+                        XmlErrorCode error) {
     const XmlElement* const found = lookup_element(element);
     if (!found) return 0;
-    const HostListNode* const node =
-        found->sibling_node ? found->sibling_node->*direction : nullptr;
-    if (!node) {
-        set_element_error(XMLERR_NO_SIBLINGS);
-        return 0;
-    }
-    return node->value;
+    if (!(found->*direction)) set_element_error(error);
+    return handle_of(found->*direction);
 }
 
 }  // namespace
 
 std::uint32_t xml_new_element(std::uint32_t parent, const char* name, std::uint32_t before) {
-    return create_element(parent, name, before);
+    return handle_of(create_element(lookup_element(parent), name, before));
 }
 
 std::uint32_t xml_add_child(std::uint32_t parent, const char* name) {
-    return create_element(parent, name, 0);
+    return xml_new_element(parent, name, 0);
 }
 
 std::uint32_t xml_add_sibling(std::uint32_t element, const char* name) {
@@ -35,49 +31,41 @@ std::uint32_t xml_add_sibling(std::uint32_t element, const char* name) {
         set_element_error(XMLERR_HAS_TOP_LEVEL);
         return 0;
     }
-    return create_element(parent, name, xml_next_sibling(element));
+    return xml_new_element(parent, name, xml_next_sibling(element));
 }
 
 std::uint32_t xml_first_child(std::uint32_t element) {
-    const XmlElement* const found = lookup_element(element);
-    if (!found) return 0;
-    const HostListNode* const node = first_child_node(*found);
-    if (!node) {
-        set_element_error(XMLERR_NO_CHILDREN);
-        return 0;
-    }
-    return node->value;
+    return neighbour(element, &XmlElement::first_child, XMLERR_NO_CHILDREN);
 }
 
 std::uint32_t xml_next_sibling(std::uint32_t element) {
-    return sibling(element, &HostListNode::next);
+    return neighbour(element, &XmlElement::next, XMLERR_NO_SIBLINGS);
 }
 
 std::uint32_t xml_previous_sibling(std::uint32_t element) {
-    return sibling(element, &HostListNode::previous);
+    return neighbour(element, &XmlElement::previous, XMLERR_NO_SIBLINGS);
 }
 
 std::uint32_t xml_parent(std::uint32_t element) {
-    const XmlElement* const found = lookup_element(element);
-    if (!found) return 0;
-    if (found->parent == 0) set_element_error(XMLERR_TOP_LEVEL);
-    return found->parent;
+    return neighbour(element, &XmlElement::parent, XMLERR_TOP_LEVEL);
 }
 
 const char* xml_element_name(std::uint32_t element) {
     const XmlElement* const found = lookup_element(element);
-    return found ? host_string_text(found->name) : nullptr;
+    return found ? text_of(*found->name) : nullptr;
 }
 
 std::int32_t xml_last_index(std::uint32_t element) {
     const XmlElement* const found = lookup_element(element);
-    return found ? found->last_index : -1;
+    return found ? found->number_count - 1 : -1;
 }
 
 std::uint32_t xml_element_index(std::uint32_t element, std::int32_t position) {
     const XmlElement* const found = lookup_element(element);
-    if (!found || position < 0 || position > found->last_index) return XML_NO_INDEX;
-    return found->indices[position];
+    if (!found || position < 0 || position >= found->number_count) return XML_NO_INDEX;
+    std::uint32_t numbers[XML_INDEX_LIMIT];
+    occurrence_numbers(*found, numbers);
+    return numbers[position];
 }
 
 std::int32_t xml_set_user_data(std::uint32_t element, void* data) {

@@ -56,7 +56,7 @@ void xml_dump_children(std::uint32_t element, std::uint32_t indent) {
         }
         std::uint32_t next = xml_next_sibling(child);
         while (next == 0) {
-            child = element_of(child)->parent;
+            child = handle_of(lookup_element(child)->parent);
             --depth;
             if (child == top) return;
             next = xml_next_sibling(child);

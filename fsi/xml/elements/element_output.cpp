@@ -7,7 +7,6 @@
 #include "fsi/xml/elements/text_output.h"
 #include "host/arrays.h"
 #include "host/encoding.h"
-#include "host/strings.h"
 
 namespace {
 
@@ -42,15 +41,6 @@ struct Output {
     }
 };
 
-std::string_view text_of(std::uint32_t string) {
-    if (string == 0) return {};
-    return {host_string_text(string), host_string_length(string)};
-}
-
-bool has_children(const XmlElement& element) {
-    return element.children && element.children->count > 0;
-}
-
 // Comment lines are trimmed, and the further ones stand below the first.
 void write_comments(const Output& out, std::string_view comments, std::uint64_t indent) {
     if (comments.empty()) return;
@@ -75,38 +65,38 @@ void write_attributes(const Output& out, const XmlElement& element, std::uint64_
     for (std::uint32_t i = 0; i < count; ++i) {
         out.line_end();
         out.spaces(indent + CONTINUATION_INDENT);
-        out.text(text_of(element.attributes[i].name), HOST_ENCODING_NONE, 0);
+        out.text(view_of(*element.attributes[i]->name), HOST_ENCODING_NONE, 0);
         out.markup("=\"");
-        out.text(text_of(element.attributes[i].value), HOST_ENCODING_NONE, ESCAPED);
+        out.text(value_of(*element.attributes[i]), HOST_ENCODING_NONE, ESCAPED);
         out.markup("\"");
     }
 }
 
 void write_end_tag(const Output& out, const XmlElement& element, std::uint64_t indent) {
-    if (element.children) out.spaces(indent);
+    if (element.had_children) out.spaces(indent);
     out.markup("</");
-    out.text(text_of(element.name), HOST_ENCODING_NONE, 0);
+    out.text(view_of(*element.name), HOST_ENCODING_NONE, 0);
     out.markup(">\n");
 }
 
 // Writes an element up to where its children go. False when there are none to write; the element is
 // then written completely.
 bool write_start(const Output& out, const XmlElement& element, std::uint64_t indent) {
-    write_comments(out, text_of(element.comments), indent);
+    if (element.comments) write_comments(out, view_of(*element.comments), indent);
     out.spaces(indent);
     out.markup("<");
-    out.text(text_of(element.name), HOST_ENCODING_NONE, 0);
+    out.text(view_of(*element.name), HOST_ENCODING_NONE, 0);
     write_attributes(out, element, indent);
 
-    const std::string_view value = text_of(element.value);
-    if (value.empty() && !has_children(element)) {
+    const std::string_view value = view_of(element.value);
+    if (value.empty() && !element.first_child) {
         out.markup("/>\n");
         return false;
     }
     out.markup(">");
     if (!value.empty()) out.text(value, element.value_encoding, ESCAPED);
-    if (element.children) out.line_end();
-    if (has_children(element)) return true;
+    if (element.had_children) out.line_end();
+    if (element.first_child) return true;
     write_end_tag(out, element, indent);
     return false;
 }
@@ -122,13 +112,13 @@ void xml_write_element(HostStream* output, std::int32_t output_encoding, std::ui
     std::uint64_t depth = indent;
     bool descend = write_start(out, *at, depth);
     while (descend || at != top) {
-        const HostListNode* const next = descend ? at->children->first : at->sibling_node->next;
+        const XmlElement* const next = descend ? at->first_child : at->next;
         if (next) {
             if (descend) depth += LEVEL_INDENT;
-            at = element_of(next->value);
+            at = next;
             descend = write_start(out, *at, depth);
         } else {
-            at = element_of(at->parent);
+            at = at->parent;
             depth -= LEVEL_INDENT;
             write_end_tag(out, *at, depth);
             descend = false;

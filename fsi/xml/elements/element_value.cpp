@@ -3,16 +3,15 @@
 #include <cstring>
 
 #include "fsi/xml/elements/element.h"
-#include "fsi/xml/elements/owned_text.h"
-#include "host/strings.h"
+#include "host/memory.h"
 
 namespace {
 
 constexpr const char* VALUE_DESCRIPTION = "XML Character data";
 
-std::int32_t out_of_memory() {
+bool out_of_memory() {
     set_element_error(XMLERR_NO_MEMORY);
-    return 0;
+    return false;
 }
 
 // The number of bytes that a caller's text and length mean.
@@ -21,44 +20,66 @@ std::size_t text_length(const char* text, std::int64_t length) {
     return length < 0 ? std::strlen(text) : static_cast<std::size_t>(length);
 }
 
-// Cuts the value to the length given with its own buffer.
-std::int32_t shorten_value(const XmlElement& element, std::size_t length) {
-    const std::size_t present = host_string_length(element.value);
-    if (present < length) return 0;
-    host_string_chop(element.value, present - length);
-    return 1;
+// The element, when it has a value; null with the reason recorded.
+XmlElement* element_with_value(std::uint32_t element) {
+    XmlElement* const found = lookup_element(element);
+    if (!found || found->has_value) return found;
+    set_element_error(XMLERR_NO_VALUE);
+    return nullptr;
 }
 
-// Appends to one of the element's strings, which is made when there is none.
-bool append_text(std::uint32_t& string, const char* text, std::size_t n, const char* description) {
-    if (string == 0) {
-        string = new_text(text, n, description);
-        return string != 0;
-    }
-    return n == 0 || host_string_append_n(string, text, n, ELEMENTS_SOURCE, __LINE__, 0);
+// Comments without text. Null when memory is exhausted.
+OwnedText* new_comments() {
+    return static_cast<OwnedText*>(host_alloc(sizeof(OwnedText), HOST_BLOCK_ZEROED, ELEMENTS_SOURCE,
+                                              __LINE__, "XML comments", 0));
 }
 
 }  // namespace
 
-const char* xml_element_value(std::uint32_t element, std::uint64_t* length) {
-    const XmlElement* const found = lookup_element(element);
-    if (!found) return nullptr;
-    if (found->value == 0) {
-        set_element_error(XMLERR_NO_VALUE);
-        return nullptr;
+bool append_value(XmlElement& element, const char* text, std::int64_t length,
+                  std::int32_t encoding) {
+    const std::size_t n = text_length(text, length);
+    if (!append_text(element.value, text, n, VALUE_DESCRIPTION)) return out_of_memory();
+    if (!element.has_value) element.value_encoding = encoding;
+    element.has_value = true;
+    return true;
+}
+
+bool shorten_value(XmlElement& element, std::uint64_t length, std::int32_t encoding) {
+    element.value_encoding = encoding;
+    if (element.value.length < length) return false;
+    shorten_text(element.value, static_cast<std::uint32_t>(length));
+    return true;
+}
+
+bool add_comment(XmlElement& element, const char* text) {
+    OwnedText* const comments = element.comments ? element.comments : new_comments();
+    if (!comments) return out_of_memory();
+    if (!append_text(*comments, text, text_length(text, -1), "XML comments")) {
+        if (!element.comments) host_free(comments, ELEMENTS_SOURCE, __LINE__, 0);
+        return out_of_memory();
     }
-    if (length) *length = host_string_length(found->value);
-    return host_string_text(found->value);
+    element.comments = comments;
+    return true;
+}
+
+void clear_comments(XmlElement& element) {
+    if (!element.comments) return;
+    free_text(*element.comments);
+    host_free(element.comments, ELEMENTS_SOURCE, __LINE__, 0);
+    element.comments = nullptr;
+}
+
+const char* xml_element_value(std::uint32_t element, std::uint64_t* length) {
+    const XmlElement* const found = element_with_value(element);
+    if (!found) return nullptr;
+    if (length) *length = found->value.length;
+    return text_of(found->value);
 }
 
 std::int32_t xml_value_encoding(std::uint32_t element) {
-    const XmlElement* const found = lookup_element(element);
-    if (!found) return -1;
-    if (found->value == 0) {
-        set_element_error(XMLERR_NO_VALUE);
-        return -1;
-    }
-    return found->value_encoding;
+    const XmlElement* const found = element_with_value(element);
+    return found ? found->value_encoding : -1;
 }
 
 std::int32_t xml_set_element_value(std::uint32_t element, const char* text, std::int64_t length,
@@ -66,11 +87,11 @@ std::int32_t xml_set_element_value(std::uint32_t element, const char* text, std:
     XmlElement* const found = lookup_element(element);
     if (!found) return 0;
     const std::size_t n = text_length(text, length);
-    if (found->value != 0 && text == host_string_text(found->value)) {
-        found->value_encoding = encoding;
-        return shorten_value(*found, n);
+    if (found->has_value && text == text_of(found->value)) {
+        return shorten_value(*found, n, encoding) ? 1 : 0;
     }
-    if (!replace_text(found->value, text, n, VALUE_DESCRIPTION)) return out_of_memory();
+    if (!replace_text(found->value, text, n, VALUE_DESCRIPTION)) return out_of_memory() ? 1 : 0;
+    found->has_value = true;
     found->value_encoding = encoding;
     return 1;
 }
@@ -78,30 +99,22 @@ std::int32_t xml_set_element_value(std::uint32_t element, const char* text, std:
 std::int32_t xml_append_element_value(std::uint32_t element, const char* text, std::int64_t length,
                                       std::int32_t encoding) {
     XmlElement* const found = lookup_element(element);
-    if (!found) return 0;
-    const bool is_first = found->value == 0;
-    if (!append_text(found->value, text, text_length(text, length), VALUE_DESCRIPTION)) {
-        return out_of_memory();
-    }
-    if (is_first) found->value_encoding = encoding;
-    return 1;
+    return found && append_value(*found, text, length, encoding) ? 1 : 0;
 }
 
 std::int32_t xml_add_comment(std::uint32_t element, const char* text) {
     XmlElement* const found = lookup_element(element);
-    if (!found) return 0;
-    const bool added = append_text(found->comments, text, text_length(text, -1), "XML comments");
-    return added ? 1 : out_of_memory();
+    return found && add_comment(*found, text) ? 1 : 0;
 }
 
 void xml_clear_comments(std::uint32_t element) {
-    if (XmlElement* const found = lookup_element(element)) free_text(found->comments);
+    if (XmlElement* const found = lookup_element(element)) clear_comments(*found);
 }
 
 const char* xml_element_comments(std::uint32_t element, std::uint64_t* length) {
     if (length) *length = 0;
     const XmlElement* const found = lookup_element(element);
-    if (!found || found->comments == 0) return nullptr;
-    if (length) *length = host_string_length(found->comments);
-    return host_string_text(found->comments);
+    if (!found || !found->comments) return nullptr;
+    if (length) *length = found->comments->length;
+    return text_of(*found->comments);
 }

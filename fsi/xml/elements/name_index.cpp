@@ -1,17 +1,12 @@
 #include "fsi/xml/elements/name_index.h"
 
-#include <algorithm>
 #include <cstddef>
 
-#include "fsi/xml/elements/name_hash.h"
 #include "host/memory.h"
-#include "host/strings.h"
 
-// One name: its hash, one of the children that have it, and how many have it. A free slot has the
-// count 0.
+// One name: one of the children that have it, and how many have it. A free slot has the count 0.
 struct NameSlot {
-    std::uint32_t hash;
-    std::uint32_t member;
+    XmlElement* member;
     std::uint32_t count;
 };
 
@@ -25,30 +20,21 @@ static_assert(sizeof(NameIndex) % alignof(NameSlot) == 0);
 
 namespace {
 
-// Up to so many children the list is walked.
-constexpr std::uint64_t WALK_LIMIT = 8;
-constexpr std::uint32_t FIRST_SIZE = 16;
+// Up to so many children are walked.
+constexpr std::uint32_t WALK_LIMIT = 32;
+constexpr std::uint32_t FIRST_SIZE = 64;
 constexpr std::uint32_t LARGEST_SIZE = std::uint32_t{1} << 30U;
 
 NameSlot* slots_of(NameIndex& index) {
     return reinterpret_cast<NameSlot*>(&index + 1);
 }
 
-std::uint32_t hash_of(const XmlElement& element) {
-    return NameHash(process_hash_key())(host_string_text(element.name),
-                                        host_string_length(element.name));
-}
-
-bool same_name(const XmlElement& element, std::uint32_t other) {
-    return host_string_compare(element.name, element_of(other)->name) == 0;
-}
-
-// The slot of a child's name, or the free slot where it belongs.
-NameSlot* find_slot(NameIndex& index, std::uint32_t hash, const XmlElement& child) {
+// The slot of a name, or the free slot where it belongs.
+NameSlot* find_slot(NameIndex& index, const XmlName& name) {
     NameSlot* const slots = slots_of(index);
-    for (std::uint32_t at = hash;; ++at) {
+    for (std::uint32_t at = name.hash;; ++at) {
         NameSlot& slot = slots[at & (index.size - 1)];
-        if (slot.count == 0 || (slot.hash == hash && same_name(child, slot.member))) return &slot;
+        if (slot.count == 0 || slot.member->name == &name) return &slot;
     }
 }
 
@@ -73,7 +59,7 @@ bool grow(XmlElement& parent) {
     for (std::uint32_t i = 0; i < old.size; ++i) {
         const NameSlot& slot = slots_of(old)[i];
         if (slot.count == 0) continue;
-        std::uint32_t at = slot.hash & (index->size - 1);
+        std::uint32_t at = slot.member->name->hash & (index->size - 1);
         while (slots_of(*index)[at].count != 0) at = (at + 1) & (index->size - 1);
         slots_of(*index)[at] = slot;
     }
@@ -89,7 +75,7 @@ void free_slot(NameIndex& index, NameSlot* freed) {
     const std::uint32_t mask = index.size - 1;
     auto hole = static_cast<std::uint32_t>(freed - slots);
     for (std::uint32_t at = (hole + 1) & mask; slots[at].count != 0; at = (at + 1) & mask) {
-        const std::uint32_t wanted = slots[at].hash & mask;
+        const std::uint32_t wanted = slots[at].member->name->hash & mask;
         if (((at - wanted) & mask) < ((at - hole) & mask)) continue;
         slots[hole] = slots[at];
         hole = at;
@@ -98,11 +84,10 @@ void free_slot(NameIndex& index, NameSlot* freed) {
     --index.used;
 }
 
-SameName walk_same_name(const XmlElement& parent, const XmlElement& child) {
+SameName walk_same_name(const XmlElement& parent, const XmlName& name) {
     SameName same{};
-    for (const HostListNode* node = first_child_node(parent); node; node = node->next) {
-        if (!same_name(child, node->value)) continue;
-        if (same.count++ == 0) same.first = node->value;
+    for (XmlElement* child = parent.first_child; child; child = child->next) {
+        if (child->name == &name && same.count++ == 0) same.first = child;
     }
     return same;
 }
@@ -113,54 +98,50 @@ bool reserve_child_name(XmlElement& parent) {
     if (const NameIndex* const index = parent.child_names) {
         return index->used < index->size / 4 * 3 || grow(parent);
     }
-    if (!parent.children || parent.children->count < WALK_LIMIT) return true;
+    if (parent.child_count < WALK_LIMIT) return true;
     parent.child_names = new_index(FIRST_SIZE);
     if (!parent.child_names) return false;
-    for (const HostListNode* node = parent.children->first; node; node = node->next) {
-        add_child_name(parent, node->value, *element_of(node->value));
+    for (XmlElement* child = parent.first_child; child; child = child->next) {
+        add_child_name(parent, *child);
     }
     return true;
 }
 
-SameName find_same_name(const XmlElement& parent, const XmlElement& child) {
-    if (!parent.child_names) return walk_same_name(parent, child);
-    const NameSlot* const slot = find_slot(*parent.child_names, hash_of(child), child);
+SameName find_same_name(const XmlElement& parent, const XmlName& name) {
+    if (!parent.child_names) return walk_same_name(parent, name);
+    const NameSlot* const slot = find_slot(*parent.child_names, name);
     return {slot->count, slot->member};
 }
 
-void add_child_name(XmlElement& parent, std::uint32_t handle, XmlElement& child) {
+void add_child_name(XmlElement& parent, XmlElement& child) {
     if (!parent.child_names) return;
-    const std::uint32_t hash = hash_of(child);
-    NameSlot& slot = *find_slot(*parent.child_names, hash, child);
+    NameSlot& slot = *find_slot(*parent.child_names, *child.name);
     if (slot.count == 0) {
-        slot = {hash, handle, 0};
-        child.next_same = child.previous_same = handle;
+        slot.member = child.next_same = child.previous_same = &child;
         ++parent.child_names->used;
     } else {
-        XmlElement& member = *element_of(slot.member);
-        XmlElement& last = *element_of(member.previous_same);
         child.next_same = slot.member;
-        child.previous_same = member.previous_same;
-        last.next_same = handle;
-        member.previous_same = handle;
+        child.previous_same = slot.member->previous_same;
+        child.previous_same->next_same = &child;
+        child.next_same->previous_same = &child;
     }
     ++slot.count;
 }
 
-void remove_child_name(XmlElement& parent, std::uint32_t handle, XmlElement& child) {
+void remove_child_name(XmlElement& parent, XmlElement& child) {
     if (!parent.child_names) return;
-    NameSlot* const slot = find_slot(*parent.child_names, hash_of(child), child);
+    NameSlot* const slot = find_slot(*parent.child_names, *child.name);
     if (--slot->count == 0) {
         free_slot(*parent.child_names, slot);
         if (parent.child_names->used == 0) drop_child_names(parent);
         return;
     }
-    element_of(child.previous_same)->next_same = child.next_same;
-    element_of(child.next_same)->previous_same = child.previous_same;
-    if (slot->member == handle) slot->member = child.next_same;
+    child.previous_same->next_same = child.next_same;
+    child.next_same->previous_same = child.previous_same;
+    if (slot->member == &child) slot->member = child.next_same;
 }
 
 void drop_child_names(XmlElement& parent) {
-    free_index(parent.child_names);
+    if (parent.child_names) free_index(parent.child_names);
     parent.child_names = nullptr;
 }

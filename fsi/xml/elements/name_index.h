@@ -1,6 +1,6 @@
-// Finds the children of one name below a parent. With few children the list is walked. An element
-// with many keeps an index: a hash table with a slot for each name that its children have. The
-// children of one name are linked in a ring, so that a slot can stand on any of them.
+// Finds the children of one name below a parent. With few children they are walked. An element with
+// many keeps an index: a hash table with a slot for each name that its children have. The children
+// of one name are linked in a ring, so that a slot can stand on any of them.
 #pragma once
 
 #include "fsi/xml/elements/element.h"
@@ -10,13 +10,13 @@
 // exhausted; the children are then as before.
 bool reserve_child_name(XmlElement& parent);
 
-// The children of the name of `child`, which is not among them yet.
-SameName find_same_name(const XmlElement& parent, const XmlElement& child);
+// The children of a name.
+SameName find_same_name(const XmlElement& parent, const XmlName& name);
 
-// Takes a child, linked or about to be linked into the parent's list, into the index; room has been
-// reserved. Takes it out again. Without an index both do nothing.
-void add_child_name(XmlElement& parent, std::uint32_t handle, XmlElement& child);
-void remove_child_name(XmlElement& parent, std::uint32_t handle, XmlElement& child);
+// Takes a child into the index, for which room has been reserved. Takes it out again. Without an
+// index both do nothing.
+void add_child_name(XmlElement& parent, XmlElement& child);
+void remove_child_name(XmlElement& parent, XmlElement& child);
 
 // Gives up the index; the children are about to be released.
 void drop_child_names(XmlElement& parent);

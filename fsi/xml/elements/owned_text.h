@@ -1,20 +1,40 @@
-// The strings that an element owns. Every change either happens as a whole or leaves the string as
-// it was.
+// Texts that an element owns. Every change either happens as a whole or leaves the text as it was.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
-// A new string that holds a copy of a text, null counting as empty; 0 when memory is exhausted. It
-// asks for just the room that the text needs, so that the host can keep short texts inside the
-// string object. `description` as for host_alloc.
-std::uint32_t new_text(const char* text, const char* description);
-// The same for n bytes.
-std::uint32_t new_text(const char* text, std::size_t n, const char* description);
+// A text with a NUL after it: short ones lie in the object, others in a tracked block. Zero-filled,
+// it is empty. It must not be copied.
+struct OwnedText {
+    static constexpr std::uint32_t SMALL_ROOM = 15;
 
-// Puts n bytes in place of what `string` holds, which is made when it is 0; the text may be a part
-// of it. False when memory is exhausted.
-bool replace_text(std::uint32_t& string, const char* text, std::size_t n, const char* description);
+    union {
+        char small[SMALL_ROOM + 1];
+        char* large;
+    };
+    std::uint32_t length;
+    std::uint32_t large_room;  // without the NUL; 0 while the text is small
+};
 
-// Releases a string and clears the handle; 0 is allowed.
-void free_text(std::uint32_t& string);
+inline char* text_of(OwnedText& text) {
+    return text.large_room > 0 ? text.large : text.small;
+}
+inline const char* text_of(const OwnedText& text) {
+    return text.large_room > 0 ? text.large : text.small;
+}
+inline std::string_view view_of(const OwnedText& text) {
+    return {text_of(text), text.length};
+}
+
+// Append n bytes, or put them in place of the text; they may be a part of it. False when memory is
+// exhausted. `description` as for host_alloc.
+bool append_text(OwnedText& text, const char* bytes, std::size_t n, const char* description);
+bool replace_text(OwnedText& text, const char* bytes, std::size_t n, const char* description);
+
+// Cuts a text that is at least `length` bytes long.
+void shorten_text(OwnedText& text, std::uint32_t length);
+
+// Releases what the text holds; it is empty then.
+void free_text(OwnedText& text);

@@ -7,7 +7,6 @@
 #include "host/errors.h"
 #include "host/memory.h"
 #include "host/strings.h"
-#include "sxml/xml_api.h"
 
 namespace {
 
@@ -21,74 +20,108 @@ void trace_start(const char* name, const char* const* attributes) {
         trace_message(0, HOST_TRACE_ELEMENTS, " '%s': '%s'", attributes[0], attributes[1]);
 }
 
-// Creates the element that starts, below the innermost open one. 0 when memory is exhausted, and
+// Creates the element that starts, below the innermost open one. Null when memory is exhausted, and
 // also when somebody released the tree under the parser: a second tree would belong to nobody.
-std::uint32_t new_element(XmlParser& parser, const char* name) {
-    if (parser.depth > 1 && !parser.tree.current) return 0;
-    const std::uint32_t element = xml_add_child(parser.tree.current, name);
-    if (element) element_of(element)->holder = &parser.tree;
+XmlElement* new_element(XmlParser& parser, const char* name) {
+    if (!parser.tree.current) {
+        if (parser.depth > 1) return nullptr;
+        set_element_error(XMLERR_BAD_ELEMENT);
+    }
+    XmlElement* const element = create_element(parser.tree.current, name, 0);
+    if (element) element->holder = &parser.tree;
     return element;
 }
 
-bool add_latin1_attribute(std::uint32_t element, const char* name, const char* value) {
+bool add_latin1_attribute(XmlElement& element, const char* name, const char* value) {
     char* name_copy = latin1_copy(name, std::strlen(name), "Temporary data buffer");
     char* value_copy = latin1_copy(value, std::strlen(value), "Temporary data buffer");
-    const bool added = name_copy && value_copy && xml_add_attribute(element, name_copy, value_copy);
+    const bool added = name_copy && value_copy && add_attribute(element, name_copy, value_copy);
     host_free(name_copy, HANDLERS_SOURCE, __LINE__, 0);
     host_free(value_copy, HANDLERS_SOURCE, __LINE__, 0);
     return added;
 }
 
-bool add_attributes(const XmlParser& parser, std::uint32_t element, const char* const* attributes) {
+bool add_attributes(const XmlParser& parser, XmlElement& element, const char* const* attributes) {
     for (; attributes[0]; attributes += 2) {
         const bool added = stores_latin1(parser)
                                ? add_latin1_attribute(element, attributes[0], attributes[1])
-                               : xml_add_attribute(element, attributes[0], attributes[1]) != 0;
+                               : add_attribute(element, attributes[0], attributes[1]);
         if (!added) return false;
     }
     return true;
 }
 
 // Hands the comments kept so far to an element, on lines of their own after those it has.
-void give_comments(XmlParser& parser, std::uint32_t element) {
+void give_comments(XmlParser& parser, XmlElement& element) {
     if (!parser.pending_comments || !host_string_length(parser.pending_comments)) return;
-    std::uint64_t present = 0;
-    xml_element_comments(element, &present);
-    if (present > 0) xml_add_comment(element, "\n");
-    xml_add_comment(element, host_string_text(parser.pending_comments));
+    if (element.comments && element.comments->length > 0) add_comment(element, "\n");
+    add_comment(element, host_string_text(parser.pending_comments));
     host_string_clear(parser.pending_comments);
 }
 
 // Drops the white space around the data of the element that ends.
-void trim_value(const XmlParser& parser, const char* data, std::uint64_t length) {
+void trim_value(const XmlParser& parser, XmlElement& element) {
     const std::int32_t encoding = text_encoding(parser);
+    char* const data = text_of(element.value);
+    const std::uint64_t length = element.value.length;
     const HostTextSpan span{data, length, encoding};
     std::uint64_t start = 0;
     std::uint64_t end = length;
     host_trim_span(&span, &start, &end);
     if (start == 0 && end == length) return;
-    // The data is the element's own text; shortening it in place is what the element allows.
-    std::memmove(const_cast<char*>(data), data + start, end - start);
-    xml_set_element_value(parser.tree.current, data, static_cast<std::int64_t>(end - start),
-                          encoding);
+    std::memmove(data, data + start, end - start);
+    shorten_value(element, end - start, encoding);
 }
 
-bool append_latin1(const XmlParser& parser, const char* text, std::size_t length) {
+// Ends the innermost open element, unless somebody released it. The element functions' last error
+// becomes what it is after asking for the value and the parent.
+void leave_element(XmlParser& parser) {
+    XmlElement* const element = parser.tree.current;
+    if (!element) {
+        if (parser.pending_comments) host_string_clear(parser.pending_comments);
+        set_element_error(XMLERR_BAD_ELEMENT);
+        return;
+    }
+    if (!element->has_value) set_element_error(XMLERR_NO_VALUE);
+    give_comments(parser, *element);
+    if (element->value.length > 0) trim_value(parser, *element);
+    if (!element->parent) set_element_error(XMLERR_TOP_LEVEL);
+    parser.tree.current = element->parent;
+}
+
+bool append_latin1(const XmlParser& parser, XmlElement& element, const char* text,
+                   std::size_t length) {
     if (length < SHORT_TEXT) {
         char copy[SHORT_TEXT];
         std::memcpy(copy, text, length);
         copy[length] = '\0';
         const std::size_t stored = utf8_to_latin1(copy);
-        return xml_append_element_value(parser.tree.current, copy,
-                                        static_cast<std::int64_t>(stored),
-                                        parser.input_encoding) != 0;
+        return append_value(element, copy, static_cast<std::int64_t>(stored),
+                            parser.input_encoding);
     }
     char* copy = latin1_copy(text, length, "Temporary data buffer");
     if (!copy) return false;
-    const bool appended =
-        xml_append_element_value(parser.tree.current, copy, -1, parser.input_encoding) != 0;
+    const bool appended = append_value(element, copy, -1, parser.input_encoding);
     host_free(copy, HANDLERS_SOURCE, __LINE__, 0);
     return appended;
+}
+
+// Adds character data to the innermost open element. False when memory is exhausted.
+bool add_data(const XmlParser& parser, const char* text, std::size_t length) {
+    XmlElement* const element = parser.tree.current;
+    if (!element) {  // without the element handlers there is none to take the data
+        set_element_error(XMLERR_BAD_ELEMENT);
+        return true;
+    }
+    if (stores_latin1(parser)) return append_latin1(parser, *element, text, length);
+    return append_value(*element, text, static_cast<std::int64_t>(length), text_encoding(parser));
+}
+
+// Whether elements are stored under the names that Expat gives.
+bool keeps_names(const XmlParser& parser) {
+    const std::uint32_t mode = parser.flags & XMLOPT_NAME_MODE;
+    return mode != XML_NAME_LOWER_UNDERSCORE && mode != XML_NAME_UNDERSCORE &&
+           !stores_latin1(parser);
 }
 
 // The end of start_element when something could not be stored.
@@ -141,20 +174,22 @@ void start_element(void* expat, const char* name, const char** attributes) {
     if (stopped(parser)) return;
     if (is_early(parser)) return keep_start(parser, name, attributes);
     if (host_trace_on) trace_start(name, attributes);
-    char* stored = stored_name(parser, name);
+    const bool needs_copy = parser.element_hash || !keeps_names(parser);
+    char* const stored = needs_copy ? stored_name(parser, name) : nullptr;
     ++parser.depth;
-    const std::uint32_t element = stored ? new_element(parser, stored) : 0;
+    XmlElement* const element =
+        stored || !needs_copy ? new_element(parser, stored ? stored : name) : nullptr;
     if (!element) return start_failed(parser, stored, "Leaving, no memory for element info");
     // The tree must own the element before anything else can fail.
-    const bool is_root = parser.tree.root == 0;
+    const bool is_root = parser.tree.root == nullptr;
     if (is_root) parser.tree.root = element;
 
-    if (!add_attributes(parser, element, attributes))
+    if (!add_attributes(parser, *element, attributes))
         return start_failed(parser, stored, "Leaving, no memory for element info");
-    give_comments(parser, element);
+    give_comments(parser, *element);
     if (!parser.element_hash)
         host_free(stored, HANDLERS_SOURCE, __LINE__, 0);
-    else if (!add_to_element_hash(parser.element_hash, element, stored))
+    else if (!add_to_element_hash(parser.element_hash, *element, stored))
         return start_failed(parser, stored, "Leaving, no memory for hash");
     parser.tree.current = element;
 
@@ -167,16 +202,12 @@ void end_element(void* expat, const char* name) {
     XmlParser& parser = parser_of(expat);
     if (stopped(parser)) return;
     if (is_early(parser)) return keep_end(parser, name);
-    std::uint64_t length = 0;
-    const char* data = xml_element_value(parser.tree.current, &length);
     if (host_trace_on) trace_message(1, HOST_TRACE_ELEMENTS, "end_element: '%s'", name);
     if (parser.depth == 0) {
         if (host_trace_on) host_trace(-1, HOST_TRACE_ELEMENTS, "Leaving, element depth == 0");
         return;
     }
-    give_comments(parser, parser.tree.current);
-    if (data && length > 0) trim_value(parser, data, length);
-    parser.tree.current = xml_parent(parser.tree.current);
+    leave_element(parser);
     --parser.depth;
     if (parser.depth == 1) end_record(parser);
     // What follows the document element may be fed already.
@@ -196,12 +227,7 @@ void char_data(void* expat, const char* text, int length) {
         trace_message(1, HOST_TRACE_CONTENT, "char data of length %d", length);
         if (host_trace_on >= HOST_TRACE_CONTENT) host_trace_dump(0, 0, text, size);
     }
-    const bool appended = stores_latin1(parser)
-                              ? append_latin1(parser, text, size)
-                              : xml_append_element_value(parser.tree.current, text, length,
-                                                         text_encoding(parser)) != 0;
-    // Without the element handlers there is no element to take the data.
-    if (!appended && parser.tree.current) stop_out_of_memory(parser);
+    if (!add_data(parser, text, size)) stop_out_of_memory(parser);
     if (host_trace_on) host_trace(-1, HOST_TRACE_CONTENT, "Leaving");
 }
 

@@ -27,12 +27,12 @@ HostNameIndex* create_element_hash() {
     return host_hash_new(&type, HANDLERS_SOURCE, __LINE__, 0);
 }
 
-bool add_to_element_hash(HostNameIndex* hash, std::uint32_t element, char* name) {
+bool add_to_element_hash(HostNameIndex* hash, XmlElement& element, char* name) {
     auto* entry = static_cast<XmlHashEntry*>(host_alloc(
         sizeof(XmlHashEntry), HOST_BLOCK_ZEROED, HANDLERS_SOURCE, __LINE__, "Element hash", 0));
     if (!entry) return false;
     entry->name = name;
-    entry->element = element;
+    entry->element = element.handle;
     entry->last = entry;
 
     auto* head = static_cast<XmlHashEntry*>(host_hash_find(hash, name));
@@ -49,6 +49,6 @@ bool add_to_element_hash(HostNameIndex* hash, std::uint32_t element, char* name)
             return false;
         }
     }
-    xml_set_user_data(element, entry);
+    element.user_data = entry;
     return true;
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "fsi/xml/elements/element.h"
 #include "host/name_index.h"
 #include "sxml/xml_parser_api.h"
 
@@ -21,4 +22,4 @@ HostNameIndex* create_element_hash();
 // Makes an entry for `element`, attaches it to the element as user data and adds it to the hash.
 // `name` is a tracked block that the entry takes over. False when memory is exhausted; the name is
 // then still the caller's and nothing is attached.
-bool add_to_element_hash(HostNameIndex* hash, std::uint32_t element, char* name);
+bool add_to_element_hash(HostNameIndex* hash, XmlElement& element, char* name);

@@ -160,7 +160,7 @@ void free_parser(XmlParser* parser) {
         free_string(*string);
     if (parser->element_hash) host_hash_free(parser->element_hash, HANDLERS_SOURCE, __LINE__, 0);
     if (parser->models) host_table_free(parser->models, HANDLERS_SOURCE, __LINE__);
-    if (parser->tree.root) xml_free_element(parser->tree.root);
+    if (parser->tree.root) xml_free_element(parser->tree.root->handle);
     if (parser->pis) free_instructions(*parser);
     free_early_events(*parser);
     free_entities(*parser);

@@ -76,8 +76,8 @@ struct XmlParser {
     std::int32_t depth;              // elements open at the moment
     std::int32_t standalone;         // -1 not given, 0 no, 1 yes; 0 without an XML declaration
     XmlPi* pis;                      // host array in document order; null until the first
-    XmlElementHolder tree;           // the first element started, 0 until then, and the innermost
-                                     // open one, 0 outside the document element
+    XmlElementHolder tree;           // the first element started, null until then, and the
+                                     // innermost open one, null outside the document element
     HostNameIndex* element_hash;     // chains of XmlHashEntry; null without XMLOPT_ELEMENT_HASH
     HostTable* models;               // declared element name -> XML_Content; null until the first
     std::uint32_t top_comments;      // string with an entry for each comment outside the root

@@ -10,40 +10,30 @@
 
 namespace {
 
-bool is_ascii(std::uint32_t string) {
-    if (!string) return true;
-    const std::string_view text(host_string_text(string), host_string_length(string));
+bool is_ascii(std::string_view text) {
     for (const char c : text)
         if (static_cast<unsigned char>(c) >= 0x80) return false;
     return true;
 }
 
+bool is_ascii(std::uint32_t string) {
+    return !string || is_ascii({host_string_text(string), host_string_length(string)});
+}
+
 bool element_is_ascii(const XmlElement& element) {
-    if (!is_ascii(element.name) || !is_ascii(element.value) || !is_ascii(element.comments))
-        return false;
+    if (!is_ascii(view_of(*element.name)) || !is_ascii(view_of(element.value))) return false;
+    if (element.comments && !is_ascii(view_of(*element.comments))) return false;
     const std::uint32_t count = host_array_count(element.attributes);
-    for (std::uint32_t i = 0; i < count; ++i)
-        if (!is_ascii(element.attributes[i].name) || !is_ascii(element.attributes[i].value))
-            return false;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const XmlAttribute& attribute = *element.attributes[i];
+        if (!is_ascii(view_of(*attribute.name)) || !is_ascii(value_of(attribute))) return false;
+    }
     return true;
 }
 
-// The element after `element` in document order, below `top`; 0 after the last.
-std::uint32_t next_element(std::uint32_t element, std::uint32_t top) {
-    if (const HostListNode* child = first_child_node(*element_of(element))) return child->value;
-    while (element != top) {
-        const XmlElement& passed = *element_of(element);
-        if (passed.sibling_node && passed.sibling_node->next)
-            return passed.sibling_node->next->value;
-        element = passed.parent;
-    }
-    return 0;
-}
-
-bool tree_is_ascii(std::uint32_t root) {
-    if (!root) return true;
-    for (std::uint32_t element = root; element; element = next_element(element, root))
-        if (!element_is_ascii(*element_of(element))) return false;
+bool tree_is_ascii(const XmlElement* root) {
+    for (const XmlElement* element = root; element; element = next_in_tree(element, root))
+        if (!element_is_ascii(*element)) return false;
     return true;
 }
 

@@ -184,7 +184,7 @@ std::int32_t xml_write_document(std::uint32_t handle, const char* file) {
     writer.instructions();
     writer.comments();
     writer.document_type();
-    xml_write_element(output, writer.encoding, parser->tree.root, 0);
+    xml_write_element(output, writer.encoding, handle_of(parser->tree.root), 0);
     host_fclose(output);
     return 1;
 }

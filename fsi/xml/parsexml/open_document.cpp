@@ -57,7 +57,7 @@ XmlErrorCode parse_beginning(XmlParserInfo& info) {
         (parser->flags & ~std::uint32_t{XMLOPT_NAME_MODE}) == XMLOPT_SEQUENTIAL_FILE;
     if (is_sequential && host_config_flag("SXML_PLAIN_RECORDS", 0)) allow_plain_records(*parser);
     // A document element that is an empty-element tag starts and ends at once.
-    while (may_go_on() && parser->depth == 0 && parser->tree.root == 0)
+    while (may_go_on() && parser->depth == 0 && !parser->tree.root)
         parse_to_next_gt(parser, info.stream);
     if (parse_failed()) return XMLERR_PARSE;
     if (!whole) return XMLERR_NONE;

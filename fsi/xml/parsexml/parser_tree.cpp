@@ -5,12 +5,12 @@
 
 std::uint32_t xml_parser_root(std::uint32_t handle) {
     const XmlParser* parser = lookup_parser(handle);
-    return parser ? parser->tree.root : 0;
+    return parser ? handle_of(parser->tree.root) : 0;
 }
 
 std::uint32_t xml_parser_current(std::uint32_t handle) {
     const XmlParser* parser = lookup_parser(handle);
-    return parser ? parser->tree.current : 0;
+    return parser ? handle_of(parser->tree.current) : 0;
 }
 
 HostTable* xml_parser_models(std::uint32_t handle) {
@@ -30,15 +30,15 @@ std::uint32_t xml_parser_new_root(std::uint32_t handle, const char* name) {
         set_parser_error(XMLERR_HAS_TOP_LEVEL);
         return 0;
     }
-    parser->tree.root = xml_add_child(0, name);
-    if (parser->tree.root) element_of(parser->tree.root)->holder = &parser->tree;
-    return parser->tree.root;
+    parser->tree.root = create_element(lookup_element(0), name, 0);
+    if (parser->tree.root) parser->tree.root->holder = &parser->tree;
+    return handle_of(parser->tree.root);
 }
 
 std::uint32_t xml_element_parser(std::uint32_t element) {
     if (!element || !next_parser_handle(0) || !xml_is_element(element)) return 0;
-    std::uint32_t top = element;
-    while (const std::uint32_t parent = element_of(top)->parent) top = parent;
+    const XmlElement* top = lookup_element(element);
+    while (top->parent) top = top->parent;
     for (std::uint32_t handle = next_parser_handle(0); handle;
          handle = next_parser_handle(handle)) {
         const XmlParser* parser = lookup_parser(handle);
