@@ -88,8 +88,6 @@ XmlElement* create_element(XmlElement* parent, const char* name, std::uint32_t b
 // XMLERR_NO_MEMORY and leave it as it was; a negative length means the text up to its NUL.
 bool append_value(XmlElement& element, const char* text, std::int64_t length,
                   std::int32_t encoding);
-// False when the value is shorter already.
-bool shorten_value(XmlElement& element, std::uint64_t length, std::int32_t encoding);
 bool add_attribute(XmlElement& element, const char* name, const char* value);
 bool add_comment(XmlElement& element, const char* text);
 void clear_comments(XmlElement& element);

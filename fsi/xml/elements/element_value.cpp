@@ -45,13 +45,6 @@ bool append_value(XmlElement& element, const char* text, std::int64_t length,
     return true;
 }
 
-bool shorten_value(XmlElement& element, std::uint64_t length, std::int32_t encoding) {
-    element.value_encoding = encoding;
-    if (element.value.length < length) return false;
-    shorten_text(element.value, static_cast<std::uint32_t>(length));
-    return true;
-}
-
 bool add_comment(XmlElement& element, const char* text) {
     OwnedText* const comments = element.comments ? element.comments : new_comments();
     if (!comments) return out_of_memory();
@@ -88,7 +81,10 @@ std::int32_t xml_set_element_value(std::uint32_t element, const char* text, std:
     if (!found) return 0;
     const std::size_t n = text_length(text, length);
     if (found->has_value && text == text_of(found->value)) {
-        return shorten_value(*found, n, encoding) ? 1 : 0;
+        found->value_encoding = encoding;
+        if (found->value.length < n) return 0;
+        shorten_text(found->value, static_cast<std::uint32_t>(n));
+        return 1;
     }
     if (!replace_text(found->value, text, n, VALUE_DESCRIPTION)) return out_of_memory() ? 1 : 0;
     found->has_value = true;

@@ -61,6 +61,18 @@ void shorten_text(OwnedText& text, std::uint32_t length) {
     set_length(text, length);
 }
 
+void keep_part(OwnedText& text, std::size_t start, std::size_t n) {
+    char* const bytes = text_of(text);
+    if (text.large_room > 0 && n <= OwnedText::SMALL_ROOM) {
+        std::memcpy(text.small, bytes + start, n);
+        text.large_room = 0;
+        host_free(bytes, ELEMENTS_SOURCE, __LINE__, 0);
+    } else {
+        std::memmove(bytes, bytes + start, n);
+    }
+    set_length(text, n);
+}
+
 void free_text(OwnedText& text) {
     if (text.large_room > 0) host_free(text.large, ELEMENTS_SOURCE, __LINE__, 0);
     text = {};

@@ -33,8 +33,11 @@ inline std::string_view view_of(const OwnedText& text) {
 bool append_text(OwnedText& text, const char* bytes, std::size_t n, const char* description);
 bool replace_text(OwnedText& text, const char* bytes, std::size_t n, const char* description);
 
-// Cuts a text that is at least `length` bytes long.
+// Cuts a text that is at least `length` bytes long; it stays in place.
 void shorten_text(OwnedText& text, std::uint32_t length);
+
+// Leaves n bytes from `start` of the text, and of its room no more than that.
+void keep_part(OwnedText& text, std::size_t start, std::size_t n);
 
 // Releases what the text holds; it is empty then.
 void free_text(OwnedText& text);

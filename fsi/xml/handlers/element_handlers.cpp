@@ -61,16 +61,14 @@ void give_comments(XmlParser& parser, XmlElement& element) {
 
 // Drops the white space around the data of the element that ends.
 void trim_value(const XmlParser& parser, XmlElement& element) {
-    const std::int32_t encoding = text_encoding(parser);
-    char* const data = text_of(element.value);
-    const std::uint64_t length = element.value.length;
-    const HostTextSpan span{data, length, encoding};
+    const std::string_view data = view_of(element.value);
+    const HostTextSpan span{data.data(), data.size(), text_encoding(parser)};
     std::uint64_t start = 0;
-    std::uint64_t end = length;
+    std::uint64_t end = data.size();
     host_trim_span(&span, &start, &end);
-    if (start == 0 && end == length) return;
-    std::memmove(data, data + start, end - start);
-    shorten_value(element, end - start, encoding);
+    if (start == 0 && end == data.size()) return;
+    keep_part(element.value, start, end - start);
+    element.value_encoding = span.encoding;
 }
 
 // Ends the innermost open element, unless somebody released it. The element functions' last error
