@@ -176,29 +176,36 @@ std::uint32_t ElementSearch::run() {
 }
 
 // Most often there is one element of the name, or it is a simple table with few rows: then there is
-// nothing to search. False when that is not so.
-bool find_quickly(const InputItems& input, std::uint32_t first, const XfdItem& item,
+// nothing to search, and in the next record of the same elements it is the same one. False when
+// that is not so.
+bool find_quickly(InputItems& input, std::int32_t index, const XfdItem& item,
                   std::uint32_t* result) {
     const RecordTree& tree = input.tree;
+    const std::uint32_t first = first_element_of(tree, input.names[index]);
     *result = 0;
-    if (first == 0) return true;
     if (tree.elements[first].next_of_name == 0) {
+        input.known[index] = {tree.record, first};
         if (!tree.elements[first].is_moved) *result = first;
         return true;
     }
+    number_elements(input.tree);
     if (matches_by_place(tree) && tree.names.names[tree.elements[first].name].is_ambiguous) {
         return false;
     }
-    if (item.dimensions() != 1 || !tree.is_numbered) return false;
+    if (item.dimensions() != 1) return false;
     int walked = 0;
+    int fitting = 0;
     for (std::uint32_t at = first; at != 0; at = tree.elements[at].next_of_name) {
         const RecordElement& element = tree.elements[at];
         if (++walked > WALK_LIMIT || element.number_count != 1) return false;
         const std::uint32_t number = tree.elements[element.numbered].number;
-        if (element.is_moved || static_cast<int>(number) != item.subscripts[0]) continue;
+        if (static_cast<int>(number) != item.subscripts[0]) continue;
+        ++fitting;
+        if (element.is_moved) continue;
         if (*result != 0) return false;
         *result = at;
     }
+    if (fitting == 1 && *result != 0) input.known[index] = {tree.record, *result};
     return *result != 0;
 }
 
@@ -207,10 +214,11 @@ bool find_quickly(const InputItems& input, std::uint32_t first, const XfdItem& i
 std::uint32_t find_element(const XmlFile& file, std::int32_t index) {
     InputItems& input = *file.input_items;
     if (host_trace_on == 0) {
-        const std::uint32_t first = first_element_of(input.tree, input.names[index]);
+        const KnownElement& known = input.known[index];
+        const bool is_known = known.record == input.tree.record;
+        if (is_known && !input.tree.elements[known.element].is_moved) return known.element;
         std::uint32_t element = 0;
-        if (input.tree.elements[first].next_of_name != 0) number_elements(input.tree);
-        if (find_quickly(input, first, file.xfd->items[index], &element)) return element;
+        if (find_quickly(input, index, file.xfd->items[index], &element)) return element;
     }
     return ElementSearch(file, index).run();
 }

@@ -83,11 +83,13 @@ bool number_names(const Xfd& xfd, RecordNames& names, std::uint32_t* numbers) {
 
 InputItems* new_input_items(const Xfd& xfd) {
     const auto count = static_cast<std::size_t>(xfd.item_count);
-    void* const block = host_alloc(sizeof(InputItems) + 3 * count * sizeof(std::int32_t),
-                                   HOST_BLOCK_ZEROED, SXML_SOURCE, __LINE__, "XML input items", 0);
+    constexpr std::size_t PER_ITEM = sizeof(KnownElement) + 3 * sizeof(std::int32_t);
+    void* const block = host_alloc(sizeof(InputItems) + count * PER_ITEM, HOST_BLOCK_ZEROED,
+                                   SXML_SOURCE, __LINE__, "XML input items", 0);
     auto* const items = static_cast<InputItems*>(block);
     if (items == nullptr) return nullptr;
-    items->enclosing = reinterpret_cast<std::int32_t*>(items + 1);
+    items->known = reinterpret_cast<KnownElement*>(items + 1);
+    items->enclosing = reinterpret_cast<std::int32_t*>(items->known + count);
     items->fields = items->enclosing + count;
     items->names = reinterpret_cast<std::uint32_t*>(items->fields + count);
     if (!number_names(xfd, items->tree.names, items->names)) {

@@ -9,8 +9,15 @@
 #include "fsi/xml/sxml/reading/record_index.h"
 #include "host/record_description.h"
 
+// The element that an item was given in the records with the tree's links of that number.
+struct KnownElement {
+    std::uint64_t record;
+    std::uint32_t element;  // 0: there is none
+};
+
 struct InputItems {
     const XfdItem* items;        // the description's
+    KnownElement* known;         // per item
     std::int32_t* enclosing;     // per item: the nearest item before it of a lower level, or -1
     std::int32_t* fields;        // fields by condition, and by place among those of one condition
     std::int32_t field_count;    // groups and fields of conditions out of range are left out

@@ -48,11 +48,12 @@ bool find_text(const XmlFile& file, std::uint32_t element, const char** text, st
 bool fits(InputItems& input, std::uint32_t element, const XfdItem& field) {
     RecordTree& tree = input.tree;
     if (host_trace_on != 0 && !matches_exactly(tree)) return true;
-    number_elements(tree);
     const RecordElement& found = tree.elements[element];
     const bool is_settled = !matches_by_place(tree) || !tree.names.names[found.name].is_ambiguous;
-    const bool no_tables = field.dimensions() == 0 && found.number_count == 0;
-    if (no_tables && is_settled && host_trace_on == 0) return true;
+    const bool is_simple = field.dimensions() == 0 && is_settled && host_trace_on == 0;
+    if (is_simple && !tree.has_numbers) return true;
+    number_elements(tree);
+    if (is_simple && found.number_count == 0) return true;
     if (same_array_signature(input, element, field)) return true;
     return host_trace_on == 0 && !matches_exactly(tree);
 }
