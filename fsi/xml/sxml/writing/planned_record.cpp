@@ -142,9 +142,59 @@ void write_value(RecordWriter& writer, const PlanStep& step) {
     }
 }
 
+// A record that has no place for some of the items.
+class ShortRecord {
+  public:
+    ShortRecord(RecordWriter& writer, const LayoutPlan& plan)
+        : writer_(writer), plan_(plan), step_end_(plan.steps->markup_length) {}
+
+    void write() {
+        for (std::uint32_t number = 0; number < plan_.child_count;) {
+            const PlanChild& child = plan_.children[number];
+            if (child.extent <= writer_.record_length) {
+                ++number;
+                continue;
+            }
+            write_to(child.markup);
+            pass_over(child);
+            number = child.next_child;
+        }
+        while (plan_.steps[step_].kind != PlanStep::END) write_to(step_end_);
+        write_to(step_end_);
+    }
+
+  private:
+    // Writes the markup up to a place, and the fields that stand there.
+    void write_to(std::uint32_t place) {
+        while (step_end_ <= place && plan_.steps[step_].kind != PlanStep::END) {
+            write_markup_to(step_end_);
+            write_value(writer_, plan_.steps[step_++]);
+            step_end_ += plan_.steps[step_].markup_length;
+        }
+        write_markup_to(place);
+    }
+
+    void write_markup_to(std::uint32_t place) {
+        write_markup(writer_.output, plan_.markup + written_, place - written_);
+        written_ = place;
+    }
+
+    void pass_over(const PlanChild& child) {
+        written_ = child.markup_end;
+        while (step_ < child.next_step) step_end_ += plan_.steps[++step_].markup_length;
+    }
+
+    RecordWriter& writer_;
+    const LayoutPlan& plan_;
+    std::uint32_t written_ = 0;  // of the markup, or passed over
+    std::uint32_t step_ = 0;     // the next one
+    std::uint32_t step_end_;     // where the markup before its field ends
+};
+
 }  // namespace
 
 void write_planned(RecordWriter& writer, const LayoutPlan& plan) {
+    if (writer.record_length < plan.full_length) return ShortRecord(writer, plan).write();
     const char* markup = plan.markup;
     for (const PlanStep* step = plan.steps;; ++step) {
         write_markup(writer.output, markup, step->markup_length);

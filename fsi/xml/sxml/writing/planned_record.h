@@ -5,5 +5,5 @@
 #include "fsi/xml/sxml/writing/write_plan.h"
 
 // Writes what the walk over the items would write of a record that is at least as long as the
-// layout's full length, when nothing is traced and empty elements are not left out.
+// layout's least length, when nothing is traced and empty elements are not left out.
 void write_planned(RecordWriter& writer, const LayoutPlan& plan);

@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t MOST_MARKUP_OF_AN_ITEM = 512;
 constexpr std::size_t MARKUP_OF_ALL = 65536;
+constexpr std::uint32_t NO_CHILD = 0xFFFFFFFF;  // the item that opens the layout
 
 PlanStep::Kind kind_of(const Xfd& xfd, const XfdItem& field) {
     if (field.format == XFD_FORMAT_BINARY || field.offset < 0 || field.data.length <= 0) {
@@ -31,6 +32,7 @@ PlanStep::Kind kind_of(const Xfd& xfd, const XfdItem& field) {
 struct Parts {
     WritePlan* plan;
     PlanStep* steps;
+    PlanChild* children;
     char* markup;
 };
 
@@ -48,6 +50,7 @@ class PlanMaker {
     }
     std::size_t layout_count() const { return layout_count_; }
     std::size_t step_count() const { return step_count_; }
+    std::size_t child_count() const { return child_count_; }
     std::size_t markup_size() const { return markup_size_; }
 
   private:
@@ -61,18 +64,25 @@ class PlanMaker {
     }
 
     bool make_layout(std::int32_t layout) {
-        const std::size_t first_step = step_count_;
-        const std::size_t first_markup = markup_size_;
-        full_length_ = 0;
+        first_step_ = step_count_;
+        first_child_ = child_count_;
+        first_markup_ = step_markup_ = markup_size_;
+        full_length_ = least_length_ = 0;
         if (!walk(layout)) {
-            step_count_ = first_step;
-            markup_size_ = first_markup;
+            step_count_ = first_step_;
+            child_count_ = first_child_;
+            markup_size_ = first_markup_;
             return false;
         }
         add_step({0, -1, 0, 0, 0, PlanStep::END});
         if (!is_counting()) {
-            parts_.plan->layouts[layout_count_] = {layout, full_length_, parts_.steps + first_step,
-                                                   parts_.markup + first_markup};
+            parts_.plan->layouts[layout_count_] = {layout,
+                                                   full_length_,
+                                                   least_length_,
+                                                   counted_from(first_child_, child_count_),
+                                                   parts_.steps + first_step_,
+                                                   parts_.children + first_child_,
+                                                   parts_.markup + first_markup_};
         }
         ++layout_count_;
         return true;
@@ -81,38 +91,66 @@ class PlanMaker {
     // False when the layout is too much for a plan.
     bool walk(std::int32_t layout) {
         GroupPath path;
-        if (!start(path, layout)) return false;
+        if (!start(path, layout, NO_CHILD)) return false;
         while (!path.empty()) {
             OpenGroup& group = path.innermost();
             const std::int32_t child = group.child;
             if (child > 0) {
                 group.child = next_sibling_item(xfd_, child, true);
-                if (!start(path, child)) return false;
+                if (!start(path, child, begin_child(xfd_.items[child]))) return false;
             } else {
-                const std::int32_t item = path.close().item;
-                add_indent(xfd_.items[item].level);
-                add_markup(tags_.end_tag(item));
+                const OpenGroup closed = path.close();
+                add_indent(xfd_.items[closed.item].level);
+                add_markup(tags_.end_tag(closed.item));
+                end_child(closed.start);
             }
         }
         return !is_too_much();
     }
 
-    bool start(GroupPath& path, std::int32_t index) {
+    // `child`: where the item stands among the children.
+    bool start(GroupPath& path, std::int32_t index, std::uint32_t child) {
         const std::int32_t written = written_item(xfd_, index, path);
         const XfdItem& item = xfd_.items[written];
         if (!budget_.spend() || (is_group(item) && path.full())) return false;
-        full_length_ = std::max({full_length_, extent_of(xfd_.items[index]), extent_of(item)});
+        const std::uint32_t extent = extent_of(xfd_.items[index]);
+        full_length_ = std::max({full_length_, extent, extent_of(item)});
+        // Whatever a record has a place for by this, it is written.
+        const std::uint32_t tested = child == NO_CHILD ? 0 : extent;
+        if (extent_of(item) > tested) least_length_ = std::max(least_length_, extent_of(item));
         add_indent(item.level);
         add_markup(tags_.start_tag(written));
         if (is_group(item)) {
             add_markup("\r\n");
-            path.open({written, first_child_item(xfd_, written), 0, false});
+            path.open({written, first_child_item(xfd_, written), child, false});
         } else {
             add_step({0, written, item.offset, static_cast<std::uint32_t>(item.data.length),
                       item.condition, kind_of(xfd_, item)});
             add_markup(tags_.end_tag(written));
+            end_child(child);
         }
         return !is_too_much();
+    }
+
+    static std::uint32_t counted_from(std::size_t first, std::size_t count) {
+        return static_cast<std::uint32_t>(count - first);
+    }
+
+    // Result: where the child stands.
+    std::uint32_t begin_child(const XfdItem& item) {
+        if (!is_counting()) {
+            const std::uint32_t markup = counted_from(first_markup_, markup_size_);
+            parts_.children[child_count_] = {extent_of(item), markup, markup, 0, 0};
+        }
+        return counted_from(first_child_, child_count_++);
+    }
+
+    void end_child(std::uint32_t number) {
+        if (is_counting() || number == NO_CHILD) return;
+        PlanChild& child = parts_.children[first_child_ + number];
+        child.markup_end = counted_from(first_markup_, markup_size_);
+        child.next_step = counted_from(first_step_, step_count_);
+        child.next_child = counted_from(first_child_, child_count_);
     }
 
     void add_markup(std::string_view text) {
@@ -141,8 +179,15 @@ class PlanMaker {
     std::size_t layout_count_ = 0;
     std::size_t step_count_ = 0;
     std::size_t markup_size_ = 0;
+    std::size_t child_count_ = 0;
     std::size_t step_markup_ = 0;  // where the markup after the last step begins
+
+    // Of the layout.
+    std::size_t first_step_ = 0;
+    std::size_t first_child_ = 0;
+    std::size_t first_markup_ = 0;
     std::uint32_t full_length_ = 0;
+    std::uint32_t least_length_ = 0;
 };
 
 }  // namespace
@@ -156,16 +201,20 @@ const LayoutPlan* WritePlan::of_layout(std::int32_t item) const {
 }
 
 WritePlan* new_write_plan(const Xfd& xfd, const ItemTags& tags) {
-    PlanMaker count(xfd, tags, {nullptr, nullptr, nullptr});
+    PlanMaker count(xfd, tags, {nullptr, nullptr, nullptr, nullptr});
     count.make();
     const std::size_t head = sizeof(WritePlan) + count.layout_count() * sizeof(LayoutPlan);
     const std::size_t steps = count.step_count() * sizeof(PlanStep);
-    void* const block = host_alloc(head + steps + count.markup_size() + MARKUP_READ_SIZE,
+    const std::size_t children = count.child_count() * sizeof(PlanChild);
+    void* const block = host_alloc(head + steps + children + count.markup_size() + MARKUP_READ_SIZE,
                                    HOST_BLOCK_ZEROED, SXML_SOURCE, __LINE__, "XML write plan", 0);
     auto* const plan = static_cast<WritePlan*>(block);
     if (plan == nullptr) return nullptr;
     auto* const after = static_cast<char*>(block) + head;
     plan->layout_count = count.layout_count();
-    PlanMaker(xfd, tags, {plan, reinterpret_cast<PlanStep*>(after), after + steps}).make();
+    PlanMaker(xfd, tags,
+              {plan, reinterpret_cast<PlanStep*>(after),
+               reinterpret_cast<PlanChild*>(after + steps), after + steps + children})
+        .make();
     return plan;
 }

@@ -1,7 +1,8 @@
 // The plan of writing a record, made once when a file is opened for output: for each record layout
 // the fields in the order in which they are written, and between them the markup that stands there
-// in every record. A record is written by plan when it is long enough to hold every field, nothing
-// is traced, and empty elements are not left out; all others are written by walking the items.
+// in every record. A record is written by plan when nothing is traced and empty elements are not
+// left out; all others are written by walking the items. Of a record that is too short to hold
+// every field, those items are passed over that it has no place for.
 #pragma once
 
 #include <cstddef>
@@ -25,14 +26,27 @@ struct PlanStep {
     Kind kind;
 };
 
-struct LayoutPlan {
-    std::int32_t item;          // index of the item that opens the layout
-    std::uint32_t full_length;  // bytes from which on a record holds every field
-    const PlanStep* steps;      // up to the END
-    const char* markup;         // of all steps
+// An item below the one that opens the layout: what is left out, from its start tag to its end tag,
+// where a record has no place for it.
+struct PlanChild {
+    std::uint32_t extent;  // bytes from which on a record has a place for it
+    std::uint32_t markup;  // where its markup begins and ends
+    std::uint32_t markup_end;
+    std::uint32_t next_step;   // after those of its fields
+    std::uint32_t next_child;  // after those below it
 };
 
-// One block: the layouts' steps and markup follow.
+struct LayoutPlan {
+    std::int32_t item;           // index of the item that opens the layout
+    std::uint32_t full_length;   // bytes from which on a record holds every field
+    std::uint32_t least_length;  // bytes from which on it holds a field whole or not at all
+    std::uint32_t child_count;
+    const PlanStep* steps;  // up to the END
+    const PlanChild* children;
+    const char* markup;  // of all steps
+};
+
+// One block: the layouts' steps, children and markup follow.
 struct WritePlan {
     std::size_t layout_count;
     LayoutPlan layouts[1];  // ascending by item

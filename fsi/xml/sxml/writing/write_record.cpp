@@ -90,7 +90,7 @@ std::int32_t layout_to_write(const XmlFile& file, const void* record) {
 const LayoutPlan* plan_for(const XmlFile& file, std::int32_t layout, std::uint32_t length) {
     if (host_trace_on != 0) return nullptr;
     const LayoutPlan* const plan = file.write_plan->of_layout(layout);
-    if (plan == nullptr || length < plan->full_length) return nullptr;
+    if (plan == nullptr || length < plan->least_length) return nullptr;
     if (file.handler != nullptr && file.handler->moves_items != 0) return nullptr;
     return settings::ignore_empty_data() ? nullptr : plan;
 }
