@@ -368,12 +368,27 @@ void InputDocument::begin_texts() {
         characters_ = &own_characters_;
     }
     texts_.emplace(is_latin1 ? DocumentText::latin1 : DocumentText::utf8, *characters_);
+    const Xfd& xfd = *module_file_.xfd;
+    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
+        takes_as_it_is_.push_back(is_taken_as_it_is(xfd.items[i]));
+    }
+}
+
+// Whether a text that is not too long goes into the field as it stands, with blanks after it.
+bool InputDocument::is_taken_as_it_is(const XfdItem& item) const {
+    if (texts_->converts() || options_.takes_hex || item.format == XFD_FORMAT_BINARY) return false;
+    return text_form(item, *characters_) == TextForm::plain && !is_aligned(item);
 }
 
 void InputDocument::store_text(std::int32_t index, std::string_view text) {
     if (!texts_) begin_texts();
     const XfdItem& item = module_file_.xfd->items[index];
     const auto size = static_cast<std::size_t>(item.data.length);
+    if (text.size() <= size && takes_as_it_is_[static_cast<std::size_t>(index)]) {
+        std::uint8_t* const end = std::copy(text.begin(), text.end(), record_.data() + item.offset);
+        std::fill_n(end, size - text.size(), characters_->space());
+        return;
+    }
     if (item.format == XFD_FORMAT_BINARY) return store_digits(index, text);
     // A text is never as long as the digits of its field.
     if (options_.takes_hex && text.size() == 2 * size && records::is_hexadecimal(text)) {

@@ -187,6 +187,7 @@ class InputDocument {
     void mark_record(std::int32_t condition);
     void store_digits(std::int32_t index, std::string_view text);
     bool convert(std::int32_t index, TextForm form, std::string_view& text);
+    bool is_taken_as_it_is(const XfdItem& item) const;
     void place(const XfdItem& item, TextForm form, std::string_view text);
     void note_trouble(FieldTrouble trouble);
     void collect_names(const Xfd& xfd);
@@ -218,7 +219,8 @@ class InputDocument {
     std::vector<records::Description::Mark> marks_;
     const CharacterSet* characters_;
     CharacterSet own_characters_;
-    std::optional<FieldText> texts_;  // known with the first record
+    std::optional<FieldText> texts_;    // known with the first record
+    std::vector<bool> takes_as_it_is_;  // by item, then known as well
     BlankRecord blank_;
     HostRecordHandler handler_{};
     ModuleFile module_file_;
