@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Measures reading a document of about 100 MB: the parser API, whole and record by record, beside
-# Expat and libxml2.
-#     parse.sh BUILD_DIR [RECORDS [ROUNDS]]
+# Expat and libxml2, in processor time.
+#     [OTHER_BUILD=DIR] parse.sh BUILD_DIR [RECORDS [ROUNDS]]
 set -euo pipefail
 build=${1:?usage: parse.sh BUILD_DIR [RECORDS [ROUNDS]]}
 records=${2:-400000}
@@ -56,14 +56,20 @@ awk -v whole="$(least whole 1)" -v dom="$(least dom 1)" -v bytes="$(least whole 
         whole / dom, whole <= dom ? "met" : "missed"
     printf "  target: bytes of memory an element at most 250; measured %.0f: %s\n", bytes / elements,
         bytes <= 250 * elements ? "met" : "missed" }'
-# Whole programs that use the parser API.
+# Whole programs that use the parser API; OTHER_BUILD: another build to compare with.
+processor_seconds() { # BUILD COMMAND
+    local words=("$work/large.xml") TIMEFORMAT='%3U %3S'
+    [ "$2" = tree ] || words+=("$work/rewritten.xml")
+    { time "$1/bin/sxml" "$2" "${words[@]}" >/dev/null 2>&3; } 3>&2 2>&1 | awk '{ print $1 + $2 }'
+}
 for command in rewrite tree; do
-    printf "  sxml %s: " "$command"
-    case $command in
-        rewrite) words=("$work/large.xml" "$work/rewritten.xml") ;;
-        tree) words=("$work/large.xml") ;;
-    esac
-    start=$(date +%s%N)
-    "$build/bin/sxml" "$command" "${words[@]}" >/dev/null
-    echo "$(((($(date +%s%N) - start)) / 1000000)) ms for $bytes bytes"
+    for ((round = 0; round < rounds; ++round)); do
+        processor_seconds "$build" "$command" >>"$work/$command.times"
+        [ -z "${OTHER_BUILD:-}" ] || processor_seconds "$OTHER_BUILD" "$command" >>"$work/$command.other"
+    done
+    echo "  sxml $command: $(least "$command" 1) s for $bytes bytes"
+    [ -z "${OTHER_BUILD:-}" ] || awk -v this="$(least "$command" 1)" \
+        -v other="$(sort -n "$work/$command.other" | head -n 1)" -v command="$command" 'BEGIN {
+            printf "  target: %s / that of the other build at most 0.50; measured %.2f: %s\n", command,
+                this / other, this <= 0.5 * other ? "met" : "missed" }'
 done
