@@ -22,22 +22,24 @@ constexpr auto blanks = [] {
     return row;
 }();
 
-// An output file with its encoding, through which all pieces of an element go.
+// An output file with its encoding, through which all pieces of an element go. What needs no
+// escaping goes there directly, as the text writers would write it.
 struct Output {
     HostStream* stream;
     std::int32_t encoding;
 
+    void raw(std::string_view bytes) const { host_fwrite(bytes.data(), 1, bytes.size(), stream); }
     void line_end() const { xml_write_newline(stream, encoding); }
-    void markup(const char* text) const { xml_write_string(stream, encoding, text, 0); }
 
-    void text(std::string_view bytes, std::int32_t text_encoding, std::uint8_t flags) const {
+    void text(std::string_view bytes, std::int32_t text_encoding) const {
         const XmlTextSpan span = {bytes.data(), bytes.size(), text_encoding};
-        xml_write_text(stream, encoding, &span, flags);
+        const std::string_view plain = plain_text(span);
+        if (!plain.empty()) return raw(plain);
+        xml_write_text(stream, encoding, &span, ESCAPED);
     }
 
     void spaces(std::uint64_t count) const {
-        const std::size_t length = std::min<std::uint64_t>(count, blanks.size());
-        text({blanks.data(), length}, HOST_ENCODING_NONE, 0);
+        raw({blanks.data(), std::min<std::uint64_t>(count, blanks.size())});
     }
 };
 
@@ -45,19 +47,19 @@ struct Output {
 void write_comments(const Output& out, std::string_view comments, std::uint64_t indent) {
     if (comments.empty()) return;
     out.spaces(indent);
-    out.markup("<!-- ");
+    out.raw("<!-- ");
     for (;;) {
         const HostTextSpan rest = {comments.data(), comments.size(), HOST_ENCODING_NONE};
         const char* const line_feed = host_span_find_char(&rest, '\n');
         if (!line_feed) break;
         const auto line = static_cast<std::size_t>(line_feed - comments.data());
-        out.text({comments.data(), line}, HOST_ENCODING_NONE, ESCAPED);
+        out.text({comments.data(), line}, HOST_ENCODING_NONE);
         out.line_end();
         out.spaces(indent + CONTINUATION_INDENT);
         comments.remove_prefix(line + 1);
     }
-    out.text(comments, HOST_ENCODING_NONE, ESCAPED);
-    out.markup(" -->\n");
+    out.text(comments, HOST_ENCODING_NONE);
+    out.raw(" -->\r\n");
 }
 
 void write_attributes(const Output& out, const XmlElement& element, std::uint64_t indent) {
@@ -65,18 +67,18 @@ void write_attributes(const Output& out, const XmlElement& element, std::uint64_
     for (std::uint32_t i = 0; i < count; ++i) {
         out.line_end();
         out.spaces(indent + CONTINUATION_INDENT);
-        out.text(view_of(*element.attributes[i]->name), HOST_ENCODING_NONE, 0);
-        out.markup("=\"");
-        out.text(value_of(*element.attributes[i]), HOST_ENCODING_NONE, ESCAPED);
-        out.markup("\"");
+        out.raw(view_of(*element.attributes[i]->name));
+        out.raw("=\"");
+        out.text(value_of(*element.attributes[i]), HOST_ENCODING_NONE);
+        out.raw("\"");
     }
 }
 
 void write_end_tag(const Output& out, const XmlElement& element, std::uint64_t indent) {
     if (element.had_children) out.spaces(indent);
-    out.markup("</");
-    out.text(view_of(*element.name), HOST_ENCODING_NONE, 0);
-    out.markup(">\n");
+    out.raw("</");
+    out.raw(view_of(*element.name));
+    out.raw(">\r\n");
 }
 
 // Writes an element up to where its children go. False when there are none to write; the element is
@@ -84,17 +86,17 @@ void write_end_tag(const Output& out, const XmlElement& element, std::uint64_t i
 bool write_start(const Output& out, const XmlElement& element, std::uint64_t indent) {
     if (element.comments) write_comments(out, view_of(*element.comments), indent);
     out.spaces(indent);
-    out.markup("<");
-    out.text(view_of(*element.name), HOST_ENCODING_NONE, 0);
+    out.raw("<");
+    out.raw(view_of(*element.name));
     write_attributes(out, element, indent);
 
     const std::string_view value = view_of(element.value);
     if (value.empty() && !element.first_child) {
-        out.markup("/>\n");
+        out.raw("/>\r\n");
         return false;
     }
-    out.markup(">");
-    if (!value.empty()) out.text(value, element.value_encoding, ESCAPED);
+    out.raw(">");
+    if (!value.empty()) out.text(value, element.value_encoding);
     if (element.had_children) out.line_end();
     if (element.first_child) return true;
     write_end_tag(out, element, indent);
