@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Measures WRITE and READ of a COBOL program with XML documents beside the same program with the
-# runtime's own sequential files.
+# runtime's own sequential files, in processor time.
 #     [OTHER_BUILD=DIR] cobol.sh BUILD_DIR [RECORDS [ROUNDS]]
 set -euo pipefail
 build=$(cd "${1:?usage: cobol.sh BUILD_DIR [RECORDS [ROUNDS]]}" && pwd)
@@ -16,10 +16,9 @@ cobc -x -O -o plain "$here/cobol_records.cbl"
 # The same with the adapter of another build, to compare with.
 [ -z "${OTHER_BUILD:-}" ] || SXML_PATH=$here "$OTHER_BUILD/bin/sxml" cob -O -x "$here/cobol_records.cbl" -o other
 
-seconds() { # PROGRAM FILE WHAT RECORDS: runs it, prints how long that took
-    local start=$EPOCHREALTIME
-    DD_MASTER=$2 SXML_PATH=$here "./$1" "$3" "$4" >"$1.sum"
-    awk -v start="$start" -v end="$EPOCHREALTIME" 'BEGIN { printf "%.4f\n", end - start }'
+seconds() { # PROGRAM FILE WHAT RECORDS: runs it, prints the processor time that it took
+    local TIMEFORMAT='%3U %3S'
+    { time DD_MASTER=$2 SXML_PATH=$here "./$1" "$3" "$4" >"$1.sum" 2>&3; } 3>&2 2>&1 | awk '{ print $1 + $2 }'
 }
 
 many=$((records * 10)) # plain files are quick

@@ -22,7 +22,8 @@ char* put_markup(char* at, const char* markup, std::size_t length) {
     return at + length;
 }
 
-void write_markup(RecordOutput& output, const char* markup, std::size_t length) {
+[[gnu::always_inline]] inline void write_markup(RecordOutput& output, const char* markup,
+                                                std::size_t length) {
     while (length + MARKUP_READ_SIZE > RecordOutput::CAPACITY) {
         constexpr std::size_t PIECE = RecordOutput::CAPACITY / 2;
         output.keep_to(put_markup(output.room_for(PIECE), markup, PIECE));
@@ -142,64 +143,36 @@ void write_value(RecordWriter& writer, const PlanStep& step) {
     }
 }
 
-// A record that has no place for some of the items.
-class ShortRecord {
-  public:
-    ShortRecord(RecordWriter& writer, const LayoutPlan& plan)
-        : writer_(writer), plan_(plan), step_end_(plan.steps->markup_length) {}
-
-    void write() {
-        for (std::uint32_t number = 0; number < plan_.child_count;) {
-            const PlanChild& child = plan_.children[number];
-            if (child.extent <= writer_.record_length) {
-                ++number;
-                continue;
-            }
-            write_to(child.markup);
-            pass_over(child);
-            number = child.next_child;
-        }
-        while (plan_.steps[step_].kind != PlanStep::END) write_to(step_end_);
-        write_to(step_end_);
+// The first child from `number` on that the record has no place for; null when there is none.
+const PlanChild* missing_child(const LayoutPlan& plan, std::uint32_t number, std::uint32_t length) {
+    for (; number < plan.child_count; ++number) {
+        if (plan.children[number].extent > length) return plan.children + number;
     }
-
-  private:
-    // Writes the markup up to a place, and the fields that stand there.
-    void write_to(std::uint32_t place) {
-        while (step_end_ <= place && plan_.steps[step_].kind != PlanStep::END) {
-            write_markup_to(step_end_);
-            write_value(writer_, plan_.steps[step_++]);
-            step_end_ += plan_.steps[step_].markup_length;
-        }
-        write_markup_to(place);
-    }
-
-    void write_markup_to(std::uint32_t place) {
-        write_markup(writer_.output, plan_.markup + written_, place - written_);
-        written_ = place;
-    }
-
-    void pass_over(const PlanChild& child) {
-        written_ = child.markup_end;
-        while (step_ < child.next_step) step_end_ += plan_.steps[++step_].markup_length;
-    }
-
-    RecordWriter& writer_;
-    const LayoutPlan& plan_;
-    std::uint32_t written_ = 0;  // of the markup, or passed over
-    std::uint32_t step_ = 0;     // the next one
-    std::uint32_t step_end_;     // where the markup before its field ends
-};
+    return nullptr;
+}
 
 }  // namespace
 
+// One loop for all records, so that everything that it calls for each field becomes a part of it.
 void write_planned(RecordWriter& writer, const LayoutPlan& plan) {
-    if (writer.record_length < plan.full_length) return ShortRecord(writer, plan).write();
-    const char* markup = plan.markup;
-    for (const PlanStep* step = plan.steps;; ++step) {
-        write_markup(writer.output, markup, step->markup_length);
-        markup += step->markup_length;
-        if (step->kind == PlanStep::END) return;
-        write_value(writer, *step);
+    const bool is_short = writer.record_length < plan.full_length;
+    const PlanStep* step = plan.steps;
+    std::uint32_t written = 0;  // of the markup, or passed over
+    std::uint32_t step_end = step->markup_length;
+    std::uint32_t number = is_short ? 0 : plan.child_count;
+    for (;;) {
+        const PlanChild* const missing = missing_child(plan, number, writer.record_length);
+        const std::uint32_t place = missing != nullptr ? missing->markup : UINT32_MAX;
+        while (step_end <= place) {
+            write_markup(writer.output, plan.markup + written, step_end - written);
+            written = step_end;
+            if (step->kind == PlanStep::END) return;
+            write_value(writer, *step);
+            step_end += (++step)->markup_length;
+        }
+        write_markup(writer.output, plan.markup + written, place - written);
+        written = missing->markup_end;
+        while (step < plan.steps + missing->next_step) step_end += (++step)->markup_length;
+        number = missing->next_child;
     }
 }
