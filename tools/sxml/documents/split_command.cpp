@@ -129,11 +129,14 @@ void split(SplitOptions options) {
     }
     for (const auto& output : outputs) output->prepare();
     std::string list;
-    for (std::size_t part = 0; part < outputs.size(); ++part) {
-        outputs[part]->commit();
-        list += names[part] + "\n";
-    }
-    write_output("-", list);
+    for (const std::string& name : names) list += name + "\n";
+    AtomicOutput told("-");
+    conversion::ByteSink sink = told.open();
+    // From here on nothing takes memory: all parts take their names, or none.
+    for (const auto& output : outputs) output->commit();
+    check(sink.write(list.data(), list.size()));
+    check(sink.close());
+    told.commit();
 }
 
 }  // namespace
