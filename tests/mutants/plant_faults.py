@@ -148,8 +148,8 @@ def main():
     chance = random.Random(options.seed)
     candidates = list(places(clone, options.folders))
     if options.place:
-        candidates = [each for each in candidates
-                      if f"{each[0]}:{each[1] + 1}" in options.place]
+        candidates = [(name, number, [fault]) for name, number, faults in candidates
+                      if f"{name}:{number + 1}" in options.place for fault in faults]
     chance.shuffle(candidates)
     # Some faults do not compile.
     candidates = candidates[:2 * options.count]
