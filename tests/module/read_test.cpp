@@ -5,6 +5,7 @@
 #include <chrono>
 #include <random>
 
+#include "host/handles.h"
 #include "host/runtime/memory/memory_report.h"
 #include "host/runtime/streams.h"
 #include "host/runtime/trace_control.h"
@@ -527,6 +528,29 @@ TEST_F(ReadTest, FilesAreOpenForOneDirection) {
     XmlFile* const in = module().open(path("f.xml").c_str(), XML_OPEN_INPUT);
     EXPECT_EQ(module().write(in, record, 6), 0);
     EXPECT_EQ(*host_file_error(), HOST_FILE_UNSUPPORTED);
+    module().close(in);
+}
+
+// Handles are the whole process's.
+TEST_F(ReadTest, GivesNoRecordsOfAParserThatSomebodyReleased) {
+    constexpr int FREE_PARSER = 49;
+    auto* const free_parser =
+        reinterpret_cast<std::int32_t (*)(std::uint32_t)>(module().ordinal(FREE_PARSER));
+    XfdBuilder builder("f");
+    builder.text(1, "v", 0, 1);
+    describe(path("f.xml"), builder.xfd());
+    write_file(path("f.xml"), "<f><r><v>1</v></r><r><v>2</v></r></f>");
+    XmlFile* const in = module().open(path("f.xml").c_str(), XML_OPEN_INPUT);
+    char record = '.';
+    EXPECT_NE(module().read(in, &record), 0);
+    bool is_released = false;
+    constexpr std::uint32_t MOST_TYPES = 16;
+    for (std::uint32_t type = 1; type <= MOST_TYPES && !is_released; ++type) {
+        is_released = free_parser(host_handle_next(0, type)) == 1;
+    }
+    EXPECT_TRUE(is_released);
+    EXPECT_EQ(module().read(in, &record), 0);
+    EXPECT_EQ(record, '1');
     module().close(in);
 }
 
