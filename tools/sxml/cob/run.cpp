@@ -85,7 +85,7 @@ WorkFolder::~WorkFolder() {
 }
 
 std::string WorkFolder::write(const std::string& name, std::string_view text) const {
-    const std::string path = file(name);
+    std::string path = file(name);
     conversion::ByteSink sink = value_of(conversion::ByteSink::open(path));
     check(sink.write(text.data(), text.size()));
     check(sink.close());
