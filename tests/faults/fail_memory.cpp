@@ -19,7 +19,9 @@ void* __libc_memalign(std::size_t alignment, std::size_t size);
 
 namespace {
 
-constexpr std::array<const char*, 4> RUNTIME = {"/libcob.", "/libgmp.", "/libxml2.", "/libdb-"};
+constexpr std::array<const char*, 9> RUNTIME = {"/libcob.",  "/libgmp.",   "/libxml2.",
+                                                "/libicu",   "/libdb-",    "/libncurses",
+                                                "/libtinfo", "/libjson-c", "/libcjson"};
 
 // Blocks that cannot fail. The first one that the C++ library itself takes is its reserve for
 // exceptions: without it no program can throw when memory is out; it is taken before any code of
