@@ -14,6 +14,7 @@
 
 #include "host/runtime/memory/memory_report.h"
 #include "sxml/xml_api.h"
+#include "tests/support/system.h"
 
 inline std::string file_text(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -21,7 +22,7 @@ inline std::string file_text(const std::filesystem::path& path) {
 }
 
 inline std::string module_path() {
-    return SXML_BUILD_DIR "/lib/sxml.so";
+    return built_module();
 }
 
 inline std::string expected_file(const std::string& name) {

@@ -13,6 +13,7 @@
 #include "host/runtime/trace_control.h"
 #include "records/description.h"
 #include "records/numbers.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -72,7 +73,7 @@ const host::Module& ModuleTest::module() {
     static const host::Module loaded = [] {
         host::grant_encoding_support(encodings_granted);
         return host::Module::load(
-            SXML_BUILD_DIR "/lib/sxml.so",
+            built_module(),
             {named("Q4ParseXFD", parse_xfd), named("Q4XFDFree", free_xfd),
              named("Q4TestCOBOLCond", test_condition), named("Qconvert", Qconvert)});
     }();
@@ -80,7 +81,7 @@ const host::Module& ModuleTest::module() {
 }
 
 void ModuleTest::SetUp() {
-    setenv("SOURCE_DATE_EPOCH", "1795003200", 1);  // 2026-11-18
+    set_variable("SOURCE_DATE_EPOCH", "1795003200");  // 2026-11-18
     folder_ = std::make_unique<ScratchFolder>();
     names_looked_up.clear();
     refuse_lookups(0);
