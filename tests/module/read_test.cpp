@@ -11,6 +11,7 @@
 #include "host/runtime/trace_control.h"
 #include "tests/module/module_fixture.h"
 #include "tests/module/sample_descriptions.h"
+#include "tests/support/system.h"
 
 namespace {
 
@@ -328,7 +329,7 @@ TEST_F(ReadTest, DumpsEachRecordAboveTraceLevelTen) {
         EXPECT_EQ(records(builder.xfd(), document, 2), results);
         const std::string shown = ::testing::internal::GetCapturedStderr();
         host::set_trace(0, "");
-        EXPECT_EQ(shown, level > 10 ? expected : "") << level;
+        EXPECT_EQ(shown, level > 10 ? as_captured(expected) : "") << level;
         // Its line in the trace stands before the record's first field, not indented.
         const std::string trace = read(path("trace"));
         int heads = 0;

@@ -1,25 +1,10 @@
 // Parser handles: failure codes, sources, what a document can be asked and how it is changed.
-#include <dlfcn.h>
-#include <expat.h>
 #include <unistd.h>
+
+#include <expat.h>
 
 #include "host/runtime/trace_control.h"
 #include "tests/parser/parser_test.h"
-
-namespace {
-
-int deferral_calls = 0;
-
-}  // namespace
-
-// Stands before the library's function, when there is one, and lets the tests see the calls.
-extern "C" __attribute__((visibility("default"))) XML_Bool XML_SetReparseDeferralEnabled(
-    XML_Parser parser, XML_Bool enabled) {
-    deferral_calls += enabled ? 1000 : 1;
-    using Setter = XML_Bool(XML_Parser, XML_Bool);
-    auto* real = reinterpret_cast<Setter*>(dlsym(RTLD_NEXT, "XML_SetReparseDeferralEnabled"));
-    return real ? real(parser, enabled) : XML_FALSE;
-}
 
 namespace {
 
@@ -48,7 +33,7 @@ TEST_F(Handles, BadHandlesAreHarmless) {
         fails(xml.SxmlParser_parse_record(bad) == 0);
         fails(xml.xml_parser_current(bad) == 0);
         fails(xml.xml_free_parser(bad) == 0);
-        fails(xml.xml_write_document(bad, (folder / "no.xml").c_str()) == 0);
+        fails(xml.xml_write_document(bad, scratch_.file("no.xml").c_str()) == 0);
         fails(xml.xml_add_top_comment(bad, "x") == 0);
         fails((xml.xml_clear_top_comments(bad), true));
         fails(xml.xml_top_comments(bad, &length) == nullptr && length == 0);
@@ -75,7 +60,7 @@ TEST_F(Handles, BadHandlesAreHarmless) {
 
 TEST_F(Handles, OpeningTellsWhyItFails) {
     const std::string broken = "<?xml version='1.0'?><a></b>";
-    EXPECT_EQ(xml.xml_open_file((folder / "missing.xml").c_str(), WHOLE, 0), 0U);
+    EXPECT_EQ(xml.xml_open_file(scratch_.file("missing.xml").c_str(), WHOLE, 0), 0U);
     EXPECT_EQ(parser_error(), XMLERR_OPEN_FILE);
     std::int32_t code = 0;
     EXPECT_STREQ(xml.xml_last_error(&code), "Unable to open named file");
@@ -180,7 +165,7 @@ TEST_F(Handles, ConvertsNames) {
 }
 
 TEST_F(Handles, TracesWhatItReads) {
-    const std::string trace = folder / "trace";
+    const std::string trace = scratch_.file("trace");
     ASSERT_TRUE(host::set_trace(10, trace));
     const std::uint32_t parser = open(
         "<?xml version='1.0' encoding='UTF-8'?><!--c--><?t d?><!DOCTYPE r SYSTEM 's' "
@@ -208,7 +193,7 @@ TEST_F(Handles, TheDefaultHandlerGetsEveryToken) {
     XML_Parse(expat, document.data(), static_cast<int>(document.size()), 1);
     XML_ParserFree(expat);
 
-    const std::string trace = folder / "trace";
+    const std::string trace = scratch_.file("trace");
     ASSERT_TRUE(host::set_trace(9, trace));
     xml.xml_free_parser(open(document, XMLOPT_DEFAULT | XMLOPT_PARSE_WHOLE));
     host::set_trace(0, "");
@@ -276,62 +261,12 @@ TEST_F(Handles, AddedCommentsHideNoneThatIsRead) {
     std::uint64_t length = 0;
     EXPECT_STREQ(xml.xml_top_comments(parser, &length), "one\ntwo\nthree\nfour");
     EXPECT_EQ(length, 18U);
-    const std::string out = folder / "out.xml";
+    const std::string out = scratch_.file("out.xml");
     EXPECT_EQ(xml.xml_write_document(parser, out.c_str()), 1);
     EXPECT_NE(file_text(out).find("<!-- one -->\r\n<!-- two -->\r\n<!-- three -->\r\n"
                                   "<!-- four -->\r\n"),
               std::string::npos);
     xml.xml_free_parser(parser);
-}
-
-TEST_F(Handles, TurnsReparseDeferralOff) {
-    deferral_calls = 0;
-    xml.xml_free_parser(open("<a/>", EVERYTHING));
-    EXPECT_EQ(deferral_calls, 1);
-}
-
-// The usage sample of the public header, on whole documents and on such as break off.
-TEST_F(Handles, CProgramsReadRecordsDeclarationsAndElements) {
-    const std::string out = folder / "out";
-    const auto run = [&](const std::string& document) {
-        file_with(document, "orders.xml");
-        EXPECT_EQ(std::system(("cd '" + folder.string() + "' && '" C_PROGRAM "' '" + module_path() +
-                               "' > '" + out + "' 2>&1")
-                                  .c_str()),
-                  0);
-        return file_text(out);
-    };
-    const std::string start =
-        "<!DOCTYPE orders [<!ELEMENT orders (order*)><!ELEMENT order (#PCDATA)>]>\n"
-        "<orders><order>7</order>\n<order>8</order>";
-    const std::string complaint = "the document cannot be read, or not to its end\n";
-    const std::string two = "order 7\norder 8\n";
-    const std::string models = "orders: type 6, 1 children\norder: type 3, 0 children\n";
-    EXPECT_EQ(run(start + "</orders>\n"), two + models + two);
-    EXPECT_EQ(run(start), two + complaint + models + two);
-    EXPECT_EQ(run(start + "<order><x>9</x>").substr(0, two.size() + complaint.size()),
-              two + complaint);
-    EXPECT_EQ(run(start + "<order>9</oops>"), two + complaint);
-    EXPECT_EQ(run("no document"), complaint);
-}
-
-// The example program, on a whole document and on one that is cut off.
-TEST_F(Handles, AProgramSumsAField) {
-    std::string document = "<?xml version='1.0'?>\n<orders>\n";
-    for (int i = 1; i <= 2000; ++i)
-        document += " <order><total>" + std::to_string(i) + ".25</total><id>7</id></order>\n";
-    const std::string out = folder / "out";
-    const auto run = [&](const std::string& bytes) {
-        return std::system(("'" SUM_FIELD "' '" + module_path() + "' '" + file_with(bytes) +
-                            "' total > '" + out + "' 2>&1")
-                               .c_str());
-    };
-    EXPECT_EQ(run(document + "</orders>\n"), 0);
-    EXPECT_EQ(file_text(out), "2000 records, sum of total: 2001500.00\n");
-    EXPECT_NE(run(document + "<order><total>1"), 0);
-    EXPECT_EQ(file_text(out),
-              "2000 records, sum of total: 2001500.00\n"
-              "sum_field: after record 2000: the document is not complete\n");
 }
 
 }  // namespace

@@ -135,7 +135,7 @@ TEST_F(Sweep, EditingLeavesTheDocumentAsItWas) {
 
 TEST_F(Sweep, WritingWritesEverythingOrNothing) {
     const std::uint32_t parser = open(DOCUMENT, WHOLE);
-    const std::string path = folder / "out.xml";
+    const std::string path = scratch_.file("out.xml");
     ASSERT_EQ(xml.xml_write_document(parser, path.c_str()), 1);
     const std::string expected = file_text(path);
     sweep([&] {

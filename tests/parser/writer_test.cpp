@@ -32,7 +32,7 @@ class Writer : public ParserTest {
 
     void expect_well_formed() const {
         const std::string command = "xmllint --noout --nonet '" + path + "' 2>&1";
-        EXPECT_EQ(std::system(command.c_str()), 0) << file_text(path);
+        EXPECT_TRUE(is_judged_well(command)) << file_text(path);
     }
 
     // Tree, comments and instructions of a document.
@@ -62,7 +62,7 @@ class Writer : public ParserTest {
     std::string path;
     void SetUp() override {
         ParserTest::SetUp();
-        path = folder / "out.xml";
+        path = scratch_.file("out.xml");
     }
 };
 

@@ -2,13 +2,15 @@
 
 #include <cstdlib>
 
+#include "tests/support/system.h"
+
 Environment::Environment(const char* name, const char* value) : name_(name) {
     if (const char* before = std::getenv(name); before != nullptr) before_ = before;
-    value != nullptr ? setenv(name, value, 1) : unsetenv(name);
+    set_variable(name, value);
 }
 
 Environment::~Environment() {
-    before_.has_value() ? setenv(name_, before_->c_str(), 1) : unsetenv(name_);
+    set_variable(name_, before_.has_value() ? before_->c_str() : nullptr);
 }
 
 Random::Random()

@@ -4,19 +4,19 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
+#include <random>
 #include <string>
 #include <string_view>
-
-#include <stdlib.h>
 
 // Nobody else has this folder; it goes when the object does.
 class ScratchFolder {
   public:
     ScratchFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "sxml-test-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder");
-        path_ = name;
+        std::random_device random;
+        do {
+            path_ =
+                std::filesystem::temp_directory_path() / ("sxml-test-" + std::to_string(random()));
+        } while (!std::filesystem::create_directory(path_));
     }
     ~ScratchFolder() {
         std::error_code ignored;
