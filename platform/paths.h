@@ -13,6 +13,10 @@ extern const char FOLDER_LIST_SEPARATOR;
 std::filesystem::path path_of(const std::string& name);
 std::string name_of(const std::filesystem::path& path);
 
+// The name from the root of the file system on. Throws std::filesystem::filesystem_error when the
+// current folder cannot be told.
+std::string absolute_name(const std::string& name);
+
 // The folder that a name leads through, "." when it has none.
 std::string folder_of(const std::string& name);
 // The last part of a name.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <filesystem>
 #include <string_view>
 #include <vector>
 
@@ -58,8 +57,7 @@ Result<DocumentSource> DocumentSource::open(const std::string& name, Pipes pipes
     if (!state) return system_problem(name, error);
     if (state->kind == platform::FileKind::folder) return system_problem(file, EISDIR);
     if (state->kind == platform::FileKind::other && pipes == Pipes::copied) return copy(file);
-    return DocumentSource(file,
-                          platform::name_of(std::filesystem::absolute(platform::path_of(file))));
+    return DocumentSource(file, platform::absolute_name(file));
 }
 
 Result<DocumentSource> DocumentSource::empty_copy(const std::string& name) {

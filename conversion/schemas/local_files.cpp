@@ -19,10 +19,9 @@ constexpr std::uint64_t MOST_BYTES = 64U * 1024U * 1024U;
 std::string file_at(const std::string& location, const std::string& from) {
     constexpr std::string_view SCHEME = "file://";
     std::string name = location.starts_with(SCHEME) ? location.substr(SCHEME.size()) : location;
-    const auto path = platform::path_of(name);
     const std::string folder = platform::folder_of(from);
-    if (path.is_absolute() || folder == ".") return name;
-    return platform::name_of(platform::path_of(folder) / path);
+    if (platform::path_of(name).has_root_directory() || folder == ".") return name;
+    return folder + (folder.ends_with('/') ? "" : "/") + name;
 }
 
 Done check_part(const std::string& file) {

@@ -54,7 +54,7 @@ int process_number() {
 }
 
 std::filesystem::path absolute_path(const std::string& path) {
-    return wide_file_name(name_of(std::filesystem::absolute(path_of(path))));
+    return wide_file_name(absolute_name(path));
 }
 
 void handle_interrupts() {

@@ -24,6 +24,11 @@ std::string name_of(const std::filesystem::path& path) {
     return name.starts_with(SHARE) ? "\\\\" + name.substr(SHARE.size()) : name;
 }
 
+// The standard library takes names that are marked as unlimited for relative ones.
+std::string absolute_name(const std::string& name) {
+    return narrow(absolute(wide(name)));
+}
+
 std::string folder_of(const std::string& name) {
     const std::string folder = narrow(std::filesystem::path(wide(name)).parent_path().native());
     return folder.empty() ? "." : folder;

@@ -45,15 +45,6 @@ constexpr KnownError KNOWN_ERRORS[] = {{ERROR_FILE_NOT_FOUND, ENOENT},
                                        {ERROR_FILE_TOO_LARGE, EFBIG},
                                        {ERROR_CANT_RESOLVE_FILENAME, ELOOP}};
 
-std::wstring absolute(const std::wstring& name) {
-    const DWORD size = GetFullPathNameW(name.c_str(), 0, nullptr, nullptr);
-    std::wstring whole(size, L'\0');
-    const DWORD length = GetFullPathNameW(name.c_str(), size, whole.data(), nullptr);
-    if (length == 0 || length >= size) return name;
-    whole.resize(length);
-    return whole;
-}
-
 bool is_number_of_device(std::string_view text) {
     return text.size() == 1 && text[0] >= '1' && text[0] <= '9';
 }
@@ -77,6 +68,15 @@ std::string narrow(std::wstring_view text) {
     std::string result(static_cast<std::size_t>(length), '\0');
     WideCharToMultiByte(CP_UTF8, 0, text.data(), size, result.data(), length, nullptr, nullptr);
     return result;
+}
+
+std::wstring absolute(const std::wstring& name) {
+    const DWORD size = GetFullPathNameW(name.c_str(), 0, nullptr, nullptr);
+    std::wstring whole(size, L'\0');
+    const DWORD length = GetFullPathNameW(name.c_str(), size, whole.data(), nullptr);
+    if (length == 0 || length >= size) return name;
+    whole.resize(length);
+    return whole;
 }
 
 std::wstring wide_file_name(const std::string& name) {

@@ -12,6 +12,9 @@ namespace platform {
 std::wstring wide(std::string_view text);
 std::string narrow(std::wstring_view text);
 
+// The name from the drive on; as it was when Windows does not know.
+std::wstring absolute(const std::wstring& name);
+
 // The name of a file: one that is too long for Windows's usual limit is made absolute and marked as
 // one without a limit.
 std::wstring wide_file_name(const std::string& name);

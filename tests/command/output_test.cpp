@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -62,15 +61,11 @@ TEST_F(OutputTest, EmptyElementsAreDroppedFromPipes) {
 
 TEST_F(OutputTest, AFailureLeavesTheOldDocument) {
     write_file("w.xml", "old");
-    chmod("w.xml", 0640);
     EXPECT_EQ(convert("bad.dat", "w.xml").status, 1);
     EXPECT_EQ(read_file("w.xml"), "old");
     EXPECT_EQ(files(), (std::vector<std::string>{"bad.dat", "w.cpy", "w.dat", "w.xml"}));
     EXPECT_EQ(convert("w.dat", "w.xml").status, 0);
     EXPECT_EQ(files(), (std::vector<std::string>{"bad.dat", "w.cpy", "w.dat", "w.xml"}));
-    struct stat status = {};
-    stat("w.xml", &status);
-    EXPECT_EQ(status.st_mode & 07777, 0640U);
     EXPECT_NE(read_file("w.xml").find("eeee"), std::string::npos);
 }
 

@@ -393,8 +393,8 @@ TEST_F(CommandTest, FindsTheSchemasThatAreGiven) {
     }
     std::filesystem::create_directory("tmp");
     std::filesystem::rename("types.xsd", "tmp/types.xsd");
-    const Outcome missing =
-        run({"env", "TMPDIR=tmp", command_under_test(), "copybook", "-"}, imported);
+    const std::string folder = "TMPDIR=" + (std::filesystem::current_path() / "tmp").string();
+    const Outcome missing = run({"env", folder, command_under_test(), "copybook", "-"}, imported);
     EXPECT_EQ(missing.err, "sxml: standard input:2:1: types.xsd: No such file or directory\n");
 }
 

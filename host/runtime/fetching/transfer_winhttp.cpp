@@ -53,6 +53,24 @@ bool set_number(void* handle, DWORD option, DWORD value) {
     return WinHttpSetOption(handle, option, &value, sizeof value) != 0;
 }
 
+// Why the request was not answered.
+std::string problem_of_sending() {
+    switch (GetLastError()) {
+        case ERROR_WINHTTP_NAME_NOT_RESOLVED:
+            return "the server's name is not known";
+        case ERROR_WINHTTP_REDIRECT_FAILED:
+            return "more than " + std::to_string(host::MOST_REDIRECTIONS) + " redirections";
+        case ERROR_WINHTTP_SECURE_FAILURE:
+            return "the server's certificate is not accepted";
+        case ERROR_WINHTTP_TIMEOUT:
+            return "the server does not answer in time";
+        case ERROR_WINHTTP_UNRECOGNIZED_SCHEME:
+            return "a redirection to another protocol";
+        default:
+            return problem_of("the server cannot be reached");
+    }
+}
+
 bool send(void* request) {
     return set_number(request, WINHTTP_OPTION_MAX_HTTP_AUTOMATIC_REDIRECTS,
                       static_cast<DWORD>(host::MOST_REDIRECTIONS)) &&
@@ -128,8 +146,7 @@ std::string host::transfer_document(const char* url, TransferTarget& target) {
     const Internet request(WinHttpOpenRequest(connection.get(), L"GET", address.path.c_str(),
                                               nullptr, nullptr, nullptr,
                                               address.is_secure ? WINHTTP_FLAG_SECURE : 0));
-    if (request == nullptr || !send(request.get()))
-        return problem_of("the server cannot be reached");
+    if (request == nullptr || !send(request.get())) return problem_of_sending();
     std::string reason = refusal(request.get());
     return reason.empty() ? receive(request.get(), target) : reason;
 }
