@@ -19,6 +19,7 @@ cp "$sources"/include/sxml/{error_codes.h,host.h,ordinals.def,text_span.h,xml_ap
 cp -r "$sources/host" "$tree/include/sxml/host"
 rm -rf "$tree"/include/sxml/host/{runtime,entities}
 find "$tree/include/sxml/host" -type f ! -name '*.h' -delete
+x86_64-w64-mingw32-dlltool --input-def "$windows/fsi/xml/sxml.def" --output-lib "$tree/lib/libsxml.dll.a"
 cp "$windows/host/runtime/libsxml_host.dll.a" "$windows/fsi/xml/libsxml_api.a" \
     "$windows/fsi/xml/sxml.def" "$windows/fsi/xml/host_services.def" "$tree/lib/"
 cp "$libraries"/licences/* "$tree/licences/"

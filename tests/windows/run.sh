@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
-# Runs the build for Windows under Wine, with the build for Linux beside it:  run.sh LINUX_BUILD WINDOWS_BUILD
+# Runs the build for Windows under Wine, with the build for Linux beside it:
+#   run.sh LINUX_BUILD WINDOWS_BUILD [W3C_DOCUMENTS]
+#   SXML_WINDOWS_LAYOUTS     how many random layouts go through sxml.exe (50)
+#   SXML_WINDOWS_MEGABYTES   size of the large document (100); 4400 and more are beyond 4 GiB
 set -euo pipefail
-linux=$(cd "${1:?usage: run.sh LINUX_BUILD WINDOWS_BUILD}" && pwd)
-windows=$(cd "${2:?usage: run.sh LINUX_BUILD WINDOWS_BUILD}" && pwd)
+linux=$(cd "${1:?usage: run.sh LINUX_BUILD WINDOWS_BUILD [W3C_DOCUMENTS]}" && pwd)
+windows=$(cd "${2:?usage: run.sh LINUX_BUILD WINDOWS_BUILD [W3C_DOCUMENTS]}" && pwd)
+w3c=${3:+$(cd "$3" && pwd)}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 sources=$(cd "$here/../.." && pwd)
 examples=$sources/examples
@@ -75,8 +79,54 @@ for target in same.dat SAME.DAT '.\same.dat' hard.dat 'Z:'"${PWD//\//\\}"'\same.
 done
 cmp custfile.dat same.dat
 
+echo "== names of Windows"
+mkdir -p "$(printf 'a-folder-with-a-long-name/%.0s' {1..15})" layouts 'Größe €'
+long=$(printf 'a-folder-with-a-long-name\\%.0s' {1..15}) # ends in a backslash
+"$exe" to-xml custfile.dat "${long}custfile.dat.xml" --layout "$examples/custfile.cpy"
+"$exe" from-xml "${long}custfile.dat.xml" 'Größe €\Zürich.dat' --layout "$examples/custfile.cpy"
+cmp custfile.dat "Größe €/Zürich.dat"
+"$exe" tree 'Größe €\none.xml' 2>message && fail "a missing file was read"
+grep -q '^sxml: .*Größe €.none.xml' message || { cat message; fail "another message"; }
+for device in NUL CON; do
+    script -qec "'$exe' to-xml custfile.dat $device --layout '$examples/custfile.cpy'" /dev/null </dev/null >"on-$device"
+    [ ! -e "$device" ] || fail "$device became a file"
+done
+! grep -q '</custfile>' on-NUL || fail "NUL was shown"
+grep -q '</custfile>' on-CON || fail "CON shows nothing"
+"$exe" cob --version >message 2>&1 && fail "sxml cob is there"
+grep -q '^sxml: cob: not available on Windows' message || { cat message; fail "sxml cob: another message"; }
+
+echo "== addresses"
+python3 "$here/fetch_test.py" "$linux/bin/sxml" "$exe"
+
 echo "== interrupts"
 python3 "$here/interrupt_test.py" "$SXML_WINE" "$SXML_EXE" "$examples/custfile.cpy"
+
+echo "== large files"
+size=$((4200 * 1024 * 1024))
+truncate -s "$size" large.dat
+tail -c 47 custfile.dat >>large.dat
+number=$((size / 47 + 1))
+"$exe" dump large.dat --layout "$examples/custfile.cpy" --skip "$((size % 47))" --from-record "$number" >dump
+grep "^Record $number, byte offset $size, 47 bytes" dump || { cat dump; fail "not the last record"; }
+grep -q 'A<B&C' dump || fail "not the bytes of the last record"
+rm large.dat
+python3 "$here/large_test.py" "$linux/bin/sxml" "$exe" "${SXML_WINDOWS_MEGABYTES:-100}"
+
+echo "== random layouts"
+mkdir random
+layouts=${SXML_WINDOWS_LAYOUTS:-50}
+"$SXML_WINE" "$windows/tests/random_layouts.exe" random "$layouts"
+python3 "$here/same_test.py" "$linux/bin/sxml" "$exe" layouts random 1 "$layouts"
+
+if [ -n "$w3c" ]; then
+    echo "== documents of the W3C"
+    "$linux/tests/compare_documents" "$w3c" linux.verdicts
+    "$SXML_WINE" "$windows/tests/compare_documents.exe" "$w3c" windows.verdicts
+    cmp linux.verdicts windows.verdicts
+else
+    echo "NOT RUN: documents of the W3C, which are not here"
+fi
 
 echo "== the command's tests, with sxml.exe"
 left_out=$(grep -v '^#' "$here/left_out.txt" | cut -d ' ' -f 1 | paste -sd :)
