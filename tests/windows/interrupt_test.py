@@ -27,6 +27,8 @@ def interrupted(words, folder, pattern):
     """Starts the command on a console, presses Ctrl-C when a file of this pattern is there; gives the exit status."""
     process, console = pty.fork()
     if process == 0:
+        if words[-1] == "-":
+            os.dup2(os.open("fifo", os.O_RDWR), 0)
         os.execv(WINE, [WINE, EXE, *words])
     console_output = threading.Thread(target=drain, args=(console,), daemon=True)
     console_output.start()
@@ -65,7 +67,7 @@ def main():
         before = sorted(folder.iterdir())
         for what, words, pattern in (
             ("writing", ["to-xml", "fifo", "n.xml", "--layout", COPYBOOK], ".n.xml.*"),
-            ("reading a pipe", ["tree", "fifo"], "tmp/.sxml-input*"),
+            ("reading standard input", ["tree", "-"], "tmp/.sxml-input*"),
             ("fetching", ["tree", address], "tmp/.sxml-input*"),
         ):
             status = interrupted(words, folder, pattern)
