@@ -6,7 +6,7 @@
 namespace platform {
 
 // Opens the null device for those of the three that are closed, so that no file that is opened
-// later takes their place. Result: false when that is impossible.
+// later takes their place. Reading or writing them fails. Result: false when that is impossible.
 bool open_missing_standard_streams();
 
 bool is_terminal(int descriptor);

@@ -106,7 +106,15 @@ TEST_F(FilesOfRunsTest, ClosedStreamsTakeNoFileInTheirPlace) {
         EXPECT_EQ(read_file("n.xml"), document) << closing;
         fs::remove("n.xml");
     }
-    EXPECT_EQ(shell("$sxml to-xml - n.xml -l c.cpy <&-").status, 0);
+    // Nothing can be read or written there, and that is told.
+    const std::string closed_input = shell("$sxml to-xml - n.xml -l c.cpy <&-").err;
+    EXPECT_EQ(closed_input, "sxml: standard input: Bad file descriptor\n");
+    for (const char* command :
+         {"to-xml r.dat -", "from-xml d.xml -", "check r.dat", "dump r.dat"}) {
+        const Outcome outcome = shell(std::string("$sxml ") + command + " -l c.cpy >&-");
+        EXPECT_EQ(outcome.status, 1) << command;
+        EXPECT_EQ(outcome.err, "sxml: standard output: Bad file descriptor\n") << command;
+    }
     EXPECT_EQ(shell("$sxml layout nothing.cpy 2>&-").status, 1);
 }
 

@@ -160,6 +160,26 @@ TEST_F(CommandTest, RecordsOfDocumentsAreRejected) {
     EXPECT_EQ(read_file("i.cpy"), COPYBOOK);
 }
 
+TEST_F(CommandTest, QuietRunsSayHowMuchThereWasToSay) {
+    write_file("i.cpy", COPYBOOK);
+    write_file("d.xml",
+               "<!DOCTYPE d [<!ENTITY code SYSTEM 'code.txt'>]>\n"
+               "<d><item><code_id>&code;</code_id><amount>12z</amount><x>1</x><tag>abc</tag></item>"
+               "<item><where><city>&code;</city></where><tag>a</tag></item></d>");
+    const Outcome outcome = sxml({"from-xml", "d.xml", "d.dat", "-l", "i.cpy", "--quiet"});
+    EXPECT_EQ(outcome.status, 0);
+    const std::string sum = "sxml: warning: d.xml: ";
+    EXPECT_EQ(outcome.err,
+              sum +
+                  "2 warnings about the input or the layout as a whole; without --quiet they are "
+                  "printed\n" +
+                  sum + "1 text of numeric fields that the fields cannot hold as they stand\n" +
+                  sum + "1 text cut to the length of the field\n" + sum +
+                  "1 text or attribute list went into no field\n" + sum + "x: 1 not used\n" +
+                  "sxml: note: d.xml: fields without an element in some records, which are blank "
+                  "there: amount (1)\n");
+}
+
 TEST_F(CommandTest, RecordsOfFilesAreRejected) {
     write_file("i.cpy", COPYBOOK);
     const std::string good = "AB  012Bonn  a b ";

@@ -143,15 +143,20 @@ void add_commands(CLI::App& application, std::string_view first) {
     }
 }
 
+// An empty value is a variable that the shell has not set, never a wish.
+std::string refuse_empty(const std::string& value) {
+    return value.empty() ? "the value is empty; is a variable of the shell not set?" : "";
+}
+
 // What all subcommands have in common. Those that hand their words on decide for themselves.
 void complete_command(CLI::App& command) {
     command.set_help_flag(HELP_FLAG, HELP_HELP);
     if (!command.get_prefix_command()) {
         command.set_version_flag(VERSION_FLAG, version_text, VERSION_HELP);
     }
-    for (CLI::Option* option :
-         command.get_options([](CLI::Option* one) { return one->get_required(); })) {
-        option->description(option->get_description() + " (required)");
+    for (CLI::Option* option : command.get_options({})) {
+        if (option->get_items_expected_max() > 0) option->check(refuse_empty);
+        if (option->get_required()) option->description(option->get_description() + " (required)");
     }
 }
 

@@ -59,7 +59,7 @@ struct Check {
     RunFiles& files;
     ReportOptions silence = silent_report();
     RunReport report = RunReport(silence, source.name());
-    RejectFile rejects = RejectFile(silence);
+    RejectFile rejects = RejectFile(silence, "");
 };
 
 std::vector<std::uint8_t> beginning_of(const DocumentSource& source, std::size_t size,

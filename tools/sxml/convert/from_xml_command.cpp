@@ -44,7 +44,7 @@ int convert(const FromXmlOptions& options, RecordDocument& source, RunFiles& fil
     report.allow_writing();
     source.prepare(description, report);
     AtomicOutput output(options.records);
-    RejectFile rejects(options.report);
+    RejectFile rejects(options.report, report.input_name());
     const RecordsWanted wanted{target.format.has_lengths(), options.document.min_record_length,
                                options.output.first, options.output.count};
     auto input = source.input();

@@ -133,7 +133,7 @@ int convert(const ToXmlOptions& options, const host::Module& module, RunFiles& f
                        description.asks_for_last()});
     AtomicOutput output(options.xml);
     SchemaBesideDocument schema(module, schema_choice, description, report);
-    RejectFile rejects(options.report);
+    RejectFile rejects(options.report, report.input_name());
     const auto fields = value_of(conversion::RecordFields::of(description.xfd()));
     check_lines(input.format(), characters, fields, report);
     convert_records({options.records, options.input, input, description, characters, output,

@@ -146,14 +146,13 @@ void add_split_command(CLI::App& application) {
         "split", "make several whole documents of one, and print their names");
     auto options = std::make_shared<SplitOptions>();
     add_document_argument(*command, "IN", options->in);
-    command
-        ->add_option("--parts", options->parts,
-                     "make N documents of about the same size; some may have no records")
-        ->option_text("N")
-        ->check(CLI::Range(std::uint64_t{1}, MOST_PARTS));
-    command->add_option("--records", options->records, "put N records into each document")
-        ->option_text("N")
-        ->check(CLI::PositiveNumber);
+    CLI::Option* const parts =
+        command->add_option("--parts", options->parts,
+                            "make N documents of about the same size; some may have no records");
+    limit_to_numbers(*parts->option_text("N"), 1, MOST_PARTS);
+    CLI::Option* const records =
+        command->add_option("--records", options->records, "put N records into each document");
+    limit_to_numbers(*records->option_text("N"), 1);
     command
         ->add_option("-o,--output", options->out,
                      "the parts are NAME-1.xml, NAME-2.xml ...; default: IN without .xml")

@@ -5,6 +5,7 @@
 
 #include "platform/processes.h"
 #include "tools/sxml/failure.h"
+#include "tools/sxml/options/options.h"
 
 namespace command {
 
@@ -16,12 +17,11 @@ constexpr std::uint64_t PARTS_FOR_EACH = 8;
 }  // namespace
 
 void add_jobs_option(CLI::App& command, std::optional<unsigned>& jobs) {
-    command
-        .add_option("--jobs", jobs,
-                    "how many processes share the work, with the same result (default: as many as "
-                    "there are processors for large files, 1 for others)")
-        ->option_text("N")
-        ->check(CLI::Range(1U, MOST_JOBS));
+    CLI::Option* const option = command.add_option(
+        "--jobs", jobs,
+        "how many processes share the work, with the same result (default: as many as "
+        "there are processors for large files, 1 for others)");
+    limit_to_numbers(*option->option_text("N"), 1, MOST_JOBS);
 }
 
 unsigned jobs_for(std::optional<unsigned> jobs, std::uint64_t size, std::uint64_t worthwhile) {

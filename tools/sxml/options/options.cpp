@@ -1,6 +1,7 @@
 #include "tools/sxml/options/options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <utility>
 
 #include "records/option_names.h"
@@ -157,6 +158,19 @@ void add_record_path_option(CLI::App& command, std::string& path) {
                     "the elements that are the records, by the names from the document element on: "
                     "orders/page/order (default: the document element's children)")
         ->option_text("PATH");
+}
+
+void limit_to_numbers(CLI::Option& option, std::uint64_t smallest, std::uint64_t largest) {
+    option.check([smallest, largest](const std::string& text) {
+        std::uint64_t number = 0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number);
+        if (error == std::errc() && stop == end && number >= smallest && number <= largest) {
+            return std::string();
+        }
+        return text + " is not a whole number from " + std::to_string(smallest) + " to " +
+               std::to_string(largest);
+    });
 }
 
 }  // namespace command

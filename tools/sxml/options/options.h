@@ -1,6 +1,8 @@
 // Options that several subcommands share.
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -8,7 +10,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 namespace command {
 
@@ -31,5 +34,10 @@ void add_document_argument(CLI::App& command, const char* name, std::string& doc
 
 // Adds --record, which says where in a document the records are.
 void add_record_path_option(CLI::App& command, std::string& path);
+
+// Lets an option take whole numbers from `smallest` to `largest` only.
+void limit_to_numbers(
+    CLI::Option& option, std::uint64_t smallest,
+    std::uint64_t largest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()));
 
 }  // namespace command

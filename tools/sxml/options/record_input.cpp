@@ -5,6 +5,7 @@
 
 #include "conversion/formats/format_detection.h"
 #include "tools/sxml/failure.h"
+#include "tools/sxml/options/options.h"
 
 namespace command {
 
@@ -53,14 +54,12 @@ void add_format_options(CLI::App& command, RecordFileOptions& options, const std
 }
 
 void add_range_options(CLI::App& command, RecordFileOptions& options) {
-    command
-        .add_option("--from-record", options.first,
-                    "the number of the first record to take (default: 1)")
-        ->check(CLI::PositiveNumber)
-        ->option_text("N");
-    command.add_option("--count", options.count, "how many records to take (default: all)")
-        ->check(CLI::PositiveNumber)
-        ->option_text("N");
+    CLI::Option* const first = command.add_option(
+        "--from-record", options.first, "the number of the first record to take (default: 1)");
+    limit_to_numbers(*first->option_text("N"), 1);
+    CLI::Option* const count =
+        command.add_option("--count", options.count, "how many records to take (default: all)");
+    limit_to_numbers(*count->option_text("N"), 1);
 }
 
 void add_record_options(CLI::App& command, RecordFileOptions& options) {
@@ -70,13 +69,12 @@ void add_record_options(CLI::App& command, RecordFileOptions& options) {
                     "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
                     "code page such as cp037 ...")
         ->option_text("NAME");
-    command
-        .add_option("--skip", options.skip, "bytes at the file's start that belong to no record")
-        ->option_text("BYTES");
-    command
-        .add_option("--skip-end", options.skip_end,
-                    "bytes at the file's end that belong to no record")
-        ->option_text("BYTES");
+    CLI::Option* const skip = command.add_option(
+        "--skip", options.skip, "bytes at the file's start that belong to no record");
+    limit_to_numbers(*skip->option_text("BYTES"), 0);
+    CLI::Option* const skip_end = command.add_option(
+        "--skip-end", options.skip_end, "bytes at the file's end that belong to no record");
+    limit_to_numbers(*skip_end->option_text("BYTES"), 0);
     add_range_options(command, options);
 }
 

@@ -1,6 +1,7 @@
 #include "tools/sxml/options/record_target.h"
 
 #include <CLI/CLI.hpp>
+#include <limits>
 #include <map>
 
 #include "tools/sxml/failure.h"
@@ -22,10 +23,10 @@ void add_document_options(CLI::App& command, DocumentOptions& options) {
     add_record_path_option(command, options.path);
     command.add_flag("--attributes", options.takes_attributes,
                      "read attributes as elements: `currency` of `price` as `price_currency`");
-    command
-        .add_option("--min-record-length", options.min_record_length,
-                    "the least length of records in formats with lengths (default: 0)")
-        ->option_text("BYTES");
+    CLI::Option* const least =
+        command.add_option("--min-record-length", options.min_record_length,
+                           "the least length of records in formats with lengths (default: 0)");
+    limit_to_numbers(*least->option_text("BYTES"), 0, std::numeric_limits<std::int32_t>::max());
     command
         .add_option_function<std::string>(
             "--buffer",

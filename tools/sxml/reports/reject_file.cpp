@@ -1,5 +1,7 @@
 #include "tools/sxml/reports/reject_file.h"
 
+#include <utility>
+
 #include "tools/sxml/failure.h"
 
 namespace command {
@@ -25,7 +27,8 @@ bool is_ascii(const std::string& text) {
 
 }  // namespace
 
-RejectFile::RejectFile(const ReportOptions& options) : most_(options.max_rejects) {
+RejectFile::RejectFile(const ReportOptions& options, std::string input)
+    : most_(options.max_rejects), input_(std::move(input)) {
     if (options.rejects.empty()) return;
     output_.emplace(options.rejects);
     sink_.emplace(output_->open());
@@ -33,7 +36,7 @@ RejectFile::RejectFile(const ReportOptions& options) : most_(options.max_rejects
 
 void RejectFile::count_one() {
     if (++count_ > most_) {
-        fail("more than " + std::to_string(most_) +
+        fail(input_ + ": more than " + std::to_string(most_) +
              " records cannot be converted; --max-rejects says how many may be rejected");
     }
 }

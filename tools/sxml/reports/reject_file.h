@@ -37,8 +37,8 @@ class Rejects {
 // A file of them, which takes the place of its target when the run is complete.
 class RejectFile : public Rejects {
   public:
-    // Opens the file, when the options name one.
-    explicit RejectFile(const ReportOptions& options);
+    // Opens the file, when the options name one. The input's name is for messages.
+    RejectFile(const ReportOptions& options, std::string input);
 
     bool is_wanted() const override { return output_.has_value(); }
     void add(std::span<const std::uint8_t> record, const conversion::RecordFormat& format) override;
@@ -61,6 +61,7 @@ class RejectFile : public Rejects {
     void finish();
 
     std::uint64_t most_;
+    std::string input_;
     std::optional<AtomicOutput> output_;
     std::optional<conversion::ByteSink> sink_;
     std::unique_ptr<conversion::RecordWriter> writer_;

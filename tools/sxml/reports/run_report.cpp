@@ -8,7 +8,7 @@
 #include "conversion/documents/unread_entities.h"
 #include "records/hexadecimal.h"
 #include "tools/sxml/failure.h"
-#include "tools/sxml/output/atomic_output.h"
+#include "tools/sxml/options/options.h"
 #include "tools/sxml/reports/field_value.h"
 
 namespace command {
@@ -51,14 +51,14 @@ Json place_of(const conversion::Problem& problem) {
 }  // namespace
 
 void add_report_options(CLI::App& command, ReportOptions& options) {
-    command
-        .add_option("--rejects", options.rejects,
-                    "write records that cannot be converted to this file and go on (exit status 3)")
-        ->option_text("FILE");
-    command
-        .add_option("--max-rejects", options.max_rejects,
-                    "give up when more records than this cannot be converted")
-        ->option_text("N");
+    CLI::Option* const rejects = command.add_option(
+        "--rejects", options.rejects,
+        "write records that cannot be converted to this file and go on (exit status 3)");
+    rejects->option_text("FILE");
+    CLI::Option* const most =
+        command.add_option("--max-rejects", options.max_rejects,
+                           "give up when more records than this cannot be converted");
+    limit_to_numbers(*most->option_text("N")->needs(rejects), 0);
     command.add_flag("--strict", options.is_strict, "fail where there would be a warning");
     command.add_flag("--quiet", options.is_quiet, "print no warnings, only how many there were");
     command.add_option("--report", options.report, "write counts and places to this file, as JSON")

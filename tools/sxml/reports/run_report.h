@@ -66,6 +66,8 @@ class RunReport {
     // Names a finding that was counted, unless warnings are not wanted.
     void name(Finding finding, const conversion::Problem& problem);
     bool is_strict() const { return options_.is_strict; }
+    // As messages name it.
+    const std::string& input_name() const { return name_; }
     // Warns of something that concerns the run as a whole; fails when that is asked for.
     void warn_of(const std::string& message);
     // Warns of what a document takes from outside of itself, which is never read. Throws Failure.
