@@ -46,6 +46,9 @@ install(DIRECTORY examples DESTINATION ${sxml_share})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
+# What examples/demo.sh and demo_cobol.sh need.
+add_custom_target(demo DEPENDS sxml_command sxml sxml_host sxml_cob)
+
 # All that is installed, for who does not need the tests.
 add_custom_target(product DEPENDS sxml_command sxml sxml_api ${sxml_linked_libraries})
 if(TARGET manual)

@@ -263,14 +263,14 @@ bool is_in(const Source& source, std::size_t program, std::size_t container) {
 
 // Statements end at a period or at the next of these.
 bool begins_statement(const std::string& word) {
-    static const std::set<std::string> VERBS = {
+    static const std::set<std::string> STATEMENTS = {
         "ACCEPT",     "ADD",     "CALL",   "CLOSE",    "COMPUTE",  "CONTINUE", "DELETE",
         "DISPLAY",    "DIVIDE",  "EXIT",   "EVALUATE", "GO",       "GOBACK",   "IF",
         "INITIALIZE", "INSPECT", "MERGE",  "MOVE",     "MULTIPLY", "OPEN",     "PERFORM",
         "READ",       "RELEASE", "RETURN", "REWRITE",  "SEARCH",   "SET",      "SORT",
         "START",      "STOP",    "STRING", "SUBTRACT", "UNSTRING", "WRITE",    "AT",
         "INVALID",    "NOT",     "ELSE",   "."};
-    return VERBS.contains(word) || word.starts_with("END-");
+    return STATEMENTS.contains(word) || word.starts_with("END-");
 }
 
 }  // namespace
