@@ -218,7 +218,7 @@ INSTANTIATE_TEST_SUITE_P(All, FromXmlTest, testing::ValuesIn(CASES), [](const au
 using OtherDocumentsTest = CommandTest;
 
 // The buffer is cleared, so that a record without its kind is not taken for one of the kind before;
-// and documents of one-row tables need exact match off.
+// and the only row of a table is its first, unless the user has chosen how tables are matched.
 TEST_F(OtherDocumentsTest, MissingKindsAndSingleRows) {
     write_file("kinds.cpy",
                "      *> sxml: when KIND OF HDR = \"H\"\n"
@@ -241,9 +241,10 @@ TEST_F(OtherDocumentsTest, MissingKindsAndSingleRows) {
         const char* lines;
     };
     const Case cases[] = {
-        {{}, "Hme\nD00120000\n\nD00070000\n"},
-        {{"--buffer", "spaces"}, "Hme\nD0012\n\nD0007\n"},
-        {{"--buffer", "keep"}, "Hme\nD0012\nD0007\nD0007\n"},
+        {{}, "Hme\nD00121200\n\nD00070000\n"},
+        {{"--buffer", "spaces"}, "Hme\nD001212\n\nD0007\n"},
+        {{"--buffer", "keep"}, "Hme\nD001212\nD000712\nD000712\n"},
+        {{"--set", "SXML_EXACT_TABLE_MATCH=yes"}, "Hme\nD00120000\n\nD00070000\n"},
         {{"--set", "SXML_EXACT_TABLE_MATCH=no"}, "Hme\nD00121220\n\nD00070000\n"},
     };
     for (const Case& c : cases) {
