@@ -13,8 +13,9 @@ constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
 
 class FixedRecordReader : public RecordReader {
   public:
-    FixedRecordReader(ByteSource& source, std::size_t record_length)
+    FixedRecordReader(ByteSource& source, std::size_t record_length, bool is_asked_for)
         : source_(source),
+          is_asked_for_(is_asked_for),
           record_length_(record_length),
           size_(record_length * std::max<std::size_t>(1, BUFFER_SIZE / record_length)),
           buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(size_)),
@@ -42,6 +43,7 @@ class FixedRecordReader : public RecordReader {
         if (count_ > 0) return {};
         looks_like_lines_ = filled_ > record_length_ &&
                             (buffer_[record_length_] == '\n' || buffer_[record_length_] == '\r');
+        if (is_asked_for_) return {};
         const FileStart start{{buffer_.get(), filled_}, filled_ < size_, record_length_};
         const std::optional<RecordFormat> other = format_with_lengths(start);
         if (!other) return {};
@@ -67,6 +69,7 @@ class FixedRecordReader : public RecordReader {
     }
 
     ByteSource& source_;
+    bool is_asked_for_;
     std::size_t record_length_;
     std::size_t size_;
     std::unique_ptr<std::uint8_t[]> buffer_;  // not cleared: a small file touches little of it
@@ -91,8 +94,9 @@ class FixedRecordWriter : public RecordWriter {
 
 }  // namespace
 
-std::unique_ptr<RecordReader> read_fixed_records(ByteSource& source, RecordArea area) {
-    return std::make_unique<FixedRecordReader>(source, area.length);
+std::unique_ptr<RecordReader> read_fixed_records(const RecordFormat& format, ByteSource& source,
+                                                 RecordArea area) {
+    return std::make_unique<FixedRecordReader>(source, area.length, format.is_asked_for);
 }
 
 std::unique_ptr<RecordWriter> write_fixed_records(ByteSink& sink) {

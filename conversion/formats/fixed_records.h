@@ -5,7 +5,8 @@
 
 namespace conversion {
 
-std::unique_ptr<RecordReader> read_fixed_records(ByteSource& source, RecordArea area);
+std::unique_ptr<RecordReader> read_fixed_records(const RecordFormat& format, ByteSource& source,
+                                                 RecordArea area);
 std::unique_ptr<RecordWriter> write_fixed_records(ByteSink& sink);
 
 }  // namespace conversion

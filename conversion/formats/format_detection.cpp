@@ -8,9 +8,14 @@ namespace {
 
 constexpr std::size_t LOOKED_AT = std::size_t{1} << 20;
 
+bool is_text(std::uint8_t byte) {
+    return byte >= ' ' || byte == '\t' || byte == '\f';
+}
+
 // What a file would be in a format.
 struct Chain {
     std::size_t records = 0;  // 0: it is not in the format
+    bool is_text = false;     // a header could be characters
     bool is_fixed = true;     // each with its header is as long as a record of the layout
 };
 
@@ -60,6 +65,7 @@ class ChainWalk {
         if (size > left() && start_.is_whole) return false;
         position_ += size;
         chain_.records += begins ? 1 : 0;
+        chain_.is_text = chain_.is_text || std::all_of(bytes, bytes + header_.size, is_text);
         chain_.is_fixed = chain_.is_fixed && !has_blocks_ && size == start_.record_length;
         return true;
     }
@@ -76,10 +82,6 @@ class ChainWalk {
 // Whether the start may be that of records of the layout's length.
 bool may_be_fixed(const FileStart& start) {
     return !start.is_whole || start.bytes.size() % start.record_length == 0;
-}
-
-bool is_text(std::uint8_t byte) {
-    return byte >= ' ' || byte == '\t' || byte == '\f';
 }
 
 // Lines of text, of which none is longer than a record of the layout.
@@ -111,8 +113,10 @@ std::optional<RecordFormat> format_with_lengths(const FileStart& start) {
         if (chain.records == 0) continue;
         if (!may_be_fixed(start)) return format;
         // What could be records of fixed length needs more to be taken for others: several headers,
-        // and many of those that have no zero bytes.
-        const std::size_t fewest = format.header.size > 2 ? 2 : 8;
+        // and of those that have no zero bytes many that are not characters.
+        const bool has_zeros = format.header.size > 2;
+        const std::size_t fewest = has_zeros ? 2 : 8;
+        if (!has_zeros && chain.is_text) continue;
         if (chain.records >= fewest && !chain.is_fixed) return format;
     }
     return std::nullopt;

@@ -57,7 +57,7 @@ const std::vector<RecordFormat>& RecordFormat::with_lengths() {
 
 Result<RecordFormat> RecordFormat::find(std::string_view name) {
     const std::string_view wanted = usual_name(name);
-    if (wanted == "fixed") return RecordFormat{};
+    if (wanted == "fixed") return RecordFormat{.is_asked_for = true};
     if (wanted == "line") return RecordFormat{"line", Kind::lines};
     const auto found = std::ranges::find(WITH_LENGTHS, wanted, &RecordFormat::name);
     if (found != WITH_LENGTHS.end()) return *found;
@@ -72,7 +72,7 @@ Result<RecordFormat> RecordFormat::find(std::string_view name) {
 
 std::unique_ptr<RecordReader> read_records(const RecordFormat& format, ByteSource& source,
                                            RecordArea area) {
-    auto reader = format.kind == Kind::fixed   ? read_fixed_records(source, area)
+    auto reader = format.kind == Kind::fixed   ? read_fixed_records(format, source, area)
                   : format.kind == Kind::lines ? read_line_records(source, area)
                                                : read_headed_records(format, source, area);
     return area.tells_last ? telling_last(std::move(reader), area.length) : std::move(reader);

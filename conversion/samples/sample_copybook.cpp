@@ -13,9 +13,10 @@ namespace conversion {
 namespace {
 
 constexpr int DEEPEST_LEVEL = 49;
-constexpr std::size_t MARGIN = 72;                          // the last column of a line
-constexpr std::size_t LONGEST_NAME = 52;                    // what a directive's line holds
-constexpr std::uint64_t MOST_FIELDS = 1'000'000;            // with every occurrence counted
+constexpr std::size_t MARGIN = 72;                // the last column of a line
+constexpr std::size_t LONGEST_NAME = 52;          // what a directive's line holds
+constexpr std::uint64_t MOST_FIELDS = 1'000'000;  // with every occurrence counted
+constexpr std::size_t MOST_KINDS = 256;           // of records, which a description can tell apart
 constexpr std::uint64_t MOST_BYTES = 256U * 1024U * 1024U;  // of a record
 
 bool is_letter(char c) {
@@ -89,6 +90,7 @@ class CopybookMaker {
     void note_tables(const ElementProfile& element);
     std::string path_to(const ElementProfile& element) const;
     Problem problem_of_size() const;
+    Problem problem_of_kinds(std::size_t count) const;
     void lose(const ElementProfile& element, Place place, std::string what, std::string remedy);
 
     void begin_text();
@@ -247,6 +249,8 @@ void CopybookMaker::say_no_record(const ElementProfile& kind) {
              "--attributes reads it as the element NAME_text");
     } else if (!kind.children.empty()) {
         lose(kind, {}, "cannot be read: nothing in it can be a field", "");
+    } else if (kind.attributes.line == 0) {
+        lose(kind, {}, "is always empty, and becomes a record without data", "");
     }
 }
 
@@ -415,12 +419,22 @@ Result<SampleCopybook> CopybookMaker::make() {
             "each child of the document element is taken for a record, and fields lie at "
             "most 13 elements deep in it; --record takes others"};
     }
+    if (all.size() > MOST_KINDS) return problem_of_kinds(all.size());
     begin_text();
     for (const ElementProfile* kind : all) add_kind(*kind, all.size() > 1);
     say_guesses();
     const bool is_small = largest_.bytes <= MOST_BYTES && largest_.fields <= MOST_FIELDS;
     if (is_small) return std::move(result_);
     return problem_of_size();
+}
+
+Problem CopybookMaker::problem_of_kinds(std::size_t count) const {
+    return {Cause::document,
+            {.file = wishes_.made_from},
+            "the document element has " + std::to_string(count) +
+                " kinds of elements that can be records; there may be " +
+                std::to_string(MOST_KINDS),
+            "each child of the document element is taken for a record; --record takes others"};
 }
 
 Problem CopybookMaker::problem_of_size() const {

@@ -13,7 +13,6 @@ struct Outcome {
     int status;  // exit status; 128 + n when ended by signal n
     std::string out;
     std::string err;
-    long kilobytes;  // of memory, at most
 };
 
 // Runs a program found on PATH. `input` is given to it as standard input. `output` names a file or

@@ -89,7 +89,7 @@ const std::string LISTS =
 
 // Names of several fields and groups, of which a record may lack the first.
 const std::string PLACES =
-    "<q><a><n>1</n><buyer><n>2</n></buyer><seller><n>3</n><a>4</a></seller></a>"
+    "<q><a><n>1</n><buyer><n>2</n></buyer><seller>\n <n>3</n>\n <seller>4</seller>\n</seller></a>"
     "<a><seller><n>5</n></seller></a><a><buyer><n>6</n></buyer></a><a><n>7</n><seller/></a></q>";
 
 // Names that COBOL keeps for itself, or cannot hold, or that become alike.
@@ -179,7 +179,15 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
     }
     std::string wide = "<a><r>";
     for (int i = 0; i < 40'000; ++i) wide += "<t>1</t>";
+    std::string kinds = "<a>";
+    for (int i = 0; i < 257; ++i)
+        kinds += "<k" + std::to_string(i) + "><v>1</v></k" + std::to_string(i) + ">";
     const std::vector<Loss> losses = {
+        {"kinds",
+         kinds + "</a>",
+         {},
+         1,
+         "257 kinds of elements that can be records; there may be 256"},
         {"attributes",
          "<a><r no='1'><b>x</b></r>\n<r no='2'><b>y</b></r></a>",
          {},
@@ -188,6 +196,7 @@ TEST_F(CommandTest, SaysWhatACopybookCannotRead) {
         {"mixed", "<a><r>\n<b>x<c>y</c></b></r></a>", {}, 0, "s.xml:2:13: r/b: the text beside"},
         {"text as record", "<a><r>x</r><s><t>y</t></s></a>", {}, 0, "r: cannot be read"},
         {"text beside records", "<a>x<r><b>1</b></r></a>", {}, 0, "s.xml:1:20: a: the text beside"},
+        {"empty records", "<a><r><b>1</b></r><e/></a>", {}, 0, "warning: e: is always empty"},
         {"name of a record",
          "<a><\xC3\xBC><b>x</b></\xC3\xBC></a>",
          {},

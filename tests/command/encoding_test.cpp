@@ -354,6 +354,46 @@ TEST_F(CommandTest, EbcdicRecordsAreOfAMainframe) {
     EXPECT_NE(large.err.find("field f1: not a number that fits"), std::string::npos) << large.err;
 }
 
+// Binary items in files of cobc's programs, compiled with each choice of sizes and byte order.
+TEST_F(CommandTest, BinaryItemsAreAsTheCompilerMakesThem) {
+    write_file("b.cpy",
+               "       01  R.\n           05  A PIC S9(2) COMP.\n           05  B PIC 9(7) COMP.\n"
+               "           05  C PIC S9(10) COMP.\n           05  D PIC S9(2) COMP-5.\n"
+               "           05  E PIC S9(5) COMP-5.\n");
+    write_file("b.cob",
+               "       IDENTIFICATION DIVISION.\n       PROGRAM-ID. B.\n"
+               "       ENVIRONMENT DIVISION.\n       INPUT-OUTPUT SECTION.\n"
+               "       FILE-CONTROL.\n           SELECT F ASSIGN TO \"b.dat\".\n"
+               "       DATA DIVISION.\n       FILE SECTION.\n       FD F.\n"
+               "       COPY \"b.cpy\".\n       PROCEDURE DIVISION.\n           OPEN OUTPUT F.\n"
+               "           MOVE -12 TO A. MOVE 1234567 TO B.\n"
+               "           MOVE -1234567890 TO C. MOVE -34 TO D. MOVE -12345 TO E.\n"
+               "           WRITE R.\n           CLOSE F.\n           STOP RUN.\n");
+    const std::vector<std::vector<std::string>> choices = {
+        {"-fbinary-size=1-2-4-8", "--binary-size", "1-2-4-8"},
+        {"-fbinary-size=1--8", "--binary-size", "1--8"},
+        {"-fbinary-size=2-4-8", "--binary-size", "2-4-8"},
+        {"-fbinary-byteorder=native", "--byte-order", "native"},
+        {"-fbinary-byteorder=big-endian", "--byte-order", "big-endian"}};
+    for (const auto& choice : choices) {
+        SCOPED_TRACE(choice[0]);
+        ASSERT_EQ(run({"cobc", "-x", "-w", choice[0], "b.cob", "-o", "b"}).status, 0);
+        ASSERT_EQ(run({"./b"}).status, 0);
+        const auto convert = [&](const std::string& way, const std::string& in,
+                                 const std::string& out) {
+            return sxml({way, in, out, "-l", "b.cpy", choice[1], choice[2]}).err;
+        };
+        EXPECT_EQ(convert("to-xml", "b.dat", "out.xml"), "");
+        EXPECT_NE(read_file("out.xml").find("  <a>-12</a>\r\n  <b>1234567</b>\r\n"
+                                            "  <c>-1234567890</c>\r\n  <d>-34</d>\r\n"
+                                            "  <e>-12345</e>\r\n"),
+                  std::string::npos)
+            << read_file("out.xml");
+        EXPECT_EQ(convert("from-xml", "out.xml", "back.dat"), "");
+        EXPECT_EQ(read_file("back.dat"), read_file("b.dat"));
+    }
+}
+
 TEST_F(CommandTest, EbcdicLayoutsAreToldApart) {
     write_file("k.cpy",
                "      *> sxml: when IS-TEXT\n"

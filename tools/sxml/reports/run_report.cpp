@@ -9,6 +9,7 @@
 #include "records/hexadecimal.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
+#include "tools/sxml/output/atomic_output.h"
 #include "tools/sxml/reports/field_value.h"
 
 namespace command {

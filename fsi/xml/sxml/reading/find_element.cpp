@@ -94,6 +94,9 @@ bool ElementSearch::start(std::int32_t at) {
 
 bool ElementSearch::choose(std::int32_t at, std::uint32_t first) {
     number_elements(tree_);
+    // Which of several groups is meant, the element of the group tells.
+    const bool is_ambiguous = tree_.names.names[tree_.elements[first].name].is_ambiguous;
+    if (is_ambiguous && matches_by_place(tree_)) return false;
     const FittingElements fitting = count_fitting(first, steps[at].item);
     if (fitting.count != 1) return false;
     return finish(at, fitting.any, "Leaving, returning pTarget because count == 1");

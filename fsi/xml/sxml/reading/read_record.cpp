@@ -158,8 +158,12 @@ bool is_used(RecordTree& tree, std::uint32_t number) {
 bool has_unused_text(const RecordTree& tree, std::uint32_t number) {
     const RecordElement& element = tree.elements[number];
     if (element.has_other_text || element.is_moved) return element.has_other_text;
-    return element.has_text && (element.first_piece != 0 ||
-                                !is_blank(tree.text + element.text_start, element.text_length));
+    if (!element.has_text) return false;
+    if (!is_blank(tree.text + element.text_start, element.text_length)) return true;
+    for (std::uint32_t at = element.first_piece; at != 0; at = tree.pieces[at].next) {
+        if (!is_blank(tree.text + tree.pieces[at].start, tree.pieces[at].length)) return true;
+    }
+    return false;
 }
 
 // Tells the host of the record's elements when one of them holds something that went into no field.
