@@ -356,7 +356,7 @@ TEST_F(CommandTest, EbcdicRecordsAreOfAMainframe) {
 
 // Binary items in files of cobc's programs, compiled with each choice of sizes and byte order.
 TEST_F(CommandTest, BinaryItemsAreAsTheCompilerMakesThem) {
-    write_file("b.cpy",
+    write_file("items.cpy",
                "       01  R.\n           05  A PIC S9(2) COMP.\n           05  B PIC 9(7) COMP.\n"
                "           05  C PIC S9(10) COMP.\n           05  D PIC S9(2) COMP-5.\n"
                "           05  E PIC S9(5) COMP-5.\n");
@@ -365,7 +365,7 @@ TEST_F(CommandTest, BinaryItemsAreAsTheCompilerMakesThem) {
                "       ENVIRONMENT DIVISION.\n       INPUT-OUTPUT SECTION.\n"
                "       FILE-CONTROL.\n           SELECT F ASSIGN TO \"b.dat\".\n"
                "       DATA DIVISION.\n       FILE SECTION.\n       FD F.\n"
-               "       COPY \"b.cpy\".\n       PROCEDURE DIVISION.\n           OPEN OUTPUT F.\n"
+               "       COPY \"items.cpy\".\n       PROCEDURE DIVISION.\n           OPEN OUTPUT F.\n"
                "           MOVE -12 TO A. MOVE 1234567 TO B.\n"
                "           MOVE -1234567890 TO C. MOVE -34 TO D. MOVE -12345 TO E.\n"
                "           WRITE R.\n           CLOSE F.\n           STOP RUN.\n");
@@ -381,7 +381,7 @@ TEST_F(CommandTest, BinaryItemsAreAsTheCompilerMakesThem) {
         ASSERT_EQ(run({"./b"}).status, 0);
         const auto convert = [&](const std::string& way, const std::string& in,
                                  const std::string& out) {
-            return sxml({way, in, out, "-l", "b.cpy", choice[1], choice[2]}).err;
+            return sxml({way, in, out, "-l", "items.cpy", choice[1], choice[2]}).err;
         };
         EXPECT_EQ(convert("to-xml", "b.dat", "out.xml"), "");
         EXPECT_NE(read_file("out.xml").find("  <a>-12</a>\r\n  <b>1234567</b>\r\n"
