@@ -1,9 +1,7 @@
 # Flags that every target of this project is built with.
 add_library(sxml_flags INTERFACE)
-# Where several sources are compiled as one, the names of one would shadow those of another.
-set(shadow $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wshadow>)
 target_compile_options(sxml_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion ${shadow} $<$<BOOL:${SXML_WARNINGS_AS_ERRORS}>:-Werror>)
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow $<$<BOOL:${SXML_WARNINGS_AS_ERRORS}>:-Werror>)
 # GCC 12 sees overlapping copies in "literal" + std::string, where there are none.
 target_compile_options(sxml_flags INTERFACE
     $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-Wno-restrict>)
