@@ -103,7 +103,8 @@ Place place_of(const InputItems& input, std::uint32_t number, const XfdItem& ite
         const std::int32_t group = input.enclosing[index];
         const int outer = group < 0 ? 0 : input.items[group].dimensions();
         const XfdItem& at = input.items[index];
-        const std::uint32_t wanted = at.dimensions() > outer ? at.subscripts[outer] : 0;
+        const int subscript = at.dimensions() > outer ? at.subscripts[outer] : 0;
+        const auto wanted = static_cast<std::uint32_t>(subscript);
         is_entry = is_entry && (element.number != 0 ? element.number : wanted != 0) == wanted;
         const bool is_last = group < 0 || input.items[group].level <= 1;
         const bool is_in_record = element.parent <= RECORD_ELEMENT;
