@@ -52,13 +52,18 @@ void work_on_parts(const PartsRun& run, unsigned number, const NamelessFile& fil
     }
 }
 
-// The other process only learns that this one has ended.
+// What a worker says in the place of any message when it has no memory left: whether that matters,
+// and is told, is for the other process to say.
+constexpr const char* NO_MEMORY = "no memory";
+const Channel* other_process = nullptr;  // of a worker
+
 void work(const PartsRun& run, unsigned number, const NamelessFile& file, const Channel& parent) {
+    other_process = &parent;
+    report_exhausted_memory_by([] { other_process->send(NO_MEMORY); });
     try {
         work_on_parts(run, number, file, parent);
     } catch (const std::bad_alloc&) {
         report_exhausted_memory();
-        throw;
     }
 }
 
@@ -89,6 +94,7 @@ class Supervisor {
   private:
     std::string receive(unsigned worker) {
         std::optional<std::string> message = workers_.channel(worker).receive();
+        if (message == NO_MEMORY) throw std::bad_alloc();
         if (message) return *std::move(message);
         fail("a process that shared the work was ended by " + workers_.end_of(worker) +
              "; if it happens again, convert with --jobs 1");

@@ -14,6 +14,8 @@ namespace command {
 
 namespace {
 
+void (*tell_exhausted_memory)() = nullptr;
+
 bool is_out_of_memory(const std::exception_ptr& thrown) {
     try {
         if (thrown != nullptr) std::rethrow_exception(thrown);
@@ -57,9 +59,14 @@ void check_host() {
 }
 
 void report_exhausted_memory() {
+    if (tell_exhausted_memory != nullptr) return tell_exhausted_memory();
     say("sxml: ");
     say(host::memory_problem());
     say("\n");
+}
+
+void report_exhausted_memory_by(void (*tell)()) {
+    tell_exhausted_memory = tell;
 }
 
 }  // namespace command

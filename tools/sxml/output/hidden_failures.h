@@ -12,5 +12,7 @@ void check_host();
 
 // Takes no memory.
 void report_exhausted_memory();
+// From now on report_exhausted_memory() calls `tell`, in a process whose end another one tells.
+void report_exhausted_memory_by(void (*tell)());
 
 }  // namespace command
