@@ -9,6 +9,7 @@ namespace {
 
 constexpr const char* VALUE_DESCRIPTION = "XML Character data";
 
+// The result of whatever fails for want of memory.
 bool out_of_memory() {
     set_element_error(XMLERR_NO_MEMORY);
     return false;
@@ -86,7 +87,10 @@ std::int32_t xml_set_element_value(std::uint32_t element, const char* text, std:
         shorten_text(found->value, static_cast<std::uint32_t>(n));
         return 1;
     }
-    if (!replace_text(found->value, text, n, VALUE_DESCRIPTION)) return out_of_memory() ? 1 : 0;
+    if (!replace_text(found->value, text, n, VALUE_DESCRIPTION)) {
+        out_of_memory();
+        return 0;
+    }
     found->has_value = true;
     found->value_encoding = encoding;
     return 1;
