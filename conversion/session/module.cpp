@@ -67,7 +67,9 @@ host::Module load() {
     host::Module module = host::Module::load(
         "", {named("Q4ParseXFD", &Q4ParseXFD), named("Q4XFDFree", &Q4XFDFree),
              named("Q4TestCOBOLCond", &Q4TestCOBOLCond), named("Qconvert", &Qconvert)});
-    host_register_settings(SETTINGS, static_cast<int>(std::size(SETTINGS)), 0);
+    if (host_register_settings(SETTINGS, static_cast<int>(std::size(SETTINGS)), 0) == 0) {
+        throw std::bad_alloc();
+    }
     host::find_record_handlers(&handler_being_opened);
     return module;
 }

@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <new>
+#include <system_error>
 #include <utility>
 
 #include "gnucobol/signals.h"
@@ -47,6 +49,7 @@ std::string without_links(const std::string& name) {
     }
     const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
     const fs::path real = fs::canonical(folder, error);
+    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
     return error ? path.string() : (real / path.filename()).string();
 }
 

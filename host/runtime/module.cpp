@@ -8,6 +8,7 @@
 
 #include "host/errors.h"
 #include "host/runtime/library_files.h"
+#include "host/runtime/memory/memory_failure.h"
 #include "platform/environment.h"
 #include "platform/libraries.h"
 
@@ -84,6 +85,8 @@ Module Module::load(const std::string& path, const std::vector<NamedFunction>& f
     as_function<XmlInitEntry>(module.slot(SLOT_INIT))(nullptr, &version);
     hand_over(as_function<XmlSetHostFunctionEntry>(module.slot(SLOT_SET_HOST_FUNCTION)), functions);
     as_function<XmlRegisterSettingsEntry>(module.slot(SLOT_REGISTER_SETTINGS))();
+    // Settings that are not registered would have other values than those declared.
+    if (take_memory_failure()) throw std::bad_alloc();
     return module;
 }
 

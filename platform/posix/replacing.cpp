@@ -48,7 +48,9 @@ std::optional<Destination> follow_links(const std::string& name) {
     for (int links = 0; links < MOST_LINKS; ++links) {
         if (!fs::is_symlink(path, error)) return Destination{path, {}};
         // What these links show is no path that could be followed.
-        if (fs::canonical(folder_of(path), error) == descriptors) {
+        const fs::path folder = fs::canonical(folder_of(path), error);
+        if (error) break;
+        if (folder == descriptors) {
             return Destination{path, path.filename().string()};
         }
         if (is_trap(path)) {

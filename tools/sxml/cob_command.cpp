@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <new>
+#include <system_error>
 
 #include "host/runtime/library_files.h"
 #include "records/source/text/text_case.h"
@@ -27,6 +29,7 @@ std::string adapter_file(const char* name) {
     const std::string file = host::library_file(name);
     std::error_code error;
     const auto path = std::filesystem::canonical(file, error);
+    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
     if (error) {
         fail(file +
              " is not there; install sxml again, whole, on a machine that has GnuCOBOL "

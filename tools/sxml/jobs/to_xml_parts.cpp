@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <new>
 
 #include "conversion/documents/document_frame.h"
+#include "conversion/problem.h"
 #include "conversion/session/module.h"
 #include "conversion/session/output_document.h"
 #include "host/runtime/streams.h"
@@ -34,6 +36,13 @@ struct Surroundings {
     std::string end_tag;
 };
 
+// The process that converts all by itself finds the problem again, but for memory that was missing
+// once.
+std::nullopt_t left_to_one_process(const conversion::Problem& problem) {
+    if (problem.cause == conversion::Cause::no_memory) throw std::bad_alloc();
+    return std::nullopt;
+}
+
 // Makes a document without records. Nothing when it does not show what stands around records.
 std::optional<Surroundings> surroundings_of(const RecordsRun& run) {
     const std::optional<NamelessFile> file = NamelessFile::create();
@@ -41,9 +50,11 @@ std::optional<Surroundings> surroundings_of(const RecordsRun& run) {
     {
         const auto document = conversion::OutputDocument::open(
             run.description, run.characters, {file->name(), run.output.shown_name(), {}});
-        if (!document) return std::nullopt;  // whoever converts finds out why
+        if (!document) return left_to_one_process(document.problem());
     }
-    if (conversion::take_write_failure(file->name())) return std::nullopt;
+    if (const auto failure = conversion::take_write_failure(file->name())) {
+        return left_to_one_process(*failure);
+    }
     const auto whole = file->end(std::numeric_limits<std::size_t>::max());
     const std::size_t end_tag = whole ? whole->rfind("</") : std::string::npos;
     if (end_tag == std::string::npos) return std::nullopt;
