@@ -140,7 +140,8 @@ TEST_F(Hostile, EntitiesNestNoDeeperThanTheStack) {
     const auto in_any_order = [](int i) { return entity(2000 - i, reference(1999 - i)); };
     const auto hidden = [](int i) { return entity(i, reference(i - 1, "&#x26;")); };
     const auto split = [](int i) {
-        return entity(i, std::string(1024 - i % 9, '-') + reference(i - 1));
+        return entity(i,
+                      std::string(1024 - static_cast<std::size_t>(i % 9), '-') + reference(i - 1));
     };
     const auto in_a_default = [](int i) {
         return entity(i, reference(i - 1)) + (i % 1000 == 0 ? "<!ATTLIST a d" + std::to_string(i) +
