@@ -53,6 +53,7 @@ std::vector<Case> cases() {
         {"to_xml_in_streams", {"to-xml", "-", "-", "-l", "custfile.xfd"}, "(records)"},
         {"from_xml", {"from-xml", "custfile.xml", "out.dat", "-l", copybook}},
         {"layout", {"layout", "ledger.cpy"}},
+        {"layout_of_copied_parts", {"layout", "outer.cpy"}},
         {"dump", {"dump", "ebcdic.dat", "-l", copybook, "--encoding", "cp037"}},
         {"compile", {"compile", copybook, "-o", "out.xfd"}},
         {"dtd", {"dtd", copybook}},
@@ -88,6 +89,9 @@ class Faults : public CommandTest, public testing::WithParamInterface<Case> {
             write_file(name, read_file(SAMPLES + name));
         }
         write_file("list.xml", DOCUMENT);
+        // Named in another letter case, so that the folder is listed.
+        write_file("outer.cpy", "       01 ROW.\n           COPY inner.\n");
+        write_file("INNER.CPY", "           05 A PIC X(5).\n");
         write_file("settings",
                    "SXML_IGNORE_EMPTY_DATA = yes\nSXML_STYLESHEET_TYPE = text/css\n"
                    "SXML_STYLESHEET_HREF = style.css\n");

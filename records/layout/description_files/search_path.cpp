@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
+#include <system_error>
 
 #include "host/config.h"
 #include "platform/paths.h"
@@ -19,6 +21,17 @@ std::string folded(std::string text) {
     return text;
 }
 
+// True for folders of a search path that are not there, or not for this user.
+bool is_none(const std::error_code& error) {
+    return !error || error == std::errc::no_such_file_or_directory ||
+           error == std::errc::not_a_directory || error == std::errc::permission_denied;
+}
+
+[[noreturn]] void fail(const fs::path& folder, const std::error_code& error) {
+    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+    throw fs::filesystem_error("folder cannot be read", folder, error);
+}
+
 // A folder's file of this name: exactly, or else in any letter case.
 std::string file_in(const fs::path& folder, const std::string& name) {
     std::error_code error;
@@ -33,6 +46,7 @@ std::string file_in(const fs::path& folder, const std::string& name) {
         if (folded(candidate) != wanted || !at->is_regular_file(ignored)) continue;
         if (best.empty() || candidate < best) best = candidate;
     }
+    if (!is_none(error)) fail(place, error);
     return best.empty() ? best : platform::name_of(folder / platform::path_of(best));
 }
 

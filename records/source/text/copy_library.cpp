@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -64,6 +65,17 @@ std::string folder_of(const std::string& path) {
 CopyLibrary::CopyLibrary(std::vector<std::string> folders, int tab_width)
     : folders_(std::move(folders)), tab_width_(tab_width) {}
 
+// A folder that is not there is none that had to be read.
+void CopyLibrary::note_unread(const std::string& folder, std::error_code error) {
+    if (!error || error == std::errc::no_such_file_or_directory ||
+        error == std::errc::not_a_directory) {
+        return;
+    }
+    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+    unread_folders_ +=
+        "; '" + (folder.empty() ? "." : folder) + "' cannot be read: " + error.message();
+}
+
 const CopyLibrary::Listing& CopyLibrary::list(const std::string& folder) {
     const auto [entry, is_new] = listings_.try_emplace(folder);
     if (!is_new) return entry->second;
@@ -73,6 +85,7 @@ const CopyLibrary::Listing& CopyLibrary::list(const std::string& folder) {
     for (; !error && files != fs::directory_iterator(); files.increment(error)) {
         names.push_back(platform::name_of(files->path().filename()));
     }
+    note_unread(folder, error);
     // Of names that differ in case only, the first in byte order is taken.
     std::sort(names.begin(), names.end());
     for (std::string& name : names) entry->second.try_emplace(to_lower(name), std::move(name));

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <tuple>
 #include <unordered_map>
 #include <vector>
@@ -34,10 +35,14 @@ class CopyLibrary {
 
     const std::vector<std::string>& folders() const { return folders_; }
 
+    // The folders that could not be looked into, each after "; " and with the reason.
+    const std::string& unread_folders() const { return unread_folders_; }
+
   private:
     // File and folder names of a folder by their lower-case form.
     using Listing = std::unordered_map<std::string, std::string>;
     const Listing& list(const std::string& folder);
+    void note_unread(const std::string& folder, std::error_code error);
     std::optional<std::string> find_entry(const std::string& folder, const std::string& name,
                                           bool want_folder);
     std::optional<std::string> look_up(const std::string& name, const std::string& library,
@@ -46,6 +51,7 @@ class CopyLibrary {
 
     std::vector<std::string> folders_;
     int tab_width_;
+    std::string unread_folders_;
     std::map<std::string, Listing> listings_;
     std::map<std::tuple<std::string, std::string, std::string>, std::optional<std::string>> found_;
     std::map<std::string, std::shared_ptr<const SourceFile>> files_;

@@ -227,7 +227,7 @@ void TextManipulator::include(const std::string& name, const std::string& librar
     if (!path) {
         break_at(statement,
                  "copybook '" + name + "' was not found; looked in " +
-                     searched_folders(folder, library_.folders()),
+                     searched_folders(folder, library_.folders()) + library_.unread_folders(),
                  out);
         return;
     }
