@@ -33,9 +33,9 @@ bool Key::is_object_of(std::initializer_list<const char*> known) const {
         return false;
     }
     for (const auto& [key, ignored] : value_->items()) {
-        const bool is_known =
-            std::any_of(known.begin(), known.end(),
-                        [&key = key](const char* name) { return std::string_view(name) == key; });
+        const bool is_known = std::any_of(
+            known.begin(), known.end(),
+            [&wanted = key](const char* name) { return std::string_view(name) == wanted; });
         if (is_known) continue;
         error("has an unknown key " + Value(key.substr(0, MAX_SHOWN_KEY))
                                           .dump(-1, ' ', true, Value::error_handler_t::replace));
