@@ -101,7 +101,7 @@ const std::vector<UsageCase> CASES = {
     {"empty_option",
      to_xml({"--report", ""}),
      2,
-     {"sxml: to-xml: --report: the value is empty; is a variable of the shell not set?"}},
+     {"sxml: to-xml: --report: the value is empty (a variable of the shell that is not set?); `"}},
     {"empty_file",
      {"to-xml", "words", "", "--layout", "line.cpy"},
      2,

@@ -1,6 +1,5 @@
 // sxml cob: compiles COBOL programs whose files may be documents.
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -128,11 +127,11 @@ void compile_code(const std::vector<std::string>& given) {
 
 }  // namespace
 
-void add_cob_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand(
+void add_cob_command(Command application) {
+    const Command command = application.add_subcommand(
         "cob", "compile a COBOL program whose files may be XML documents");
-    command->prefix_command();
-    command->footer(
+    command.hand_words_on();
+    command.footer(
         "Calls GnuCOBOL's cobc with what is given, and binds in the record layouts of the "
         "program's\n"
         "files. Makes a program that can be run (-x) unless told otherwise.\n\n"
@@ -144,18 +143,18 @@ void add_cob_command(CLI::App& application) {
         "  sxml cob report.cbl -I copybooks -o bin/report\n"
         "  make COBC=\"sxml cob\"\n"
         "  COB_CC=\"sxml cob-cc\" cobc -x report.cbl");
-    command->callback([command] { compile(command->remaining()); });
+    command.run([command] { compile(command.words()); });
 }
 
-void add_cob_cc_command(CLI::App& application) {
-    CLI::App* compiler = application.add_subcommand(
+void add_cob_cc_command(Command application) {
+    const Command compiler = application.add_subcommand(
         "cob-cc", "stand in for the C compiler that cobc calls: COB_CC=\"sxml cob-cc\"");
-    compiler->prefix_command();
-    compiler->footer(
+    compiler.hand_words_on();
+    compiler.footer(
         "Calls the C compiler named by SXML_CC (default: gcc) as `sxml cob` has cobc do it.\n\n"
         "Example:\n"
         "  COB_CC=\"sxml cob-cc\" cobc -x report.cbl");
-    compiler->callback([compiler] { compile_code(compiler->remaining()); });
+    compiler.run([compiler] { compile_code(compiler.words()); });
 }
 
 }  // namespace command

@@ -119,7 +119,7 @@ void add_help_command(CLI::App& application) {
 
 struct Subcommand {
     std::string_view name;
-    void (*add)(CLI::App& application);
+    void (*add)(Command application);
 };
 constexpr Subcommand SUBCOMMANDS[] = {
     {"to-xml", add_to_xml_command},     {"from-xml", add_from_xml_command},
@@ -129,23 +129,23 @@ constexpr Subcommand SUBCOMMANDS[] = {
     {"cob-cc", add_cob_cc_command},     {"rewrite", add_rewrite_command},
     {"tree", add_tree_command},         {"split", add_split_command},
     {"join", add_join_command},         {"check", add_check_command},
-    {"copybook", add_copybook_command}, {"help", add_help_command},
+    {"copybook", add_copybook_command},
 };
 
 // Adds the subcommand that the first word names, or else all: what is not asked for would take a
 // third of the time of a start.
 void add_commands(CLI::App& application, std::string_view first) {
-    const bool is_named =
-        first != "help" && std::any_of(std::begin(SUBCOMMANDS), std::end(SUBCOMMANDS),
-                                       [&](const Subcommand& one) { return one.name == first; });
+    const bool is_named = std::any_of(std::begin(SUBCOMMANDS), std::end(SUBCOMMANDS),
+                                      [&](const Subcommand& one) { return one.name == first; });
     for (const Subcommand& one : SUBCOMMANDS) {
-        if (!is_named || one.name == first) one.add(application);
+        if (!is_named || one.name == first) one.add(Command(&application));
     }
+    if (!is_named) add_help_command(application);
 }
 
 // An empty value is a variable that the shell has not set, never a wish.
 std::string refuse_empty(const std::string& value) {
-    return value.empty() ? "the value is empty; is a variable of the shell not set?" : "";
+    return value.empty() ? "the value is empty (a variable of the shell that is not set?)" : "";
 }
 
 // What all subcommands have in common. Those that hand their words on decide for themselves.

@@ -1,7 +1,6 @@
 // sxml check: converts a file without writing anything, and tells what it holds and what would be
 // lost.
 
-#include <CLI/CLI.hpp>
 #include <cctype>
 #include <memory>
 #include <optional>
@@ -214,32 +213,29 @@ void check_file(const CheckOptions& options) {
 
 }  // namespace
 
-void add_check_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand(
+void add_check_command(Command application) {
+    const Command command = application.add_subcommand(
         "check", "convert a file without writing anything, and tell what would be lost");
     auto options = std::make_shared<CheckOptions>();
+    command.add_argument(
+        "FILE", options->file,
+        "a record file or a document: a file, a web address, - for standard input");
+    add_layout_options(command, options->layout, LayoutArgument::option);
     command
-        ->add_option("FILE", options->file,
-                     "a record file or a document: a file, a web address, - for standard input")
-        ->required()
-        ->option_text(" ");
-    add_layout_options(*command, options->layout, LayoutArgument::option);
-    command
-        ->add_option("--as", options->kind,
-                     "what FILE is: records or xml (default: told by its content)")
-        ->check(CLI::IsMember({"records", "xml"}))
-        ->option_text("records|xml");
-    add_record_options(*command, options->input);
-    add_document_options(*command, options->document);
-    add_controls_option(*command, options->input.controls,
+        .add_option("--as", options->kind,
+                    "what FILE is: records or xml (default: told by its content)")
+        .one_of({"records", "xml"});
+    add_record_options(command, options->input);
+    add_document_options(command, options->document);
+    add_controls_option(command, options->input.controls,
                         "what to-xml is to do with control characters, as its option");
-    command->add_flag("--json", options->is_json, "print the report as JSON");
-    command->footer(
+    command.add_flag("--json", options->is_json, "print the report as JSON");
+    command.footer(
         "Exit status 0 says that a conversion would lose nothing, 1 that it would.\n"
         "Example:\n"
         "  sxml check orders.dat --layout orders.cpy\n"
         "  sxml check orders.xml --layout orders.cpy --json");
-    command->callback([options] { check_file(*options); });
+    command.run([options] { check_file(*options); });
 }
 
 }  // namespace command

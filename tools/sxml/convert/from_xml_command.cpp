@@ -1,6 +1,5 @@
 // sxml from-xml: turns an XML document into a record file.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 
@@ -70,34 +69,32 @@ void convert_from_xml(const FromXmlOptions& options) {
 
 }  // namespace
 
-void add_from_xml_command(CLI::App& application) {
-    CLI::App* command =
+void add_from_xml_command(Command application) {
+    const Command command =
         application.add_subcommand("from-xml", "turn an XML document into a record file");
     auto options = std::make_shared<FromXmlOptions>();
-    add_document_argument(*command, "XML", options->xml);
+    add_document_argument(command, "XML", options->xml);
+    command.add_argument("RECORDS", options->records,
+                         "the record file to write, - for standard output");
+    add_layout_options(command, options->layout, LayoutArgument::option);
+    add_format_options(command, options->output, "how records are told apart");
+    add_range_options(command, options->output);
     command
-        ->add_option("RECORDS", options->records, "the record file to write, - for standard output")
-        ->required()
-        ->option_text(" ");
-    add_layout_options(*command, options->layout, LayoutArgument::option);
-    add_format_options(*command, options->output, "how records are told apart");
-    add_range_options(*command, options->output);
-    command
-        ->add_option("--encoding", options->output.encoding,
-                     "character set of the records' text: utf-8, iso-8859-1, an EBCDIC code page "
-                     "such as cp037 ... (default: as the document)")
-        ->option_text("NAME");
-    add_document_options(*command, options->document);
-    add_jobs_option(*command, options->jobs);
-    add_controls_option(*command, options->output.controls,
+        .add_option("--encoding", options->output.encoding,
+                    "character set of the records' text: utf-8, iso-8859-1, an EBCDIC code page "
+                    "such as cp037 ... (default: as the document)")
+        .value("NAME");
+    add_document_options(command, options->document);
+    add_jobs_option(command, options->jobs);
+    add_controls_option(command, options->output.controls,
                         "hex: text fields come from the hexadecimal digits that to-xml "
                         "--controls hex writes; otherwise of no effect");
-    add_report_options(*command, options->report);
-    command->footer(
+    add_report_options(command, options->report);
+    command.footer(
         "Example:\n"
         "  sxml from-xml orders.xml orders.dat --layout orders.cpy\n"
         "  sxml from-xml - - --layout orders.cpy --encoding cp037 < orders.xml > orders.ebc");
-    command->callback([options] { convert_from_xml(*options); });
+    command.run([options] { convert_from_xml(*options); });
 }
 
 }  // namespace command

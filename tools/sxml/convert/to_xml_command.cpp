@@ -1,6 +1,5 @@
 // sxml to-xml: turns a record file into an XML document.
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cctype>
 #include <cstdio>
@@ -157,35 +156,31 @@ void convert_to_xml(const ToXmlOptions& options) {
 
 }  // namespace
 
-void add_to_xml_command(CLI::App& application) {
-    CLI::App* command =
+void add_to_xml_command(Command application) {
+    const Command command =
         application.add_subcommand("to-xml", "turn a record file into an XML document");
     auto options = std::make_shared<ToXmlOptions>();
-    command->add_option("RECORDS", options->records, "the record file, - for standard input")
-        ->required()
-        ->option_text(" ");
-    command->add_option("XML", options->xml, "the document to write, - for standard output")
-        ->required()
-        ->option_text(" ");
-    add_layout_options(*command, options->layout, LayoutArgument::option);
-    add_record_options(*command, options->input);
+    command.add_argument("RECORDS", options->records, "the record file, - for standard input");
+    command.add_argument("XML", options->xml, "the document to write, - for standard output");
+    add_layout_options(command, options->layout, LayoutArgument::option);
+    add_record_options(command, options->input);
     add_controls_option(
-        *command, options->input.controls,
+        command, options->input.controls,
         "control characters in texts, which XML does not allow: refuse (default), replace "
         "by U+FFFD, drop, or hex: the field as hexadecimal digits");
     command
-        ->add_option(
+        .add_option(
             "--schema", options->schema,
             "write the XML Schema to this file and name it in the document, which then has no DTD")
-        ->option_text("FILE");
-    add_jobs_option(*command, options->jobs);
-    add_report_options(*command, options->report);
-    command->footer(
+        .value("FILE");
+    add_jobs_option(command, options->jobs);
+    add_report_options(command, options->report);
+    command.footer(
         "Example:\n"
         "  sxml to-xml orders.dat orders.xml --layout orders.cpy\n"
         "  sxml to-xml orders.dat orders.xml --layout orders.cpy --schema orders.xsd\n"
         "  sxml to-xml - - --layout orders.cpy --encoding cp037 < orders.ebc > orders.xml");
-    command->callback([options] { convert_to_xml(*options); });
+    command.run([options] { convert_to_xml(*options); });
 }
 
 }  // namespace command

@@ -1,6 +1,5 @@
 // sxml copybook: makes a copybook that reads documents, from samples of them or their schema.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
@@ -176,36 +175,36 @@ void make_copybook(CopybookOptions& options) {
 
 }  // namespace
 
-void add_copybook_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand(
+void add_copybook_command(Command application) {
+    const Command command = application.add_subcommand(
         "copybook", "make a copybook that reads documents, from samples of them or their schema");
     auto options = std::make_shared<CopybookOptions>();
     command
-        ->add_option(
+        .add_option(
             "IN", options->inputs,
             "sample documents, XML Schemas and a DTD: files, web addresses, - for standard input")
-        ->required()
-        ->option_text("...");
-    command->add_option("-o,--output", options->output, "the copybook (default: standard output)")
-        ->option_text("NAME.cpy");
+        .required()
+        .value("...");
+    command.add_option("-o,--output", options->output, "the copybook (default: standard output)")
+        .value("NAME.cpy");
     command
-        ->add_option("--grow", options->grow,
-                     "how much longer than seen texts, numbers and tables may be (default: 20%)")
-        ->option_text("PERCENT");
-    command->add_flag("--packed", options->wishes.is_packed, "make numbers COMP-3");
-    command->add_flag("--exact", options->wishes.fields.is_exact,
-                      "make texts of numbers that to-xml would write in another way than they are");
-    command->add_flag("--sampled", options->is_of_samples,
-                      "leave out what a schema or DTD allows and no sample has");
-    command->add_flag("--attributes", options->takes_attributes,
-                      "take attributes as elements ELEMENT_ATTRIBUTE; give it to from-xml, too");
-    add_record_path_option(*command, options->path);
-    command->footer(
+        .add_option("--grow", options->grow,
+                    "how much longer than seen texts, numbers and tables may be (default: 20%)")
+        .value("PERCENT");
+    command.add_flag("--packed", options->wishes.is_packed, "make numbers COMP-3");
+    command.add_flag("--exact", options->wishes.fields.is_exact,
+                     "make texts of numbers that to-xml would write in another way than they are");
+    command.add_flag("--sampled", options->is_of_samples,
+                     "leave out what a schema or DTD allows and no sample has");
+    command.add_flag("--attributes", options->takes_attributes,
+                     "take attributes as elements ELEMENT_ATTRIBUTE; give it to from-xml, too");
+    add_record_path_option(command, options->path);
+    command.footer(
         "Example:\n"
         "  sxml copybook orders1.xml orders2.xml -o orders.cpy\n"
         "  sxml copybook orders.xsd orders1.xml -o orders.cpy\n"
         "  sxml from-xml orders1.xml orders.dat --layout orders.cpy");
-    command->callback([options] { make_copybook(*options); });
+    command.run([options] { make_copybook(*options); });
 }
 
 }  // namespace command

@@ -1,6 +1,5 @@
 // sxml dtd: prints the declarations of the documents that a layout gives.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "tools/sxml/commands.h"
@@ -62,17 +61,17 @@ void print_dtd(const DtdOptions& options) {
 
 }  // namespace
 
-void add_dtd_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand(
+void add_dtd_command(Command application) {
+    const Command command = application.add_subcommand(
         "dtd", "print the DTD of a layout's documents, as a file of declarations");
     auto options = std::make_shared<DtdOptions>();
-    add_layout_options(*command, options->layout, LayoutArgument::positional);
-    command->add_flag("--doctype", options->doctype,
-                      "print the whole document type declaration, <!DOCTYPE and all");
-    command->footer(
+    add_layout_options(command, options->layout, LayoutArgument::positional);
+    command.add_flag("--doctype", options->doctype,
+                     "print the whole document type declaration, <!DOCTYPE and all");
+    command.footer(
         "Example:\n  sxml dtd orders.cpy > orders.dtd\n"
         "  xmllint --noout --dtdvalid orders.dtd orders.xml");
-    command->callback([options] { print_dtd(*options); });
+    command.run([options] { print_dtd(*options); });
 }
 
 }  // namespace command

@@ -1,6 +1,5 @@
 // sxml join: makes one document of several of the same description.
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <memory>
@@ -137,18 +136,18 @@ void join(const JoinOptions& options) {
 
 }  // namespace
 
-void add_join_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand(
+void add_join_command(Command application) {
+    const Command command = application.add_subcommand(
         "join", "make one document of several of the same description, in the order given");
     auto options = std::make_shared<JoinOptions>();
-    command->add_option("PART", options->parts, "the documents: files or web addresses")
-        ->required()
-        ->option_text("...");
-    command->add_option("-o,--output", options->out, "the document to write, - for standard output")
-        ->required()
-        ->option_text("FILE");
-    command->footer("Example:\n  sxml join orders-*.xml --output orders.xml");
-    command->callback([options] { join(*options); });
+    command.add_option("PART", options->parts, "the documents: files or web addresses")
+        .required()
+        .value("...");
+    command.add_option("-o,--output", options->out, "the document to write, - for standard output")
+        .required()
+        .value("FILE");
+    command.footer("Example:\n  sxml join orders-*.xml --output orders.xml");
+    command.run([options] { join(*options); });
 }
 
 }  // namespace command

@@ -1,6 +1,5 @@
 // sxml rewrite: reads a document and writes it in the module's own form.
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <filesystem>
 #include <memory>
@@ -125,18 +124,16 @@ void rewrite(const RewriteOptions& options) {
 
 }  // namespace
 
-void add_rewrite_command(CLI::App& application) {
-    CLI::App* command =
+void add_rewrite_command(Command application) {
+    const Command command =
         application.add_subcommand("rewrite", "read a document and write it in sxml's own form");
     auto options = std::make_shared<RewriteOptions>();
-    add_document_argument(*command, "IN", options->in);
-    command->add_option("OUT", options->out, "the document to write, - for standard output")
-        ->required()
-        ->option_text(" ");
-    command->footer(
+    add_document_argument(command, "IN", options->in);
+    command.add_argument("OUT", options->out, "the document to write, - for standard output");
+    command.footer(
         "Example:\n  sxml rewrite orders.xml tidy.xml\n"
         "  sxml rewrite http://localhost/orders.xml - | less");
-    command->callback([options] { rewrite(*options); });
+    command.run([options] { rewrite(*options); });
 }
 
 }  // namespace command

@@ -1,6 +1,5 @@
 // sxml split: makes several documents of one, each of them whole.
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -141,26 +140,23 @@ void split(SplitOptions options) {
 
 }  // namespace
 
-void add_split_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand(
+void add_split_command(Command application) {
+    const Command command = application.add_subcommand(
         "split", "make several whole documents of one, and print their names");
     auto options = std::make_shared<SplitOptions>();
-    add_document_argument(*command, "IN", options->in);
-    CLI::Option* const parts =
-        command->add_option("--parts", options->parts,
-                            "make N documents of about the same size; some may have no records");
-    limit_to_numbers(*parts->option_text("N"), 1, MOST_PARTS);
-    CLI::Option* const records =
-        command->add_option("--records", options->records, "put N records into each document");
-    limit_to_numbers(*records->option_text("N"), 1);
+    add_document_argument(command, "IN", options->in);
+    command.add_number("--parts", options->parts, {.smallest = 1, .largest = MOST_PARTS},
+                       "make N documents of about the same size; some may have no records");
+    command.add_number("--records", options->records, {.smallest = 1},
+                       "put N records into each document");
     command
-        ->add_option("-o,--output", options->out,
-                     "the parts are NAME-1.xml, NAME-2.xml ...; default: IN without .xml")
-        ->option_text("NAME");
-    command->footer(
+        .add_option("-o,--output", options->out,
+                    "the parts are NAME-1.xml, NAME-2.xml ...; default: IN without .xml")
+        .value("NAME");
+    command.footer(
         "Example:\n  sxml split orders.xml --parts 4\n"
         "  sxml split orders.xml --records 100000 --output /tmp/orders");
-    command->callback([options] { split(*options); });
+    command.run([options] { split(*options); });
 }
 
 }  // namespace command

@@ -1,6 +1,5 @@
 // sxml tree: shows what a document holds.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "tools/sxml/commands.h"
@@ -39,14 +38,14 @@ void print_tree(const TreeOptions& options) {
 
 }  // namespace
 
-void add_tree_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand(
+void add_tree_command(Command application) {
+    const Command command = application.add_subcommand(
         "tree", "show a document's elements, a line for each, with their occurrence numbers");
     auto options = std::make_shared<TreeOptions>();
-    add_document_argument(*command, "IN", options->in);
-    command->add_flag("--full", options->full, "do not shorten long values and attributes");
-    command->footer("Example:\n  sxml tree orders.xml | less");
-    command->callback([options] { print_tree(*options); });
+    add_document_argument(command, "IN", options->in);
+    command.add_flag("--full", options->full, "do not shorten long values and attributes");
+    command.footer("Example:\n  sxml tree orders.xml | less");
+    command.run([options] { print_tree(*options); });
 }
 
 }  // namespace command

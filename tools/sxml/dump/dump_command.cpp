@@ -1,6 +1,5 @@
 // sxml dump: shows records field by field, as they lie in the file.
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <limits>
 #include <memory>
@@ -81,23 +80,21 @@ void dump_records(DumpOptions& options) {
 
 }  // namespace
 
-void add_dump_command(CLI::App& application) {
-    CLI::App* command =
+void add_dump_command(Command application) {
+    const Command command =
         application.add_subcommand("dump", "show records field by field, with their bytes");
     auto options = std::make_shared<DumpOptions>();
-    command->add_option("RECORDS", options->records, "the record file, - for standard input")
-        ->required()
-        ->option_text(" ");
-    add_layout_options(*command, options->layout, LayoutArgument::option);
-    add_record_options(*command, options->input);
+    command.add_argument("RECORDS", options->records, "the record file, - for standard input");
+    add_layout_options(command, options->layout, LayoutArgument::option);
+    add_record_options(command, options->input);
     command
-        ->add_option("--record", options->wanted,
-                     "the records to show: a number, or a range such as 7-9 or 7- (default: all)")
-        ->excludes("--from-record")
-        ->excludes("--count")
-        ->option_text("N[-M]");
-    command->footer("Example:\n  sxml dump orders.dat --layout orders.cpy --record 1201");
-    command->callback([options] { dump_records(*options); });
+        .add_option("--record", options->wanted,
+                    "the records to show: a number, or a range such as 7-9 or 7- (default: all)")
+        .excludes("--from-record")
+        .excludes("--count")
+        .value("N[-M]");
+    command.footer("Example:\n  sxml dump orders.dat --layout orders.cpy --record 1201");
+    command.run([options] { dump_records(*options); });
 }
 
 }  // namespace command

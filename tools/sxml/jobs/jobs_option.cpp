@@ -1,9 +1,9 @@
 #include "tools/sxml/jobs/jobs_option.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 #include "platform/processes.h"
+#include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
 
@@ -16,12 +16,12 @@ constexpr std::uint64_t PARTS_FOR_EACH = 8;
 
 }  // namespace
 
-void add_jobs_option(CLI::App& command, std::optional<unsigned>& jobs) {
-    CLI::Option* const option = command.add_option(
-        "--jobs", jobs,
+void add_jobs_option(Command command, std::optional<unsigned>& jobs) {
+    command.add_number(
+        "--jobs", [&jobs](std::uint64_t number) { jobs = static_cast<unsigned>(number); },
+        {.smallest = 1, .largest = MOST_JOBS},
         "how many processes share the work, with the same result (default: as many as "
         "there are processors for large files, 1 for others)");
-    limit_to_numbers(*option->option_text("N"), 1, MOST_JOBS);
 }
 
 unsigned jobs_for(std::optional<unsigned> jobs, std::uint64_t size, std::uint64_t worthwhile) {

@@ -4,14 +4,12 @@
 #include <cstdint>
 #include <optional>
 
-namespace CLI {
-class App;
-}
-
 namespace command {
 
+class Command;
+
 // Adds --jobs. `jobs` must live until the command line has been parsed; nothing: not given.
-void add_jobs_option(CLI::App& command, std::optional<unsigned>& jobs);
+void add_jobs_option(Command command, std::optional<unsigned>& jobs);
 
 // How many processes to use for an input of so many bytes: those asked for, or else one for each
 // processor when the input has at least `worthwhile` bytes. Throws Failure (wrong usage) when more

@@ -1,6 +1,5 @@
 // sxml compile: makes a description file of a copybook.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "tools/sxml/commands.h"
@@ -32,16 +31,16 @@ void compile_layout(const CompileOptions& options) {
 
 }  // namespace
 
-void add_compile_command(CLI::App& application) {
-    CLI::App* command =
+void add_compile_command(Command application) {
+    const Command command =
         application.add_subcommand("compile", "make a description file (.xfd) of a layout");
     auto options = std::make_shared<CompileOptions>();
-    add_layout_options(*command, options->layout, LayoutArgument::positional);
-    command->add_option("-o,--output", options->output, "the file to write, - for standard output")
-        ->required()
-        ->option_text("NAME.xfd");
-    command->footer("Example:\n  sxml compile orders.cpy -o orders.xfd");
-    command->callback([options] { compile_layout(*options); });
+    add_layout_options(command, options->layout, LayoutArgument::positional);
+    command.add_option("-o,--output", options->output, "the file to write, - for standard output")
+        .required()
+        .value("NAME.xfd");
+    command.footer("Example:\n  sxml compile orders.cpy -o orders.xfd");
+    command.run([options] { compile_layout(*options); });
 }
 
 }  // namespace command

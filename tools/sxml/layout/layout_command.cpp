@@ -1,6 +1,5 @@
 // sxml layout: shows a record layout as a table, or tells it to other programs.
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cstdio>
 #include <functional>
@@ -118,20 +117,20 @@ void show_layout(const ShowOptions& options) {
 
 }  // namespace
 
-void add_layout_command(CLI::App& application) {
-    CLI::App* command = application.add_subcommand("layout", "show a record layout as a table");
+void add_layout_command(Command application) {
+    const Command command = application.add_subcommand("layout", "show a record layout as a table");
     auto options = std::make_shared<ShowOptions>();
-    add_layout_options(*command, options->layout, LayoutArgument::positional);
-    CLI::Option* const json =
-        command->add_flag("--json", options->is_json, "print the layout as JSON, for programs");
-    command->add_flag("--csv", options->is_csv, "print the layout as a table in CSV, for programs")
-        ->excludes(json);
-    command->footer(
+    add_layout_options(command, options->layout, LayoutArgument::positional);
+    const Option json =
+        command.add_flag("--json", options->is_json, "print the layout as JSON, for programs");
+    command.add_flag("--csv", options->is_csv, "print the layout as a table in CSV, for programs")
+        .excludes(json);
+    command.footer(
         "Example:\n"
         "  sxml layout orders.cpy\n"
         "  sxml layout ledger.cbl --fd LEDGER\n"
         "  sxml layout orders.cpy --csv > orders.csv");
-    command->callback([options] { show_layout(*options); });
+    command.run([options] { show_layout(*options); });
 }
 
 }  // namespace command

@@ -1,6 +1,5 @@
 // sxml schema: prints the XML Schema of the documents that a layout gives.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "tools/sxml/commands.h"
@@ -32,15 +31,15 @@ void print_schema(const LayoutOptions& options) {
 
 }  // namespace
 
-void add_schema_command(CLI::App& application) {
-    CLI::App* command =
+void add_schema_command(Command application) {
+    const Command command =
         application.add_subcommand("schema", "print the XML Schema of a layout's documents");
     auto options = std::make_shared<LayoutOptions>();
-    add_layout_options(*command, *options, LayoutArgument::positional);
-    command->footer(
+    add_layout_options(command, *options, LayoutArgument::positional);
+    command.footer(
         "Example:\n  sxml schema orders.cpy > orders.xsd\n"
         "  xmllint --noout --schema orders.xsd orders.xml");
-    command->callback([options] { print_schema(*options); });
+    command.run([options] { print_schema(*options); });
 }
 
 }  // namespace command

@@ -1,8 +1,8 @@
 #include "tools/sxml/options/encoding_option.h"
 
-#include <CLI/CLI.hpp>
 #include <map>
 
+#include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/setting_options.h"
 
@@ -54,18 +54,16 @@ void check_lines(const conversion::RecordFormat& format, const conversion::Chara
     }
 }
 
-void add_controls_option(CLI::App& command, conversion::Controls& controls,
-                         const std::string& use) {
+void add_controls_option(Command command, conversion::Controls& controls, const std::string& use) {
     using conversion::Controls;
     static const std::map<std::string, Controls> NAMES = {{"refuse", Controls::refuse},
                                                           {"replace", Controls::replace},
                                                           {"drop", Controls::drop},
                                                           {"hex", Controls::hex}};
     command
-        .add_option_function<std::string>(
+        .add_option(
             "--controls", [&controls](const std::string& name) { controls = NAMES.at(name); }, use)
-        ->check(CLI::IsMember({"refuse", "replace", "drop", "hex"}))
-        ->option_text("refuse|replace|drop|hex");
+        .one_of({"refuse", "replace", "drop", "hex"});
 }
 
 records::RecordEncoding record_encoding(const conversion::CharacterSet& characters) {

@@ -10,11 +10,9 @@
 #include "records/description.h"
 #include "tools/sxml/reports/run_report.h"
 
-namespace CLI {
-class App;
-}
-
 namespace command {
+
+class Command;
 
 // The set called `name`, which `option` gave ("--encoding", "SXML_ENCODING"). Throws Failure (wrong
 // usage) when it cannot be the records' set.
@@ -28,7 +26,7 @@ conversion::CharacterSet find_character_set(
 conversion::CharacterSet records_character_set(const std::string& encoding);
 
 // Adds --controls. `use` says what it is for.
-void add_controls_option(CLI::App& command, conversion::Controls& controls, const std::string& use);
+void add_controls_option(Command command, conversion::Controls& controls, const std::string& use);
 
 // Throws Failure (wrong usage) for lines in an EBCDIC set.
 void check_lines(const conversion::RecordFormat& format,

@@ -1,10 +1,9 @@
 #include "tools/sxml/options/options.h"
 
-#include <CLI/CLI.hpp>
-#include <charconv>
 #include <utility>
 
 #include "records/option_names.h"
+#include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
 
 namespace command {
@@ -13,31 +12,26 @@ namespace {
 
 // An option whose value is one of the names of `values`.
 template <typename Value>
-void add_choice(CLI::App& command, const std::string& name, Value& variable,
+void add_choice(Command command, const std::string& name, Value& variable,
                 const records::Choices<Value>& values, const std::string& help) {
     std::vector<std::string> names;
-    std::string metavariable;
-    for (const auto& entry : values) {
-        names.push_back(entry.first);
-        metavariable += (metavariable.empty() ? "" : "|") + entry.first;
-    }
+    for (const auto& entry : values) names.push_back(entry.first);
     command
-        .add_option_function<std::string>(
+        .add_option(
             name, [&variable, &values](const std::string& text) { variable = values.at(text); },
             help)
-        ->check(CLI::IsMember(names))
-        ->option_text(metavariable);
+        .one_of(names);
 }
 
-void add_source_options(CLI::App& command, LayoutOptions& options) {
+void add_source_options(Command command, LayoutOptions& options) {
     command
         .add_option("--fd", options.copybook.fd, "the FD, file or 01 record to take from a program")
-        ->option_text("NAME");
+        .value("NAME");
     command
         .add_option("-I,--copy-path", options.copybook.copy_path,
                     "a folder to search for COPY texts (may be repeated)")
-        ->allow_extra_args(false)
-        ->option_text("FOLDER");
+        .repeated()
+        .value("FOLDER");
     add_choice(command, "--format", options.copybook.format, records::SOURCE_FORMATS,
                "source format of the layout (default: told from its text)");
     command.add_flag("--debugging-lines", options.copybook.debugging_lines,
@@ -67,17 +61,17 @@ void take_conditions(const std::vector<std::string>& texts, LayoutOptions& optio
     }
 }
 
-void add_item_options(CLI::App& command, LayoutOptions& options) {
+void add_item_options(Command command, LayoutOptions& options) {
     command
-        .add_option_function<std::vector<std::string>>(
+        .add_list(
             "--when",
             [&options](const std::vector<std::string>& all) { take_conditions(all, options); },
             "the record or item is there when the condition holds, as the directive when says in "
             "a copybook (may be repeated)")
-        ->allow_extra_args(false)
-        ->option_text("'RECORD: CONDITION'");
+        .repeated()
+        .value("'RECORD: CONDITION'");
     command
-        .add_option_function<std::vector<std::string>>(
+        .add_list(
             "--hide",
             [&options](const std::vector<std::string>& all) {
                 for (const std::string& item : all) {
@@ -85,11 +79,11 @@ void add_item_options(CLI::App& command, LayoutOptions& options) {
                 }
             },
             "the field, record or group gives no element (may be repeated)")
-        ->allow_extra_args(false)
-        ->option_text("FIELD");
+        .repeated()
+        .value("FIELD");
 }
 
-void add_description_options(CLI::App& command, LayoutOptions& options) {
+void add_description_options(Command command, LayoutOptions& options) {
     records::LayoutOptions& layout = options.layout;
     add_choice(command, "--machine", layout.machine, records::MACHINES,
                "where the records come from: sizes, byte order and floating point of binary items "
@@ -100,7 +94,7 @@ void add_description_options(CLI::App& command, LayoutOptions& options) {
                "of COMP, COMP-4 and BINARY items; native: that of COMP-5 (default: big-endian)");
     add_choice(command, "--national-size", layout.national_size, records::NATIONAL_SIZES,
                "bytes of a NATIONAL character, or the rule of a cobc (default: 2)");
-    command.add_flag_callback(
+    command.add_flag(
         "--no-truncate", [&layout] { layout.binary_truncate = false; },
         "binary items hold all that fits their bytes, whatever their picture says");
     add_choice(
@@ -111,66 +105,53 @@ void add_description_options(CLI::App& command, LayoutOptions& options) {
                      "signs overpunched in DISPLAY numbers follow EBCDIC");
     command.add_flag("--filler", layout.filler, "give FILLER items elements, too");
     command
-        .add_option_function<std::vector<std::string>>(
+        .add_list(
             "--name", [&options](const std::vector<std::string>& all) { take_names(all, options); },
             "name of the document element (default: the FD's or the file's name); FIELD=ELEMENT "
             "names the element of a field, record or group (may be repeated)")
-        ->allow_extra_args(false)
-        ->option_text("NAME");
+        .repeated()
+        .value("NAME");
     command
         .add_option("--set", options.settings,
                     "a setting, such as SXML_CREATE_STYLE=NONE (may be repeated)")
-        ->allow_extra_args(false)
-        ->option_text("NAME=VALUE");
+        .repeated()
+        .value("NAME=VALUE");
 }
 
 }  // namespace
 
-void add_layout_options(CLI::App& command, LayoutOptions& options, LayoutArgument argument) {
+void add_layout_options(Command command, LayoutOptions& options, LayoutArgument argument) {
     const bool positional = argument == LayoutArgument::positional;
-    command
-        .add_option_function<std::vector<std::string>>(
-            positional ? "LAYOUT" : "--layout,-l",
-            [&options](const std::vector<std::string>& files) {
-                options.file = files.front();
-                options.copybook.more_files.assign(files.begin() + 1, files.end());
-            },
-            "a copybook, a program, or a description file (.xfd); several copybooks, one for each "
-            "kind of record (may be repeated)")
-        ->allow_extra_args(positional)
-        ->required()
-        ->option_text(positional ? " " : "LAYOUT");
+    const Option layout =
+        command
+            .add_list(
+                positional ? "LAYOUT" : "--layout,-l",
+                [&options](const std::vector<std::string>& files) {
+                    options.file = files.front();
+                    options.copybook.more_files.assign(files.begin() + 1, files.end());
+                },
+                "a copybook, a program, or a description file (.xfd); several copybooks, one for "
+                "each "
+                "kind of record (may be repeated)")
+            .required()
+            .value(positional ? " " : "LAYOUT");
+    if (!positional) layout.repeated();
     add_source_options(command, options);
     add_item_options(command, options);
     add_description_options(command, options);
 }
 
-void add_document_argument(CLI::App& command, const char* name, std::string& document) {
-    command
-        .add_option(name, document, "the document: a file, - for standard input, or a web address")
-        ->required()
-        ->option_text(" ");
+void add_document_argument(Command command, const char* name, std::string& document) {
+    command.add_argument(name, document,
+                         "the document: a file, - for standard input, or a web address");
 }
 
-void add_record_path_option(CLI::App& command, std::string& path) {
+void add_record_path_option(Command command, std::string& path) {
     command
         .add_option("--record", path,
                     "the elements that are the records, by the names from the document element on: "
                     "orders/page/order (default: the document element's children)")
-        ->option_text("PATH");
-}
-
-void limit_to_numbers(CLI::Option& option, std::uint64_t smallest, std::uint64_t largest) {
-    option.check([smallest, largest](const std::string& text) {
-        std::uint64_t number = 0;
-        const char* const end = text.data() + text.size();
-        const auto [stop, error] = std::from_chars(text.data(), end, number);
-        if (error == std::errc() && stop == end && number >= smallest && number <= largest) {
-            return std::string();
-        }
-        return text + " is not a whole number from " + std::to_string(smallest) + " to " +
-               std::to_string(largest);
-    });
+        .value("PATH");
 }
 
 }  // namespace command

@@ -1,9 +1,9 @@
 #include "tools/sxml/options/record_input.h"
 
-#include <CLI/CLI.hpp>
 #include <string_view>
 
 #include "conversion/formats/format_detection.h"
+#include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
 
@@ -39,42 +39,42 @@ conversion::RecordFormat settle_format(const RecordFileOptions& options,
 
 }  // namespace
 
-void add_format_options(CLI::App& command, RecordFileOptions& options, const std::string& use) {
-    CLI::Option* const format =
+void add_format_options(Command command, RecordFileOptions& options, const std::string& use) {
+    const Option format =
         command
             .add_option("--record-format", options.format,
                         use +
                             ": fixed (default), line, rdw, bdw, gnucobol ...; docs/record-files.md "
                             "has them all")
-            ->option_text("NAME");
+            .value("NAME");
     command
         .add_flag("--line", options.lines,
                   "the same as --record-format line: a line for each record, ended by LF or CR LF")
-        ->excludes(format);
+        .excludes(format);
 }
 
-void add_range_options(CLI::App& command, RecordFileOptions& options) {
-    CLI::Option* const first = command.add_option(
-        "--from-record", options.first, "the number of the first record to take (default: 1)");
-    limit_to_numbers(*first->option_text("N"), 1);
-    CLI::Option* const count =
-        command.add_option("--count", options.count, "how many records to take (default: all)");
-    limit_to_numbers(*count->option_text("N"), 1);
+void add_range_options(Command command, RecordFileOptions& options) {
+    command.add_number("--from-record", options.first, {.smallest = 1},
+                       "the number of the first record to take (default: 1)");
+    command.add_number("--count", options.count, {.smallest = 1},
+                       "how many records to take (default: all)");
 }
 
-void add_record_options(CLI::App& command, RecordFileOptions& options) {
+void add_record_options(Command command, RecordFileOptions& options) {
     add_format_options(command, options, "how records are told apart, or auto");
     command
         .add_option("--encoding", options.encoding,
                     "character set of the records' text: utf-8 (default), iso-8859-1, an EBCDIC "
                     "code page such as cp037 ...")
-        ->option_text("NAME");
-    CLI::Option* const skip = command.add_option(
-        "--skip", options.skip, "bytes at the file's start that belong to no record");
-    limit_to_numbers(*skip->option_text("BYTES"), 0);
-    CLI::Option* const skip_end = command.add_option(
-        "--skip-end", options.skip_end, "bytes at the file's end that belong to no record");
-    limit_to_numbers(*skip_end->option_text("BYTES"), 0);
+        .value("NAME");
+    command
+        .add_number("--skip", options.skip, {},
+                    "bytes at the file's start that belong to no record")
+        .value("BYTES");
+    command
+        .add_number("--skip-end", options.skip_end, {},
+                    "bytes at the file's end that belong to no record")
+        .value("BYTES");
     add_range_options(command, options);
 }
 

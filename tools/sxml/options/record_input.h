@@ -10,11 +10,9 @@
 #include "conversion/formats/record_format.h"
 #include "conversion/session/output_document.h"
 
-namespace CLI {
-class App;
-}
-
 namespace command {
+
+class Command;
 
 struct RecordFileOptions {
     std::string format;    // the name of the format, "auto", or empty: fixed
@@ -28,11 +26,11 @@ struct RecordFileOptions {
 };
 
 // Adds all options; they must live until the command line has been parsed.
-void add_record_options(CLI::App& command, RecordFileOptions& options);
+void add_record_options(Command command, RecordFileOptions& options);
 // Adds --record-format and --line; `use` begins their help.
-void add_format_options(CLI::App& command, RecordFileOptions& options, const std::string& use);
+void add_format_options(Command command, RecordFileOptions& options, const std::string& use);
 // Adds --from-record and --count.
-void add_range_options(CLI::App& command, RecordFileOptions& options);
+void add_range_options(Command command, RecordFileOptions& options);
 
 // The format that the options name; nothing for "auto". Throws Failure (wrong usage).
 std::optional<conversion::RecordFormat> format_of(const RecordFileOptions& options);

@@ -1,9 +1,9 @@
 #include "tools/sxml/options/record_target.h"
 
-#include <CLI/CLI.hpp>
 #include <limits>
 #include <map>
 
+#include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/encoding_option.h"
 #include "tools/sxml/options/options.h"
@@ -19,22 +19,26 @@ const std::map<std::string, BlankFill> BUFFER_FILLS = {
 
 }  // namespace
 
-void add_document_options(CLI::App& command, DocumentOptions& options) {
+void add_document_options(Command command, DocumentOptions& options) {
     add_record_path_option(command, options.path);
     command.add_flag("--attributes", options.takes_attributes,
                      "read attributes as elements: `currency` of `price` as `price_currency`");
-    CLI::Option* const least =
-        command.add_option("--min-record-length", options.min_record_length,
-                           "the least length of records in formats with lengths (default: 0)");
-    limit_to_numbers(*least->option_text("BYTES"), 0, std::numeric_limits<std::int32_t>::max());
     command
-        .add_option_function<std::string>(
+        .add_number(
+            "--min-record-length",
+            [&options](std::uint64_t length) {
+                options.min_record_length = static_cast<std::uint32_t>(length);
+            },
+            {.largest = std::numeric_limits<std::int32_t>::max()},
+            "the least length of records in formats with lengths (default: 0)")
+        .value("BYTES");
+    command
+        .add_option(
             "--buffer",
             [&options](const std::string& fill) { options.fill = BUFFER_FILLS.at(fill); },
             "what fields hold that the document has no data for: spaces, zeros (bytes of value 0), "
             "or keep what the record before held (default: spaces in characters, zero in numbers)")
-        ->check(CLI::IsMember({"spaces", "zeros", "keep"}))
-        ->option_text("spaces|zeros|keep");
+        .one_of({"spaces", "zeros", "keep"});
 }
 
 records::RecordEncoding RecordTarget::encoding() const {

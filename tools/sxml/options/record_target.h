@@ -11,11 +11,9 @@
 #include "records/description.h"
 #include "tools/sxml/options/record_input.h"
 
-namespace CLI {
-class App;
-}
-
 namespace command {
+
+class Command;
 
 struct DocumentOptions {
     std::string path;  // of the elements that are the records; empty: those in the document element
@@ -31,7 +29,7 @@ struct DocumentOptions {
 
 // Adds --record, --attributes, --min-record-length and --buffer. `options` must live until the
 // command line has been parsed.
-void add_document_options(CLI::App& command, DocumentOptions& options);
+void add_document_options(Command command, DocumentOptions& options);
 
 struct RecordTarget {
     conversion::RecordFormat format;

@@ -1,12 +1,12 @@
 #include "tools/sxml/reports/run_report.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <utility>
 
 #include "conversion/documents/unread_entities.h"
 #include "records/hexadecimal.h"
+#include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
 #include "tools/sxml/output/atomic_output.h"
@@ -51,19 +51,21 @@ Json place_of(const conversion::Problem& problem) {
 
 }  // namespace
 
-void add_report_options(CLI::App& command, ReportOptions& options) {
-    CLI::Option* const rejects = command.add_option(
-        "--rejects", options.rejects,
-        "write records that cannot be converted to this file and go on (exit status 3)");
-    rejects->option_text("FILE");
-    CLI::Option* const most =
-        command.add_option("--max-rejects", options.max_rejects,
-                           "give up when more records than this cannot be converted");
-    limit_to_numbers(*most->option_text("N")->needs(rejects), 0);
+void add_report_options(Command command, ReportOptions& options) {
+    const Option rejects =
+        command
+            .add_option(
+                "--rejects", options.rejects,
+                "write records that cannot be converted to this file and go on (exit status 3)")
+            .value("FILE");
+    command
+        .add_number("--max-rejects", options.max_rejects, {},
+                    "give up when more records than this cannot be converted")
+        .needs(rejects);
     command.add_flag("--strict", options.is_strict, "fail where there would be a warning");
     command.add_flag("--quiet", options.is_quiet, "print no warnings, only how many there were");
     command.add_option("--report", options.report, "write counts and places to this file, as JSON")
-        ->option_text("FILE");
+        .value("FILE");
 }
 
 void note_outputs(const ReportOptions& options, RunFiles& files) {

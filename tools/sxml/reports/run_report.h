@@ -17,11 +17,9 @@
 #include "conversion/problem.h"
 #include "tools/sxml/options/run_files.h"
 
-namespace CLI {
-class App;
-}
-
 namespace command {
+
+class Command;
 
 constexpr int EXIT_REJECTED = 3;  // done, but for records that were rejected
 
@@ -37,7 +35,7 @@ struct ReportOptions {
 
 // Adds --rejects, --max-rejects, --strict, --quiet and --report. `options` must live until the
 // command line has been parsed.
-void add_report_options(CLI::App& command, ReportOptions& options);
+void add_report_options(Command command, ReportOptions& options);
 
 // Notes the files that the options name as outputs.
 void note_outputs(const ReportOptions& options, RunFiles& files);
