@@ -1,6 +1,7 @@
 #include "conversion/session/input_document.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <utility>
@@ -326,10 +327,17 @@ void InputDocument::mark_record(std::int32_t condition) {
 void InputDocument::store(void* document, std::int32_t index, const char* text,
                           std::size_t length) {
     auto& self = *static_cast<InputDocument*>(document);
-    const XfdItem& item = self.module_file_.xfd->items[index];
-    FieldFate& fate = self.fates_[static_cast<std::size_t>(index)];
-    fate = FieldFate::filled;
-    self.field_uses_[static_cast<std::size_t>(index)].has_had_data = true;
+    const auto at = static_cast<std::size_t>(index);
+    const XfdItem& item = self.module_file_.xfd->items[at];
+    self.fates_[at] = FieldFate::filled;
+    self.field_uses_[at].has_had_data = true;
+    const auto size = static_cast<std::size_t>(item.data.length);
+    if (self.texts_ && length <= size && self.takes_as_it_is_[at] != 0) {
+        std::uint8_t* const target = self.record_.data() + item.offset;
+        if (length > 0) std::memcpy(target, text, length);
+        if (length < size) std::memset(target + length, self.characters_->space(), size - length);
+        return;
+    }
     try {
         if (is_numeric_type(item.data.type) && item.format != XFD_FORMAT_BINARY) {
             self.store_number(index, {text, length});
@@ -370,13 +378,14 @@ void InputDocument::begin_texts() {
     texts_.emplace(is_latin1 ? DocumentText::latin1 : DocumentText::utf8, *characters_);
     const Xfd& xfd = *module_file_.xfd;
     for (std::int32_t i = 0; i < xfd.item_count; ++i) {
-        takes_as_it_is_.push_back(is_taken_as_it_is(xfd.items[i]));
+        takes_as_it_is_.push_back(is_taken_as_it_is(xfd.items[i]) ? 1 : 0);
     }
 }
 
 // Whether a text that is not too long goes into the field as it stands, with blanks after it.
 bool InputDocument::is_taken_as_it_is(const XfdItem& item) const {
     if (texts_->converts() || options_.takes_hex || item.format == XFD_FORMAT_BINARY) return false;
+    if (is_numeric_type(item.data.type)) return false;
     return text_form(item, *characters_) == TextForm::plain && !is_aligned(item);
 }
 
@@ -384,11 +393,6 @@ void InputDocument::store_text(std::int32_t index, std::string_view text) {
     if (!texts_) begin_texts();
     const XfdItem& item = module_file_.xfd->items[index];
     const auto size = static_cast<std::size_t>(item.data.length);
-    if (text.size() <= size && takes_as_it_is_[static_cast<std::size_t>(index)]) {
-        std::uint8_t* const end = std::copy(text.begin(), text.end(), record_.data() + item.offset);
-        std::fill_n(end, size - text.size(), characters_->space());
-        return;
-    }
     if (item.format == XFD_FORMAT_BINARY) return store_digits(index, text);
     // A text is never as long as the digits of its field.
     if (options_.takes_hex && text.size() == 2 * size && records::is_hexadecimal(text)) {

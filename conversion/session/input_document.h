@@ -219,8 +219,8 @@ class InputDocument {
     std::vector<records::Description::Mark> marks_;
     const CharacterSet* characters_;
     CharacterSet own_characters_;
-    std::optional<FieldText> texts_;    // known with the first record
-    std::vector<bool> takes_as_it_is_;  // by item, then known as well
+    std::optional<FieldText> texts_;            // known with the first record
+    std::vector<std::uint8_t> takes_as_it_is_;  // by item, then known as well
     BlankRecord blank_;
     HostRecordHandler handler_{};
     ModuleFile module_file_;

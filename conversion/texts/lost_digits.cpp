@@ -1,5 +1,7 @@
 #include "conversion/texts/lost_digits.h"
 
+#include <algorithm>
+
 #include "records/field_types.h"
 #include "records/numbers.h"
 
@@ -7,12 +9,28 @@ namespace conversion {
 
 namespace {
 
-// Decimals of a text without an exponent, not counting zeros at the end.
-std::size_t decimals_of(std::string_view text) {
-    const std::size_t point = text.find('.');
-    if (point == std::string_view::npos) return 0;
-    const std::size_t last = text.find_last_of("123456789");
-    return last == std::string_view::npos || last < point ? 0 : last - point;
+struct Shape {
+    std::size_t decimals;  // of a text without an exponent, not counting zeros at the end
+    bool has_exponent;
+};
+
+Shape shape_of(std::string_view text) {
+    std::size_t i = 0;
+    while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
+    std::size_t point = text.size();
+    std::size_t last = 0;  // digit that is not zero
+    bool has_exponent = false;
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c >= '1' && c <= '9') {
+            last = i;
+        } else if (c == '.') {
+            point = std::min(point, i);
+        } else if (c == 'e' || c == 'E') {
+            has_exponent = true;
+        }
+    }
+    return {last > point ? last - point : 0, has_exponent};
 }
 
 // What the field holds is not what the text says.
@@ -31,9 +49,9 @@ bool loses_low_digits(std::string_view text, const XfdDataDesc& field) {
     const records::FieldExtra extra = records::field_extra(field);
     const int scale = extra.digits == 0 ? field.scale : extra.scale;
     // Few texts need the whole comparison.
-    const bool is_scaled = scale > 0 || text.find_first_of("eE") != std::string_view::npos;
-    if (is_scaled) return differs(text, field);
-    return decimals_of(text) > static_cast<std::size_t>(-scale);
+    const Shape shape = shape_of(text);
+    if (scale > 0 || shape.has_exponent) return differs(text, field);
+    return shape.decimals > static_cast<std::size_t>(-scale);
 }
 
 }  // namespace conversion

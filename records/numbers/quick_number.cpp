@@ -28,6 +28,16 @@ struct Whole {
     bool negative = false;
 };
 
+// Adds the digits from `at` on to a number. Result: what comes after them.
+const char* add_digits(const char* at, const char* end, std::uint64_t& magnitude) {
+    for (; at < end; ++at) {
+        const unsigned digit = static_cast<unsigned char>(*at) - unsigned{'0'};
+        if (digit > 9) break;
+        magnitude = magnitude * 10 + digit;
+    }
+    return at;
+}
+
 // A minus sign before zero, which some fields keep, is left to the long way.
 bool parse_whole(const XfdDataDesc& text, int scale, Whole& out) {
     const auto* at = static_cast<const char*>(text.address);
@@ -35,20 +45,14 @@ bool parse_whole(const XfdDataDesc& text, int scale, Whole& out) {
     out.negative = at < end && *at == '-';
     if (out.negative) ++at;
     if (at == end || end - at > MOST_DIGITS + 1) return false;
-    const char* point = end;
-    int digits = 0;
-    for (; at < end; ++at) {
-        const unsigned digit = static_cast<unsigned char>(*at) - unsigned{'0'};
-        if (digit <= 9) {
-            out.magnitude = out.magnitude * 10 + digit;
-            ++digits;
-        } else if (*at == '.' && point == end) {
-            point = at;
-        } else {
-            return false;
-        }
+    const char* const point = add_digits(at, end, out.magnitude);
+    auto digits = static_cast<int>(point - at);
+    int decimals = 0;
+    if (point < end) {
+        if (*point != '.' || add_digits(point + 1, end, out.magnitude) != end) return false;
+        decimals = static_cast<int>(end - point) - 1;
+        digits += decimals;
     }
-    const int decimals = point == end ? 0 : static_cast<int>(end - point) - 1;
     const int missing = -scale - decimals;
     if (digits == 0 || missing < 0 || digits + missing > MOST_DIGITS) return false;
     out.magnitude *= POWERS_OF_TEN[static_cast<std::size_t>(missing)];
