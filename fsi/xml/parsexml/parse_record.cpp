@@ -20,31 +20,35 @@ void parse_rest(XmlParserInfo& info) {
 
 }  // namespace
 
-std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
-    XmlParserInfo* info = lookup_parser_info(handle);
-    if (!info) return 0;
-    XmlParser* parser = info->parser;
+bool parse_next_record(XmlParserInfo& info) {
+    XmlParser* parser = info.parser;
     std::int16_t& error = *host_file_error();
     error = HOST_FILE_OK;
     if (parser->element_hash) host_hash_clear(parser->element_hash, PARSEXML_SOURCE, __LINE__, 0);
 
     if (parser->state & XMLPS_ROOT_ENDED) {
-        parse_rest(*info);
-        return 0;
+        parse_rest(info);
+        return false;
     }
     // A record that is an empty-element tag starts and ends at once, so the depth alone does not
     // show that there was one.
     parser->state &= ~std::uint32_t{XMLPS_RECORD_STARTED};
-    if (take_plain_record(*parser, info->stream)) return 1;
+    const bool may_be_plain = (parser->state & XMLPS_PLAIN_RECORDS) != 0;
+    if (may_be_plain && take_plain_record(*parser, info.stream)) return true;
     do {
-        parse_to_next_gt(parser, info->stream);
+        parse_to_next_gt(parser, info.stream);
     } while (error == HOST_FILE_OK && parser->depth == 1 &&
              !(parser->state & XMLPS_RECORD_STARTED));
     if (!(parser->state & XMLPS_RECORD_STARTED)) {
         if (error == HOST_FILE_OK) error = HOST_FILE_END;
         parser->state |= XMLPS_END_TOLD;
-        return 0;
+        return false;
     }
-    while (error == HOST_FILE_OK && parser->depth >= 2) parse_to_next_gt(parser, info->stream);
-    return 1;
+    while (error == HOST_FILE_OK && parser->depth >= 2) parse_to_next_gt(parser, info.stream);
+    return true;
+}
+
+std::int32_t SxmlParser_parse_record(std::uint32_t handle) {
+    XmlParserInfo* info = lookup_parser_info(handle);
+    return info && parse_next_record(*info) ? 1 : 0;
 }

@@ -37,5 +37,8 @@ XmlParser* lookup_parser(std::uint32_t handle);
 // The next live parser handle after `previous` (0: the first); 0 after the last.
 std::uint32_t next_parser_handle(std::uint32_t previous);
 
+// As SxmlParser_parse_record, of the object behind the handle.
+bool parse_next_record(XmlParserInfo& info);
+
 // Closes the input, and deletes it when it is a local copy.
 void close_input(XmlParserInfo& info);

@@ -28,12 +28,37 @@ bool append_latin1(RecordTree& tree, const char* text, std::size_t length) {
     return keep_record_text(tree, utf8_to_latin1(room));
 }
 
-// Expat spends nothing on texts that nobody keeps.
+// Expat spends nothing on texts that nobody keeps, where nobody wants to know of them.
 void choose_text_handler(const XmlParser& parser, bool kept_before) {
-    const RecordTree& tree = *parser.record;
-    const bool kept = tree.keeps_text;
-    if (kept != kept_before && !tree.notes_unused)
+    const bool kept = parser.record->keeps_text;
+    if (kept != kept_before)
         XML_SetCharacterDataHandler(parser.expat, kept ? text_in_record : nullptr);
+}
+
+// Whether an event is one that is neither ignored nor kept for later. While a record is read, all
+// are.
+bool is_due(const XmlParser& parser) {
+    return (parser.state & (XMLPS_OUT_OF_MEMORY | XMLPS_RECORD_ENDED)) == 0;
+}
+
+[[gnu::noinline]] bool start_another(const XmlParser& parser, const char* name) {
+    const std::uint32_t stored = stored_name_number(parser, name);
+    return stored != 0 && start_record_element(*parser.record, stored);
+}
+
+bool start_in_tree(const XmlParser& parser, const char* name) {
+    return repeat_element(*parser.record, name) || start_another(parser, name);
+}
+
+// Apart, so that the many texts that are left out at once pay nothing for it.
+[[gnu::noinline]] void store_text(XmlParser& parser, const char* text, std::size_t length) {
+    if (stopped(parser)) return;
+    if (is_early(parser)) return keep_text(parser, text, length);
+    RecordTree& tree = *parser.record;
+    if (!tree.keeps_text) return note_lost_text(tree, text, length);
+    const bool appended = stores_latin1(parser) ? append_latin1(tree, text, length)
+                                                : append_record_text(tree, text, length);
+    if (!appended) stop_out_of_memory(parser);
 }
 
 }  // namespace
@@ -61,28 +86,31 @@ void deliver_records(XmlParser& parser, RecordTree* tree) {
 
 void start_in_record(void* expat, const char* name, const char** attributes) {
     XmlParser& parser = parser_of(expat);
-    if (stopped(parser)) return;
-    if (is_early(parser)) return keep_start(parser, name, attributes);
+    if (!is_due(parser)) {
+        if (stopped(parser)) return;
+        if (is_early(parser)) return keep_start(parser, name, attributes);
+    }
     RecordTree& tree = *parser.record;
     const bool kept_text = tree.keeps_text;
     ++parser.depth;
-    const std::uint32_t stored = stored_name_number(parser, name);
-    if (!stored || !start_record_element(tree, stored)) return stop_out_of_memory(parser);
-    for (; *attributes && tree.notes_unused; attributes += 2) note_attribute(tree, *attributes);
+    if (!start_in_tree(parser, name)) return stop_out_of_memory(parser);
     if (parser.depth == 2) start_record(parser);
-    choose_text_handler(parser, kept_text);
+    if (!tree.notes_unused) return choose_text_handler(parser, kept_text);
+    for (; *attributes; attributes += 2) note_attribute(tree, *attributes);
 }
 
 void end_in_record(void* expat, const char* name) {
     XmlParser& parser = parser_of(expat);
-    if (stopped(parser)) return;
-    if (is_early(parser)) return keep_end(parser, name);
+    if (!is_due(parser)) {
+        if (stopped(parser)) return;
+        if (is_early(parser)) return keep_end(parser, name);
+    }
     if (parser.depth < 2) return end_element(expat, name);
     RecordTree& tree = *parser.record;
     const bool kept_text = tree.keeps_text;
     tree.elements[tree.current].is_trimmed = true;
     end_record_element(tree);
-    choose_text_handler(parser, kept_text);
+    if (!tree.notes_unused) choose_text_handler(parser, kept_text);
     if (--parser.depth > 1) return;
     if (!end_record(parser)) XML_SetCharacterDataHandler(parser.expat, text_in_record);
 }
@@ -90,13 +118,15 @@ void end_in_record(void* expat, const char* name) {
 void text_in_record(void* expat, const char* text, int length) {
     XmlParser& parser = parser_of(expat);
     const auto size = static_cast<std::size_t>(length);
-    // Most texts that are not kept are the white space between elements.
-    if (parser.depth > 1 && !parser.record->keeps_text && is_blank(text, size)) return;
-    if (stopped(parser)) return;
-    if (is_early(parser)) return keep_text(parser, text, size);
     RecordTree& tree = *parser.record;
-    if (!tree.keeps_text) return note_lost_text(tree, text, size);
-    const bool appended = stores_latin1(parser) ? append_latin1(tree, text, size)
-                                                : append_record_text(tree, text, size);
-    if (!appended) stop_out_of_memory(parser);
+    if (!tree.keeps_text) {
+        // Most texts that are not kept are the white space between elements.
+        if (parser.depth > 1 && is_blank(text, size)) return;
+    } else if (is_due(parser) && !stores_latin1(parser)) {
+        if (char* const room = first_text_room(tree, size)) {
+            std::memcpy(room, text, size);
+            return;
+        }
+    }
+    store_text(parser, text, size);
 }

@@ -128,6 +128,13 @@ std::uint32_t number_of_next_name(RecordNames& names, const char* text) {
     return name;
 }
 
+bool repeat_name(RecordNames& names, std::uint32_t name, const char* text) {
+    if (names.names[name].stored_as != name || std::strcmp(name_text(names, name), text) != 0)
+        return false;
+    names.previous = name;
+    return true;
+}
+
 bool limit_names(RecordNames& names) {
     const bool few = names.count - names.kept <= std::max(MOST_NAMES, names.kept);
     if (few && names.text_size - names.kept_text <= std::max(MOST_TEXT, names.kept_text))

@@ -61,6 +61,10 @@ std::uint32_t number_of_name(RecordNames& names, const char* text);
 // the last time.
 std::uint32_t number_of_next_name(RecordNames& names, const char* text);
 
+// The same, when `name` is a name that is stored as it is written, and `text` is that one. False,
+// with nothing changed, when it is not.
+bool repeat_name(RecordNames& names, std::uint32_t name, const char* text);
+
 // Forgets names when there are too many. Result: whether it did; then no number of a name that is
 // not an item's is valid any longer.
 bool limit_names(RecordNames& names);

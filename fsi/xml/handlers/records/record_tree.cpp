@@ -47,13 +47,14 @@ void link_child(RecordTree& tree, std::uint32_t number) {
     parent.last_child = number;
 }
 
-bool is_white_space(char byte) {
-    return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
+// Documents have no other characters up to the space.
+bool may_be_white_space(char byte) {
+    return static_cast<unsigned char>(byte) <= ' ';
 }
 
 void trim(std::int32_t encoding, const char** text, std::size_t* length) {
     const bool is_trim =
-        *length == 0 || (!is_white_space(**text) && !is_white_space((*text)[*length - 1]));
+        *length == 0 || (!may_be_white_space(**text) && !may_be_white_space((*text)[*length - 1]));
     if (is_trim) return;
     const HostTextSpan span{*text, *length, encoding};
     std::uint64_t start = 0;
@@ -125,6 +126,18 @@ void begin_links(RecordTree& tree) {
     if (tree.elements) tree.elements[0] = {};  // stands in for the parent of the record's element
 }
 
+// Whether the element of that number had its place in the record before where the next one starts.
+bool is_next_known(const RecordTree& tree, std::uint32_t number) {
+    return number <= tree.known_elements && tree.elements[number].parent == tree.current;
+}
+
+void start_known(RecordTree& tree, std::uint32_t number) {
+    RecordElement& known = tree.elements[number];
+    forget_text(known);
+    tree.last_element = tree.current = number;
+    tree.keeps_text = known.keeps_text;
+}
+
 // The record is another one than the one before: links its elements anew.
 void relink(RecordTree& tree) {
     const std::uint32_t open = tree.current;
@@ -144,21 +157,29 @@ void clear_record(RecordTree& tree) {
     tree.known_elements = is_complete && !forgotten ? tree.last_element : 0;
     tree.last_element = tree.last_piece = 0;
     tree.text_size = 0;
-    tree.keeps_text = false;
+    tree.texts_left = 0;
+    tree.keeps_text = tree.has_unused_parts = false;
     if (tree.known_elements > 0)
         tree.is_known = true;
     else
         begin_links(tree);
 }
 
+bool repeat_element(RecordTree& tree, const char* name) {
+    const std::uint32_t number = tree.last_element + 1;
+    if (!tree.is_known || !is_next_known(tree, number)) return false;
+    const std::uint32_t known = tree.elements[number].name;
+    if (!repeat_name(tree.names, known, name)) return false;
+    start_known(tree, number);
+    return true;
+}
+
 bool start_record_element(RecordTree& tree, std::uint32_t name) {
     const std::uint32_t number = tree.last_element + 1;
     if (tree.is_known) {
-        RecordElement& known = tree.elements[number];
-        if (number <= tree.known_elements && known.name == name && known.parent == tree.current) {
-            forget_text(known);
-            tree.last_element = tree.current = number;
-            tree.keeps_text = known.keeps_text;
+        const bool is_same = is_next_known(tree, number) && tree.elements[number].name == name;
+        if (is_same) {
+            start_known(tree, number);
             return true;
         }
         relink(tree);
@@ -215,6 +236,7 @@ bool keep_record_text(RecordTree& tree, std::size_t length) {
         element.text_start = tree.text_size;
         element.text_length = length;
         element.has_text = true;
+        ++tree.texts_left;
     } else if (!element.last_piece && element.text_start + element.text_length == tree.text_size) {
         element.text_length += length;
     } else if (!add_piece(tree, element, length)) {
@@ -230,13 +252,14 @@ void note_attribute(RecordTree& tree, const char* name) {
         return std::strncmp(name, start, std::strlen(start)) == 0;
     };
     if (std::none_of(std::begin(NO_DATA), std::end(NO_DATA), begins)) {
-        tree.elements[tree.current].has_attributes = true;
+        tree.elements[tree.current].has_attributes = tree.has_unused_parts = true;
     }
 }
 
 void note_lost_text(RecordTree& tree, const char* text, std::size_t length) {
     if (!tree.notes_unused || tree.current == 0) return;
-    if (!is_blank(text, length)) tree.elements[tree.current].has_other_text = true;
+    if (is_blank(text, length)) return;
+    tree.elements[tree.current].has_other_text = tree.has_unused_parts = true;
 }
 
 bool append_record_text(RecordTree& tree, const char* text, std::size_t length) {

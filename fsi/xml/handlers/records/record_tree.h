@@ -62,6 +62,8 @@ struct RecordTree {
     std::uint32_t current;              // the innermost open element
     std::uint32_t known_elements;       // of the record before, which may be met again
     std::uint64_t record;               // counts the records that were linked anew
+    std::uint32_t texts_left;           // elements with a text that was not moved into the record
+    bool has_unused_parts;              // texts that are not kept, or attributes, were noted
     bool is_known;                      // all elements so far are those of the record before
     bool keeps_text;                    // of the innermost open element
     bool has_numbers;                   // an element has a number
@@ -76,6 +78,10 @@ void clear_record(RecordTree& tree);
 // Starts an element below the innermost open one. `name` is a number of the tree's names. False,
 // with nothing changed, when memory is exhausted.
 bool start_record_element(RecordTree& tree, std::uint32_t name);
+
+// Starts the element that comes next in the record before, when that is one written `name` in the
+// same place. False, with nothing changed, when it is another one.
+bool repeat_element(RecordTree& tree, const char* name);
 
 // Ends the innermost open element, which must be there.
 void end_record_element(RecordTree& tree);
@@ -103,6 +109,26 @@ void note_lost_text(RecordTree& tree, const char* text, std::size_t length);
 // becomes text of the innermost open element with keep_record_text, which may be less.
 char* record_text_room(RecordTree& tree, std::size_t length);
 bool keep_record_text(RecordTree& tree, std::size_t length);
+
+// The same where the innermost open element has no text yet and there is room, else null: the next
+// bytes become its text, which the caller puts there.
+inline char* first_text_room(RecordTree& tree, std::size_t length) {
+    RecordElement& element = tree.elements[tree.current];
+    if (element.has_text || tree.text_room - tree.text_size <= length) return nullptr;
+    element.text_start = tree.text_size;
+    element.text_length = length;
+    element.has_text = true;
+    ++tree.texts_left;
+    tree.text_size += length;
+    return tree.text + element.text_start;
+}
+
+// The text of an element was moved into the record.
+inline void note_moved(RecordTree& tree, std::uint32_t number) {
+    RecordElement& element = tree.elements[number];
+    if (!element.is_moved) --tree.texts_left;
+    element.is_moved = true;
+}
 
 // The record has no more to come: now its elements may be looked at.
 void complete_record(RecordTree& tree);

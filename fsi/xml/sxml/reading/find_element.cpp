@@ -187,7 +187,7 @@ bool find_quickly(InputItems& input, std::int32_t index, const XfdItem& item,
     const std::uint32_t first = first_element_of(tree, input.names[index]);
     *result = 0;
     if (tree.elements[first].next_of_name == 0) {
-        input.known[index] = {tree.record, first};
+        input.known[index] = {tree.record, first, false, 0};
         if (!tree.elements[first].is_moved) *result = first;
         return true;
     }
@@ -208,7 +208,7 @@ bool find_quickly(InputItems& input, std::int32_t index, const XfdItem& item,
         if (*result != 0) return false;
         *result = at;
     }
-    if (fitting == 1 && *result != 0) input.known[index] = {tree.record, *result};
+    if (fitting == 1 && *result != 0) input.known[index] = {tree.record, *result, false, 0};
     return *result != 0;
 }
 

@@ -13,6 +13,8 @@
 struct KnownElement {
     std::uint64_t record;
     std::uint32_t element;  // 0: there is none
+    bool fits;              // it was looked at and does, ...
+    std::int8_t match;      // ... with tables matched so (HostTableMatch)
 };
 
 struct InputItems {

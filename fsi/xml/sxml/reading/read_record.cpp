@@ -58,6 +58,27 @@ bool fits(InputItems& input, std::uint32_t element, const XfdItem& field) {
     return host_trace_on == 0 && !matches_exactly(tree);
 }
 
+// The element of the field at `index`, when that is known to fit from another record of the same
+// elements; else 0.
+std::uint32_t fitting_element(const InputItems& input, std::int32_t index) {
+    const RecordTree& tree = input.tree;
+    const KnownElement& known = input.known[index];
+    const bool is_known = known.fits && known.record == tree.record && host_trace_on == 0 &&
+                          tree.table_match != nullptr && *tree.table_match == known.match;
+    return is_known && !tree.elements[known.element].is_moved ? known.element : 0;
+}
+
+// Whether an element fits depends on nothing but the links of the elements and how tables are
+// matched.
+void note_fitting(InputItems& input, std::int32_t index, std::uint32_t element) {
+    const RecordTree& tree = input.tree;
+    KnownElement& known = input.known[index];
+    if (known.record != tree.record || known.element != element) return;
+    if (tree.table_match == nullptr || host_trace_on != 0) return;
+    known.fits = true;
+    known.match = static_cast<std::int8_t>(*tree.table_match);
+}
+
 void move_number(XfdItem& field, char* target, const char* text, std::uint64_t length) {
     XfdDataDesc source = field.data;
     source.address = const_cast<char*>(text);
@@ -80,10 +101,27 @@ void note_missing(const XmlFile& file, std::int32_t index) {
     file.handler->missing(file.handler->context, index);
 }
 
-// Fills the field at `index` from its element. Result: where the field ends in the record, or 0
-// when it was left as it is.
-std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record) {
+// Moves the text of its element into the field at `index`. Result: where the field ends in the
+// record.
+std::int32_t move_text(const XmlFile& file, std::int32_t index, char* record, const char* text,
+                       std::size_t length) {
     XfdItem& field = file.xfd->items[index];
+    char* const target = record + field.offset;
+    if (file.handler != nullptr) {
+        file.handler->store(file.handler->context, index, text, length);
+    } else if (is_numeric_type(field.data.type)) {
+        move_number(field, target, text, length);
+    } else {
+        move_characters(field, target, text, length);
+    }
+    return field.offset + field.data.length;
+}
+
+// Fills the field at `index` from an element that is looked for. Result: where the field ends in
+// the record, or 0 when it was left as it is.
+[[gnu::noinline]] std::int32_t search_xml_data(const XmlFile& file, std::int32_t index,
+                                               char* record) {
+    const XfdItem& field = file.xfd->items[index];
     if (host_trace_on != 0)
         host_trace(1, HOST_TRACE_DATA, "read_xml_data %d (%s)", index, field.name);
     RecordTree& tree = file.input_items->tree;
@@ -98,21 +136,29 @@ std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record
         note_missing(file, index);
         return leave_without_data("Leaving, no data (bad array)");
     }
-    tree.elements[element].is_moved = true;
+    note_fitting(*file.input_items, index, element);
+    note_moved(tree, element);
     if (host_trace_on != 0) {
         host_trace(0, HOST_TRACE_MODELS, "%.*s",
                    static_cast<int>(std::min<std::size_t>(length, INT_MAX)), text);
     }
-    char* const target = record + field.offset;
-    if (file.handler != nullptr) {
-        file.handler->store(file.handler->context, index, text, length);
-    } else if (is_numeric_type(field.data.type)) {
-        move_number(field, target, text, length);
-    } else {
-        move_characters(field, target, text, length);
-    }
+    const std::int32_t end = move_text(file, index, record, text, length);
     if (host_trace_on != 0) host_trace(-1, HOST_TRACE_DATA, "Leaving");
-    return field.offset + field.data.length;
+    return end;
+}
+
+// The same, quickly where the element is known.
+std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record) {
+    const std::uint32_t element = fitting_element(*file.input_items, index);
+    if (element == 0) return search_xml_data(file, index, record);
+    const char* text = nullptr;
+    std::size_t length = 0;
+    const bool has_text = find_text(file, element, &text, &length);
+    if (!has_text || !lies_in_record(file.xfd->items[index])) return 0;
+    note_moved(file.input_items->tree, element);
+    if (file.handler == nullptr) return move_text(file, index, record, text, length);
+    file.handler->store(file.handler->context, index, text, length);
+    return file.xfd->items[index].offset + file.xfd->items[index].data.length;
 }
 
 void test_condition(const XmlFile& file, int number, const void* record) {
@@ -148,12 +194,6 @@ void tell_beginning(const XmlFile& file) {
     file.handler->begin_record(file.handler->context, name_text(tree.names, tree.elements[1].name));
 }
 
-bool is_used(RecordTree& tree, std::uint32_t number) {
-    const RecordElement& element = tree.elements[number];
-    return (element.is_moved || !element.has_text) && !element.has_other_text &&
-           !element.has_attributes;
-}
-
 // Texts of white space are no data.
 bool has_unused_text(const RecordTree& tree, std::uint32_t number) {
     const RecordElement& element = tree.elements[number];
@@ -169,11 +209,8 @@ bool has_unused_text(const RecordTree& tree, std::uint32_t number) {
 // Tells the host of the record's elements when one of them holds something that went into no field.
 void report_unused(const XmlFile& file) {
     RecordTree& tree = file.input_items->tree;
-    if (!tree.notes_unused) return;
-    std::uint32_t number = 1;
-    while (number <= tree.last_element && is_used(tree, number)) ++number;
-    if (number > tree.last_element) return;
-    for (number = 1; number <= tree.last_element; ++number) {
+    if (!tree.notes_unused || (tree.texts_left == 0 && !tree.has_unused_parts)) return;
+    for (std::uint32_t number = 1; number <= tree.last_element; ++number) {
         const RecordElement& element = tree.elements[number];
         const HostRecordElement told = {number, element.parent, name_text(tree.names, element.name),
                                         has_unused_text(tree, number), element.has_attributes};
@@ -195,10 +232,11 @@ bool parse_record(const XmlFile& file) {
     forget_record(file.input_items->record_index);
     const bool traced = host_trace_on != 0;
     // Handles are the whole process's: somebody may have released this one.
-    XmlParser* const parser = lookup_parser(file.parser);
-    if (parser == nullptr) return false;
+    XmlParserInfo* const info = lookup_parser_info(file.parser);
+    if (info == nullptr || info->parser == nullptr) return false;
+    XmlParser* const parser = info->parser;
     deliver_records(*parser, traced ? nullptr : &tree);
-    if (SxmlParser_parse_record(file.parser) == 0) return false;
+    if (!parse_next_record(*info)) return false;
     file.input_items->text_encoding = text_encoding(*parser);
     if (file.handler != nullptr) {
         file.handler->text_encoding = text_encoding(*parser);
