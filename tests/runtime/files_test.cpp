@@ -1,6 +1,7 @@
 #include "host/files.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -47,6 +48,11 @@ class StandardOutput {
   private:
     int saved_;
 };
+
+std::size_t bytes_of_heap() {
+    const struct mallinfo2 heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
 
 void put(HostStream* stream, const std::string& text) {
     ASSERT_EQ(host_fwrite(text.data(), 1, text.size(), stream), text.size());
@@ -259,6 +265,15 @@ TEST_F(Files, StandardErrorIsWrittenThrough) {
     EXPECT_EQ(host_fwrite("now", 3, 1, host_standard_error()), 1U);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "now");
     EXPECT_NE(host_standard_input(), nullptr);
+}
+
+// Callers in C cannot be told that memory is missing. Judged in the first call of a process only.
+TEST_F(Files, StandardStreamsTakeNoMemory) {
+    for (HostStream* (*stream)() : {host_standard_input, host_standard_error}) {
+        const std::size_t before = bytes_of_heap();
+        EXPECT_NE(stream(), nullptr);
+        EXPECT_EQ(bytes_of_heap(), before);
+    }
 }
 
 TEST_F(Files, DescriptionsAreLookedUpUnderTheDataFilesOwnName) {
