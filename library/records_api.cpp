@@ -1,6 +1,7 @@
 // The functions of sxml/records.h.
 #include "sxml/records.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <memory>

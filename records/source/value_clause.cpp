@@ -1,5 +1,6 @@
 #include "records/source/value_clause.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <string>

@@ -1,7 +1,9 @@
 // Documents made of one, and one made of documents: sxml split and sxml join.
 
+#include <algorithm>
 #include <filesystem>
 #include <numeric>
+#include <sstream>
 
 #include "tests/command/command_run.h"
 

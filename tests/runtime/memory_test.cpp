@@ -1,6 +1,7 @@
 // Tracked allocation: what the reports say about blocks, and damage.
 #include "host/memory.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <set>
 
 #include "records/layout/conditions/condition_check.h"

@@ -1,5 +1,6 @@
 // sxml layout: shows a record layout as a table, or tells it to other programs.
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
