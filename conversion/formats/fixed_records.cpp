@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "conversion/formats/format_detection.h"
 
@@ -9,7 +10,13 @@ namespace conversion {
 
 namespace {
 
-constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 20;
+constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 17;
+// So much is looked at where records could be in another format.
+constexpr std::size_t LOOKED_AT = std::size_t{1} << 20;
+
+std::size_t whole_records(std::size_t size, std::size_t record_length) {
+    return record_length * std::max<std::size_t>(1, size / record_length);
+}
 
 class FixedRecordReader : public RecordReader {
   public:
@@ -17,7 +24,7 @@ class FixedRecordReader : public RecordReader {
         : source_(source),
           is_asked_for_(is_asked_for),
           record_length_(record_length),
-          size_(record_length * std::max<std::size_t>(1, BUFFER_SIZE / record_length)),
+          size_(whole_records(BUFFER_SIZE, record_length)),
           buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(size_)),
           start_(source.offset()) {}
 
@@ -43,12 +50,34 @@ class FixedRecordReader : public RecordReader {
         if (count_ > 0) return {};
         looks_like_lines_ = filled_ > record_length_ &&
                             (buffer_[record_length_] == '\n' || buffer_[record_length_] == '\r');
-        if (is_asked_for_) return {};
-        const FileStart start{{buffer_.get(), filled_}, filled_ < size_, record_length_};
-        const std::optional<RecordFormat> other = format_with_lengths(start);
+        return is_asked_for_ ? Done() : look_for_lengths();
+    }
+
+    FileStart file_start() const {
+        return {{buffer_.get(), filled_}, filled_ < size_, record_length_};
+    }
+
+    Done look_for_lengths() {
+        if (!may_have_lengths(file_start())) return {};
+        if (const Done problem = read_on()) return problem;
+        const std::optional<RecordFormat> other = format_with_lengths(file_start());
         if (!other) return {};
         return problem("the file has headers with lengths in it",
                        std::string(ANOTHER_FORMAT) + other->name);
+    }
+
+    // Reads the rest of what is looked at.
+    Done read_on() {
+        const std::size_t size = whole_records(LOOKED_AT, record_length_);
+        if (filled_ < size_ || size == size_) return {};
+        auto larger = std::make_unique_for_overwrite<std::uint8_t[]>(size);
+        std::copy_n(buffer_.get(), filled_, larger.get());
+        buffer_ = std::move(larger);
+        size_ = size;
+        const Result<std::size_t> count = source_.read(buffer_.get() + filled_, size_ - filled_);
+        if (!count) return count.problem();
+        filled_ += *count;
+        return {};
     }
 
     Problem problem(const std::string& what, const std::string& remedy) const {

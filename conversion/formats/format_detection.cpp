@@ -122,6 +122,13 @@ std::optional<RecordFormat> format_with_lengths(const FileStart& start) {
     return std::nullopt;
 }
 
+bool may_have_lengths(const FileStart& start) {
+    const std::vector<RecordFormat>& formats = RecordFormat::with_lengths();
+    return std::any_of(formats.begin(), formats.end(), [&start](const RecordFormat& format) {
+        return ChainWalk(format, start).walk().records > 0;
+    });
+}
+
 Result<RecordFormat> detect_format(ByteSource& source, std::size_t record_length) {
     const std::size_t wanted = std::max(LOOKED_AT, record_length);
     const auto peeked = source.peek(wanted);

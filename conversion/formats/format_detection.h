@@ -16,6 +16,10 @@ struct FileStart {
 // could be of fixed length as well do not count.
 std::optional<RecordFormat> format_with_lengths(const FileStart& start);
 
+// Whether a look at more of the file may find such a format: in one, headers follow each other as
+// far as the bytes go.
+bool may_have_lengths(const FileStart& start);
+
 // Looks at the start of a source, which gives it once more. A problem when no format fits.
 Result<RecordFormat> detect_format(ByteSource& source, std::size_t record_length);
 
