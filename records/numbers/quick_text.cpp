@@ -1,6 +1,7 @@
 #include "records/numbers/quick_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "records/numbers/fields.h"
@@ -82,10 +83,24 @@ bool read_whole(const Field& field, Whole& out) {
     }
 }
 
+constexpr std::array<char, 200> make_pairs() {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); i += 2) {
+        pairs[i] = static_cast<char>('0' + i / 20);
+        pairs[i + 1] = static_cast<char>('0' + i / 2 % 10);
+    }
+    return pairs;
+}
+constexpr auto PAIRS_OF_DIGITS = make_pairs();
+
 // The digits of a number, right-justified, without leading zeros but at least `least` of them.
 class Digits {
   public:
     Digits(std::uint64_t value, int least) {
+        for (; value >= 100; value /= 100) {
+            first_ -= 2;
+            std::memcpy(first_, &PAIRS_OF_DIGITS[2 * (value % 100)], 2);
+        }
         for (; value != 0; value /= 10) *--first_ = static_cast<char>('0' + value % 10);
         while (count() < least) *--first_ = '0';
     }

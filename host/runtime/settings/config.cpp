@@ -4,6 +4,7 @@
 #include "host/config.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -68,6 +69,8 @@ struct Entry {
 struct Config {
     std::vector<Entry*> slots;  // open addressing; a power of two, half of it empty at least
     std::vector<std::unique_ptr<Entry>> entries;
+    // The entry looked up last: callers ask for the same one again and again.
+    std::atomic<Entry*> latest = nullptr;
     std::map<std::string, const HostSetting*, std::less<>> declared;
     std::map<std::string, std::string, std::less<>> program_values;
     std::map<std::string, UserValue, std::less<>> file_values;
@@ -196,6 +199,9 @@ void resolve(Entry& entry) {
 }
 
 Entry& look_up(const char* name) {
+    Entry* const latest = config->latest.load(std::memory_order_relaxed);
+    const bool is_again = latest != nullptr && std::strcmp(latest->name.c_str(), name) == 0;
+    if (is_again && latest->is_resolved) return *latest;
     const std::string_view wanted = name;
     const std::uint64_t hash = hash_text(wanted.data(), wanted.size());
     const std::size_t mask = config->slots.size() - 1;
@@ -213,6 +219,7 @@ Entry& look_up(const char* name) {
         resolve(*entry);
         entry->is_resolved = true;
     }
+    config->latest.store(entry, std::memory_order_relaxed);
     return *entry;
 }
 
