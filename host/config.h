@@ -42,10 +42,10 @@ static_assert(sizeof(HostSetting) == 56);
 // Declaring the same table again is harmless.
 HOST_API int host_register_settings(const HostSetting* table, int count, int reserved);
 
-// Lookups, made whenever a value is needed; each is one hash probe. The user's value decides, then
-// the declared default, then `fallback` (for a name that nobody declared and nobody set). The host
-// notices a changed environment when a file is opened or its description's name is asked for.
-// Names are compared exactly.
+// Lookups, made whenever a value is needed; each is one hash probe. The user's value takes
+// precedence, then the declared default, then `fallback` (for a name that is neither declared nor
+// set). The host notices a changed environment when a file is opened or its description's name is
+// asked for. Names are compared exactly.
 HOST_API std::int32_t host_config_flag(const char* name, std::int32_t fallback);
 HOST_API std::int16_t host_config_choice(const char* name, std::int16_t fallback);
 HOST_API std::int16_t host_config_number(const char* name, std::int16_t fallback);

@@ -21,7 +21,7 @@ enum HostEncoding : std::int32_t {
 };
 
 // The code of an encoding's name, compared without regard to letter case; HOST_ENCODING_UNKNOWN
-// when nobody knows the name. Names known to the system's converter get codes above the fixed ones.
+// when the name is not known. Names known to the system's converter get codes above the fixed ones.
 HOST_API std::int32_t host_encoding_code(const char* name);
 
 // Width in bytes (1, 2 or 4) of one code unit. Entry [code + 1] is for the codes -1 to 7.

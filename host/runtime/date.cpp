@@ -27,7 +27,7 @@ void report_once(const char* text) {
         text);
 }
 
-// The day of a number of seconds since 1970, in UTC. False when the text is no such number.
+// The day of a number of seconds since 1970, in UTC. False when the text is not such a number.
 bool day_of(const char* text, std::tm& day) {
     if (*text < '0' || *text > '9') return false;
     char* end = nullptr;

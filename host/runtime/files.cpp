@@ -67,8 +67,8 @@ namespace {
 std::size_t largest_read = 0;  // 0 = no limit
 std::size_t open_count = 0;
 int open_error = 0;
-// What host_xfd_name gave last. An array, since a string would be destroyed with the thread, and
-// the C library ends the process when it has no memory to note that.
+// The last result of host_xfd_name. An array, since a string would be destroyed with the thread,
+// and the C library ends the process when it has no memory to register that.
 thread_local constinit std::array<char, PATH_MAX> description_name{};
 constinit const std::string* output_name = nullptr;  // those of the OutputName that lives
 constinit const std::string* output_file = nullptr;
@@ -240,7 +240,7 @@ struct ProcessStream {
     char bytes[BUFFER_SIZE];
 };
 
-// Hands out what is buffered, else what one read gives.
+// Returns buffered bytes, or, when there are none, the result of one read.
 std::size_t read_part(HostStream* stream, char* target, std::size_t size) {
     if (stream->position == stream->filled) {
         const ssize_t count =
@@ -345,7 +345,7 @@ void host_fseek(HostStream* stream, std::uint32_t position) {
     const std::uint64_t present = stream->buffer_start + stream->position;
     if (way_back > present - stream->first_position) return fail(stream, EINVAL);
     if (!stream->can_seek) return fail(stream, ESPIPE);
-    // The buffered bytes lie after the new position: nobody will see them.
+    // The buffered bytes are after the new position: they are never written.
     const std::uint64_t target = present - way_back;
     const int error = platform::move_to(stream->descriptor, target);
     if (error != 0) return fail(stream, error);

@@ -9,7 +9,7 @@ namespace host {
 // Gives the handler of the file that is being opened with a description; null for none.
 using FindRecordHandler = HostRecordHandler*(Xfd* xfd);
 
-// Asks this function from now on; null for nobody.
+// Installs this function; null removes it.
 RUNTIME_API void find_record_handlers(FindRecordHandler* find);
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// What the embedding program can ask of the file service.
+// Functions of the file service for the embedding program.
 #pragma once
 
 #include <cstdint>

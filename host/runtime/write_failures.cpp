@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t MOST_REMEMBERED = 256;  // later ones are dropped, the oldest say enough
+constexpr std::size_t MOST_REMEMBERED = 256;  // later ones are dropped, the oldest are enough
 
 // Those of one direction.
 struct Failures {

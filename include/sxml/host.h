@@ -1,4 +1,4 @@
-/* What C programs that use the XML API ask of the host library. C++ programs find the same
+/* The functions of the host library for C programs that use the XML API. C++ programs find the same
  * functions, and all others, in the headers of the folder host. */
 #ifndef SXML_HOST_H
 #define SXML_HOST_H
@@ -20,8 +20,8 @@ extern "C" {
  * is standard output or input. Null on failure, with errno saying why. */
 struct HostStream* host_fopen(const char* name, const char* mode, int flag);
 
-/* Writes what is buffered and closes; null is allowed. Whether all of it could be written,
- * host_take_write_failure tells. */
+/* Writes what is buffered and closes; null is allowed. host_take_write_failure tells whether all of
+ * it could be written. */
 void host_fclose(struct HostStream* stream);
 
 /* The oldest failure to write to any stream that was not asked for yet, which is forgotten with

@@ -80,18 +80,18 @@ SXML_RECORDS_API int sxml_read(SxmlFile* file);
 SXML_RECORDS_API int sxml_write(SxmlFile* file);
 
 /* Takes a failure of sxml_read or sxml_write back that concerned that record alone (its cause is
- * SXML_RECORD): the next sxml_read gives the record after, and sxml_write writes another one. What
- * can be had of the record is there until then, for a file of rejected records: it is blank when a
- * document has a wrong counter for tables that slide. Result: 0, or -1 when the file as a whole has
+ * SXML_RECORD): the next sxml_read gives the record after, and sxml_write writes another one. Until
+ * then the record has the data that is available, for a file of rejected records; it is blank when
+ * a document has a wrong counter for sliding tables. Result: 0, or -1 when the file as a whole has
  * failed, or nothing has. */
 SXML_RECORDS_API int sxml_skip(SxmlFile* file);
 
-/* Completes a file that is written: it takes the place of what had its name before. Of a file that
- * is read, tells whether anything has failed. Result: 0 or -1. */
+/* Completes a file that is written: it replaces an older file of its name. For a file that is read,
+ * tells whether anything has failed. Result: 0 or -1. */
 SXML_RECORDS_API int sxml_finish(SxmlFile* file);
 
-/* Gives the handle back. A file that is written and was not finished is given up: what had its name
- * before is as it was. */
+/* Releases the handle. A file that is written but not finished is discarded: an older file of its
+ * name is unchanged. */
 SXML_RECORDS_API void sxml_close(SxmlFile* file);
 
 /* ---- What went wrong ---- */

@@ -1,13 +1,13 @@
 /* Included before the C code that cobc makes of a program, after data about the program's files:
- * `sxml cob` sees to both. What the program does with files is done by these functions, which hand
- * on to the runtime what no document is meant by. */
+ * `sxml cob` sees to both. These functions do the program's work on files, and pass calls for other
+ * files than documents on to the runtime. */
 #ifndef SXML_SXML_COB_H
 #define SXML_SXML_COB_H
 
 #include <stddef.h>
 #include <stdio.h>
 
-/* Without it the runtime's header leaves out what programs need that calculate. */
+/* Without it the runtime's header leaves out declarations that programs with arithmetic need. */
 #if __has_include(<gmp.h>)
 #include <gmp.h>
 #endif
@@ -21,7 +21,7 @@ extern "C" {
 
 #pragma GCC visibility push(default)
 
-/* What `sxml cob` knows of a source. Texts are in upper case but for the source's name. */
+/* What `sxml cob` knows of a source. Texts are in upper case except the source's name. */
 struct sxml_cob_program {
     const char* name;
     int container; /* index of the program that it is nested in; -1 for none */

@@ -15,8 +15,8 @@
  *         complain("the document cannot be read, or not to its end");
  *     api.xml_free_parser(parser);
  *
- * Where the document ends or breaks inside a record, SxmlParser_parse_record gives 1 and the file
- * error code is not 0: that record is not complete.
+ * Where the document ends, or is damaged, inside a record, SxmlParser_parse_record gives 1 and the
+ * file error code is not 0: that record is not complete.
  *
  * A handle that is not a live parser is never harmful: the call gives 0 or null and records
  * XMLERR_BAD_PARSER. The parser functions keep a last error of their own, apart from that of the
@@ -71,7 +71,7 @@ extern "C" {
 
 /* Opens a document. `source` is "-" for standard input, a name that begins with "http:", the text
  * of a document that begins with "<?xml " (both in any case), or else the name of a file; null
- * starts an empty document. `length` is the length in bytes of a text, and of no account otherwise;
+ * starts an empty document. `length` is the length in bytes of a text, and ignored otherwise;
  * the text is not copied and must stay in place as long as the parser reads from it.
  * The document is parsed as far as the start of its document element, with XMLOPT_PARSE_WHOLE to
  * its end. Result: the parser, released with xml_free_parser; 0 with XMLERR_NO_MEMORY,
@@ -89,7 +89,7 @@ int32_t xml_is_parser(uint32_t handle);
 
 /* Parses the next child of the document element into the tree, after those that are there.
  * Result: 1 when there was one; 0 at the end or on an error, and then the file error code is 8, 14
- * or 19. When the document ends or breaks inside the child the result is 1, and the code tells. */
+ * or 19. When the document ends, or is damaged, inside the child, the result is 1 all the same. */
 int32_t SxmlParser_parse_record(uint32_t parser);
 
 /* The document element, 0 when there is none (yet, or any more, since it was released). */

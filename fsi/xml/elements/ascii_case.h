@@ -7,7 +7,7 @@ constexpr char ascii_lower(char character) {
                                                 : character;
 }
 
-// True when a NUL-terminated text begins with another one, but for the case of ASCII letters.
+// True when a NUL-terminated text begins with another one, ignoring the case of ASCII letters.
 constexpr bool begins_ignoring_case(const char* text, const char* prefix) {
     while (*prefix != '\0' && ascii_lower(*text) == ascii_lower(*prefix)) {
         ++text;
@@ -16,7 +16,7 @@ constexpr bool begins_ignoring_case(const char* text, const char* prefix) {
     return *prefix == '\0';
 }
 
-// True when both NUL-terminated texts are equal but for the case of ASCII letters.
+// True when both NUL-terminated texts are equal, ignoring the case of ASCII letters.
 constexpr bool equal_ignoring_case(const char* first, const char* second) {
     while (*first != '\0' && ascii_lower(*first) == ascii_lower(*second)) {
         ++first;

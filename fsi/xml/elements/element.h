@@ -26,8 +26,8 @@ inline const char* value_of(const XmlAttribute& attribute) {
     return reinterpret_cast<const char*>(&attribute + 1);
 }
 
-// What somebody else keeps of a tree. It becomes null when the element is released, so that neither
-// outlives it.
+// A reference that somebody else keeps into a tree. It becomes null when the element is released,
+// so that neither outlives it.
 struct XmlElementHolder {
     XmlElement* root;     // the top-level element
     XmlElement* current;  // an element of its tree
@@ -77,7 +77,7 @@ inline std::uint32_t handle_of(const XmlElement* element) {
 }
 
 // The element after `element` in document order below `top`; null after the last. Without
-// `descends` what is below `element` is passed over.
+// `descends` the descendants of `element` are skipped.
 XmlElement* next_in_tree(const XmlElement* element, const XmlElement* top, bool descends = true);
 
 // Creates an element below `parent`, before the child with the handle `before` or after the others.

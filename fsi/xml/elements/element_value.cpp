@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* VALUE_DESCRIPTION = "XML Character data";
 
-// The result of whatever fails for want of memory.
+// The result of a function that fails because memory is exhausted.
 bool out_of_memory() {
     set_element_error(XMLERR_NO_MEMORY);
     return false;

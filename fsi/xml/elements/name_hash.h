@@ -1,5 +1,5 @@
 // A keyed hash of names (SipHash with one round a word and three at the end), so that nobody can
-// prepare a document whose names all collide.
+// construct a document whose names all collide.
 #pragma once
 
 #include <bit>
@@ -12,8 +12,8 @@ struct HashKey {
     std::uint64_t high;
 };
 
-// The hash key of this process: where the system put things is not known to those who write
-// documents.
+// The hash key of this process: authors of documents do not know the addresses that the system has
+// chosen.
 HashKey process_hash_key();
 
 class NameHash {

@@ -20,7 +20,7 @@ static_assert(sizeof(NameIndex) % alignof(NameSlot) == 0);
 
 namespace {
 
-// Up to so many children are walked.
+// Up to this many children are searched one by one.
 constexpr std::uint32_t WALK_LIMIT = 32;
 constexpr std::uint32_t FIRST_SIZE = 64;
 constexpr std::uint32_t LARGEST_SIZE = std::uint32_t{1} << 30U;

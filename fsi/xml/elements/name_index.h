@@ -1,6 +1,6 @@
-// Finds the children of one name below a parent. With few children they are walked. An element with
-// many keeps an index: a hash table with a slot for each name that its children have. The children
-// of one name are linked in a ring, so that a slot can stand on any of them.
+// Finds the children of one name below a parent. A few children are searched one by one. An element
+// with many keeps an index: a hash table with a slot for each name that its children have. The
+// children of one name are linked in a ring, so that a slot can stand on any of them.
 #pragma once
 
 #include "fsi/xml/elements/element.h"

@@ -2,7 +2,7 @@
 
 namespace {
 
-// Counts the numbers that elements have come by.
+// Counts the numbers given to elements.
 std::uint64_t numbers_given = 0;
 
 bool is_full(const XmlElement& element) {

@@ -1,9 +1,9 @@
-// Events that come too early: after the end of the record that was asked for.
+// Events that come too early: after the end of the requested record.
 //
-// Where a record ends, Expat is suspended. Not so within the text of an internal entity: up to
-// version 2.6 Expat, when resumed, loses the rest of an entity that stands last in another one. It
-// goes on to the end of the piece that it was given, and what it delivers is kept until the caller
-// asks for more.
+// Where a record ends, Expat is suspended. It is not suspended within the text of an internal
+// entity: up to version 2.6 Expat, when resumed, loses the rest of an entity that stands last in
+// another one. It goes on to the end of the piece that it was given, and what it delivers is kept
+// until the caller asks for more.
 #pragma once
 
 #include "fsi/xml/handlers/xml_parser.h"
@@ -14,8 +14,8 @@ inline bool is_early(const XmlParser& parser) {
     return (parser.state & both) == both && parser.depth == 1;
 }
 
-// Each keeps an event. Without memory for it the parse is stopped; with more than any honest
-// document has in one piece it ends as with an error of the document (XML_ERROR_ABORTED).
+// Each keeps an event. Without memory for it the parse is stopped; when a piece of input gives more
+// events than any real document does, it ends as with an error of the document (XML_ERROR_ABORTED).
 void keep_start(XmlParser& parser, const char* name, const char* const* attributes);
 void keep_end(XmlParser& parser, const char* name);
 void keep_text(XmlParser& parser, const char* text, std::size_t length);

@@ -21,7 +21,7 @@ void trace_start(const char* name, const char* const* attributes) {
 }
 
 // Creates the element that starts, below the innermost open one. Null when memory is exhausted, and
-// also when somebody released the tree under the parser: a second tree would belong to nobody.
+// also when somebody released the tree under the parser: a second tree would have no owner.
 XmlElement* new_element(XmlParser& parser, const char* name) {
     if (!parser.tree.current) {
         if (parser.depth > 1) return nullptr;
@@ -208,7 +208,7 @@ void end_element(void* expat, const char* name) {
     leave_element(parser);
     --parser.depth;
     if (parser.depth == 1) end_record(parser);
-    // What follows the document element may be fed already.
+    // Expat may have been given input after the document element already.
     if (parser.depth == 0) {
         parser.state |= XMLPS_ROOT_ENDED;
         suspend(parser);

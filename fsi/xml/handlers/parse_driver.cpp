@@ -49,7 +49,7 @@ void leave_at_end(const XmlParser& parser) {
     leave("Leaving, EOF");
 }
 
-// True when the parse is over for good; the outcome is then reported once more.
+// True when the parse has ended; the outcome is then reported again.
 bool is_over(XmlParser& parser) {
     if (!parser.expat)
         leave_at_end(parser);
@@ -62,7 +62,8 @@ bool is_over(XmlParser& parser) {
     return true;
 }
 
-// Takes note of what Expat made of a piece. False when the parse is over, which is then reported.
+// Records Expat's result for a piece of input. False when the parse is over, which is then
+// reported.
 bool accept(XmlParser& parser, XML_Status status) {
     if (stopped(parser)) {
         leave_out_of_memory();
@@ -152,8 +153,8 @@ bool read_more(XmlParser& parser, HostStream* stream) {
     return filled > 0;
 }
 
-// Tells Expat that the input has ended, so that it hands over what it held back. What is missing
-// from the document is no error; only text lost for want of memory is.
+// Tells Expat that the input has ended, so that it hands over what it held back. Missing parts of
+// the document are not an error; only text lost for lack of memory is.
 void finish(XmlParser& parser) {
     if (!(parser.state & XMLPS_INPUT_ENDED)) {
         const XML_Status status = XML_Parse(parser.expat, parser.buffer, 0, XML_TRUE);
@@ -192,8 +193,8 @@ HostTextSpan unread_span(XmlParser& parser) {
 }
 
 // Expat suspends itself where a stepwise parser has to stop, so that all that is there can be fed;
-// the trace shows every tag by itself. Where records may take the lane, Expat gets no more than it
-// has to see.
+// the trace shows every tag by itself. Where the plain lane may read records, Expat gets no more
+// input than it needs.
 bool feeds_freely(const XmlParser& parser) {
     constexpr std::uint32_t BOTH = XMLPS_STEPWISE | XMLPS_PLAIN_RECORDS;
     return (parser.state & BOTH) == XMLPS_STEPWISE && !host_trace_on;

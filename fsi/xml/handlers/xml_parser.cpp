@@ -22,8 +22,8 @@ extern "C" __attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Pars
 
 namespace {
 
-// With deferral, Expat would keep a complete tag back until more input has come, and the end of a
-// record would arrive together with the next one.
+// With deferral, Expat would hold a complete tag back until more input arrives, and the end of a
+// record would be reported together with the next one.
 void turn_off_reparse_deferral(XML_Parser expat) {
 #if defined(__ELF__)
     if (XML_SetReparseDeferralEnabled) XML_SetReparseDeferralEnabled(expat, XML_FALSE);

@@ -46,7 +46,7 @@ enum XmlParserState : std::uint32_t {
     XMLPS_RECORD_ENDED = 0x400,        // the record that was asked for has ended
     XMLPS_REPLAYING = 0x800,           // events that were kept are being delivered
     XMLPS_ROOT_ENDED = 0x1000,         // the document element has ended
-    XMLPS_END_TOLD = 0x2000,           // a caller who asked for a record was told so
+    XMLPS_END_TOLD = 0x2000,           // this was reported to a caller that asked for a record
     XMLPS_ENTITIES_TOO_DEEP = 0x4000,  // why the parse was stopped
     XMLPS_READ = 0x8000,               // the document is one that was read, not built
     XMLPS_PLAIN_RECORDS = 0x10000      // records may take the lane, see plain_records.h

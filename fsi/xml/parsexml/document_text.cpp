@@ -65,7 +65,7 @@ const char* written_encoding(const XmlParser& parser) {
     const char* name = parser.encoding_name;
     const bool usable = !name || !names_wide_units(name);
     const bool was_read = (parser.state & XMLPS_READ) != 0;
-    // Only its maker knows what a document is in that was not read.
+    // For a document that was not read, only its creator knows the encoding.
     if (!was_read) return usable ? name : "UTF-8";
     const char* actual = stores_latin1(parser) ? "ISO-8859-1" : "UTF-8";
     if (equal_ignoring_case(name ? name : "UTF-8", actual)) return name;

@@ -1,4 +1,4 @@
-// The texts of a whole document, looked at together: what encoding can they be written in?
+// The texts of a whole document taken together: in which encoding can they be written?
 #pragma once
 
 #include "fsi/xml/handlers/xml_parser.h"

@@ -17,7 +17,7 @@ bool is_document_text(const char* source) {
     return begins_ignoring_case(source, "<?xml ");
 }
 
-// Opens the input that `source` names. Result: XMLERR_NONE or why it cannot be had.
+// Opens the input that `source` names. Result: XMLERR_NONE or the reason for the failure.
 XmlErrorCode open_input(XmlParserInfo& info, const char* source) {
     if (is_document_text(source)) return XMLERR_NONE;
     if (begins_ignoring_case(source, "http:")) {

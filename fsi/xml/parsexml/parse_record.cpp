@@ -7,8 +7,8 @@
 
 namespace {
 
-// What a call finds once the document element has ended. The first one says just that, and looks at
-// nothing that follows; the next ones say how the input ends.
+// What a call finds once the document element has ended. The first one reports just that, without
+// examining what follows; the next ones report how the input ends.
 void parse_rest(XmlParserInfo& info) {
     XmlParser& parser = *info.parser;
     std::int16_t& error = *host_file_error();

@@ -18,7 +18,7 @@ struct OpenGroup {
 
 class GroupPath {
   public:
-    // Below each other, groups have ever greater levels: no more than there are 16-bit levels.
+    // Nested groups have increasing levels, so there are no more than there are 16-bit levels.
     static constexpr std::size_t CAPACITY = 65536;
 
     bool empty() const { return depth_ == 0; }

@@ -1,5 +1,5 @@
-// libcurl, loaded when the first document is fetched: with all that it needs it takes more time to
-// load than a small file to convert.
+// libcurl, loaded when the first document is fetched: loading it with its dependencies takes longer
+// than converting a small file.
 #pragma once
 
 #include <curl/curl.h>

@@ -7,8 +7,8 @@
 
 namespace host {
 
-// Fetches a document whole and writes it to a descriptor. Result: empty, or why nothing was
-// fetched, or not all of it; what was written by then has to be thrown away.
+// Fetches a document whole and writes it to a descriptor. Result: empty, or why the document was
+// not fetched completely; what has been written must then be discarded.
 RUNTIME_API std::string fetch_document(const std::string& url, int descriptor);
 
 }  // namespace host

@@ -23,7 +23,7 @@ constexpr const char* FILE_STEM = "sxml";
 std::uint64_t largest_document() {
     constexpr std::uint64_t mebibyte = std::uint64_t{1024} * 1024;
     const std::int16_t limit = host_config_number(LIMIT_NAME, DEFAULT_LIMIT);
-    // No value takes the limit away: "no" or 0 may be a slip.
+    // No value removes the limit: "no" or 0 may be a mistake.
     return static_cast<std::uint64_t>(limit > 0 ? limit : DEFAULT_LIMIT) * mebibyte;
 }
 

@@ -33,7 +33,7 @@ CURLcode transfer(const host::CurlLibrary& curl, const char* url, host::Transfer
         curl.easy_setopt(handle, CURLOPT_TIMEOUT, host::MOST_SECONDS) == CURLE_OK &&
         curl.easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L) == CURLE_OK &&
         curl.easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, host::STALLED_SECONDS) == CURLE_OK &&
-        // What is announced as too large is not begun.
+        // A transfer that is announced as too large is not started.
         curl.easy_setopt(handle, CURLOPT_MAXFILESIZE_LARGE,
                          static_cast<curl_off_t>(target->room)) == CURLE_OK &&
         curl.easy_setopt(handle, CURLOPT_WRITEFUNCTION, store) == CURLE_OK &&

@@ -1,4 +1,4 @@
-// Exhausted memory that the host, or the module, could not tell its caller of.
+// Exhausted memory that the host, or the module, could not report to its caller.
 #pragma once
 
 #include "host/runtime/memory/memory_report.h"

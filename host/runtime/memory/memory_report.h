@@ -1,4 +1,4 @@
-// What the embedding program and tests can ask of the tracked allocator.
+// Queries of the tracked allocator, for the embedding program and tests.
 #pragma once
 
 #include <cstddef>

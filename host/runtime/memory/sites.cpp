@@ -19,8 +19,8 @@ struct SiteTable {
 
 constinit Immortal<SiteTable> table;
 
-// Texts are told apart by address: the same literal in two places makes two sites, and the reports
-// add them up.
+// Texts are distinguished by address: the same literal in two places makes two sites, and the
+// reports add them up.
 std::size_t hash_of(const Origin& origin) {
     const std::uint64_t texts = reinterpret_cast<std::uintptr_t>(origin.source) ^
                                 reinterpret_cast<std::uintptr_t>(origin.description) << 7;

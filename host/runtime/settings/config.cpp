@@ -37,11 +37,11 @@ constexpr const char* COLUMN_CASE_ALIAS = "SXML_COLUMN_CASE";
 constexpr const char* MEMORY_LIMIT = "SXML_MEMORY_LIMIT";  // in MiB; 0 or less: no limit
 constexpr const char* HOST_VARIABLES[] = {COLUMN_CASE, COLUMN_CASE_ALIAS,  "SXML_PATH",
                                           "SXML_FD",   "SXML_FETCH_LIMIT", MEMORY_LIMIT};
-// Those of programs that embed the host: which files are XML, what is said, and SXML_LAYOUT_name
-// for the layout of each file.
+// Those of programs that embed the host: which files are XML, how much is reported, and
+// SXML_LAYOUT_name for the layout of each file.
 constexpr const char* PROGRAM_VARIABLES[] = {"SXML_FILES", "SXML_VERBOSE"};
 constexpr std::string_view LAYOUT_PREFIX = "SXML_LAYOUT_";
-// Read from the environment when the process starts: in a settings file they come too late.
+// Read from the environment when the process starts: in a settings file they would come too late.
 constexpr const char* ENVIRONMENT_ONLY[] = {"SXML_CONFIG", "SXML_TRACE", "SXML_TRACE_FILE",
                                             "SXML_HOST_LEAKS", "SXML_MODULE"};
 
@@ -127,7 +127,8 @@ void read_file() {
     config->is_file_read = true;
 }
 
-// Once the declared names are known, others of their family in the settings file are slips.
+// Once the declared names are known, other names with their prefix in the settings file are
+// mistakes.
 void check_file_names() {
     if (config->are_names_checked || config->declared.empty()) return;
     config->are_names_checked = true;
@@ -246,7 +247,7 @@ void forget_resolved(std::string_view name) {
     }
 }
 
-// Without the memory to look it up the limit stays as it was.
+// Without memory for the lookup, the limit is unchanged.
 void apply_memory_limit() noexcept {
     constexpr unsigned MEBIBYTE = 20;
     try {

@@ -174,7 +174,7 @@ void host_trim_span(const HostTextSpan* span, std::uint64_t* start, std::uint64_
         return is_white_space(read_unit(span->text + at, span->encoding));
     };
     while (last - first >= width && is_blank(first)) first += width;
-    // Bytes at the end that make no whole unit are no white space.
+    // Bytes at the end that do not make a whole unit are not white space.
     const bool has_rest = span->length % width != 0;
     while (!has_rest && last - first >= width && is_blank(last - width)) last -= width;
     *start = first;

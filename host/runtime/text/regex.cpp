@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* SOURCE = "host/runtime/regex";
 constexpr const char* DESCRIPTION = "regular expression";
-// Bounds on the work of one search, so that no pattern and text can hold the process up.
+// Limits on the work of one search, so that no pattern and text can block the process.
 constexpr std::uint32_t MATCH_LIMIT = 10'000'000;
 constexpr std::uint32_t HEAP_LIMIT_KIB = 64 * 1024;
 

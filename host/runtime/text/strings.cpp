@@ -48,7 +48,7 @@ std::uint32_t string_type() {
     return id;
 }
 
-// Null when the handle is no live string.
+// Null when the handle is not a live string.
 StringObject* find_string(std::uint32_t handle) {
     return handle != 0 && host_handle_type(handle) == string_type()
                ? static_cast<StringObject*>(host_handle_ptr(handle))

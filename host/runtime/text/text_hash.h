@@ -1,4 +1,4 @@
-// Hash of a text, seeded for each process, so that nobody can prepare names that collide.
+// Hash of a text, seeded for each process, so that nobody can construct names that collide.
 #pragma once
 
 #include <cstddef>

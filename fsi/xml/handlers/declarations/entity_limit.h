@@ -9,12 +9,12 @@
 // declaration is kept from a handler that would get it otherwise.
 void limit_entities(XmlParser& parser);
 
-// Takes note of a general entity that a handler for entity declarations is told of; `value` is null
+// Records a general entity that a handler for entity declarations receives; `value` is null
 // for those without a text of their own. With too deep a chain the parse ends as with an error of
 // the document (XML_ERROR_ABORTED, XMLPS_ENTITIES_TOO_DEEP).
 void limit_entity(XmlParser& parser, const char* name, const char* value, int length);
 
-// The same for a token that the default handler gets; of no account outside a DOCTYPE declaration.
+// The same for a token that the default handler gets; ignored outside a DOCTYPE declaration.
 void limit_token(XmlParser& parser, const char* text, std::size_t length);
 
 // The DOCTYPE declaration has ended: all entities are known.

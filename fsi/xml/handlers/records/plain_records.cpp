@@ -302,7 +302,7 @@ bool fill_up(XmlParser& parser, HostStream* stream) {
     return count > 0;
 }
 
-// Reading a record twice does not pay where most records are not plain.
+// Reading records twice is wasteful where most of them are not plain.
 void count_refused(XmlParser& parser) {
     constexpr std::uint32_t TRIED = 64;
     constexpr std::uint32_t WORTH_IT = 8;

@@ -1,5 +1,5 @@
-// The way past the element tree that the sequential-file interface takes while nothing is traced:
-// the children of the document element, and all below them, go into a record tree.
+// Reading without the element tree, for the sequential-file interface while nothing is traced: the
+// children of the document element, with their descendants, go into a record tree.
 #pragma once
 
 #include "fsi/xml/handlers/xml_parser.h"

@@ -13,7 +13,7 @@ namespace {
 constexpr const char* DESCRIPTION = "XML record names";
 constexpr std::uint32_t FIRST_SLOTS = 64;
 // A file whose documents have more names than this, besides those of the description, or as many
-// bytes of names, has them looked up anew now and then.
+// bytes of names, forgets them from time to time.
 constexpr std::uint32_t MOST_NAMES = 4096;
 constexpr std::uint32_t MOST_TEXT = 1U << 20U;
 
@@ -55,7 +55,7 @@ std::uint32_t find_name(RecordNames& names, const char* text, std::uint32_t hash
     return name;
 }
 
-// The name in lower case; 0 when there is none. A longer one is no item's.
+// The name in lower case; 0 when there is none. A longer name does not belong to an item.
 std::uint32_t find_folded(RecordNames& names, const char* text, std::size_t length) {
     if (length >= XFD_ITEM_NAME_SIZE) return 0;
     char folded[XFD_ITEM_NAME_SIZE];
@@ -142,7 +142,7 @@ bool limit_names(RecordNames& names) {
     names.count = names.kept;
     names.text_size = names.kept_text;
     names.previous = 0;
-    // Forgetting names again and again must not pay for the record that once had the most.
+    // The cost of forgetting names must not depend on the record that once had the most.
     while (names.slot_count > FIRST_SLOTS && names.slot_count / 2 > names.count)
         names.slot_count /= 2;
     for (std::uint32_t number = 1; number <= names.count; ++number) {

@@ -12,14 +12,14 @@ struct RecordName {
     std::uint32_t hash;
     std::uint32_t next;       // the next name in the same slot; 0 after the last
     std::uint32_t stored_as;  // the name that an element written so is stored under; 0: not known
-    std::uint32_t successors[2];  // the names written after it lately, latest first; 0: not known
-    bool is_field;                // equal to the name of a field but for case
+    std::uint32_t successors[2];  // the names that followed it recently, latest first; 0: not known
+    bool is_field;                // equal to the name of a field except for case
     bool is_folded_field;         // the name of a field in lower case
     bool is_group;                // the name of a group
     bool is_top;                  // the name of an item directly below a record
     bool is_ambiguous;            // the name of items in groups that are called differently
 
-    // The elements of this name in the record that `record` tells; of no account in others.
+    // The elements of this name in record number `record`; invalid for other records.
     std::uint64_t record;
     std::uint32_t first;
     std::uint32_t last;
@@ -28,7 +28,7 @@ struct RecordName {
 
 // Zero-filled, it is ready for use.
 struct RecordNames {
-    RecordName* names;  // names[0] is no name
+    RecordName* names;  // names[0] is not used
     std::uint32_t* slots;
     char* texts;
     std::uint32_t name_room;

@@ -33,7 +33,7 @@ struct RecordElement {
     std::size_t text_start;  // the beginning of the text
     std::size_t text_length;
     bool has_text;
-    bool keeps_text;      // the texts of elements that are no field's are not kept
+    bool keeps_text;      // texts of elements that belong to no field are not kept
     bool is_trimmed;      // white space around its text does not count
     bool is_moved;        // its text was moved into the record
     bool has_other_text;  // when the tree notes what is unused: text that is not kept
@@ -60,7 +60,7 @@ struct RecordTree {
     std::uint32_t last_element;
     std::uint32_t last_piece;
     std::uint32_t current;              // the innermost open element
-    std::uint32_t known_elements;       // of the record before, which may be met again
+    std::uint32_t known_elements;       // of the previous record, which may occur again
     std::uint64_t record;               // counts the records that were linked anew
     std::uint32_t texts_left;           // elements with a text that was not moved into the record
     bool has_unused_parts;              // texts that are not kept, or attributes, were noted
@@ -144,7 +144,7 @@ inline std::uint32_t first_element_of(const RecordTree& tree, std::uint32_t name
     return entry.record == tree.record ? entry.first : 0;
 }
 
-// Elements are numbered when the record has no more to come: the numbers of an element are those of
+// Elements are numbered when the record is complete: the numbers of an element are those of
 // its parent and its own, if there is another of its name below the same parent. As in the element
 // tree, an element with XML_INDEX_LIMIT numbers gains none. Does nothing the second time.
 void number_elements(RecordTree& tree);

@@ -74,7 +74,7 @@ bool fits_with_gaps(const Numbers& numbers, const XfdItem& item) {
             return leave(false, "Leaving, FALSE 2");
         }
     }
-    // The trace knows no line for numbers that are left over.
+    // The trace has no line for numbers that are left over.
     return matched == numbers.count && leave(true, "Leaving, TRUE");
 }
 

@@ -1,4 +1,4 @@
-// Telling the occurrences of a table apart: an element's occurrence numbers against an item's
+// Distinguishing the occurrences of a table: an element's occurrence numbers against an item's
 // subscripts.
 #pragma once
 

@@ -22,11 +22,11 @@ struct Step {
     bool is_known;  // `result` is the outcome
 };
 
-// One search runs at a time in the process. Groups around each other have ever lower levels: no
-// more than there are 16-bit levels. Pages that no description needs are never touched.
+// One search runs at a time in the process. Enclosing groups have decreasing levels, so there are
+// no more than there are 16-bit levels. Pages that no description needs are never touched.
 Step steps[65536];
 
-// Groups looked for again and again are traced again and again, as often as this per search.
+// A repeated search for groups is traced each time, up to this often per search.
 constexpr int MOST_REPEATS = 10'000;
 
 class ElementSearch {
@@ -94,7 +94,7 @@ bool ElementSearch::start(std::int32_t at) {
 
 bool ElementSearch::choose(std::int32_t at, std::uint32_t first) {
     number_elements(tree_);
-    // Which of several groups is meant, the element of the group tells.
+    // The element of the group shows which of several groups is meant.
     const bool is_ambiguous = tree_.names.names[tree_.elements[first].name].is_ambiguous;
     if (is_ambiguous && matches_by_place(tree_)) return false;
     const FittingElements fitting = count_fitting(first, steps[at].item);

@@ -49,7 +49,7 @@ bool input_is_missing() {
     return code == XMLERR_OPEN_FILE;
 }
 
-// Tries the name with ".xml" added. Nothing but a document will do, whatever it fails for.
+// Tries the name with ".xml" added. The result must be a document; any other outcome is a failure.
 bool open_with_suffix(XmlFile& file, const char* name, std::uint32_t options) {
     const std::size_t size = std::strlen(name) + sizeof XML_SUFFIX;
     auto* const longer = static_cast<char*>(

@@ -130,7 +130,7 @@ bool make_record_index(RecordIndex& index, const RecordTree& tree) {
 }
 
 // Moved elements are taken out on the way: they stay moved as long as the index lives. So elements
-// that all fit one item are not passed over again and again.
+// that all fit one item are not skipped repeatedly.
 FittingElements find_fitting(InputItems& input, std::uint32_t name, const XfdItem& item) {
     RecordIndex& index = input.record_index;
     const RecordTree& tree = input.tree;

@@ -1,8 +1,8 @@
 // The elements of one record, found by name and occurrence numbers.
 //
 // Elements of one name are chained, and so are the children of an element. Walking those chains is
-// quick as long as they are short; a record with a large table has long ones, which every item of
-// the table would walk again. For such a record this index is made, once and of all its elements.
+// fast as long as they are short; a record with a large table has long ones, and every item of the
+// table would walk them again. For such a record this index is made, once and of all its elements.
 // It tells apart what may fit an item from what certainly does not: an element whose numbers,
 // without those that are 1, are not the item's subscripts without those that are 1, fits the item
 // under no setting.

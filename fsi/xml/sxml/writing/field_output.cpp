@@ -42,7 +42,7 @@ bool write_binary(RecordWriter& writer, const XfdItem& field) {
     return !bytes.empty();
 }
 
-// A host may give other texts than numbers ("NaN", say): they are no zero.
+// A host may give texts other than numbers (such as "NaN"): they are not zero.
 bool is_zero(std::string_view text) {
     return text.find_first_not_of("0+-. ") == text.npos;
 }

@@ -79,7 +79,7 @@ Look copy(char* at, const char* text, std::size_t length) {
     return look;
 }
 
-// Texts of anything but printable ASCII characters go the long way.
+// Texts with other than printable ASCII characters take the slow path.
 void write_text(RecordWriter& writer, const PlanStep& step) {
     const XfdItem& field = writer.xfd.items[step.item];
     const std::string_view text = writer.text_giver == nullptr
