@@ -11,11 +11,11 @@
 namespace conversion {
 
 enum class Cause : std::uint8_t {
-    usage,          // what was asked for cannot be meant; nothing was changed
+    usage,          // wrong usage; nothing was changed
     setting,        // the value of a setting
     layout,         // the record description
     not_found,      // there is no such file
-    not_permitted,  // access is refused, or the file is not of a kind that serves
+    not_permitted,  // access is refused, or the file is of an unsuitable kind
     busy,           // another program or file of this program uses it
     no_space,       // a full disk, a quota, the limit on the size of files
     no_memory,

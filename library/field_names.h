@@ -12,7 +12,7 @@
 
 namespace library {
 
-// The fields of a description: its items that are no groups.
+// The fields of a description: its items other than groups.
 class FieldNames {
   public:
     // `xfd` must outlive this.

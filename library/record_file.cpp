@@ -267,8 +267,8 @@ Result<bool> RecordFile::read_document() {
     return outcome;
 }
 
-// Why the document does not have such a record. What can be had of it is taken; it is blank where
-// the tables' counters do not say how it lies in a file.
+// Why the document does not have such a record. Its available data is kept; it is blank when the
+// tables' counters do not define its form in a file.
 Problem RecordFile::problem_of_document() {
     if (input_->record().empty() || take(input_->record(), input_->layout())) clear();
     return at_record(input_->problem()).value();
@@ -428,7 +428,7 @@ void RecordFile::evaluate() {
     for (std::size_t i = 0; i < held_.size(); ++i) held_[i] = (xfd.conditions[i].is_true & 1) != 0;
 }
 
-// Fields of a condition are blanked when it comes to hold, but for what the program has set.
+// Fields of a condition are blanked when it becomes true, except those that the program has set.
 void RecordFile::note_set(const XfdItem& item) {
     std::fill_n(is_set_.begin() + item.offset, item.data.length, std::uint8_t{1});
     if (held_.empty()) return;

@@ -16,7 +16,7 @@ using CharacterTable = std::array<std::int32_t, 256>;
 enum class CharacterSetKind : std::uint8_t { unknown, single_byte, multi_byte, no_memory };
 
 // Looks a set up by any of its names, in any letter case; `table` is filled for single_byte.
-// no_memory: the system has not the memory to say.
+// no_memory: memory is exhausted.
 CharacterSetKind find_character_set(const std::string& name, CharacterTable& table);
 
 // The same, of the project's tables only. False when they do not have it.

@@ -1,4 +1,4 @@
-// The calendar's view of moments.
+// Calendar dates and times.
 #pragma once
 
 #include <ctime>

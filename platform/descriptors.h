@@ -1,6 +1,6 @@
-// Reads and writes on the system's descriptors, done whole: interrupted and partial calls are taken
-// up again, and a descriptor that does not wait by itself is waited for. Failures are system error
-// numbers.
+// Complete reads and writes on the system's descriptors: interrupted and partial calls are
+// continued, and non-blocking descriptors are waited for.
+// Failures are system error numbers.
 #pragma once
 
 #include <cstddef>

@@ -21,7 +21,7 @@ struct DoubleByteSet {
 };
 
 // Looks a set up by its name. multi_byte: `set` is filled; unknown: the system does not know it, or
-// it is of another kind; no_memory: the system has not the memory to say.
+// it is of another kind; no_memory: memory is exhausted.
 CharacterSetKind find_double_byte_set(const std::string& name, DoubleByteSet& set);
 
 }  // namespace platform

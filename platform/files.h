@@ -1,4 +1,4 @@
-// What the name of a file stands for.
+// The files that names refer to.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace platform {
 
-// Tells whether two names are one file: through links, and whatever way a name takes.
+// Identifies a file: names of one file give equal identities, through links and on any path.
 struct FileIdentity {
     std::uint64_t device;  // 0: not known, which standard streams of Windows may have
     std::uint64_t file;

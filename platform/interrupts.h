@@ -1,4 +1,4 @@
-// What must not stay behind when a signal ends the process.
+// Files and folders that are removed when a signal ends the process.
 #pragma once
 
 #include <string>
@@ -24,8 +24,8 @@ class RemovedOnInterrupt {
 
 // From now on SIGINT, SIGTERM, SIGHUP and SIGPIPE end the process only after all these files are
 // removed; those that the parent process ignores (nohup, say) stay ignored. A write beyond the
-// limit on the size of files fails like others (EFBIG) instead of ending the process. Programs that
-// are run in the place of this one find all signals as they were.
+// limit on the size of files fails like others (EFBIG) instead of ending the process. Programs
+// executed by this process find all signals as they were.
 void handle_interrupts();
 
 // Removes all these files, for a program with signal handlers of its own: async-signal-safe.

@@ -1,4 +1,4 @@
-// Names of files: UTF-8 on systems whose own names are no bytes, the system's bytes elsewhere.
+// Names of files: UTF-8 on systems whose own names are not bytes, the system's bytes elsewhere.
 #pragma once
 
 #include <filesystem>

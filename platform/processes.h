@@ -1,4 +1,4 @@
-// Copies of this process that work beside it, and how they and it talk.
+// Copies of this process that work in parallel, and the communication with them.
 #pragma once
 
 #include <functional>
@@ -24,7 +24,7 @@ class Channel {
     Channel& operator=(Channel&&) = delete;
     ~Channel();
 
-    // Result: 0 or the error number: EPIPE when nobody is at the other end any more.
+    // Result: 0 or the error number: EPIPE when the other end is closed.
     int send(std::string_view message) const;
     // Waits for the next message. Nothing when the other end is gone. Throws std::bad_alloc.
     std::optional<std::string> receive() const;

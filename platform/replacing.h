@@ -1,5 +1,4 @@
-// A new file in the place of an old one: until the new one is complete, the name stands for what it
-// was.
+// Replaces a file with a new one: until the new one is complete, the name refers to the old one.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Which runtime library of C the program runs with.
+// The C runtime library of the process.
 #pragma once
 
 #include <string>

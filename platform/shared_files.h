@@ -8,11 +8,12 @@
 
 namespace platform {
 
-// Opens an empty file that goes when nobody has it open any more, whatever ends the processes. It
-// lies in `folder`, or, where that cannot be or `folder` is empty, in the one for temporary files.
-// Result: a descriptor that the caller closes; -1 on failure with the reason in errno.
+// Opens an empty file that is removed when no process has it open any more, however the processes
+// end. It is in `folder`, or, where that is impossible or `folder` is empty, in the folder for
+// temporary files. Result: a descriptor that the caller closes; -1 on failure with the reason in
+// errno.
 int open_nameless(const std::string& folder);
-// What opens again what a descriptor of this process has open.
+// A name that opens the file of a descriptor of this process again.
 std::string name_of_descriptor(int descriptor);
 
 // Copies the bytes from `begin` to before `end` of a file to a position of another one. The

@@ -1,5 +1,5 @@
-// Files and folders for the time of one run: nobody else may look into them, nobody can foretell
-// their names, and they go with their objects or when a signal ends the process (interrupts.h).
+// Files and folders for a single run: nobody else may read them, their names are unpredictable, and
+// they are removed with their objects or when a signal ends the process (interrupts.h).
 #pragma once
 
 #include <optional>
@@ -31,7 +31,7 @@ class TemporaryFile {
   private:
     explicit TemporaryFile(std::string name);
 
-    std::string name_;  // empty: it is no temporary file any more
+    std::string name_;  // empty: it is no longer a temporary file
     RemovedOnInterrupt removed_;
 };
 

@@ -11,9 +11,9 @@ namespace records {
 // The edges of a field of this type and picture (upper case, as written).
 FieldEdges edges_of(FieldType type, std::string_view picture);
 
-// Moves the text of a field of characters to where its edges say that it stands. A document keeps
-// no blanks at the ends of a text, so that the module stores it at the field's start. A text that
-// does not fit there stays where it is.
+// Moves the text of a character field to the position that its edges define. A document does not
+// keep blanks at the ends of a text, so the module stores it at the field's start. A text that does
+// not fit there stays where it is.
 void align_field(const XfdItem& field, std::uint8_t* record);
 
 }  // namespace records

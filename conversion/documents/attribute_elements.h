@@ -21,14 +21,14 @@ struct AttributeRule {
     std::unordered_set<std::string> fields{};
 };
 
-// False for declarations of namespaces and what begins with xml: or xsi:, which are no data.
+// False for namespace declarations and names that begin with xml: or xsi:, which are not data.
 bool is_data_attribute(std::string_view name);
 
 // "price_currency"; a colon in the attribute's name becomes an underscore.
 std::string attribute_element_name(std::string_view element, std::string_view attribute);
 
-// Which elements stand for the attributes of a document that is parsed, tag by tag. What is given
-// back stays until the next call. Throws std::bad_alloc.
+// Which elements stand for the attributes of a document that is parsed, tag by tag. Results are
+// valid until the next call. Throws std::bad_alloc.
 class AttributeElements {
   public:
     struct Made {
@@ -40,13 +40,14 @@ class AttributeElements {
 
     // A start tag, with the attributes as Expat has them: what comes after it.
     const std::vector<Made>& begin(const char* name, const char** attributes);
-    // An end tag: what comes after it. When only some elements of a name have the attribute, there
-    // is an empty one for each before, so that the fifth of the one is that of the fifth other.
+    // An end tag: what comes after it. When only some elements of a name have the attribute, an
+    // empty one is added for each element before, so that the fifth attribute belongs to the fifth
+    // element.
     const std::vector<Made>& end();
-    // A piece of text: whether an element for it begins before it, and called what.
+    // A piece of text: whether an element for it begins before it, and the element's name.
     bool begins_text(std::string_view text);
     const std::string& text_element() const { return text_element_; }
-    // Whether it ends before the tag that comes now. To be asked before begin() and end().
+    // Whether it ends before the current tag. To be called before begin() and end().
     bool ends_text() { return std::exchange(is_in_text_, false); }
     // There would be too many empty ones.
     bool is_too_much() const { return is_too_much_; }

@@ -1,4 +1,4 @@
-// Expat as everything on the shelf uses it: documents whose entities nest too deep are refused.
+// Expat as all of conversion/ uses it: documents whose entities nest too deep are refused.
 #pragma once
 
 #include <expat.h>

@@ -27,7 +27,7 @@ Result<std::string> declared_encoding(const std::string& file) {
     XML_SetXmlDeclHandler(parser.expat(), note_declaration);
     XML_SetStartElementHandler(parser.expat(), stop_at_element);
     const Done problem = parser.parse(file, file);
-    // What is wrong with the document is not asked here.
+    // Errors in the document are not reported here.
     if (problem && problem->cause != Cause::document) return *problem;
     return encoding;
 }

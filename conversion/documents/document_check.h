@@ -1,4 +1,4 @@
-// What Expat by itself says of a document.
+// The verdict of Expat alone on a document.
 #pragma once
 
 #include <string>

@@ -3,10 +3,10 @@
 //
 // A part is read as a document of its own: what stands before the first record, the part, and the
 // end tag of the document element. Cuts are guessed: after what looks like the end tag of a record.
-// That one was right is known once the part before it has been read. That part began between two
-// records, and where it and the end tag make a well-formed document, it ends between two records,
-// too; one that ends within a record, a comment, a CDATA section or after the end of the document
-// does not.
+// Whether a cut was right is known once the part before it has been read. That part began between
+// two records, and where it and the end tag make a well-formed document, it ends between two
+// records, too; one that ends within a record, a comment, a CDATA section or after the end of the
+// document does not.
 #pragma once
 
 #include <cstdint>

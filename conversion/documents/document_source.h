@@ -14,16 +14,16 @@ namespace conversion {
 // True for the addresses of documents on the web ("http:" and "https:", in any letter case).
 bool is_url(const std::string& name);
 
-// What stands outside of the records at a path, or is an attribute of the document element, so that
-// no record has it.
+// Data that belongs to no record: outside the records at a path, or in attributes of the document
+// element.
 struct LeftOut {
     std::uint64_t texts = 0;
     std::uint64_t attributes = 0;
     Place first{};
 };
 
-// A problem (wrong usage) for what is no path to records, such as orders/page/order: the document
-// element and at least one more name.
+// A problem (wrong usage) unless the text is a path to records, such as orders/page/order: the
+// document element and at least one more name.
 Done check_record_path(const std::string& path);
 
 // A document as a file. What is kept of standard input or of the web is a private copy, which goes
@@ -58,7 +58,7 @@ class DocumentSource {
 
     // As it is shown in messages.
     const std::string& name() const { return name_; }
-    // The file. A copy, and a file that open() has found, has a name that is no address and not
+    // The file. A copy, and a file that open() has found, has a name that is neither an address nor
     // "-".
     const std::string& file() const { return file_; }
 

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t PIECE = std::size_t{1} << 16;
 
-// UTF-16 as UTF-8. What is no character comes out as some other one.
+// UTF-16 as UTF-8. Invalid units become some other character.
 std::string utf8_of_utf16(const std::string& bytes, bool is_big_endian) {
     std::string text;
     char32_t high = 0;

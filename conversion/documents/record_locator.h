@@ -1,4 +1,4 @@
-// Where the elements of a document's records stand, found by Expat alone when somebody asks.
+// Where the elements of a document's records stand, found by Expat alone on request.
 #pragma once
 
 #include <cstdint>

@@ -16,9 +16,10 @@ struct UnreadEntities {
     std::vector<Problem> first;  // the first ten, with their place
 };
 
-// Looks for them in the document in a file. One that declares none and has no external DTD costs
-// its beginning only. `shown_name` is what problems call it. What is wrong with the document is not
-// asked here: the search ends there. A problem when it cannot be read. Throws std::bad_alloc.
+// Looks for them in the document in a file. Only the beginning is read of a document that declares
+// none and has no external DTD. `shown_name` is what problems call it. Errors in the document are
+// not reported here: the search ends there. A problem when it cannot be read. Throws
+// std::bad_alloc.
 Result<UnreadEntities> find_unread_entities(const std::string& file, const std::string& shown_name);
 
 }  // namespace conversion

@@ -1,4 +1,4 @@
-// A document whose attributes are elements: a private copy, written anew from what Expat reads.
+// A document whose attributes are elements: a private copy, rewritten from what Expat reads.
 
 #include <algorithm>
 #include <cctype>

@@ -16,10 +16,10 @@ enum class BlankFill : std::uint8_t {
     keep      // what the record before held; the first one as by_type
 };
 
-// The module leaves a field alone that the document has no data for. So a record is blanked before
-// data is stored in it: the fields of every record first, those of a condition when the condition
-// turns out to hold. Of fields that have a byte in common, only the first one that applies gets its
-// value. What belongs to no field is spaces.
+// The module leaves a field unchanged when the document has no data for it. So a record is blanked
+// before data is stored in it: the fields of every record first, those of a condition when the
+// condition turns out to hold. Of fields that have a byte in common, only the first one that
+// applies gets its value. What belongs to no field is spaces.
 class BlankRecord {
   public:
     // `xfd` must outlive this; it tells fields, offsets and conditions. `characters` are the

@@ -17,7 +17,7 @@ class ByteSink {
     static Result<ByteSink> open(const std::string& name, const std::string& shown_name = "");
     ByteSink(ByteSink&& other) noexcept;
     ByteSink& operator=(ByteSink&&) = delete;
-    // What was written goes out without close(), too, but no problem is told.
+    // Without close(), everything is written, too, but failures are not reported.
     ~ByteSink();
 
     // Lets the next byte of a file be written at this position; nothing may have been written yet.

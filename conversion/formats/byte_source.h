@@ -22,8 +22,8 @@ class ByteSource {
     ByteSource& operator=(ByteSource&&) = delete;
     ~ByteSource();
 
-    // Passes over the first bytes, and has the source end so many bytes before its end. To be
-    // called before anything is read. A problem when there are not so many bytes.
+    // Skips the first bytes, and lets the source end the given number of bytes before its end. To
+    // be called before anything is read. A problem when there are fewer bytes.
     Done leave_out(std::uint64_t at_start, std::uint64_t at_end);
     // Reads up to `size` bytes; fewer only at the end.
     Result<std::size_t> read(std::uint8_t* buffer, std::size_t size);

@@ -1,4 +1,4 @@
-// Which format a file is in, told from its first bytes.
+// The format of a file, detected from its first bytes.
 #pragma once
 
 #include "conversion/formats/record_format.h"

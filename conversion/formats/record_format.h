@@ -30,7 +30,7 @@ struct RecordFormat {
     Kind kind = Kind::fixed;
     LengthHeader header = {};      // headed, blocks
     std::uint32_t block_size = 0;  // blocks: most bytes of one that is written, its header included
-    bool is_asked_for = false;     // fixed, though a file may look as if it had headers
+    bool is_asked_for = false;     // fixed, even if the file looks as if it had headers
 
     // The format called so: fixed, line, rdw, rdw:little, rdw:payload, rdw:little:payload, bdw,
     // bdw:SIZE, gnucobol, gnucobol:0 to gnucobol:3. A problem that lists the names.

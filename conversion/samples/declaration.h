@@ -13,9 +13,9 @@ namespace conversion {
 // The texts that a type allows.
 struct TextLimits {
     bool is_number = false;  // digits with or without sign and point
-    // Of texts: how long they may be at most, in characters. Nothing: as long as one likes.
+    // Of texts: how long they may be at most, in characters. Nothing: unlimited.
     std::optional<std::uint64_t> length{};
-    // Of numbers: digits before the point, and after it. Nothing: as many as one likes.
+    // Of numbers: digits before the point, and after it. Nothing: unlimited.
     std::optional<int> whole_digits{};
     std::optional<int> decimals{};
     bool may_be_negative = false;

@@ -36,8 +36,8 @@ FieldForm number_form(int whole, int decimals, bool is_negative) {
     return form;
 }
 
-// Whether zero would stand for what is empty or missing or, when a number is to come back as it
-// was, be left out with that.
+// Whether zero would stand for empty or missing elements or, when numbers are to be restored
+// exactly, would be left out with these.
 bool is_field_of_numbers(const ElementProfile& element, bool is_exact) {
     const TextProfile& text = element.text;
     if (!text.is_number()) return false;

@@ -24,7 +24,7 @@ constexpr std::uint64_t MOST_OCCURS = 32767;  // of a table
 
 struct FieldWishes {
     int grow = 20;          // lengths and tables get so many percent more than was seen
-    bool is_exact = false;  // no number that would be written in another way than it was read
+    bool is_exact = false;  // no number that would be written differently from how it was read
 };
 
 // The field of an element without elements. Where a schema sets a limit, that counts, if what was

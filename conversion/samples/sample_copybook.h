@@ -1,4 +1,4 @@
-// From what sample documents hold to a copybook that reads them.
+// Makes a copybook for reading documents from the contents of samples.
 #pragma once
 
 #include <string>

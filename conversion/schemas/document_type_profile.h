@@ -11,7 +11,7 @@
 namespace conversion {
 
 // Declares the elements of a profile as the document type does, and adds those that no sample has,
-// unless that is not wished. Result: what has no form in records, each with its place. A problem
+// unless that is not wanted. Result: what has no form in records, each with its place. A problem
 // when there are too many elements. Throws std::bad_alloc.
 Result<std::vector<Problem>> declare_by_type(DocumentProfile& profile, const DocumentType& type,
                                              const SchemaWishes& wishes);

@@ -17,7 +17,7 @@ struct SchemaWishes {
 };
 
 // Declares the elements of a profile as the schemas do, and adds those that no sample has, unless
-// that is not wished. The document element is that of the samples or the path; without them, the
+// that is not wanted. The document element is that of the samples or the path; without them, the
 // only one that can be. Result: what has no form in records, each with its place. A problem when
 // the document element is not told, or not declared, when a component is not declared, or when a
 // schema has no bounds. Throws std::bad_alloc.

@@ -17,7 +17,7 @@ class SchemaSet {
   public:
     // Reads a schema document and the local files that it includes and imports, each once. A
     // problem when one cannot be read or is not a schema, when there are too many, and for
-    // xs:redefine and xs:override. Places on the web are not asked. Throws std::bad_alloc.
+    // xs:redefine and xs:override. Nothing is fetched from the web. Throws std::bad_alloc.
     Done add(const std::string& file, const std::string& shown_name);
 
     bool is_empty() const { return documents_.empty(); }

@@ -40,7 +40,7 @@ struct Facets {
 struct BuiltIn {
     std::string_view name;
     Facets::Kind kind;
-    int length;  // of texts, 0: as one likes; digits of whole numbers, 0 likewise
+    int length;  // of texts, 0: unlimited; digits of whole numbers, 0 likewise
     bool may_be_negative;
 };
 

@@ -11,7 +11,7 @@
 namespace conversion {
 
 // What texts of a named type can be: one that is built in, a simple type, or a complex one with
-// simple content. `from` is where it is named. A problem when it is no such type, or is derived
+// simple content. `from` is where it is named. A problem when it is not such a type, or is derived
 // from itself. Throws std::bad_alloc.
 Result<TextLimits> limits_of_type(const SchemaSet& set, const SchemaNode& from,
                                   const std::string& type);

@@ -31,13 +31,14 @@ std::string records_text(std::uint64_t count) {
     return std::to_string(count) + (count == 1 ? " record" : " records");
 }
 
-// What came through a pipe is gone and cannot be looked at again.
+// Input from a pipe cannot be read again.
 bool can_be_read_again(const std::string& file) {
     const auto state = platform::state_of(file);
     return state && state->kind == platform::FileKind::regular;
 }
 
-// Names that programs and documents spell alike but for case, hyphens, underscores and full stops.
+// A name without the differences in spelling between programs and documents: case, hyphens,
+// underscores and full stops.
 std::string folded(std::string_view name) {
     std::string text;
     for (const char c : name) {
@@ -47,7 +48,7 @@ std::string folded(std::string_view name) {
     return text;
 }
 
-// Whoever has chosen gets what was chosen.
+// An explicit choice takes precedence.
 HostTableMatch table_match() {
     if (host_config_string(EXACT_TABLE_MATCH, nullptr) == nullptr) return HOST_TABLES_BY_PLACE;
     return host_config_flag(EXACT_TABLE_MATCH, 1) != 0 ? HOST_TABLES_EXACT : HOST_TABLES_LOOSE;
@@ -289,7 +290,7 @@ const std::string& InputDocument::name_of(std::optional<std::size_t> layout) con
     return fields_.layouts()[*layout].name;
 }
 
-// Of the layouts that are told by the record's element, only one is meant.
+// When the record's element determines the layout, only one layout is possible.
 bool InputDocument::has_wanted_name(std::int32_t condition) const {
     const std::vector<RecordLayout>& layouts = fields_.layouts();
     if (options_.is_named_by_element.empty() || layouts.size() < 2) return true;

@@ -106,7 +106,7 @@ Problem problem_of_opening(const FileToOpen& file) {
             error};
 }
 
-// Failures of files that nobody has asked for yet. The host tells them in one list for all files.
+// Failures of files that were not asked for yet. The host has one list for all files.
 struct WriteFailures {
     std::mutex mutex;
     std::vector<host::StreamFailure> known;

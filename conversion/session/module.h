@@ -38,7 +38,7 @@ Result<ModuleFile> open_module_file(const host::Module& module, const FileToOpen
 Done take_write_failure(const std::string& file);
 // The same of whatever file it is.
 Done take_write_failure();
-// What went wrong since this was last asked without anybody being told: memory was exhausted (then
+// Failures since the last call that were not reported otherwise: memory was exhausted (then
 // something of the document may be missing), or a file could not be read (then what was read of it
 // looked like all). Said once. take_write_failure() tells of exhausted memory, too.
 Done take_hidden_failure();

@@ -72,8 +72,8 @@ class OutputDocument {
     // say. Without it the conditions decide, and a record of no layout is written as the first.
     // `position`: of the record in its file, for conditions that ask for it. A problem, with field
     // and offset in the record, when the document cannot hold a text, or the record ends within a
-    // character of two bytes; nothing is written then. Whether all could be stored,
-    // take_write_failure() tells.
+    // character of two bytes; nothing is written then. take_write_failure() tells whether
+    // everything could be stored.
     Done write(const std::uint8_t* record, std::int32_t length,
                std::optional<std::size_t> layout = std::nullopt,
                records::RecordPosition position = {});
@@ -86,8 +86,8 @@ class OutputDocument {
 
     // Writes the end tag.
     void close();
-    // Leaves the document without an end tag, so that no reader takes it for a whole one. What has
-    // been written stays; the file stays open until the process ends.
+    // Leaves the document without an end tag, so that no reader takes it for a complete one. What
+    // has been written remains; the file stays open until the process ends.
     void abandon();
 
   private:

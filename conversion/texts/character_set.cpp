@@ -35,7 +35,7 @@ std::string upper_case(std::string text) {
     return text;
 }
 
-// But for the backslash and the tilde, which national sets replace.
+// Except for the backslash and the tilde, which national sets replace.
 bool nearly_extends_ascii(const Characters& characters) {
     for (std::int32_t byte = 0x20; byte < 0x7F; ++byte) {
         const bool is_replaced = byte == '\\' || byte == '~';

@@ -14,7 +14,7 @@ struct NumberField {
     bool has_decimal_comma;  // the program says DECIMAL-POINT IS COMMA
 };
 
-// The number that is meant by a text that is not one as it stands, when that is beyond doubt:
+// The number meant by a text in another notation, when it is unambiguous:
 // the date 2026-11-23 is 20261123 in a field of eight digits without decimals; 12,50 is 12.50 when
 // the program's decimal point is a comma and the text has no full stop. Nothing for all others.
 std::optional<std::string> meant_number(std::string_view text, const NumberField& field);

@@ -1,4 +1,4 @@
-// Finds what would make a document ill-formed, or be lost in it, before it is written.
+// Finds bytes that would make a document ill-formed, or be lost in it, before it is written.
 #pragma once
 
 #include <array>
@@ -27,7 +27,7 @@ struct TextProblem {
 // Checks texts of one character set, which must outlive this.
 class TextCheck {
   public:
-    // `allows_controls`: control characters, and NUL bytes with text after them, are no problem.
+    // `allows_controls`: control characters, and NUL bytes with text after them, are not reported.
     explicit TextCheck(const CharacterSet& characters, bool allows_controls = false);
 
     // The first problem of a text. Allowed are the characters that XML 1.0 allows, and NUL bytes

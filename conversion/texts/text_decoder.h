@@ -23,7 +23,7 @@ class TextDecoder {
         : bytes_(bytes), characters_(characters), form_(form) {}
 
     // The next character; nothing at the end, of bytes or of a text that NUL bytes fill up. Shifts
-    // are passed over; one that is missing or too many comes as no character.
+    // are skipped; a missing or superfluous one counts as no character.
     std::optional<Character> next();
 
     // Whether the character is a blank, which is left out at a text's end: the space, and in fields

@@ -1,4 +1,4 @@
-// Keeps signals out for a while.
+// Holds signals back for a while.
 #pragma once
 
 #include <signal.h>

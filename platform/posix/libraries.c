@@ -25,7 +25,7 @@ void* platform_library_symbol(void* library, const char* name) {
     return dlsym(library, name);
 }
 
-/* There are no numbers here: exports are called ordinal_1, ordinal_2 and so on. */
+/* Exports have no numbers here, but are named ordinal_1, ordinal_2 and so on. */
 void* platform_library_ordinal(void* library, int number) {
     char symbol[32];
     snprintf(symbol, sizeof symbol, "ordinal_%d", number);

@@ -22,7 +22,7 @@ namespace platform {
 
 namespace {
 
-// A connection that is closed must not end this process.
+// Writing to a closed connection must not end this process.
 int send_whole(int descriptor, const char* data, std::size_t size) {
     while (size > 0) {
         const ssize_t sent = send(descriptor, data, size, MSG_NOSIGNAL);

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Set-user-ID bits and their like are no permissions: they would be handed to a new owner.
+// Set-user-ID and similar bits are not permissions: they would be passed to a new owner.
 constexpr mode_t PERMISSIONS = 0777;
 constexpr mode_t GROUP = 0070;
 constexpr mode_t OTHERS = 0007;
@@ -29,8 +29,8 @@ struct Destination {
     std::optional<std::string> descriptor;
 };
 
-// True for a link that whoever owns it may have placed to mislead others: as the kernel has it
-// where links are protected.
+// True for a link that its owner may have placed to mislead others, by the kernel's rule for
+// protected links.
 bool is_trap(const fs::path& link) {
     struct stat own {};
     struct stat folder {};
@@ -47,7 +47,7 @@ std::optional<Destination> follow_links(const std::string& name) {
     std::error_code error;
     for (int links = 0; links < MOST_LINKS; ++links) {
         if (!fs::is_symlink(path, error)) return Destination{path, {}};
-        // What these links show is no path that could be followed.
+        // The text of these links is not a path that can be followed.
         const fs::path folder = fs::canonical(folder_of(path), error);
         if (error) break;
         if (folder == descriptors) {

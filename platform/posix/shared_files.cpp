@@ -19,7 +19,7 @@ bool read_at(int descriptor, char* data, std::size_t size, std::uint64_t positio
     while (size > 0) {
         const ssize_t count = pread(descriptor, data, size, static_cast<off_t>(position));
         if (count < 0 && errno == EINTR) continue;
-        if (count == 0) errno = EIO;  // somebody has cut the file
+        if (count == 0) errno = EIO;  // the file has been truncated meanwhile
         if (count <= 0) return false;
         data += count;
         size -= static_cast<std::size_t>(count);

@@ -13,8 +13,8 @@ namespace platform {
 bool open_missing_standard_streams() {
     for (const int descriptor : {STANDARD_INPUT, STANDARD_OUTPUT, STANDARD_ERROR}) {
         if (fcntl(descriptor, F_GETFD) >= 0) continue;
-        // The lowest free number is given: this one. Reading what is closed, or writing to it,
-        // fails as it would, but for messages.
+        // The lowest free number is given: this one. Reading from a closed stream, or writing to
+        // it, fails as it would otherwise, except for messages.
         const int mode = descriptor == STANDARD_OUTPUT ? O_RDONLY : O_WRONLY;
         if (open("/dev/null", mode) != descriptor) {
             return false;

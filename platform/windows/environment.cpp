@@ -49,7 +49,7 @@ const char* environment_variable(const char* name) {
     return kept.c_str();
 }
 
-// No program has more rights than who starts it.
+// No program has more rights than the user who starts it.
 const char* trusted_environment_variable(const char* name) {
     return environment_variable(name);
 }

@@ -1,4 +1,4 @@
-// Keeps an interrupt, which comes on a thread of its own, out for a while.
+// Holds an interrupt, which comes on a thread of its own, back for a while.
 #pragma once
 
 namespace platform {

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <utility>
 
-// The system starts programs, and cannot copy a process: there are no workers.
+// The system cannot fork a process, so there are no workers.
 namespace platform {
 
 struct Workers::Member {

@@ -8,7 +8,7 @@
 
 namespace platform {
 
-// UTF-8 as Windows takes it, and back. Bytes that are no UTF-8 become U+FFFD.
+// UTF-8 as Windows takes it, and back. Bytes that are not UTF-8 become U+FFFD.
 std::wstring wide(std::string_view text);
 std::string narrow(std::wstring_view text);
 

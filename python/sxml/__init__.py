@@ -33,7 +33,7 @@ _KINDS: tuple[type, ...] = (str, decimal.Decimal, float, bytes)
 
 
 class Error(Exception):
-    """What could not be done, and where. Places that are not known are None."""
+    """A failure and its location. Unknown parts of the location are None."""
 
     def __init__(self, message: str, record: int | None = None, line: int | None = None,
                  column: int | None = None, offset: int | None = None) -> None:
@@ -42,7 +42,7 @@ class Error(Exception):
 
 
 class DataWarning(UserWarning):
-    """A value that did not arrive as it was (a text was cut, a number repaired), or a doubtful layout."""
+    """A value that was changed (a text was cut, a number repaired), or a doubtful layout."""
 
 
 @dataclasses.dataclass(frozen=True)
@@ -179,13 +179,13 @@ class Layout:
         return length.value
 
     def parse(self, record: bytes) -> Record:
-        """Takes the bytes of a record apart."""
+        """Decodes the bytes of a record."""
         handle = self._opened()
         handle.check(_c.sxml_set_record(handle.pointer, record, len(record)))
         return handle.record()
 
     def build(self, values: typing.Mapping[str, object]) -> bytes:
-        """Puts a record together. Fields without a value are blank: spaces, or zero."""
+        """Encodes a record. Fields without a value are blank: spaces, or zero."""
         handle = self._opened()
         handle.fill(values)
         length = ctypes.c_size_t()
@@ -225,14 +225,14 @@ class File:
         handle.warn()
 
     def skip(self) -> bool:
-        """After an Error that concerned one record: whether the file goes on with the next one.
+        """After an Error that concerns a single record: whether the next one can be read.
 
         Otherwise, and without such a call, the failure is final.
         """
         return _c.sxml_skip(self._opened().pointer) == 0
 
     def close(self) -> None:
-        """Completes a file that is written: it takes the place of what had its name before."""
+        """Completes a file that is written: it replaces an older file of its name."""
         if self._handle.pointer is None:
             return
         try:
@@ -245,7 +245,7 @@ class File:
         return self
 
     def __exit__(self, kind: object, *_: object) -> None:
-        """After an exception a file that is written is given up: what had its name before stays."""
+        """After an exception a file that is written is discarded: an older file of its name stays."""
         if kind is None:
             self.close()
         elif self._handle.pointer is not None:

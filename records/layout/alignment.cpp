@@ -50,7 +50,7 @@ std::uint8_t blanks_of(const Symbol& symbol) {
     return static_cast<std::uint8_t>(symbol.letter == 'B' ? std::min(symbol.count, MAX_BLANKS) : 0);
 }
 
-// A number ends at the right edge, but for blanks and for a sign that only shows when needed. A
+// A number ends at the right edge, except for blanks and for a sign that only shows when needed. A
 // sign that stands alone does not float.
 FieldEdges edges_of_number(std::vector<Symbol> symbols) {
     FieldEdges edges{1, 0, 0, 0};

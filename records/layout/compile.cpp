@@ -222,7 +222,7 @@ class Compiler {
 
     std::optional<Description> describe(const NameScope& scope) {
         Model model;
-        // A file's records may be longer than what is described of them.
+        // A file's records may be longer than their descriptions.
         model.record_length = std::min(source_.record_contains, MAX_RECORD_LENGTH);
         for (const auto& layout : layouts_) {
             model.record_length =

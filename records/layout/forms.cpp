@@ -11,7 +11,7 @@ namespace {
 // (0. and 46 digits), 39 digits the largest; the module asks for digits + 2 characters.
 constexpr int FLOAT_DIGITS = 47;
 constexpr int FLOAT_SCALE = -46;
-// An 8-byte float has values that no descriptor can hold in plain notation; this is all it can.
+// An 8-byte float has values that no descriptor can hold in plain notation; this is the maximum.
 constexpr int DOUBLE_DIGITS = MAX_DIGITS_DESCRIBED;
 constexpr int DOUBLE_SCALE = -(MAX_DIGITS_DESCRIBED - 1);
 
@@ -111,8 +111,8 @@ FieldForm binary_form(const Node& node, const Picture& picture, const LayoutOpti
     const bool truncate = node.usage == Usage::binary && options.binary_truncate;
     const bool from_picture = picture.category == Category::numeric;
     if (truncate) form.flags |= FIELD_TRUNCATE;
-    // The text has room for all that the bytes can hold: records from elsewhere may hold more than
-    // the picture says, and nothing of it is to be lost.
+    // The text has room for all that the bytes can hold: records from elsewhere may hold more
+    // digits than the picture, and none of them may be lost.
     const int range = full_range_digits(node.size, is_signed);
     form.stored_digits = truncate ? picture.digits : range;
     describe_text(form, range, from_picture ? picture.scale : 0);

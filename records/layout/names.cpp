@@ -59,7 +59,7 @@ class NameSettler {
         const Node* layout;
     };
 
-    // Both are called so on purpose.
+    // Both have this name on purpose.
     static bool is_given(const Node& node) {
         return node.source->xml_name == node.name && !node.name.empty();
     }

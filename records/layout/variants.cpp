@@ -82,7 +82,7 @@ void choose_among(const std::vector<Node*>& sharing, const char* what, Diagnosti
     if (!tested.empty()) untested.front()->own_test = none_of(tested);
 }
 
-// Gives the records without a test one: that of none of the others holds.
+// Gives the records without a test this one: none of the others' tests holds.
 void describe_each(const std::vector<Node*>& records) {
     std::vector<Node*> tested;
     std::copy_if(records.begin(), records.end(), std::back_inserter(tested),
@@ -215,7 +215,7 @@ bool split(std::unique_ptr<Node> layout, const LayoutOptions& options, Layouts& 
     return true;
 }
 
-// A layout that is the only one is taken for every record.
+// The only layout is used for every record.
 void drop_test(Node& layout, Diagnostics& diagnostics) {
     if (layout.own_test) {
         diagnostics.warning(layout.source->place,
@@ -502,7 +502,7 @@ FieldForm left_over_form(const Node& layout, const Node& place) {
     return is_text ? FieldForm{} : opaque_form();
 }
 
-// A layout of which every record has every field would be taken always. A field of its own tells it
+// A layout whose fields are all in every record would always be chosen. A field of its own tells it
 // from the others: its unused space, the bytes of a variant that is not known, or else no bytes.
 void describe_own_field(Node& layout) {
     Node* field = nullptr;

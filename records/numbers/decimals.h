@@ -63,7 +63,7 @@ inline DigitWindow digit_window(const Decimal& number, int scale, int width) {
 }
 
 // Writes the run, each digit with `zero` added: 0 for values, '0' for characters. The fills are
-// mostly empty, and calls are dear for a handful of digits.
+// mostly empty, and calls are expensive for a few digits.
 inline void copy_window(const Decimal& number, const DigitWindow& window, int width,
                         std::uint8_t zero, std::uint8_t* out) {
     if (window.zeros > 0) std::memset(out, zero, static_cast<std::size_t>(window.zeros));

@@ -77,7 +77,7 @@ class ClauseParser {
     ParseContext& context_;
     DataItem& item_;
     std::bitset<16> seen_;
-    bool failed_ = false;  // the rest of the entry is passed over
+    bool failed_ = false;  // the rest of the entry is skipped
 };
 
 }  // namespace records

@@ -91,7 +91,7 @@ class Compilation {
         }
     }
 
-    // Copies that failed where data descriptions stand matter once what was wanted is not found.
+    // Failed copies within data descriptions matter only if the requested record is not found.
     bool report_missing(std::string message) {
         fail(std::move(message));
         for (const RecordArea& area : structure_.areas) {

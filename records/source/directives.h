@@ -22,7 +22,7 @@ struct Directives {
 // Reads the directives at the cursor, if there are any, reporting mistakes in them.
 Directives parse_directives(TokenCursor& cursor, ParseContext& context);
 
-// Passes over directives that stand where none belongs, without a word.
+// Skips directives in places where none belongs, without a message.
 void skip_directives(TokenCursor& cursor);
 
 }  // namespace records

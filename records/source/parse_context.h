@@ -19,7 +19,7 @@ struct ParseContext {
     std::unordered_map<std::string, Literal> constants;  // level 78 and CONSTANT, by name
 
     void error(const Token& token, std::string message) {
-        // What could not be read is the mistake; what was expected there does not matter.
+        // The error is the unreadable text, not what was expected in its place.
         if (token.kind == WordKind::broken) message = token.text;
         diagnostics.error(sources.place(token.position), std::move(message));
     }

@@ -19,7 +19,7 @@ struct Token {
     std::string_view raw;  // as written, in the source or the arena
 };
 
-// Joins words that replacement has put side by side, and upper-cases them.
+// Joins words that replacement has made adjacent, and converts them to upper case.
 std::vector<Token> make_tokens(const std::vector<TextWord>& words, TextArena& arena);
 
 // Walks a range of tokens. Past the end it stands on an end token at the last place.

@@ -31,8 +31,8 @@ const CodePage& code_page() {
     return page;
 }
 
-// Texts of a source in UTF-8 as ISO-8859-1, which the code page is told from; a text that is no
-// UTF-8 or has other characters is taken as ISO-8859-1 already.
+// Texts of a source in UTF-8 as ISO-8859-1, from which they are translated to the code page; a text
+// that is not UTF-8 or has other characters is taken as ISO-8859-1 already.
 std::string latin_1(const std::string& text) {
     std::string latin;
     for (std::string_view rest = text; !rest.empty();) {

@@ -92,8 +92,8 @@ const CopyLibrary::Listing& CopyLibrary::list(const std::string& folder) {
     return entry->second;
 }
 
-// An entry of a folder, spelled exactly or in any letter case. Devices and pipes do not count:
-// a COPY must not wait for one.
+// An entry of a folder, spelled exactly or in any letter case. Devices and pipes are ignored: a
+// COPY must not wait for one.
 std::optional<std::string> CopyLibrary::find_entry(const std::string& folder,
                                                    const std::string& name, bool want_folder) {
     const auto is_wanted = [want_folder](const std::string& path) {
