@@ -1,4 +1,5 @@
-// What programs compiled with `sxml cob` call in the place of the runtime's functions for files.
+// The functions that programs compiled with `sxml cob` call instead of the runtime's functions for
+// files.
 
 #include <cerrno>
 #include <exception>
@@ -15,8 +16,8 @@ using gnucobol::OpenFile;
 using gnucobol::SignalsWait;
 using gnucobol::Status;
 
-// Leaves the system's error number as it was: the runtime takes one that it finds later for that of
-// its own last call. Signals wait meanwhile.
+// Preserves the system's error number: the runtime takes a later value for that of its own last
+// call. Signals are held back meanwhile.
 class Call {
   public:
     Call() = default;
@@ -39,7 +40,7 @@ bool is_refused(cob_file* file, cob_field* item, const char* verb, Status status
     return true;
 }
 
-// True when OPEN was for us.
+// True when the adapter has handled the OPEN.
 bool open_document(const gnucobol::Where& where, cob_file* file, int mode, cob_field* item) {
     const Call call;
     try {

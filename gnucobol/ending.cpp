@@ -25,7 +25,7 @@ bool is_in_program() {
     return runtime != nullptr && runtime->cob_current_module != nullptr;
 }
 
-// The runtime runs it when the program ends, also for an error.
+// The runtime calls it when the program ends, also after an error.
 int exit_procedure() {
     if (ending == Ending::unknown) {
         const bool is_meant = stops || !is_in_program() || !has_error;

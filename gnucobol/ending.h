@@ -1,5 +1,5 @@
-// How the program ends: documents that are still open become complete when it ends as it means to,
-// and are dropped when the runtime ends it for an error.
+// How the program ends: documents that are still open become complete when it ends normally, and
+// are dropped when the runtime ends it because of an error.
 #pragma once
 
 namespace gnucobol {
@@ -12,10 +12,10 @@ struct EndingHandlers {
     void (*leave_to_parent)();
 };
 
-// From now on the end of the program is watched.
+// Starts watching for the end of the program.
 void watch_ending(const EndingHandlers& handlers);
 
-// Before each operation: sees to it that the runtime still tells of its errors.
+// Before each operation: ensures that the runtime still reports its errors.
 void survive_errors();
 
 // The program runs STOP RUN.

@@ -63,8 +63,8 @@ std::string without_mark(const std::string& name) {
     return name.substr(start);
 }
 
-// Maps one name as the runtime does, its oddities included: a program must find the same file,
-// whether the runtime opens it or we do.
+// Maps one name as the runtime does, including its peculiarities: a program must find the same
+// file, whether the runtime or the adapter opens it.
 class NameMapping {
   public:
     explicit NameMapping(const std::string& assigned)

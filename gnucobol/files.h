@@ -16,10 +16,10 @@ class Files {
     // The process's; never destroyed.
     static Files& instance();
 
-    // The document that a file is; null when it has none open.
+    // The open document of a file; null when there is none.
     OpenFile* find(const cob_file& file) const;
 
-    // OPEN. False, with nothing done, when the file is no document.
+    // OPEN. False, with nothing done, when the file is not a document.
     bool open(const Where& where, cob_file& file, int mode, cob_field* item);
     void close(OpenFile& file, cob_field* item, int option);
     void read(OpenFile& file, cob_field* item, int options);

@@ -1,5 +1,5 @@
-// Refuses to work with another release of the runtime than the one that the adapter was built for:
-// its structures are not the same.
+// Refuses a release of the runtime other than the one that the adapter was built for: its
+// structures differ.
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-// What the adapter tells the user, on standard error.
+// The adapter's messages to the user, on standard error.
 #pragma once
 
 #include <exception>
@@ -19,7 +19,7 @@ void report(const std::string& file, const char* verb, const Result& result);
 // left.
 void report_failure(const char* file, const char* verb, const std::exception& failure);
 
-// Tells something about a file that is no status, within the same limit.
+// Reports something about a file other than a status, within the same limit.
 void report_warning(const std::string& file, const std::string& warning);
 
 // Tells that data of a document is not in a record as it is there. `kind` is what is counted.

@@ -14,8 +14,8 @@ class SignalsWait {
     SignalsWait& operator=(const SignalsWait&) = delete;
 };
 
-// From now on signals are watched that end the program, by the system's hand or the runtime's,
-// which does what it does after us. A signal that the program itself handles is its own affair.
+// Installs handlers for signals that end the program, whether by default or by the runtime, whose
+// own handling follows. Signals that the program itself handles are left alone.
 void watch_signals();
 
 // Has a file removed, and a message about `document` written, when a signal ends the program.
@@ -23,7 +23,7 @@ void watch_signals();
 int remove_at_signal(const std::string& file, const std::string& document);
 void forget_at_signal(int slot);
 
-// Does at once what a signal would: the program ends without destructors.
+// Does immediately what a signal would do: the program ends without destructors.
 void remove_as_at_signal();
 
 // Whether a signal, or what removes files as one does, is ending the program.

@@ -12,7 +12,7 @@ namespace {
 
 using gnucobol::Where;
 
-// What the runtime was told about a sort file, and what became of it.
+// The parameters of a sort file, and the outcome of the operation.
 struct Sort {
     int* result;  // SORT-RETURN
     bool has_failed = false;
@@ -93,7 +93,7 @@ void sxml_cob_file_sort_using(const sxml_cob_source* sources, const char* source
     sxml_cob_close(file, nullptr, COB_CLOSE_NORMAL, 0);
 }
 
-// After a failed USING nothing is given: a sorted part of the records would pass for the whole.
+// After a failed USING nothing is output: a sorted part of the records would look like all of them.
 void sxml_cob_file_sort_giving(const sxml_cob_source* sources, const char* source,
                                cob_file* sort_file, std::size_t count, ...) {
     std::vector<cob_file*> files(count);

@@ -1,4 +1,4 @@
-// FILE STATUS: what an operation gives the program.
+// FILE STATUS: the outcome of an operation for the program.
 #pragma once
 
 #include <cstdint>
@@ -38,7 +38,7 @@ struct Result {
 // (may be null), and as the exception that AT END and declaratives look at.
 void set_status(cob_file& file, cob_field* item, Status status);
 
-// What a failed call of the system means for OPEN, and why in words.
+// The status and the reason text of a failed system call at OPEN.
 Result refusal(int system_error);
 
 }  // namespace gnucobol

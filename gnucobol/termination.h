@@ -1,13 +1,13 @@
-// Libraries that end the program where they have no memory.
+// Libraries that end the program when memory is exhausted.
 #pragma once
 
 #include <exception>
 
 namespace gnucobol {
 
-// While it lives, std::terminate() for want of memory says so and ends the program as an error
-// does: with a failure status, and with documents as they were before. Otherwise it does what it
-// did before.
+// While it lives, std::terminate() because of exhausted memory says so and ends the program like an
+// error: with a failure status, and with documents unchanged. In other cases the previous handler
+// runs.
 class TerminationTold {
   public:
     TerminationTold();

@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::string_view DATED_COMMENT = "<!-- Created by ";
 
-// Closes itself.
+// Closed by its destructor.
 class Descriptor {
   public:
     explicit Descriptor(const std::string& file)
@@ -57,8 +57,8 @@ std::string part_of(int descriptor, std::uint64_t offset, std::uint64_t size) {
     return part;
 }
 
-// The length of `wanted` at the beginning of `text`, where the dated comment may differ; nothing
-// when something else does.
+// The length of `wanted` at the beginning of `text`, in which only the dated comment may differ;
+// nothing when anything else differs.
 std::optional<std::size_t> same_beginning(std::string_view text, std::string_view wanted) {
     std::size_t at = 0;
     while (!wanted.empty()) {

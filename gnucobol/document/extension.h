@@ -1,4 +1,4 @@
-// OPEN EXTEND: records added to a document that is there.
+// OPEN EXTEND: records added to an existing document.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +12,8 @@ namespace gnucobol {
 // go after those of the old document; what comes out is what writing all of them at once gives.
 class Extension {
   public:
-    // Throws std::runtime_error when there is no room for the file without a name. `folder` is
-    // where it lies.
+    // `folder` is where the file without a name is created. Throws std::runtime_error when that
+    // fails.
     explicit Extension(const std::string& folder);
     ~Extension();
     Extension(const Extension&) = delete;
@@ -23,8 +23,8 @@ class Extension {
     const std::string& name() const { return name_; }
 
     // An empty document, as this program writes it, has been written there. Copies the old document
-    // up to its end tag into `target`, if it begins and ends as the empty one does but for the date
-    // in its comment.
+    // up to its end tag into `target`, if it begins and ends as the empty one does, except for the
+    // date in its comment.
     Result begin(const std::string& old_document, int target);
     // The new records have been written: puts them, and the end of the document, into `target`.
     Result append(int target) const;

@@ -44,9 +44,9 @@ class OpenFile {
     // Writes `length` bytes of the record area. `where` and `expression`, of the record in the C
     // code, tell which 01 it is; both are the program's and stay as they are.
     Result write(std::uint32_t length, const Where& where, const char* expression);
-    // Ends the document and puts it in its place; one that is read is closed.
+    // Completes a document that is written, and gives it its name; closes one that is read.
     Result complete();
-    // The document is not to become complete: what goes into a pipe gets no end tag.
+    // Prevents the document from becoming complete: output to a pipe gets no end tag.
     void drop();
     // The document belongs to the process that this one began as a copy of.
     void leave_to_parent();

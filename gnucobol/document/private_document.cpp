@@ -134,7 +134,7 @@ std::variant<PrivateDocument, Result> PrivateDocument::begin(const std::string& 
     return document;
 }
 
-// Only now that nobody else writes it, what is there is looked at.
+// The existing document is examined only now that nobody else writes it.
 Result PrivateDocument::take_over_permissions() {
     struct stat info {};
     if (stat(target_.c_str(), &info) == 0) {
@@ -190,7 +190,7 @@ Result PrivateDocument::begin_elsewhere() {
 Result PrivateDocument::copy_into_place() {
     struct stat info {};
     if (fstat(descriptor_, &info) != 0) return refusal(errno);
-    // Room is found before anything is changed.
+    // The space is allocated before anything is changed.
     int error = posix_fallocate(target_lock_, 0, info.st_size);
     if (error != 0) return refusal(error);
     const auto size = static_cast<std::uint64_t>(info.st_size);

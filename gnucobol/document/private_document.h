@@ -11,15 +11,15 @@
 
 namespace gnucobol {
 
-// Under the document's name there is what was there before until complete() has succeeded. The
+// Until complete() has succeeded, the previous document stays under its name. The
 // private file is called .NAME.part, beside the document; whoever holds its lock is the writer.
-// What a killed writer has left is taken over. Where the folder admits no new file the document
-// itself is locked, and the private file, which has no name, is copied into it at the end. What is
-// no regular file (a pipe, a device) is written directly and not locked.
+// The file of a killed writer is taken over. Where no file can be created in the folder, the
+// document itself is locked, and the private file, which has no name, is copied into it at the end.
+// Other than regular files (pipes, devices) are written directly and not locked.
 class PrivateDocument {
   public:
     // Gets ready to write the document `target`, which may be reached through links. From then on
-    // nobody else changes what is there.
+    // no other writer changes the existing document.
     static std::variant<PrivateDocument, Result> begin(const std::string& target);
     PrivateDocument(PrivateDocument&& other) noexcept;
     PrivateDocument& operator=(PrivateDocument&&) = delete;
@@ -33,7 +33,7 @@ class PrivateDocument {
     int descriptor() const { return descriptor_; }
     // Bytes of the document that is there; nothing when there is none.
     std::optional<std::uint64_t> old_size() const { return old_size_; }
-    // Puts what was written, and stored by the system, in the place of the document.
+    // Replaces the document with what was written, which the system has stored.
     Result complete();
     // In a child process that began as a copy of this one: the file and its lock are the parent's.
     void leave_to_parent();

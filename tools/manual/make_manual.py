@@ -82,7 +82,7 @@ def sentence(text):
 
 
 def footer_parts(footer):
-    """What is said below the options, and the examples."""
+    """The text below the options, and the examples."""
     before, _, examples = footer.partition("Example:\n")
     examples = "\n".join(line.removeprefix("  ") for line in examples.rstrip().split("\n"))
     return before.strip(), examples

@@ -23,7 +23,7 @@ def inline(text):
 
 
 def wrapped(lines):
-    """The same with lines of text that an editor can show; those that stay as they are stay."""
+    """The same, wrapped to lines of moderate length; lines that stay as they are are not wrapped."""
     made, is_literal = [], False
     for line in lines:
         is_literal = {".nf": True, ".fi": False}.get(line, is_literal)

@@ -72,8 +72,8 @@ std::vector<std::string> option_names(const CLI::App& command) {
                "; `sxml --help` lists them");
 }
 
-// What is wrong with the words for a command, in those of the parser where these will do. A word
-// that is unknown comes before what is missing, which may be the same slip.
+// What is wrong with the arguments of a command, in the parser's words where these are good enough.
+// An unknown argument is reported before a missing one, which may be the same mistake.
 std::string problem_with(const CLI::App& command, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = command.remaining(true);
     const bool is_about_words = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr ||
@@ -132,8 +132,8 @@ constexpr Subcommand SUBCOMMANDS[] = {
     {"copybook", add_copybook_command},
 };
 
-// Adds the subcommand that the first word names, or else all: what is not asked for would take a
-// third of the time of a start.
+// Adds the subcommand that the first word names, or else all: adding the others would take a third
+// of the start time.
 void add_commands(CLI::App& application, std::string_view first) {
     const bool is_named = std::any_of(std::begin(SUBCOMMANDS), std::end(SUBCOMMANDS),
                                       [&](const Subcommand& one) { return one.name == first; });
@@ -143,12 +143,12 @@ void add_commands(CLI::App& application, std::string_view first) {
     if (!is_named) add_help_command(application);
 }
 
-// An empty value is a variable that the shell has not set, never a wish.
+// An empty value is an unset shell variable, never intended.
 std::string refuse_empty(const std::string& value) {
     return value.empty() ? "the value is empty (a variable of the shell that is not set?)" : "";
 }
 
-// What all subcommands have in common. Those that hand their words on decide for themselves.
+// What all subcommands have in common, except those that pass their arguments on.
 void complete_command(CLI::App& command) {
     command.set_help_flag(HELP_FLAG, HELP_HELP);
     if (!command.get_prefix_command()) {

@@ -1,4 +1,4 @@
-// The command line: subcommands, help, and what is said about a wrong one.
+// The command line: subcommands, help, and messages about wrong usage.
 #pragma once
 
 namespace command {

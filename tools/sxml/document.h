@@ -1,4 +1,4 @@
-// The module as the command uses it, and what it could not store.
+// The module as the command uses it, and its write failures.
 #pragma once
 
 #include <initializer_list>

@@ -33,7 +33,7 @@ std::string system_error_text(int error) {
 
 namespace {
 
-// Nobody can be told when this fails.
+// A failure here cannot be reported.
 void print(std::string_view text, bool is_failure) {
     clear_progress();
     std::fflush(stderr);

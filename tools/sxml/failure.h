@@ -46,7 +46,7 @@ inline void check(const conversion::Done& problem) {
 }
 
 std::string system_error_text(int error);
-// Prints a text on standard error, whole, also where that does not wait by itself.
+// Prints a complete text on standard error, even when that is non-blocking.
 void say(std::string_view text);
 // Prints "sxml: " and the message of what ends the run.
 void say_failure(const std::string& message);

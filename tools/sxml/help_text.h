@@ -1,4 +1,4 @@
-// The help of the command and its subcommands, broken into lines that fit the terminal.
+// The help of the command and its subcommands, wrapped to fit the terminal.
 #pragma once
 
 #include <memory>

@@ -13,8 +13,7 @@
 
 namespace {
 
-// What went wrong follows from exhausted memory, or from an input that could not be read, wherever
-// there was any.
+// When memory was exhausted, or an input could not be read, that is the cause of the failure.
 int fail(const std::string& message, int status) {
     if (command::has_memory_failed()) {
         command::report_exhausted_memory();

@@ -1,4 +1,4 @@
-// What messages and help look like on a terminal.
+// Colours and line widths of messages and help on a terminal.
 #pragma once
 
 #include <cstddef>

@@ -76,7 +76,7 @@ std::size_t FieldStatistics::choose(const std::uint8_t* record) {
 // The bytes that the layout's offsets are for; where tables slide, all of their entries.
 const std::uint8_t* FieldStatistics::spread(std::span<const std::uint8_t> record) {
     if (!sliding_) return record.data();
-    // What is wrong with its counters, the conversion tells.
+    // The conversion reports errors in its counters.
     (void)sliding_->spread(record, fields_, description_.xfd(), std::nullopt);
     return sliding_->full();
 }
@@ -100,7 +100,7 @@ void FieldStatistics::add(const conversion::Record& record) {
     const RecordLayout& layout = fields_.layouts()[choose(whole)];
     std::int32_t length = used_length(read);
     if (!sliding_) {
-        // Half a character at the end, the conversion tells.
+        // The conversion reports half a character at the end.
         (void)completed_.complete(read.first(static_cast<std::size_t>(length)), layout,
                                   description_.xfd());
         whole = completed_.data();
@@ -118,7 +118,7 @@ void FieldStatistics::add(const conversion::Record& record) {
             if (field.kind == FieldKind::text) note_shifted(record, field, bytes);
         }
     }
-    // Of a record without a layout all other bytes are lost; that is told by itself.
+    // All other bytes of a record without a layout are lost; that is reported separately.
     if (is_of_a_layout_) add_unnamed(record, layout, length);
 }
 
@@ -234,7 +234,7 @@ bool FieldStatistics::is_white(std::uint8_t byte) const {
     return white.find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
-// What a table's counter leaves out is not in the record.
+// Entries beyond a table's counter are not in the record.
 void FieldStatistics::add_unnamed(const conversion::Record& record, const RecordLayout& layout,
                                   std::int32_t length) {
     const auto size = std::min(record.length, static_cast<std::size_t>(length));

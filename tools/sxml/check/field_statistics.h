@@ -1,4 +1,4 @@
-// What the fields of a file's records hold: counts and extremes, for `sxml check`.
+// Counts and extremes of the fields of a file's records, for `sxml check`.
 #pragma once
 
 #include <cstdint>
@@ -44,8 +44,8 @@ struct UnnamedBytes {
     std::uint64_t first_offset = 0;  // in the file
 };
 
-// Texts of records with white space in front, or other than spaces after them, which a document
-// does not keep. Right-justified and edited ones come back where they were.
+// Texts of records with leading white space, or trailing white space other than spaces, which a
+// document does not keep. Right-justified and edited texts are restored.
 struct ShiftedTexts {
     std::uint64_t count = 0;
     std::uint64_t first_record = 0;  // from 1

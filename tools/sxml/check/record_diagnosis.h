@@ -28,11 +28,12 @@ constexpr std::size_t RECORDS_LOOKED_AT = 100;
 // How many bytes of a file with a layout of this record length a sample should have.
 std::size_t sample_size(std::size_t record_length);
 
-// Tries other readings of a file whose records do not fit as they are read: another character set,
-// records with length headers or line ends, another length, another beginning, a field too long or
-// too short. Result: the first reading in which every field of the records looked at is right, as a
-// sentence that ends with the remedy; empty when they fit as they are read, when there is none, or
-// when the fields tell nothing. Throws Failure.
+// Tries other interpretations of a file whose records do not fit as they are read: another
+// character set, records with length headers or line ends, another length, another beginning, a
+// field too long or too short. Result: the first interpretation in which every field of the
+// examined records is valid, as a sentence that ends with the remedy; empty when the records fit as
+// they are read, when no interpretation fits, or when the fields allow no conclusion. Throws
+// Failure.
 std::string reason_for_misfit(const RecordSample& sample, Reading& own, std::span<Reading> others);
 
 }  // namespace command

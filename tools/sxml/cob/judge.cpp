@@ -56,7 +56,7 @@ class References {
         std::copy_if(all_.begin(), all_.end(), std::back_inserter(unique_),
                      [this](const Reference& one) { return !is_ambiguous(one); });
     }
-    // Those of which nothing else has the name.
+    // The items whose names are unique.
     const std::vector<Reference>& all() const { return unique_; }
 
   private:
@@ -101,8 +101,8 @@ class References {
     std::vector<Reference> unique_;
 };
 
-// A statement that the compiler makes a call with the item as a parameter of. Some names mean
-// something else in the one or in the other.
+// A statement that the compiler turns into a call with the item as a parameter. Some names mean
+// something else in one of them.
 struct Verb {
     const char* words;
     const char* parameter;  // what stands before it in the generated code
@@ -278,7 +278,7 @@ class ProbeProgram {
 
     // Takes out those that the compiler does not take by their names: a field that is described in
     // the FILLER of a record, as another record has it, and names that are words of statements.
-    // What lies beside them is judged all the same. Empty when it rejects the program.
+    // The items beside them are compared all the same. Empty when it rejects the program.
     std::vector<GeneratedItem> compile(std::vector<Probe>& probes, const Verb& verb) const {
         const WorkFolder folder;
         std::vector<GeneratedItem> items;

@@ -1,4 +1,4 @@
-// The compiler's own word on where the items of a description lie and what they are.
+// Compares the offsets and kinds of the items of a description with the compiler's.
 #pragma once
 
 #include <optional>

@@ -81,7 +81,7 @@ bool is_blank(std::string_view line) {
     return line.find_first_not_of(" \t") == std::string_view::npos;
 }
 
-// Puts the directives back, which the compiler drops with all comments and leaves blank lines for.
+// Restores the directives, which the compiler drops with all comments, leaving blank lines.
 class Directives {
   public:
     Directives(Source& source, std::vector<std::string>& lines, bool is_free)

@@ -1,5 +1,5 @@
-// A COBOL source as the compiler sees it: copies and replacements made, comments gone but for the
-// directives to `sxml`.
+// A COBOL source as the compiler sees it: with COPY and REPLACE done, without comments except the
+// directives for `sxml`.
 #pragma once
 
 #include <cstddef>

@@ -52,7 +52,7 @@ constexpr std::array<std::string_view, 14> TAKE_NEXT = {
 constexpr std::array<std::string_view, 12> READING = {"-I",    "-D",    "-std",   "-conf",
                                                       "-free", "-F",    "-fixed", "-ext",
                                                       "-f",    "--std", "--conf", "--free"};
-// Of those, what has nothing to do with reading.
+// Those of them that do not concern reading.
 constexpr std::array<std::string_view, 5> NOT_READING = {"-fec", "-fdump", "-fsyntax-only",
                                                          "-fno-ec", "-ftrace"};
 constexpr std::array<std::string_view, 4> COMPILING = {"-d", "-debug", "-g", "-K"};

@@ -18,7 +18,7 @@ struct Words {
     std::map<std::string, std::string> document_names;  // of --name, by FD in upper case; by "" the
                                                         // name for the only FD
     bool says_what_to_make = false;                     // -x, -m, -c ...
-    bool compiles = true;  // false: cobc is only asked something (--version, -E ...)
+    bool compiles = true;  // false: cobc is only queried (--version, -E ...)
 };
 
 // Throws Failure (usage) for a --name or --no-xml without its value.

@@ -74,7 +74,7 @@ void DocumentConversion::read_all(Progress* progress) {
     }
 }
 
-// The line is gone when this returns, before anything is said of the whole.
+// The progress line is removed when this returns, before the final messages.
 void DocumentConversion::read_with_progress() {
     Progress progress(size_);
     read_all(&progress);

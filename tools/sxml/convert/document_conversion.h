@@ -24,7 +24,7 @@ struct RecordsWanted {
     std::uint64_t count;
 };
 
-// What is known of a document when its records have been read.
+// The results for a document after its records have been read.
 struct DocumentTotals {
     bool has_filled = false;                                      // any field
     std::vector<conversion::InputDocument::FieldUse> field_uses;  // by item
@@ -39,8 +39,8 @@ struct DocumentTotals {
 void finish_document(const DocumentTotals& totals, const conversion::RecordFields& fields,
                      const std::string& name, RunReport& report, Rejects& rejects);
 
-// Reads the records of a document one by one, stores them, and names what is not as the document
-// says. Everything given must outlive this.
+// Reads the records of a document one by one, stores them, and reports differences from the
+// document. Everything given must outlive this.
 class DocumentConversion {
   public:
     // `size`: of the document, in bytes, when known.
@@ -54,7 +54,7 @@ class DocumentConversion {
     }
     // Records that came before those of the document, which is a part.
     void begin_after(DocumentTotals totals) { totals_ = std::move(totals); }
-    // Converts all records and says how far it is, finishes and closes the store. Throws Failure as
+    // Converts all records, showing progress; finishes and closes the store. Throws Failure as
     // convert_all() and finish_document().
     void run();
     // Converts all records and closes the store. Throws Failure where the document ends too early
@@ -85,7 +85,7 @@ class DocumentConversion {
     Rejects& rejects_;
     std::function<void(const conversion::InputDocument&)> observer_;
     std::vector<std::uint8_t> padded_;
-    DocumentTotals totals_;  // but for the fields of the document's own records
+    DocumentTotals totals_;  // except for the fields of the document's own records
 };
 
 }  // namespace command

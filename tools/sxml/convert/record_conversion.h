@@ -15,7 +15,7 @@
 
 namespace command {
 
-// Has the records of a file written one by one, and names what is not as it should be. Everything
+// Writes the records of a file one by one, and reports problems. Everything
 // given must outlive this.
 class RecordConversion {
   public:
@@ -24,7 +24,7 @@ class RecordConversion {
                      const conversion::CharacterSet& characters, const AtomicOutput& output,
                      RunReport& report, Rejects& rejects,
                      conversion::Controls controls = conversion::Controls::refuse);
-    // Without a complete run, a document that readers can see already gets no end tag.
+    // After an incomplete run, a document that readers can see already gets no end tag.
     ~RecordConversion();
     RecordConversion(const RecordConversion&) = delete;
     RecordConversion& operator=(const RecordConversion&) = delete;

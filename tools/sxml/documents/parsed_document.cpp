@@ -50,8 +50,7 @@ ParsedDocument::ParsedDocument(const XmlApi& api, const conversion::DocumentSour
                                std::uint32_t options)
     : api_(api), parser_(api.xml_open_file(input.file().c_str(), options | XMLOPT_PARSE_WHOLE, 0)) {
     if (parser_ == 0) fail_open(api, input);
-    // For the module the end of the input is no error, wherever it comes; what is missing then
-    // shows in the subcode.
+    // For the module the end of the input is never an error; the subcode shows what is missing.
     if (*host_error_subcode() == 0) return;
     api_.xml_free_parser(parser_);
     conversion::Done problem = conversion::check_document(input.file(), input.name());

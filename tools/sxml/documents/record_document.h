@@ -32,7 +32,7 @@ class RecordDocument {
     std::optional<conversion::DocumentSource> with_attributes_;
 };
 
-// What of a document is in no record, as a warning; nothing: all is.
+// A warning about data of the document that is in no record; nothing when all data is.
 std::optional<conversion::Problem> problem_of(const conversion::LeftOut& left_out);
 
 }  // namespace command

@@ -1,4 +1,4 @@
-// An element tree as people like to see it.
+// An element tree as readable text.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// A document that several processes make a record file of.
+// Conversion of a document to a record file by several processes.
 #pragma once
 
 #include <optional>

@@ -1,4 +1,4 @@
-// What a worker tells about a part of a conversion.
+// A worker's results for a part of a conversion.
 #pragma once
 
 #include <cstdint>
@@ -37,8 +37,8 @@ class RejectList : public Rejects {
 };
 
 struct PartResult {
-    // False: the part cannot be converted by itself, or at all; whoever converts it in the order of
-    // all records finds out.
+    // False: the part cannot be converted by itself, or at all; converting it in the order of all
+    // records shows which.
     bool is_done = false;
     bool is_last = false;          // the input has ended
     std::uint64_t begin = 0;       // what the part gives the output: bytes of the worker's file

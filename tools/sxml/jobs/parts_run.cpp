@@ -52,8 +52,8 @@ void work_on_parts(const PartsRun& run, unsigned number, const NamelessFile& fil
     }
 }
 
-// What a worker says in the place of any message when it has no memory left: whether that matters,
-// and is told, is for the other process to say.
+// Sent instead of a message by a worker that has no memory left: the other process decides whether
+// that matters and is reported.
 constexpr const char* NO_MEMORY = "no memory";
 const Channel* other_process = nullptr;  // of a worker
 

@@ -18,11 +18,11 @@ struct PartsRun {
     const AtomicOutput& output;  // a file
     std::uint64_t position;      // where in it the first part goes
 
-    // Called in a worker: converts a part into a file, which is empty. What it throws makes the
-    // part one that is not done.
+    // Called in a worker: converts a part into a file, which is empty. When it throws, the part
+    // counts as not done.
     std::function<PartResult(std::uint64_t part, const platform::NamelessFile& file)> convert;
-    // Called in this process for each part that is done, in their order. False: it is taken for one
-    // that is not done. May throw.
+    // Called in this process for each part that is done, in their order. False: it counts as not
+    // done. May throw.
     std::function<bool(PartResult&)> accept;
 };
 

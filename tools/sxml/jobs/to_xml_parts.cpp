@@ -36,8 +36,8 @@ struct Surroundings {
     std::string end_tag;
 };
 
-// The process that converts all by itself finds the problem again, but for memory that was missing
-// once.
+// The process that converts everything itself finds the problem again, unless it was memory that
+// was missing once.
 std::nullopt_t left_to_one_process(const conversion::Problem& problem) {
     if (problem.cause == conversion::Cause::no_memory) throw std::bad_alloc();
     return std::nullopt;
@@ -109,7 +109,7 @@ class PartsOfRecords {
         input_.emplace(run_.file, options_, area);
     }
 
-    // Passes over the records of other parts. False at the end of the input.
+    // Skips the records of other parts. False at the end of the input.
     bool convert(std::uint64_t part, RecordConversion& conversion) {
         const std::uint64_t first = first_of(part);
         while (const std::optional<conversion::Record> record = input_->next()) {

@@ -1,4 +1,4 @@
-// A record file that several processes make a document of.
+// Conversion of a record file to a document by several processes.
 #pragma once
 
 #include <optional>

@@ -1,4 +1,4 @@
-// sxml layout: shows a record layout as a table, or tells it to other programs.
+// sxml layout: shows a record layout as a table, or as data for other programs.
 
 #include <algorithm>
 #include <array>

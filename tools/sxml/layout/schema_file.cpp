@@ -25,7 +25,7 @@ void write_schema_file(const host::Module& module, const AtomicOutput& schema) {
     const ScratchOutput unused;
     write_empty_document(module, unused.output());
     check_written({&schema, &unused.output()});
-    // The module has no result for this: what it could not open it leaves as it was.
+    // The module does not report this: a file that it cannot open stays unchanged.
     if (!is_empty_file(schema.write_name())) return;
     if (const int error = host::take_open_failure(); error != 0) fail_file(schema.target(), error);
     fail(schema.target() + ": the schema was not written");

@@ -17,7 +17,7 @@ bool can_be_read_again(const std::string& file) {
     return !state || state->kind != platform::FileKind::other;
 }
 
-// Several files or records to choose from are the one error that an option mends.
+// A choice among several files or records is the only error that an option remedies.
 std::string remedy_for(const records::Diagnostics& diagnostics, const LayoutOptions& options) {
     const bool is_choice = std::any_of(
         diagnostics.all().begin(), diagnostics.all().end(), [](const records::Diagnostic& one) {
@@ -27,7 +27,7 @@ std::string remedy_for(const records::Diagnostics& diagnostics, const LayoutOpti
                                                     : "";
 }
 
-// Messages that no place begins have the program's name there. Source lines are indented.
+// Messages without a location begin with the program's name. Source lines are indented.
 std::string with_program_name(const std::string& text) {
     std::istringstream lines(text);
     std::string result;

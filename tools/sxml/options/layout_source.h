@@ -10,7 +10,7 @@
 
 namespace command {
 
-// The source of record descriptions: a file, or "-" or a pipe, which is read but once.
+// The source of record descriptions: a file, or "-" or a pipe, which is read only once.
 class LayoutSource {
   public:
     // The options must outlive this. Throws Failure for a pipe that cannot be read.
@@ -21,7 +21,7 @@ class LayoutSource {
     // usable description. Names follow 4GL_COLUMN_CASE, so the settings must have been applied.
     records::Description load(records::RecordEncoding encoding, RunFiles& files) const;
 
-    // The same layout once more, for other records, without a word. Throws Failure.
+    // Compiles the same layout again for other records, without messages. Throws Failure.
     records::Description load_quietly(records::RecordEncoding encoding) const;
 
   private:

@@ -23,7 +23,7 @@ class RunFiles {
     // "-" is standard output.
     void writes(const std::string& name);
     // Throws Failure (wrong usage), naming both, when an output is a file that is read, or when two
-    // outputs are one file; and when standard input or output would serve twice. To be called
+    // outputs are one file; and when standard input or output would be used twice. To be called
     // before any output is opened.
     void check() const;
 

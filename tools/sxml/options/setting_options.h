@@ -6,9 +6,9 @@
 
 namespace command {
 
-// Applies NAME=value texts. Throws Failure (wrong usage) for a name that nobody knows, listing the
-// known ones, and for a value that is not one of the setting's kind. The module must have been
-// loaded: it declares the settings.
+// Applies NAME=value texts. Throws Failure (wrong usage) for an unknown name, listing the known
+// ones, and for a value that is not of the setting's kind. The module must have been loaded: it
+// declares the settings.
 void apply_settings(const std::vector<std::string>& assignments);
 
 // Sets one setting that the command itself decides.

@@ -1,5 +1,5 @@
-// What went wrong where nobody could say so: the module goes on without what there was no memory
-// for, and takes what of a document could not be read for its end.
+// Failures that the module could not report: it continues without data for which memory was
+// missing, and takes a read failure for the end of the document.
 #pragma once
 
 namespace command {
@@ -12,7 +12,8 @@ void check_host();
 
 // Takes no memory.
 void report_exhausted_memory();
-// From now on report_exhausted_memory() calls `tell`, in a process whose end another one tells.
+// From now on report_exhausted_memory() calls `tell`, in a process whose failure another one
+// reports.
 void report_exhausted_memory_by(void (*tell)());
 
 }  // namespace command

@@ -8,7 +8,7 @@
 
 namespace command {
 
-// In a private folder, and gone with this object.
+// In a private folder, which is removed with this object.
 class ScratchOutput {
   public:
     // Throws Failure when there is no place for temporary files.

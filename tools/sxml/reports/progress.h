@@ -1,4 +1,4 @@
-// How far a long conversion has come, for somebody who watches.
+// The progress of a long conversion, shown on a terminal.
 #pragma once
 
 #include <chrono>
@@ -20,7 +20,7 @@ class Progress {
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // Brings the line up to date when it is old enough.
+    // Updates the line when it is old enough.
     void update(std::uint64_t records, std::uint64_t bytes);
 
   private:

@@ -22,7 +22,7 @@ class Rejects {
     Rejects(const Rejects&) = delete;
     Rejects& operator=(const Rejects&) = delete;
 
-    // False: nobody wants rejected records, and the first one ends the run.
+    // False: rejected records are not wanted, and the first one ends the run.
     virtual bool is_wanted() const = 0;
     // A record of a record file, as it was.
     virtual void add(std::span<const std::uint8_t> record,
@@ -49,7 +49,7 @@ class RejectFile : public Rejects {
     void add(const std::string& record, const std::string& encoding,
              const conversion::Problem& problem);
     std::uint64_t count() const { return count_; }
-    // Whether so many more may come.
+    // Whether the limit allows that many more.
     bool takes(std::uint64_t more) const { return more <= most_ - count_; }
     void finish_records() override;
     void finish_document() override;

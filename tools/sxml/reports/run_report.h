@@ -1,5 +1,5 @@
-// What a run did not do as it was asked: named as it happens, summed up at the end, and told to
-// programs in a file.
+// The findings of a run: named as they occur, summed up at the end, and written to a file for
+// programs.
 #pragma once
 
 #include <array>
@@ -29,7 +29,7 @@ struct ReportOptions {
     std::uint64_t max_rejects = std::numeric_limits<std::uint64_t>::max();
     bool is_strict = false;   // what would be a warning fails
     bool is_quiet = false;    // no warnings, only the sums
-    bool is_silent = false;   // nothing on standard error: somebody else tells what was found
+    bool is_silent = false;   // nothing on standard error: another process reports the findings
     std::string report = {};  // the file for programs; empty: none
 };
 
@@ -68,7 +68,7 @@ class RunReport {
     const std::string& input_name() const { return name_; }
     // Warns of something that concerns the run as a whole; fails when that is asked for.
     void warn_of(const std::string& message);
-    // Warns of what a document takes from outside of itself, which is never read. Throws Failure.
+    // Warns of external entities of a document, which are never read. Throws Failure.
     void warn_of_unread_entities(const conversion::DocumentSource& document);
     void count_record() { ++records_; }
     // Takes over what another report has counted and not named.
@@ -83,7 +83,7 @@ class RunReport {
     // asked for.
     void note_left_out(const conversion::Problem& first, std::uint64_t count);
 
-    // Text or attributes at this path went into no field, so often; `hint` may be empty.
+    // Text or attributes at this path went into no field, this many times; `hint` may be empty.
     void count_unused(const std::string& path, const std::string& hint, std::uint64_t count = 1);
 
     // A field had no element in so many records, and data in others. Not a warning: documents may
