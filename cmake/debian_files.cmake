@@ -1,4 +1,4 @@
-# Run by CPack between installing and packing. What Debian wants besides: compressed manual pages and
+# Run by CPack between installing and packing. What Debian also requires: compressed manual pages and
 # changelog, and the licences in a file of its own.
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
     return()

@@ -1,5 +1,5 @@
-# Expat, and which of its newer functions its header declares. Debian carries some of them back, so the
-# version says nothing.
+# Expat, and which of its newer functions its header declares. Debian backports some of them, so the version does not
+# tell.
 include(CheckSymbolExists)
 find_package(EXPAT REQUIRED)
 set(CMAKE_REQUIRED_LIBRARIES EXPAT::EXPAT)

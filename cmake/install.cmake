@@ -1,5 +1,5 @@
-# What `cmake --install` puts where. Everything finds its own files from the place of the host library
-# or of the command, so the installed tree may be moved as a whole.
+# What `cmake --install` puts where. All files are found relative to the host library or the command, so the installed
+# tree can be moved as a whole.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -18,13 +18,13 @@ install(TARGETS ${sxml_linked_libraries} LIBRARY)
 install(TARGETS sxml_api ARCHIVE)
 install(TARGETS sxml LIBRARY DESTINATION ${sxml_modules})
 
-# Headers: for programs; those in host/ for who writes a host of his own.
+# Headers: for programs; those in host/ for authors of other hosts.
 install(DIRECTORY include/sxml DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} PATTERN sxml_cob.h EXCLUDE)
 install(DIRECTORY host DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/sxml
     FILES_MATCHING PATTERN "*.h" PATTERN runtime EXCLUDE)
 install(FILES include/sxml/sxml_cob.h DESTINATION ${sxml_modules})  # for cobc
 
-# pkg-config and CMake packages, which name everything by its place relative to their own.
+# pkg-config and CMake packages, which name everything by paths relative to their own.
 file(RELATIVE_PATH from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 file(RELATIVE_PATH from_cmake /${CMAKE_INSTALL_LIBDIR}/cmake/sxml /)
 foreach(package sxml-api sxml-records)
@@ -49,7 +49,7 @@ install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
 # What examples/demo.sh and demo_cobol.sh need.
 add_custom_target(demo DEPENDS sxml_command sxml sxml_host sxml_cob)
 
-# All that is installed, for who does not need the tests.
+# Everything that is installed, for users who do not need the tests.
 add_custom_target(product DEPENDS sxml_command sxml sxml_api ${sxml_linked_libraries})
 if(TARGET manual)
     add_dependencies(product manual)

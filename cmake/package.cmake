@@ -1,7 +1,7 @@
 # A Debian package and an archive of what is installed: ./dev package.
 set(CPACK_PACKAGE_NAME sxml)
 set(CPACK_PACKAGE_VENDOR "The sxml authors")
-# Who makes the package answers for it: as Debian's tools have it, or as git does.
+# The builder of the package is its maintainer: named as for Debian's tools, or as for git.
 if(DEFINED ENV{DEBEMAIL})
     set(maintainer_name "$ENV{DEBFULLNAME}")
     set(maintainer_address "$ENV{DEBEMAIL}")
@@ -20,7 +20,7 @@ if("${maintainer_address}" STREQUAL "")
     cmake_host_system_information(RESULT host QUERY FQDN)
     set(maintainer_address "nobody@${host}")
 endif()
-# SXML_MAINTAINER, NAME <ADDRESS>, is for -D; the others are asked anew each time.
+# SXML_MAINTAINER, NAME <ADDRESS>, is for -D; the others are looked up in each run.
 if(DEFINED SXML_MAINTAINER)
     set(CPACK_PACKAGE_CONTACT "${SXML_MAINTAINER}")
 else()
@@ -43,7 +43,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-# Loaded when they are needed, which the tools of Debian cannot see.
+# Loaded on demand, so Debian's tools do not detect them.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libcurl4 | libcurl4t64 | libcurl3-gnutls, gnucobol3 | gnucobol4")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3, pkg-config")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)

@@ -14,7 +14,7 @@ tree=$scratch/$name
 mkdir -p "$tree"/{bin,include/sxml,lib,licences}
 cp "$windows"/bin/{sxml.exe,sxml.dll,sxml_host.dll} "$tree/bin/"
 x86_64-w64-mingw32-strip "$tree"/bin/*
-# Headers: for programs; those in host/ for who writes a host of his own.
+# Headers: for programs; those in host/ for authors of other hosts.
 cp "$sources"/include/sxml/{error_codes.h,host.h,ordinals.def,text_span.h,xml_api.h,xml_parser_api.h} "$tree/include/sxml/"
 cp -r "$sources/host" "$tree/include/sxml/host"
 rm -rf "$tree"/include/sxml/host/{runtime,entities}
@@ -29,7 +29,7 @@ cp -r "$sources"/{README.md,CHANGELOG.md,LICENSE,docs,examples} "$tree/"
 rm -f "$target/$name.zip"
 (cd "$scratch" && zip -qr "$target/$name.zip" "$name")
 
-# As somebody has it who unpacked it: another place, nothing else installed.
+# As a user has it after unpacking: in another place, with nothing else installed.
 mkdir "$scratch/unpacked"
 python3 -m zipfile -e "$target/$name.zip" "$scratch/unpacked"
 mv "$scratch/unpacked/$name" "$scratch/a place"

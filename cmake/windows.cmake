@@ -1,4 +1,4 @@
-# What a build for Windows needs besides: everything but the system's libraries is linked in.
+# What a build for Windows also needs: everything but the system's libraries is linked in.
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})  # libraries beside the command
 add_compile_definitions(_FILE_OFFSET_BITS=64 __USE_MINGW_ANSI_STDIO=1 _WIN32_WINNT=0x0A00
     WIN32_LEAN_AND_MEAN NOMINMAX UNICODE XML_STATIC)

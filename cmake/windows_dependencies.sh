@@ -3,7 +3,7 @@
 # the sources of Debian's own packages, GoogleTest from the package that has its sources. CLI11 and
 # nlohmann-json are headers; they are copied, as the system's folder of headers is not for Windows.
 #   windows_dependencies.sh FOLDER      FOLDER: an absolute path; the result is FOLDER/prefix
-# What is there already, made by this same script, stays. Exit status 75: the sources cannot be fetched.
+# What this version of the script has made before is kept. Exit status 75: the sources cannot be fetched.
 set -euo pipefail
 
 readonly NO_MIRROR=75 folder=${1:?usage: windows_dependencies.sh FOLDER}
@@ -23,7 +23,7 @@ apt=(apt-get -qq -o "Dir::Etc::SourceList=$folder/sources.list" -o Dir::Etc::Sou
     -o "Dir::State::Lists=$folder/lists" -o "Dir::Cache=$folder/cache" -o APT::Sandbox::User=
     -o Acquire::Retries=2)
 
-# The newest version, or the release's own where a mirror does not hand the newest out.
+# The newest version, or the release's own where a mirror does not provide the newest.
 fetch() {
     local release
     release=$(. /etc/os-release && echo "$VERSION_CODENAME")

@@ -26,7 +26,7 @@ static int sum_records(const XmlApi* api, uint32_t parser, const char* name) {
     long records = 0;
     double sum = 0;
     while (*host_file_error() == 0 && api->SxmlParser_parse_record(parser)) {
-        if (*host_file_error() != 0) break; /* the document ends or breaks inside this record */
+        if (*host_file_error() != 0) break; /* the document ends, or is damaged, in this record */
         const uint32_t record = api->xml_first_child(api->xml_parser_root(parser));
         const char* text = field_text(api, record, name);
         if (text) sum += strtod(text, NULL);

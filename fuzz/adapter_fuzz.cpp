@@ -1,8 +1,8 @@
 // Sequences of file operations of a COBOL program, with a document and with a plain file. The
 // input: the bytes of a document that is there at the start, up to a NUL; then operations by their
-// letters (operations.cbl), W with the record. Whatever the document holds, every call comes back
-// with a status that COBOL knows, and a document that was closed is well-formed to Expat alone.
-// Where there was no document, the statuses and the records read are those of the plain file.
+// letters (operations.cbl), W with the record. Whatever the document contains, every call returns a
+// status that COBOL defines, and a document that was closed is well-formed to Expat alone. Where
+// there was no document, the statuses and the records read are those of the plain file.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <libcob.h>

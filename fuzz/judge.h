@@ -1,5 +1,4 @@
-// What fuzz targets that work on files share: they end with the input where something does not
-// hold.
+// What fuzz targets that work on files share: when a check fails, they print the input and end.
 #pragma once
 
 #include <expat.h>
@@ -24,7 +23,7 @@ class Judge {
     // The input of the case that follows; it must live as long.
     void begin(std::string_view input) { input_ = input; }
 
-    // Ends the process, with what did not hold and the input, unless it holds.
+    // Unless the condition holds, ends the process, printing the failed check and the input.
     void require(bool holds, const char* what, std::string_view detail = {}) const {
         if (holds) return;
         out_ << "not so: " << what << '\n' << detail << "\ninput:\n" << input_ << std::endl;

@@ -55,7 +55,7 @@ void read_records(std::uint32_t parser, bool release) {
     }
 }
 
-// What is written must be readable when all of the document was kept.
+// When all of the document was kept, what is written must be readable.
 void write_back(std::uint32_t parser, const std::string& name) {
     require(api().xml_write_document(parser, name.c_str()) == 1, "not written");
     const std::uint32_t again = api().xml_open_file(

@@ -72,7 +72,7 @@ if [ ${#missing[@]} -gt 0 ]; then
         --output="$WORK/log-%a" "$here/part.sh" "$@")
     after=(--dependency="afterok:$array" --kill-on-invalid-dep=yes)
 fi
-# A job that is cancelled, since what it waits for has failed, ends the wait with status 0.
+# When a job is cancelled because a job that it depends on has failed, the wait ends with status 0.
 sbatch --wait --job-name=sxml-join --output="$WORK/log" "${after[@]}" "$here/join.sh" >/dev/null || true
 if [ ! -e "$WORK/joined" ]; then
     stop "not all parts of $OUT could be made; $WORK/log-* say why; run this again to make the others"

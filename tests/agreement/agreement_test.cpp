@@ -170,7 +170,7 @@ class AgreementTest : public CobolTest {
             sxml({"from-xml", "command.xml", "command.dat", "-l", "agree.cbl", "--fd", "DOC"});
         const Outcome by_cobol = run_program({"./agree", "read"});
         EXPECT_EQ(by_command.status, 0) << by_command.err;
-        // What is not in the record as it is in the document is told.
+        // Differences between the record and the document are reported.
         EXPECT_EQ(by_cobol.out, "");
         const std::string records = read_file("command.dat");
         EXPECT_TRUE(read_file("cobol.dat") == records)

@@ -20,7 +20,7 @@ struct Outcome {
 Outcome run(const std::vector<std::string>& words, const std::string& input = "",
             const std::string& output = "");
 
-// The program that is tried: the one of this build, or what SXML_COMMAND names.
+// The program under test: the one of this build, or what SXML_COMMAND names.
 std::string command_under_test();
 
 // Each test has an empty folder, which is the current one while the test runs, and a fixed date.

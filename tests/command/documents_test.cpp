@@ -33,7 +33,7 @@ std::string canonical(const std::string& file) {
 
 class DocumentsTest : public CommandTest {};
 
-// Entities may be many, but not nest too deep; which is told by place.
+// There may be many entities, but they must not nest too deep; the message names the location.
 TEST_F(DocumentsTest, MayHaveManyEntities) {
     std::string flat = "<!DOCTYPE a [<!ENTITY e0 'x'>";
     std::string deep = flat;

@@ -46,7 +46,7 @@ class DumpTest : public CommandTest {
         words.insert(words.end(), options.begin(), options.end());
         return sxml(words);
     }
-    // The outcome has these lines, each without the blanks between its columns.
+    // The output has these lines, each without the blanks between its columns.
     static void expect_lines(const std::string& text, const std::vector<std::string>& lines) {
         for (const std::string& line : lines) {
             EXPECT_NE(text.find(line), std::string::npos) << "missing: " << line << "\nin:\n"

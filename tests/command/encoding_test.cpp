@@ -329,7 +329,7 @@ TEST_F(CommandTest, EbcdicFieldsThatHoldNoNumberAreNamed) {
         << outcome.err;
 }
 
-// Layouts are told apart on the records as they are, whatever the translation makes of them.
+// Layouts are chosen on the untranslated records.
 // Binary items as mainframes have them, both ways, also through a description file.
 TEST_F(CommandTest, EbcdicRecordsAreOfAMainframe) {
     write_file("b.cpy",

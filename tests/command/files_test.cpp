@@ -1,5 +1,5 @@
-// What a run does to files: inputs stay what they are, targets keep what is theirs, nothing private
-// stays behind, and streams that are closed or do not wait lose nothing.
+// The effects of a run on files: inputs are unchanged, targets keep their attributes, private files
+// are removed, and streams that are closed or non-blocking lose nothing.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -91,7 +91,7 @@ TEST_F(FilesOfRunsTest, NoOutputIsAnInput) {
         }
         EXPECT_EQ(contents_of_files(), before) << c.line;
     }
-    // Devices are no files, and a document may be rewritten in its place.
+    // Devices are not files, and a document may be rewritten in place.
     EXPECT_EQ(shell("$sxml to-xml /dev/null /dev/null -l c.cpy").err, "");
     EXPECT_EQ(shell("$sxml rewrite d.xml ./d.xml").err, "");
 }
@@ -106,7 +106,7 @@ TEST_F(FilesOfRunsTest, ClosedStreamsTakeNoFileInTheirPlace) {
         EXPECT_EQ(read_file("n.xml"), document) << closing;
         fs::remove("n.xml");
     }
-    // Nothing can be read or written there, and that is told.
+    // Nothing can be read or written there, and that is reported.
     const std::string closed_input = shell("$sxml to-xml - n.xml -l c.cpy <&-").err;
     EXPECT_EQ(closed_input, "sxml: standard input: Bad file descriptor\n");
     for (const char* command :
@@ -146,7 +146,7 @@ TEST_F(FilesOfRunsTest, TargetsKeepWhatIsTheirs) {
     umask(mask);
 }
 
-// Who may not give a file to its group gives the others' rights to his own.
+// A user who may not give a file to its group gives his own group the others' rights.
 TEST_F(FilesOfRunsTest, WithoutTheGroupItsRightsAreCut) {
     const std::string somebody = "setpriv --reuid=1234 --regid=1234 --clear-groups ";
     fs::permissions(".", fs::perms(0755));
@@ -303,7 +303,7 @@ TEST_F(FilesOfRunsTest, PrivateFilesGoWithTheRun) {
     unsetenv("TMPDIR");
 }
 
-// Names that somebody else has foreseen in the folder for temporary files.
+// Names that somebody else has predicted in the folder for temporary files.
 TEST_F(FilesOfRunsTest, PrivateNamesCannotBeForeseen) {
     fs::create_directory("tmp");
     mkfifo("tmp/sxml-schema.xsd", 0666);

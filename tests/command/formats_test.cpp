@@ -65,7 +65,7 @@ std::string blocks_of(const std::vector<std::vector<std::string>>& blocks) {
     return text;
 }
 
-// What such a file is found out to be, where several formats have the same bytes.
+// The format that is detected where several formats have the same bytes.
 std::string detected_as(const std::string& format) {
     if (format == "rdw:payload") return "gnucobol";
     if (format == "rdw:little:payload") return "gnucobol:2";
@@ -188,7 +188,7 @@ TEST_F(FormatsTest, FixedFilesAndLinesAreFoundOut) {
               "sxml: fixed: read with --record-format fixed\n");
     EXPECT_EQ(to_xml("lines", {"--record-format", "auto"}).err,
               "sxml: lines: read with --record-format line\n");
-    // Long texts are no headers; and a file is what it is said to be.
+    // Long texts are not taken for headers; and the named format is used.
     write_file("recs.cpy", "       01  BIG.\n           05  PART PIC X(300000).\n");
     write_file("texts", std::string(600'000, ' ') + std::string(600'000, 'x'));
     EXPECT_EQ(to_xml("texts", {}).err, "");
@@ -323,8 +323,8 @@ TEST_F(FormatsTest, LongFilesComeOutWhole) {
 }
 
 #ifndef __SANITIZE_ADDRESS__
-// Kilobytes of memory that the command takes at most. A process that starts another one counts for
-// it, so that this one, whose tests take what they like, must not.
+// Kilobytes of memory that the command takes at most. The memory of a process counts for a program
+// that it starts, so this process, whose tests use any amount, must not start it directly.
 long memory_of(std::vector<std::string> words) {
     const std::string program =
         "import resource, subprocess, sys; subprocess.run(sys.argv[1:], check=True, "

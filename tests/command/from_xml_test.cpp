@@ -265,7 +265,7 @@ TEST_F(OtherDocumentsTest, MissingKindsAndSingleRows) {
                              "the record does not have the field of this name\n"),
             std::string::npos);
     }
-    // What was there stays when a document turns out to be incomplete.
+    // The old file stays when a document turns out to be incomplete.
     write_file("kinds.xml", "<k><hdr><kind>H</kind></hdr>");
     EXPECT_EQ(sxml({"from-xml", "kinds.xml", "out", "--layout", "kinds.cpy"}).status, 1);
     EXPECT_EQ(read_file("out"), std::end(cases)[-1].lines);
@@ -349,7 +349,7 @@ TEST_F(RoundTripTest, TablesInTheOnlyEntryComeBack) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(read_file("back.dat"), records);
-    // Whoever has chosen gets what was chosen.
+    // An explicit choice takes precedence.
     std::vector<std::string> exact = back;
     exact.insert(exact.end(), {"--set", "SXML_EXACT_TABLE_MATCH=yes"});
     EXPECT_EQ(sxml(exact).status, 0);

@@ -1,4 +1,4 @@
-// Conversions that several processes share: everything is as with one.
+// Conversions that several processes share: the results are those of one.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -37,7 +37,7 @@ class JobsTest : public CommandTest {
         write_file("i.cpy", COPYBOOK);
     }
 
-    // Everything that a run leaves, but for the standard output.
+    // Everything that a run leaves, except the standard output.
     struct Traces {
         int status;
         std::string err, output, rejects, report;
@@ -200,7 +200,7 @@ TEST_F(JobsTest, RecordsBecomeTheSameDocument) {
     }
 }
 
-// A conversion of a large document, as somebody else sees it.
+// A conversion of a large document, seen from another process.
 class RunningConversion {
   public:
     RunningConversion() {

@@ -77,7 +77,7 @@ TEST_F(OutputTest, SymbolicLinksAreFollowed) {
     EXPECT_NE(read_file("real/w.xml").find("</w>"), std::string::npos);
 }
 
-// What is sent on cannot be taken back, so it must not look complete.
+// Output that has been sent cannot be taken back, so it must not look complete.
 TEST_F(OutputTest, ADocumentThatFailsOnStandardOutputHasNoEndTag) {
     const Outcome outcome = convert("bad.dat", "-");
     EXPECT_EQ(outcome.status, 1);

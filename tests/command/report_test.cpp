@@ -1,4 +1,4 @@
-// What a conversion loses is told, and records that cannot be converted can be put aside.
+// Losses of a conversion are reported, and records that cannot be converted can be put aside.
 
 #include <random>
 

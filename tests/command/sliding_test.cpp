@@ -115,7 +115,7 @@ TEST_F(SlidingTest, RecordsOfFixedLengthAreFilledUp) {
     EXPECT_NE(dump.out.find("12  6D 69 64"), std::string::npos) << dump.out;
 }
 
-// What check counts: entries in use only, at the places where they lie.
+// check counts only entries in use, at their actual offsets.
 TEST_F(SlidingTest, ChecksCountEntriesInUse) {
     write_file("s.cpy",
                "       01  REC.\n           05  N PIC 9.\n"

@@ -259,7 +259,7 @@ TEST_F(ElementTest, RefusesHandlesThatAreNoElements) {
     }
     EXPECT_EQ(describe(top), "top[](reused[])");
     EXPECT_EQ(xml.xml_is_element(reused), 1);
-    // As a parent such a handle makes a top-level element, as a place to insert it is passed over.
+    // As a parent such a handle makes a top-level element; as a place to insert it is ignored.
     std::vector<std::uint32_t> children = {reused};
     for (const std::uint32_t bad : {stale, other, top}) {
         children.push_back(xml.xml_new_element(top, "last", bad));

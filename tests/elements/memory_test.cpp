@@ -8,7 +8,7 @@
 
 namespace {
 
-// Live blocks but for the indexes of names, which may stay behind for the next child.
+// Live blocks except the indexes of names, which may remain for the next child.
 std::size_t blocks_of_the_tree() {
     const auto blocks = host::live_blocks();
     return static_cast<std::size_t>(

@@ -1,5 +1,5 @@
-// What shall fail in a program that the library of failures is loaded into, told by environment
-// variables:
+// The calls that are to fail in a program into which the library of failures is loaded, set by
+// environment variables:
 //   SXML_FAULT        KIND N [+] [ERRNO]: the N-th call of the kind fails, with + every later one
 //   as
 //                     well. KIND is memory, read, write, sync, rename or open; ERRNO is a number.

@@ -166,7 +166,7 @@ class Sweep {
         restore(before_);
         const std::uint64_t calls = page_.take().calls;
         for (const char* going_on : {"", "+"}) {
-            // A call that is always interrupted, or never ready, may be tried for ever.
+            // A call that is always interrupted, or never ready, may be repeated forever.
             if (*going_on != '\0' && (fault.error == EINTR || fault.error == EAGAIN)) continue;
             for (const std::uint64_t call : chosen_calls(calls)) {
                 judge(fault, std::to_string(call) + going_on);
@@ -212,7 +212,7 @@ class Sweep {
         if (has_noticed && !has_said) return "a failure without its reason";
         if (has_noticed) {
             if (present == before_) return "";
-            // All is done, and only that could not be told.
+            // Everything is done, and only reporting it failed.
             const bool is_untold = outcome.err.find("standard output") != std::string::npos;
             if (is_untold && present == after_) return "";
             return "a failure that changes files:" + difference(before_, present);

@@ -11,7 +11,7 @@
 
 namespace {
 
-// All files below the current folder but for those at its top, in order.
+// All files below the current folder except those at its top, in order.
 std::string tree() {
     std::vector<std::string> names;
     for (const auto& entry : fs::recursive_directory_iterator("tree")) {
@@ -238,7 +238,8 @@ TEST_F(CobolTest, SettingsMayNotSpoilTheDocument) {
     EXPECT_EQ(read_file("spoiled.xml"), "as it was");
 }
 
-// An attribute is no declaration, and a chain of entities that would overflow the stack is told.
+// An attribute is not a declaration, and a chain of entities that would overflow the stack is
+// reported.
 TEST_F(CobolTest, DocumentsAreNotTakenForWhatTheyAreNot) {
     compile_for_xml(PROGRAMS + "statuses.cbl", "statuses");
     write_file(

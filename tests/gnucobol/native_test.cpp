@@ -1,4 +1,4 @@
-// Files that are no documents: whatever a program does with them, it is as without us.
+// Files other than documents: whatever a program does with them, it works as without the adapter.
 #include <gtest/gtest.h>
 
 #include "tests/gnucobol/cobol_test.h"

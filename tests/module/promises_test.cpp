@@ -1,4 +1,4 @@
-// What the writing side asks of its host: the calls, their arguments and their order. Some services
+// The calls that writing makes to its host, with their arguments and order. Some services
 // of the host are replaced here: the module finds those of this program before the host's own.
 #include <dlfcn.h>
 

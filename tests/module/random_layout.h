@@ -1,4 +1,4 @@
-// Copybooks and records made up at random, for tests that want to meet what nobody thought of.
+// Random copybooks and records, for tests of unforeseen cases.
 //
 // What the file interface cannot bring back is left out or told by returned():
 //   - tables have two occurrences or more: one alone carries no number, and in or around another

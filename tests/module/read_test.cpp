@@ -34,7 +34,7 @@ TEST_F(ReadTest, MatchesElementsToFields) {
     const Case cases[] = {
         {ID + FIRST + SECOND + NAMES, "A1s112s234hhff", nullptr},
         {FOOT + FIRST + HEAD + ID + SECOND, "A1s112s234hhff", nullptr},
-        // A third line is nobody's; neither is an element that comes twice but is no table.
+        // No field takes a third line, or an element that occurs twice but is not a table.
         {ID + FIRST + SECOND + SECOND + NAMES, "A1s112s234hhff", nullptr},
         {ID + ID + FIRST + SECOND + NAMES, "..s112s234hhff", nullptr},
         // The only element of a name goes to the first field of that name.

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Plants single-line faults at random places and tells which of them the tests notice."""
+"""Plants single-line faults at random places and reports which of them the tests notice."""
 
 import argparse
 import random

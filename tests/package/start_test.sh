@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What it costs to start: instructions, as callgrind counts them, until the version is told or a file of two records
+# What it costs to start: instructions, as callgrind counts them, until the version is printed or a file of two records
 # is converted; and the libraries that are loaded for it.
 #     start_test.sh BUILD_DIR
 set -euo pipefail

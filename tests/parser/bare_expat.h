@@ -6,7 +6,7 @@
 #include <string_view>
 
 struct BareResult {
-    int error = 0;            // Expat's code; what only shows when the input ends is no error
+    int error = 0;  // Expat's code; what only shows at the end of the input is not an error
     bool after_root = false;  // the document element had ended when the error came
     // As canonical_tree shows it, without the text right before an error: how much of that arrives
     // depends, in Expat, on how the input is cut.

@@ -70,7 +70,7 @@ TEST_F(Handles, OpeningTellsWhyItFails) {
     EXPECT_EQ(*host_error_detail(HOST_FILE_XML), HOST_DETAIL_EXPAT);
     EXPECT_EQ(*host_error_subcode(), XML_ERROR_TAG_MISMATCH);
     EXPECT_STREQ(*host_error_text(), XML_ErrorString(XML_ERROR_TAG_MISMATCH));
-    // Only the given length counts, and an end that comes early is no error.
+    // Only the given length counts, and an early end is not an error.
     const std::uint32_t cut = xml.xml_open_file(broken.c_str(), WHOLE, broken.size() - 2);
     EXPECT_EQ(file_error(), HOST_FILE_END);
     EXPECT_STREQ(xml.xml_element_name(xml.xml_parser_root(cut)), "a");
@@ -179,7 +179,7 @@ TEST_F(Handles, TracesWhatItReads) {
     EXPECT_EQ(file_text(trace), file_text(SXML_SOURCE_DIR "/tests/parser/expected/trace.txt"));
 }
 
-// What nobody handles goes to the default handler, token for token as Expat alone hands it out.
+// Everything without a handler goes to the default handler, token for token as with Expat alone.
 TEST_F(Handles, TheDefaultHandlerGetsEveryToken) {
     const std::string document =
         "<!DOCTYPE r [<!ENTITY e 'x&#38;y'><!ENTITY % p 'z'>\n<!ENTITY s SYSTEM 'u'><!-- c --> ]>"
@@ -207,8 +207,8 @@ TEST_F(Handles, TheDefaultHandlerGetsEveryToken) {
     EXPECT_EQ(lengths, expected);
 }
 
-// A released element is nobody's root or current element any more, and its number may be given out
-// again to somebody else.
+// A released element is no longer the root or current element of any parser, and its handle may be
+// reused.
 TEST_F(Handles, ReleasedElementsLeaveTheirParser) {
     const std::uint32_t built = xml.xml_open_file(nullptr, 0, 0);
     const std::uint32_t first = xml.xml_parser_new_root(built, "a");

@@ -1,5 +1,5 @@
 // Every sample document from every side: whole and record by record, with input cut anywhere, from
-// a file and from memory. The outcome is always what Expat alone makes of the document.
+// a file and from memory. The outcome is always that of Expat alone.
 #include "tests/parser/comparison.h"
 #include "tests/parser/documents.h"
 #include "tests/parser/parser_test.h"

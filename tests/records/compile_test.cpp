@@ -285,7 +285,7 @@ TEST(Compile, LengthFollowsTheCounter) {
     EXPECT_EQ(inner.used_length("1abcdZ", 6, {}), 6);
 }
 
-// Sizes, byte orders and slack bytes of a mainframe, where cobc is no judge.
+// Sizes, byte orders and slack bytes of a mainframe, which cobc cannot confirm.
 TEST(Compile, MainframesPlaceBinaryItemsTheirOwnWay) {
     LayoutOptions options;
     options.encoding = RecordEncoding::ebcdic;

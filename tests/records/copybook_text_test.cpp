@@ -23,7 +23,7 @@ TEST(SourceText, FormatIsFoundOut) {
         "   100 01 A.\n   200     05 B PIC X.\n",
         "CR1987 01 A.\nCR1987     05 B PIC X.\n",
         "      *COMMENT\n       01 A." + blanks(60) + "COLUMN73\n           05 B PIC X.\n",
-        // After column 80 there is no card: the margin does not hold.
+        // Text after column 80 is not on a punched card: there is no right margin.
         "       01 A.\n           05 B" + blanks(69) + "PIC X.\n",
         "      *COMMENT\n       01 A.\n           05 B" + blanks(70) + "PIC X.\n",
         "       01 A.\n*> COMMENT IN COLUMN 1\n         05 B\n  PIC\n   X.\n",

@@ -1,4 +1,4 @@
-// A module of the plainest kind: it notes what its host does with it.
+// A minimal module that records what its host does with it.
 #include <array>
 #include <cstring>
 

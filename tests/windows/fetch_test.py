@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Documents fetched, and not to be had, from a server of our own: sxml.exe ends as the command on Linux does.
+"""Documents that can and cannot be fetched from a local server: sxml.exe ends as the command on Linux does.
     fetch_test.py LINUX_SXML SXML_EXE"""
 
 import http.server

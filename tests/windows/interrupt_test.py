@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Ctrl-C on a console, while sxml.exe writes, reads standard input and fetches: nothing stays behind.
+"""Ctrl-C on a console, while sxml.exe writes, reads standard input and fetches: no file remains.
     interrupt_test.py WINE SXML_EXE COPYBOOK"""
 
 import os

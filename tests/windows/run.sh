@@ -13,7 +13,7 @@ examples=$sources/examples
 
 fail() { printf 'windows: %s\n' "$1" >&2; exit 1; }
 
-# A Windows of its own; one server for all calls. A crash must not be kept quiet by a debugger.
+# A Windows of its own; one server for all calls. A debugger must not hide a crash.
 export WINEPREFIX=$windows/wine WINEDEBUG=-all WINEDLLOVERRIDES='winedbg.exe=d;mscoree=d;mshtml=d'
 export LC_ALL=C.UTF-8 WINEPATH=$windows/bin SOURCE_DATE_EPOCH=1795000000
 export SXML_WINE=/usr/lib/wine/wine64 SXML_EXE=$windows/bin/sxml.exe SXML_CALLS=$windows/calls

@@ -21,7 +21,7 @@ def outcome(command, words, folder, outputs):
 
 
 def differs(what, words, folder, outputs):
-    """Whether the two do not do the same, which is told; and the exit status on Linux."""
+    """Whether the two differ, which is printed; and the exit status on Linux."""
     here, there = (outcome(command, words, folder, outputs) for command in (LINUX, EXE))
     for part, expected, found in zip(("status", "output", "messages", "files"), here, there):
         if expected != found:
