@@ -48,7 +48,7 @@ const char* clause_name(Clause clause) {
     return "";
 }
 
-// The digits that stand for a constant used as a count; nothing when it is no constant of that
+// The digits that stand for a constant used as a count; nothing when it is not a constant of that
 // kind.
 std::optional<std::string> constant_count(const ParseContext& context, const std::string& name) {
     const auto found = context.constants.find(name);
@@ -65,8 +65,7 @@ void ClauseParser::parse() {
     while (!failed_ && !cursor_.at_end()) {
         if (cursor_.take(WordKind::period)) return;
         if (cursor_.at(WordKind::directive_begin)) {
-            context_.error(cursor_.peek(),
-                           "a directive stands before the level number of its item");
+            context_.error(cursor_.peek(), "a directive must precede the level number of its item");
             skip_directives(cursor_);
             continue;
         }
@@ -201,7 +200,7 @@ void ClauseParser::parse_unsupported_usage() {
     while (!cursor_.at_end() && !looks_like_entry(cursor_) && !cursor_.at(WordKind::period)) {
         cursor_.advance();
     }
-    // What was left out counts as a picture, so that no second message asks for one.
+    // A missing picture counts as a picture, so that no second message asks for one.
     if (!item_.picture) item_.picture = analyse_picture("X", {}).picture;
 }
 
@@ -355,7 +354,7 @@ void ClauseParser::parse_blank() {
     item_.blank_when_zero = true;
 }
 
-// Values of items have no meaning for the layout: they are only passed over.
+// Values of items have no meaning for the layout: they are skipped.
 void ClauseParser::parse_value() {
     cursor_.advance();
     if (!cursor_.take_word("IS")) cursor_.take_word("ARE");

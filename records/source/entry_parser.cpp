@@ -18,7 +18,7 @@ bool is_one_of(const Token& token, std::initializer_list<std::string_view> words
     return false;
 }
 
-// Clauses that begin with one word only and need something after it that is no such word.
+// Clauses that begin with a single word and need something after it other than such a word.
 bool is_strong(const Token& token) {
     const Clause clause = clause_of(token);
     return clause == Clause::picture || clause == Clause::redefines || clause == Clause::usage ||
@@ -99,7 +99,7 @@ class EntryParser {
 
   private:
     void report_lonely(const Directives& directives) {
-        context_.error(*directives.first, "a directive stands before the data item it is for");
+        context_.error(*directives.first, "a directive must precede the data item it is for");
     }
 
     void report_no_level() {

@@ -206,9 +206,9 @@ bool PictureAnalyser::numeric() {
     if (has('.')) picture.stored_point = options_.decimal_point_is_comma ? ',' : '.';
     picture.is_signed = has('S');
     if (count('S') > 1 || (has('S') && runs_.front().symbol != 'S')) {
-        return fail(last("S"), "S stands once, as the first symbol");
+        return fail(last("S"), "S may occur only once, as the first symbol");
     }
-    if (count('V') > 1) return fail(last("V"), "V stands at most once");
+    if (count('V') > 1) return fail(last("V"), "V may occur only once");
     if (count('9') + count('P') > MAX_DIGITS) {
         return fail(first("9P"), "a number has at most 38 digits");
     }
@@ -240,7 +240,7 @@ bool PictureAnalyser::scale_with_p() {
         picture.scale = p;
         return true;
     }
-    return fail(first("P"), "P stands in one place: before all digits or after all digits");
+    return fail(first("P"), "P must be before all digits or after all digits");
 }
 
 // A sign or currency symbol that stands more than once floats: all but one are digit places.
@@ -277,7 +277,7 @@ bool PictureAnalyser::numeric_edited() {
 
 bool PictureAnalyser::check_edited_signs() {
     if (count(CREDIT) + count(DEBIT) > 1) {
-        return fail(last("cd"), "CR or DB stands at most once");
+        return fail(last("cd"), "CR or DB may occur only once");
     }
     const bool credit = has(CREDIT) || has(DEBIT);
     if (credit && runs_.back().symbol != CREDIT && runs_.back().symbol != DEBIT) {
@@ -291,7 +291,8 @@ bool PictureAnalyser::check_edited_signs() {
             continue;
         if (runs_.size() > 1 && runs_.front().symbol == CURRENCY && runs_[1].symbol == sign)
             continue;
-        return fail(first(std::string_view(&sign, 1)), "a sign stands at the beginning or the end");
+        return fail(first(std::string_view(&sign, 1)),
+                    "a sign must be at the beginning or the end");
     }
     return true;
 }

@@ -37,7 +37,7 @@ void RecordBuilder::add(Entry entry) {
 
 void RecordBuilder::add_condition(Entry& entry) {
     if (open_.empty()) {
-        context_.error(entry.start, "level 88 stands below the data item it is for");
+        context_.error(entry.start, "level 88 must follow the data item it is for");
     } else if (entry.condition) {
         open_.back()->conditions.push_back(std::move(*entry.condition));
     }

@@ -129,7 +129,7 @@ const std::vector<UsageCase> CASES = {
     {"comment_in_column_8",
      {"layout", "late.cpy"},
      1,
-     {"late.cpy:2:", "note: the * of a comment stands in column 7, this one in column 8"}},
+     {"late.cpy:2:", "note: the * of a comment must be in column 7; this one is in column 8"}},
     {"records_with_length_headers",
      {"to-xml", "rdw", "words.xml", "--layout", "line.cpy"},
      1,

@@ -17,7 +17,7 @@ struct Bounds {
 std::string item_problem(const Operand& item, const Bounds& bounds) {
     if (item.kind != Operand::Kind::item) return "the left side must be an item";
     if (item.tables < 0 || static_cast<std::size_t>(item.tables) >= bounds.last_shift.size()) {
-        return item.value + " lies in more tables than its condition";
+        return item.value + " is in more tables than its condition";
     }
     const std::int64_t shift = bounds.last_shift[static_cast<std::size_t>(item.tables)];
     if (item.offset < 0 || item.length <= 0 ||

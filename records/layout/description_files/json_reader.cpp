@@ -350,7 +350,7 @@ class Reader {
         }
         if (!complete || counter.kind != Operand::Kind::item || tables > around.tables.size() ||
             end > model_.record_length || !is_numeric_type(counter.form.type)) {
-            occurs.member("counter").error("must be a number that lies in the record");
+            occurs.member("counter").error("must be a number within the record");
         }
         return counter;
     }
@@ -420,7 +420,7 @@ class Reader {
         const bool matches = tables.size() <= inside.tables.size() &&
                              std::equal(tables.begin(), tables.end(), inside.tables.begin());
         if (!matches) {
-            key.member("condition").error("names a condition that lies in other tables");
+            key.member("condition").error("names a condition in other tables");
         }
     }
 
@@ -448,7 +448,7 @@ class Reader {
         if (!complete || counter.kind != Operand::Kind::item || counter.tables != 0 ||
             counter.length > model_.record_length - counter.offset ||
             !is_numeric_type(counter.form.type)) {
-            key.member("counter").error("must be a number that lies in the record");
+            key.member("counter").error("must be a number within the record");
         }
         rule.condition = static_cast<int>(
             key.integer("condition", 0, static_cast<std::int64_t>(model_.conditions.size()), 0));

@@ -60,7 +60,7 @@ void add_source_hints(SourceFormat format, Diagnostics& diagnostics) {
                          "goes on");
     }
     if ((place = first_place(diagnostics, has_late_comment_mark))) {
-        diagnostics.note(*place, "the * of a comment stands in column 7, this one in column 8");
+        diagnostics.note(*place, "the * of a comment must be in column 7; this one is in column 8");
     }
 }
 

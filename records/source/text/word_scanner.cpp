@@ -124,7 +124,7 @@ std::optional<TextWord> WordScanner::scan_comment() {
     const std::string_view comment = without_leading_blanks(line_.content.substr(at_ + 2));
     TextWord word = take(WordKind::broken, line_.content.size() - at_);
     if (!is_directive_comment(comment)) return std::nullopt;
-    word.text = "a directive stands on a line of its own, before the item that it is for";
+    word.text = "a directive must be on a separate line, before the item that it is for";
     return word;
 }
 

@@ -15,4 +15,4 @@
 05 flags pic x(2).
 *> sxml: hide
 05 filler pic x.
-garbage behind the end
+garbage after the end
