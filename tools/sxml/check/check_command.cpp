@@ -1,4 +1,4 @@
-// sxml check: converts a file without writing anything, and tells what it holds and what would be
+// sxml check: converts a file without writing anything, and reports its contents and what would be
 // lost.
 
 #include <cctype>
@@ -40,7 +40,7 @@ struct CheckOptions {
     bool is_json = false;
 };
 
-// Every record is converted, and nobody is told but the report.
+// Every record is converted; findings go to the report only.
 ReportOptions silent_report() {
     ReportOptions options;
     options.rejects = platform::null_device();

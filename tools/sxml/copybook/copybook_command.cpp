@@ -51,7 +51,7 @@ std::string in_comment(std::string text) {
     return text;
 }
 
-// What the documents, and what describes them, say.
+// The contents of the documents and of their descriptions.
 struct Sources {
     conversion::DocumentProfile profile;
     conversion::SchemaSet schemas;

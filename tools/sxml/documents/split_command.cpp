@@ -27,7 +27,7 @@ struct SplitOptions {
     std::string out;            // names of parts begin with it
 };
 
-// Where the parts of a document end, but for the last one.
+// Where the parts of a document end, except the last one.
 class Cuts {
   public:
     explicit Cuts(const SplitOptions& options) : options_(options) {}

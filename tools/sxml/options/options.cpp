@@ -33,7 +33,7 @@ void add_source_options(Command command, LayoutOptions& options) {
         .repeated()
         .value("FOLDER");
     add_choice(command, "--format", options.copybook.format, records::SOURCE_FORMATS,
-               "source format of the layout (default: told from its text)");
+               "source format of the layout (default: detected from its text)");
     command.add_flag("--debugging-lines", options.copybook.debugging_lines,
                      "treat D lines as source, not as comments");
 }
@@ -89,9 +89,9 @@ void add_description_options(Command command, LayoutOptions& options) {
                "where the records come from: sizes, byte order and floating point of binary items "
                "(default: native; mainframe for records in EBCDIC)");
     add_choice(command, "--binary-size", layout.binary_size, records::BINARY_SIZES,
-               "bytes that binary items may take (default: 1-2-4-8; 2-4-8 of a mainframe)");
+               "bytes that binary items may take (default: 1-2-4-8; 2-4-8 for a mainframe)");
     add_choice(command, "--byte-order", layout.byte_order, records::BYTE_ORDERS,
-               "of COMP, COMP-4 and BINARY items; native: that of COMP-5 (default: big-endian)");
+               "of COMP, COMP-4 and BINARY items; native: as COMP-5 (default: big-endian)");
     add_choice(command, "--national-size", layout.national_size, records::NATIONAL_SIZES,
                "bytes of a NATIONAL character, or the rule of a cobc (default: 2)");
     command.add_flag(
@@ -99,8 +99,9 @@ void add_description_options(Command command, LayoutOptions& options) {
         "binary items hold all that fits their bytes, whatever their picture says");
     add_choice(
         command, "--odo", layout.moving_data, records::MOVING_DATA,
-        "tables with DEPENDING ON that do not end the record: refuse them (default), take them as "
-        "full in every record (fixed), or let what follows them slide (default of a mainframe)");
+        "tables with DEPENDING ON that do not end the record: refuse them (default), take their "
+        "full size in every record (fixed), or let the items after them slide (sliding; default "
+        "for a mainframe)");
     command.add_flag("--ebcdic-sign", layout.ebcdic_sign,
                      "signs overpunched in DISPLAY numbers follow EBCDIC");
     command.add_flag("--filler", layout.filler, "give FILLER items elements, too");

@@ -28,7 +28,7 @@ conversion::RecordFormat settle_format(const RecordFileOptions& options,
     return format;
 }
 
-// Says which option reads the file, where the shelf says which format.
+// Names the option that reads the file, where the conversion names the format.
 [[noreturn]] void fail_reading(conversion::Problem problem) {
     const std::string_view prefix = conversion::ANOTHER_FORMAT;
     if (problem.remedy.starts_with(prefix)) {

@@ -189,7 +189,7 @@ void RunReport::write(int status, const std::string& failure) const {
     json["status"] = status;
     json["failure"] = failure.empty() ? Json() : Json(failure);
     add_to(json);
-    // What is not UTF-8 in a text of the input must not keep the report from being written.
+    // Text of the input that is not UTF-8 must not prevent the report from being written.
     const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
     write_output(options_.report, text + "\n");
 }
