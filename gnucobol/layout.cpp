@@ -55,7 +55,7 @@ std::optional<LayoutSource> named_by_setting(const std::string& path) {
         source = {find_file(value.substr(0, colon)), value.substr(colon + 1)};
     }
     if (!source.file.empty()) return source;
-    throw std::runtime_error(setting + " names " + value + ", which is no file");
+    throw std::runtime_error(setting + " names " + value + ", which is not a file");
 }
 
 std::optional<LayoutSource> beside_document(const std::string& path) {

@@ -69,7 +69,7 @@ const char* meaning_of(Status status) {
         case Status::wrong_length:
             return "the record does not have a length that the file's records may have";
         case Status::read_after_end:
-            return "there is no record to read any more";
+            return "there is no further record to read";
         case Status::not_open_for_input:
             return "the file is not open for input";
         case Status::not_open_for_output:

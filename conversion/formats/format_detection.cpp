@@ -144,7 +144,7 @@ Result<RecordFormat> detect_format(ByteSource& source, std::size_t record_length
     Place place;
     place.file = source.name();
     return Problem{Cause::record, place, "the file fits the layout in none of the record formats",
-                   "the layout is not the file's, or something stands before or after the records"};
+                   "the layout is not the file's, or other data precedes or follows the records"};
 }
 
 }  // namespace conversion

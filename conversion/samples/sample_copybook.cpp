@@ -146,7 +146,7 @@ void CopybookMaker::lose(const ElementProfile& element, Place place, std::string
                               path_of(element) + ": " + std::move(what), std::move(remedy)});
 }
 
-// What can have a place in a record; what cannot is said once.
+// What a record can hold; what it cannot is reported once.
 bool CopybookMaker::is_usable(const ElementProfile& element, int level) const {
     return can_be_given(element.name) && level <= DEEPEST_LEVEL && twins_.count(&element) == 0;
 }
@@ -181,7 +181,7 @@ void CopybookMaker::collect_names(const ElementProfile& element, int level) {
     if (!can_be_given(element.name)) return say_name(element);
     if (twins_.count(&element) > 0) return say_twin(element);
     if (level > DEEPEST_LEVEL) {
-        return lose(element, {}, "cannot be read: it lies deeper than COBOL's levels go",
+        return lose(element, {}, "cannot be read: it is deeper than COBOL's levels allow",
                     "take elements further down for the records, with --record");
     }
     if (element.name.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ-") != std::string::npos) {

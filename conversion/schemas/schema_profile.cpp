@@ -201,7 +201,7 @@ Done SchemaProfile::describe_children(ElementProfile& element, const Content& co
     }
     if (content.abstract != nullptr) {
         lose(element, *content.abstract,
-             "nothing stands for the abstract element " + content.abstract->attribute("ref"));
+             "no element can replace the abstract element " + content.abstract->attribute("ref"));
     }
     std::unordered_map<std::string, const ElementProfile*> samples;
     for (const ElementProfile& sample : element.children) {
@@ -262,7 +262,7 @@ std::string SchemaProfile::written_name(const ElementProfile& around,
     return found + name;
 }
 
-// Those of xml:lang and the like are no data.
+// xml:lang and similar attributes are not data.
 Done SchemaProfile::describe_attributes(ElementProfile& element, const Content& content) {
     for (const SchemaNode* attribute : content.attributes) {
         const SchemaNode* declaration = attribute;

@@ -22,7 +22,7 @@ std::string with_remedy(const conversion::Problem& problem, std::string reason) 
     return problem.remedy.empty() ? reason : reason + "; " + problem.remedy;
 }
 
-// What an open, a read or a write that failed means to the program.
+// The file status for a failed open, read or write.
 Result result_of(const conversion::Problem& problem) {
     if (problem.system_error != 0) {
         Result result = refusal(problem.system_error);
@@ -82,7 +82,7 @@ std::string text_of(const FieldTrouble& trouble) {
 std::string text_of(const UnusedData& unused) {
     switch (unused.kind) {
         case UnusedData::Kind::text:
-            return "no field is called like element " + unused.path;
+            return "no field has the name of element " + unused.path;
         case UnusedData::Kind::surplus:
             return "element " + unused.path + " comes more often than the field";
         default:
@@ -236,9 +236,9 @@ Result OpenFile::tell_troubles() {
     return result;
 }
 
-// A document keeps no lengths. What tells one is, in this order: the counter of a table that ends
-// the record, the layout, the text of a line or of a record that is but a text, and the last field
-// that there was data for.
+// A document keeps no lengths. The length is determined, in this order, by the counter of a table
+// that ends the record, by the layout, by the text of a line or of a record that is a single text,
+// and by the last field that has data.
 std::uint32_t OpenFile::length_of_record_read() const {
     if (shortest() >= longest()) return longest();
     const records::Description& description = layout_->description;
@@ -267,7 +267,7 @@ std::uint32_t OpenFile::length_of_text() const {
     return static_cast<std::uint32_t>(record.rend() - end);
 }
 
-// Whether a record is but one field of characters.
+// Whether a record is a single field of characters.
 bool OpenFile::is_one_text() const {
     const auto& fields = layouts().front().fields;
     return layouts().size() == 1 && fields.size() == 1 &&
@@ -314,7 +314,7 @@ std::optional<std::uint32_t> OpenFile::byte_without_field(std::size_t layout,
     return std::nullopt;
 }
 
-// Tells, once a file, of a byte that the record has and the document has no field for.
+// Reports, once for each file, a byte of the record that belongs to no field of the document.
 Result OpenFile::tell_byte_without_field(std::uint32_t byte) {
     const std::string what = "byte " + std::to_string(byte + 1) +
                              " of the record is not blank and in no field (FILLER?), so that the "

@@ -72,7 +72,7 @@ bool put_name(EntityReferences& known, std::string_view name) {
     return true;
 }
 
-const char* behind(const char* name) {
+const char* after(const char* name) {
     return name + std::strlen(name) + 1;
 }
 
@@ -80,9 +80,9 @@ void list_entities(const EntityReferences& known, const Entities& entities) {
     const char* at = known.names;
     for (std::uint32_t i = 0; i < entities.count; ++i) {
         const char* const name = at;
-        at = behind(at);
+        at = after(at);
         entities.first[i] = {name, at, 0, 0, false};
-        while (*at) at = behind(at);
+        while (*at) at = after(at);
         ++at;
     }
     std::sort(entities.first, entities.first + entities.count,
@@ -106,7 +106,7 @@ bool measure_from(const Entities& entities, Entity* start) {
         next = nullptr;
         if (*entity.next_reference) {
             Entity* const other = entities.find(entity.next_reference);
-            entity.next_reference = behind(entity.next_reference);
+            entity.next_reference = after(entity.next_reference);
             if (other && other->depth == 0)
                 next = other;
             else if (other)

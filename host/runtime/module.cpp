@@ -73,7 +73,7 @@ Module Module::load(const std::string& path, const std::vector<NamedFunction>& f
     auto* get_table =
         reinterpret_cast<GetDispatchTableFunction*>(module.symbol("GetDispatchTable"));
     if (get_table == nullptr || get_table(&module.table_) != 0 || module.table_ == nullptr) {
-        throw std::runtime_error(file + " is no module: it gives no dispatch table");
+        throw std::runtime_error(file + " is not a module: it provides no dispatch table");
     }
     for (const DispatchSlot needed : {SLOT_INIT, SLOT_SET_HOST_FUNCTION, SLOT_REGISTER_SETTINGS,
                                       SLOT_MAKE, SLOT_OPEN, SLOT_CLOSE, SLOT_READ, SLOT_WRITE}) {

@@ -109,12 +109,12 @@ int level_from_environment() {
         level <= std::numeric_limits<std::int16_t>::max()) {
         return level;
     }
-    std::fprintf(stderr, "sxml: SXML_TRACE=%s in the environment is no trace level (0 to 11)\n",
+    std::fprintf(stderr, "sxml: SXML_TRACE=%s in the environment is not a trace level (0 to 11)\n",
                  text);
     return 0;
 }
 
-// The file is emptied at the first line: a program can still refuse to work with it.
+// The file is emptied at the first line: until then a program can still reject it.
 [[gnu::constructor]] void start_trace() {
     const int level = level_from_environment();
     const char* file = platform::trusted_environment_variable("SXML_TRACE_FILE");

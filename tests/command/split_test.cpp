@@ -132,11 +132,11 @@ TEST_F(SplitTest, WhatIsNotOfOneDescriptionIsNotJoined) {
     const Outcome outcome = sxml({"join", "a.xml", "b.xml", "-o", "-"});
     EXPECT_EQ(outcome.out, head + "<!DOCTYPE a []><a b='1'><r/><r/><!-- kept --></a>");
     EXPECT_EQ(outcome.err,
-              "sxml: warning: b.xml: what stands after the document element is left out\n");
+              "sxml: warning: b.xml: anything after the document element is left out\n");
     EXPECT_EQ(sxml({"join", "a.xml", "b.xml", "-o", "b.xml"}).status, 2);
     write_file("b.xml", "<!DOCTYPE a []><a b='1'/><!-- lost -->");
     EXPECT_EQ(sxml({"join", "a.xml", "b.xml", "-o", "-"}).err,
-              "sxml: warning: b.xml: what stands after the document element is left out\n");
+              "sxml: warning: b.xml: anything after the document element is left out\n");
 }
 
 // Under whatever name they are read.

@@ -102,7 +102,7 @@ TEST_F(CobolTest, EveryStateOfAFileHasItsStatus) {
     EXPECT_EQ(outcome.err, read_file(PROGRAMS + "statuses.err"));
     EXPECT_EQ(read_file("good.xml"), good);
     EXPECT_EQ(read_file("short.xml"), good);
-    // A limit on the size of files is as a full disk.
+    // A limit on the size of files counts as a full disk.
     fs::remove("full.xml");
     const Outcome limited = run({"bash", "-c", "ulimit -f 16; exec ./statuses good.xml"});
     EXPECT_NE(limited.out.find("\n  write 34\n  close 34\n"), std::string::npos) << limited.out;
@@ -196,7 +196,7 @@ TEST_F(CobolTest, FilesAndLayoutsAreFoundAsTheUserSays) {
          {{"SXML_LAYOUT_other", "other.cpy"}},
          "other.xml",
          "00",
-         "no field is called like element number_of"},
+         "no field has the name of element number_of"},
         {"a mistake in it",
          {{"SXML_LAYOUT_broken", "broken.cpy"}},
          "broken.xml",

@@ -1,4 +1,4 @@
-// A document is there whole or not at all, and has one writer.
+// A document is complete or absent, and has one writer.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -75,7 +75,7 @@ TEST_F(EndingTest, DocumentsAreCompleteWhenTheProgramEndsAsItMeansTo) {
     EXPECT_NE(full.out.find("CLOSE: file status 34: File too large"), std::string::npos)
         << full.out;
     EXPECT_EQ(read_file("result.xml"), old_);
-    // What a killed writer has left is taken over.
+    // The file of a killed writer is taken over.
     EXPECT_EQ(run_program({"./ending", "close", "new"}).err, "");
     EXPECT_FALSE(has_left_over());
 }
@@ -158,7 +158,7 @@ TEST_F(EndingTest, AFolderNeedNotAdmitNewFiles) {
               "open 00\nwrite 00\nopen 61\nwrite 48\nclose 42\n"
               "open 61\nwrite 48\nclose 42\n");
     EXPECT_EQ(read_file("result.xml"), whole);
-    // What another user has begun is neither taken over nor passed by.
+    // A file that another user has begun is neither taken over nor ignored.
     write_file(".result.xml.part", "");
     fs::permissions(".result.xml.part", fs::perms{0});
     for (const bool is_document_there : {true, false}) {
@@ -287,7 +287,7 @@ TEST_F(CobolTest, SortsOfADamagedDocumentGiveNothing) {
     }
 }
 
-// What a document has for a record, the status of the READ, and what is told.
+// A document's data for a record, the status of the READ, and the messages.
 struct Told {
     std::string record;
     std::string status;
@@ -299,7 +299,7 @@ TEST_F(CobolTest, WhatIsNotInTheRecordIsTold) {
     const std::vector<Told> table = {
         {"<number_of>1</number_of>", "00", ""},
         {"", "00", ""},
-        {"<number>1</number>", "04", "no field is called like element number"},
+        {"<number>1</number>", "04", "no field has the name of element number"},
         {"<number_of>1</number_of><number_of>2</number_of>", "04", "comes more often"},
         {"<text_of>abcdefghijk</text_of>", "04", "field text_of: \"abcdefghijk\" is cut to 10"},
         {"<number_of>x</number_of>", "04", "field number_of: \"x\" is not a number"},
@@ -358,7 +358,7 @@ TEST_F(CobolTest, NumbersAreReadAsTheyAreMeant) {
     EXPECT_EQ(read_file("f.dat"), records);
 }
 
-// A print file of the runtime is one of the runtime's as ever; as a document it is refused.
+// The runtime handles a print file as always; as a document it is refused.
 TEST_F(CobolTest, ReportsAreNoDocuments) {
     write_file("rep.cbl",
                "       IDENTIFICATION DIVISION.\n       PROGRAM-ID. REP.\n"

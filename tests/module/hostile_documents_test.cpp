@@ -1,6 +1,6 @@
-// Documents that mean harm, or came to harm, through the file interface: what was complete is
-// delivered, the code tells the rest, time and memory stay within the document's size, and nothing
-// is left behind. With SXML_FULL_SIZES set the documents are fifty times as large.
+// Hostile and damaged documents, through the file interface: complete records are delivered, the
+// code shows the error, time and memory are proportional to the document's size, and nothing stays
+// allocated. With SXML_FULL_SIZES set the documents are fifty times as large.
 #include <expat.h>
 
 #include <algorithm>
@@ -321,8 +321,8 @@ TEST_F(LargeRecordTest, DoesNotSlowDownThoseBehindIt) {
         return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     };
     const double before = seconds(small + large);
-    const double behind = seconds(large + small);
-    EXPECT_LT(behind, 3 * before + 0.2) << before << " s, then " << behind << " s";
+    const double after = seconds(large + small);
+    EXPECT_LT(after, 3 * before + 0.2) << before << " s, then " << after << " s";
 }
 
 using DamagedDocumentTest = ModuleTest;
@@ -340,7 +340,7 @@ class Judge {
         const auto length = static_cast<int>(document.size());
         const bool read = XML_Parse(expat, document.data(), length, 0) == XML_STATUS_OK;
         is_open_ = depth_ > 0 || is_over_;
-        // What lies after the document element is not looked at, and an early end is no error.
+        // Anything after the document element is ignored, and an early end is not an error.
         code_ = read || is_over_ ? HOST_FILE_END : HOST_FILE_XML;
         final_code_ = read ? HOST_FILE_END : HOST_FILE_XML;
         if (!read || XML_Parse(expat, "", 0, 1) != XML_STATUS_OK)

@@ -34,7 +34,7 @@ struct Shift {
     int by = 0;
 };
 
-// Judges records by their fields, read in one way.
+// Judges records by their fields, in one interpretation.
 class Judge {
   public:
     explicit Judge(Reading& reading)
@@ -278,7 +278,7 @@ std::string reason_of_start(const RecordSample& sample, Judge& judge) {
         if (!judge.all_fit(records)) continue;
         return "the records seem to begin " + std::to_string(start) +
                (start == 1 ? " byte" : " bytes") +
-               " into the file; cut what stands before them, or correct the layout";
+               " into the file; cut the bytes before them, or correct the layout";
     }
     return {};
 }

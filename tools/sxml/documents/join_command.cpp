@@ -45,7 +45,8 @@ bool is_blank(const std::string& text) {
     return text.find_first_not_of(std::string(" \t\r\n\0", 5)) == std::string::npos;
 }
 
-// What makes two documents alike: how their bytes are to be read, and what their elements mean.
+// Whether two documents can be joined: the encoding of their bytes and the meaning of their
+// elements.
 struct Likeness {
     std::string encoding;
     std::string type;
@@ -107,7 +108,7 @@ void write_ending(const Part& part, const Ending& around, conversion::ByteSink& 
     }
     if (own.outer != around.outer &&
         own.outer.find('<', part.frame.is_empty_tag ? 0 : 2) != own.outer.npos) {
-        warn(part.source.name() + ": what stands after the document element is left out");
+        warn(part.source.name() + ": anything after the document element is left out");
     }
 }
 
@@ -116,7 +117,7 @@ void join(const JoinOptions& options) {
     files.writes(options.out);
     const std::vector<Part> parts = read_parts(options, files);
     files.check();
-    // The first one that has both tags gives what stands around the records.
+    // The text around the records comes from the first document that has both tags.
     const auto found =
         std::ranges::find_if(parts, [](const Part& part) { return !part.frame.is_empty_tag; });
     const Part& around = found == parts.end() ? parts.front() : *found;
