@@ -51,7 +51,7 @@ static uint32_t build_order(const XmlApi* api) {
     return order;
 }
 
-/* Items are told apart by their occurrence numbers. */
+/* Items are distinguished by their occurrence numbers. */
 static void print_numbers(const XmlApi* api, uint32_t order) {
     for (uint32_t item = api->xml_first_child(order); item; item = api->xml_next_sibling(item)) {
         printf("%s(%u): %s\n", api->xml_element_name(item),

@@ -1,4 +1,4 @@
-      *> One operation on a file, as told by the caller.
+      *> One operation on a file, chosen by the caller.
        IDENTIFICATION DIVISION.
        PROGRAM-ID. OPERATIONS.
        ENVIRONMENT DIVISION.

@@ -36,9 +36,9 @@ struct FileLayout {
 // What `sxml cob` has bound in for the file; null when the program has no such file.
 const sxml_cob_file* find_bound_file(const Where& where, const cob_file& file);
 
-// What SXML_LAYOUT_name names (a file, or FILE:FD), a description beside the document that is
-// called like it (.xfd), or else what was bound into the program. Throws std::runtime_error with a
-// message of one line when that cannot be used.
+// What SXML_LAYOUT_name names (a file, or FILE:FD), a description beside the document with its name
+// (.xfd), or else what was bound into the program. Throws std::runtime_error with a message of one
+// line when that cannot be used.
 FileLayout find_layout(const std::string& path, const sxml_cob_file& bound);
 
 // The name of the record in a WRITE, from its expression in the C code; empty when it is not known.

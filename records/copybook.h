@@ -13,8 +13,8 @@ namespace records {
 
 enum class SourceFormat { detect, fixed, free, variable };
 
-// A directive from outside of the source, for those who may not change it: what a comment
-// `sxml: ...` before the item would say. It replaces what the source says in one of its kind.
+// A directive from outside the source, for users who must not change it: the text of a comment
+// `sxml: ...` before the item. It replaces a directive of its kind in the source.
 struct ItemDirective {
     std::string item;       // its name, qualified with OF or IN where needed
     std::string directive;  // such as "when KIND = "A"", "name tax-id" or "hide"

@@ -44,7 +44,7 @@ void XMLCALL start(void* parser, const XML_Char*, const XML_Char**) {
     DocumentFrame& frame = walk.frame;
     frame.tag = event_range(parser);
     frame.children_end = frame.tag.end;
-    // What stands between the declaration and the element goes with the declaration.
+    // Text between the declaration and the element counts with the declaration.
     if (frame.type.begin > 0) frame.type.end = frame.tag.begin;
 }
 

@@ -26,8 +26,8 @@ struct LeftOut {
 // document element and at least one more name.
 Done check_record_path(const std::string& path);
 
-// A document as a file. What is kept of standard input or of the web is a private copy, which goes
-// with this object.
+// A document as a file. Of standard input or a web address, a private copy is kept, which is
+// removed with this object.
 class DocumentSource {
   public:
     enum class Pipes { copied, as_they_are };

@@ -33,7 +33,7 @@ class LineRecordReader : public RecordReader {
     }
 
   private:
-    // Reads a line of any length and keeps what of it fits the record.
+    // Reads a line of any length and keeps the part that fits the record.
     Done read_line() {
         bool carriage_return = false;  // the last byte of the line so far, not yet counted
         line_ended_ = false;

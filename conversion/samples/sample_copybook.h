@@ -18,7 +18,8 @@ struct CopybookWishes {
 
 struct SampleCopybook {
     std::string text;  // in fixed format
-    // What of the documents it cannot read, or cannot tell apart, each with its place or path.
+    // Contents of the documents that it cannot read, or cannot distinguish, each with its location
+    // or path.
     std::vector<Problem> losses;
     // Names differ in case or have hyphens: documents must be read under 4GL_COLUMN_CASE 2.
     bool needs_exact_names = false;
@@ -27,7 +28,7 @@ struct SampleCopybook {
     std::string possible_records{};
 };
 
-// A copybook with a record layout for each kind of records, told apart by the names of their
+// A copybook with a record layout for each kind of records, distinguished by the names of their
 // elements. A problem when there is no record that has fields, or when a record would be larger
 // than records can be. Throws std::bad_alloc.
 Result<SampleCopybook> copybook_of(const DocumentProfile& profile, const CopybookWishes& wishes);

@@ -46,7 +46,7 @@ struct FieldTrouble {
 // Text or attributes inside a record that went into no field.
 struct UnusedData {
     enum class Kind : std::uint8_t {
-        text,     // no field is called like the element
+        text,     // no field has the element's name
         surplus,  // a field is, but it does not take this element: there are more than it holds
         absent,   // a field is, but not one of this record, whose conditions do not hold
         attributes

@@ -17,7 +17,7 @@ Result<const host::Module*> xml_module();
 // A file that the module has open; closed with host::Module::close.
 struct ModuleFile {
     XmlFile* file = nullptr;
-    Xfd* xfd = nullptr;  // the module's copy of the description; it goes with the file
+    Xfd* xfd = nullptr;  // the module's copy of the description; it is released with the file
 };
 
 struct FileToOpen {

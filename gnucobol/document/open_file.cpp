@@ -211,7 +211,7 @@ Result OpenFile::read() {
     return tell_troubles();
 }
 
-// Tells what of the document is not in the record as it is there.
+// Reports differences between the document and the record.
 Result OpenFile::tell_troubles() {
     const auto& unused = input_->unused_data();
     const bool has_data = std::any_of(unused.begin(), unused.end(), is_data);

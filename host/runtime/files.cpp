@@ -59,7 +59,7 @@ struct HostStream {
     std::uint64_t buffer_start = 0;  // output: where in the file the buffer begins
     std::uint64_t first_position = 0;
     std::uint64_t flushed_end = 0;  // output: after the last byte that was ever written to the file
-    std::unique_ptr<host::InputPart> part;  // input: what of a part has not been read yet
+    std::unique_ptr<host::InputPart> part;  // input: the rest of a part, not read yet
 };
 
 namespace {

@@ -1,4 +1,4 @@
-      *> Writes a document and ends in the way that is asked for.
+      *> Writes a document and ends in the requested way.
       *> Arguments: how it ends, what is written.
        IDENTIFICATION DIVISION.
        PROGRAM-ID. ENDING.

@@ -189,7 +189,8 @@ TEST_F(CobolTest, DocumentsFromTheWebAreRead) {
     EXPECT_TRUE(fs::is_empty("private"));
 }
 
-// A program with the rights of another group is not told by its user which files and code to use.
+// The user of a program with the rights of another group does not decide which files and code it
+// uses.
 TEST_F(CobolTest, ProgramsWithOtherRightsDoNotTrustTheEnvironment) {
     struct statvfs system {};
     if (geteuid() != 0 || statvfs(".", &system) != 0 || (system.f_flag & ST_NOSUID) != 0) {

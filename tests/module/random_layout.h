@@ -29,9 +29,9 @@ class RandomLayout {
     explicit RandomLayout(std::uint64_t seed) : random_(seed) {}
 
     LayoutChoices choices();
-    // A copybook: one or several record layouts told apart by a letter, with nested groups, tables
-    // of up to three dimensions, redefinitions under conditions, every usage, and names that come
-    // back in other groups.
+    // A copybook: one or several record layouts distinguished by a letter, with nested groups,
+    // tables of up to three dimensions, redefinitions under conditions, every usage, and names that
+    // come back in other groups.
     std::string copybook();
     // A record of a description compiled as choices() said, its fields filled with valid values.
     // Bytes that belong to no field are spaces.

@@ -33,7 +33,7 @@ using conversion::DocumentSource;
 
 struct CheckOptions {
     std::string file;
-    std::string kind;  // "records", "xml", or empty: told by the content
+    std::string kind;  // "records", "xml", or empty: detected from the content
     LayoutOptions layout;
     RecordFileOptions input;
     DocumentOptions document;

@@ -1,4 +1,4 @@
-// sxml tree: shows what a document holds.
+// sxml tree: shows the elements of a document.
 
 #include <memory>
 

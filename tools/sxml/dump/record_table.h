@@ -1,4 +1,4 @@
-// A record as a table for people: the bytes, name, picture and value of each field.
+// A record as a readable table: the bytes, name, picture and value of each field.
 #pragma once
 
 #include <cstdint>

@@ -32,7 +32,7 @@ std::string level_text(int level) {
     return (level < 10 ? "0" : "") + std::to_string(level);
 }
 
-// The name as COBOL sees it, indented by depth so that groups can be told from their fields.
+// The COBOL name, indented by depth so that groups are distinguished from their fields.
 std::string indented_name(const Row& row) {
     return std::string(static_cast<std::size_t>(row.depth) * 2, ' ') +
            (row.name.empty() ? "FILLER" : row.name);

@@ -11,7 +11,7 @@ namespace command {
 
 // Where an output goes. A regular file, or one that does not exist yet, is written under a
 // temporary name beside it and takes its place at commit(); until then, and after a failure, the
-// target is what it was. Standard output ("-"), devices and pipes are written directly.
+// target is unchanged. Standard output ("-"), devices and pipes are written directly.
 class AtomicOutput {
   public:
     // Throws Failure when nothing can be written there.

@@ -1,4 +1,4 @@
-// The bytes of a field as people read them.
+// The bytes of a field in readable form.
 #pragma once
 
 #include <cstdint>

@@ -24,7 +24,7 @@ class Rejects {
 
     // False: rejected records are not wanted, and the first one ends the run.
     virtual bool is_wanted() const = 0;
-    // A record of a record file, as it was.
+    // A record of a record file, unchanged.
     virtual void add(std::span<const std::uint8_t> record,
                      const conversion::RecordFormat& format) = 0;
     // The record of a document that was read last.

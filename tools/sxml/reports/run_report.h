@@ -66,7 +66,7 @@ class RunReport {
     bool is_strict() const { return options_.is_strict; }
     // As messages name it.
     const std::string& input_name() const { return name_; }
-    // Warns of something that concerns the run as a whole; fails when that is asked for.
+    // Warns of something that concerns the run as a whole; fails when the options say so.
     void warn_of(const std::string& message);
     // Warns of external entities of a document, which are never read. Throws Failure.
     void warn_of_unread_entities(const conversion::DocumentSource& document);
@@ -79,8 +79,8 @@ class RunReport {
     // The run's files have been checked: the report replaces no input.
     void allow_writing() { may_write_ = true; }
 
-    // Counts what of a document is in no record. Names it by `first`, or fails with it when that is
-    // asked for.
+    // Counts data of a document that is in no record. Names it by `first`, or fails with it when
+    // the options say so.
     void note_left_out(const conversion::Problem& first, std::uint64_t count);
 
     // Text or attributes at this path went into no field, this many times; `hint` may be empty.

@@ -1,4 +1,4 @@
-// Tables for people.
+// Tables of text, aligned in columns.
 #pragma once
 
 #include <string>

@@ -10,7 +10,7 @@
 // Whether an element must carry as many numbers as its item has dimensions.
 bool matches_exactly(const RecordTree& tree);
 
-// Whether elements are told apart by the places that the description has for them.
+// Whether elements are matched by their path in the description.
 bool matches_by_place(const RecordTree& tree);
 
 // True when the occurrence numbers of an element (which have been made) fit the subscripts of
