@@ -1,5 +1,7 @@
 // Command lines: help, version, and what is refused before any work is done.
 
+#include <sstream>
+
 #include "tests/command/command_run.h"
 
 namespace {
@@ -19,6 +21,15 @@ void PrintTo(const UsageCase& one, std::ostream* out) {
 }
 
 class UsageTest : public CommandTest, public testing::WithParamInterface<UsageCase> {};
+
+// Source lines of a copybook, and lists, are indented below their message.
+void expect_name_of_program(const std::string& err) {
+    std::istringstream lines(err);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_TRUE(line.starts_with("sxml: ") || line.starts_with("  "))
+            << line << "\nin: " << err;
+    }
+}
 
 TEST_P(UsageTest, EndsWithStatusAndMessage) {
     const UsageCase& expected = GetParam();
@@ -40,6 +51,7 @@ TEST_P(UsageTest, EndsWithStatusAndMessage) {
     const Outcome outcome = sxml(expected.words);
     if (variable != nullptr) unsetenv(variable);
     EXPECT_EQ(outcome.status, expected.status) << outcome.err;
+    expect_name_of_program(outcome.err);
     const std::string said = outcome.out + outcome.err;
     for (const std::string& text : expected.said) {
         EXPECT_NE(said.find(text), std::string::npos) << "missing: " << text << "\nin: " << said;
@@ -121,15 +133,16 @@ const std::vector<UsageCase> CASES = {
     {"copybook_in_ebcdic",
      {"layout", "ebcdic.cpy"},
      1,
-     {"ebcdic.cpy: error: the text is in EBCDIC"}},
+     {"sxml: ebcdic.cpy: the text is in EBCDIC"}},
     {"copybook_beyond_column_72",
      {"layout", "long.cpy"},
      1,
-     {"long.cpy:2:73: note: in fixed format text ends in column 72"}},
+     {"sxml: note: long.cpy:2:73: in fixed format text ends in column 72"}},
     {"comment_in_column_8",
      {"layout", "late.cpy"},
      1,
-     {"late.cpy:2:", "note: the * of a comment must be in column 7; this one is in column 8"}},
+     {"sxml: note: late.cpy:2:",
+      ": the * of a comment must be in column 7; this one is in column 8"}},
     {"records_with_length_headers",
      {"to-xml", "rdw", "words.xml", "--layout", "line.cpy"},
      1,
@@ -183,7 +196,7 @@ const std::vector<UsageCase> CASES = {
     {"bad_copybook",
      {"to-xml", "words", "words.xml", "--layout", "bad.cpy"},
      1,
-     {"bad.cpy:2:", "error: ", "05  F PIC Q(4).", "^", "sxml: bad.cpy: "}},
+     {"sxml: bad.cpy:2:", "05  F PIC Q(4).", "^", "sxml: bad.cpy: "}},
     {"no_folder",
      {"to-xml", "words", "none/words.xml", "--layout", "line.cpy"},
      1,
@@ -197,6 +210,46 @@ const std::vector<UsageCase> CASES = {
      1,
      {"/tmp: Is a directory"}},
 };
+
+class MessagesTest : public CommandTest {};
+
+TEST_F(MessagesTest, BeginWithTheNameOfTheProgramWhateverFails) {
+    write_file("good.cpy", COPYBOOK);
+    write_file("bad.cpy", "       01  R.\n           05  F PIC Q(4).\n");
+    write_file("warned.cpy", "       01  R.\n           05  F PIC X SPARKLING.\n");
+    write_file("words", "abcdefg");
+    write_file("broken.xml", "<a><b></a>");
+    const std::vector<std::vector<std::string>> runs = {
+        {"layout", "none.cpy"},
+        {"layout", "bad.cpy"},
+        {"compile", "bad.cpy", "-o", "x.xfd"},
+        {"compile", "warned.cpy", "-o", "none/x.xfd"},
+        {"dtd", "bad.cpy"},
+        {"schema", "bad.cpy"},
+        {"to-xml", "words", "-", "-l", "warned.cpy", "-l", "none.cpy"},
+        {"to-xml", "words", "/dev/full", "-l", "good.cpy"},
+        {"from-xml", "broken.xml", "x.dat", "-l", "good.cpy"},
+        {"from-xml", "broken.xml", "x.dat", "-l", "bad.cpy"},
+        {"check", "none", "-l", "good.cpy"},
+        {"check", "broken.xml", "-l", "bad.cpy"},
+        {"dump", "words", "-l", "good.cpy"},
+        {"dump", "words", "-l", "bad.cpy"},
+        {"copybook", "broken.xml"},
+        {"rewrite", "broken.xml", "-"},
+        {"tree", "broken.xml"},
+        {"split", "broken.xml", "--parts", "2"},
+        {"join", "broken.xml", "none.xml", "-o", "x.xml"},
+        {"help", "none"},
+        {"none"},
+    };
+    for (const std::vector<std::string>& words : runs) {
+        SCOPED_TRACE(words.front() + " " + words.back());
+        const Outcome outcome = sxml(words);
+        EXPECT_NE(outcome.status, 0);
+        EXPECT_NE(outcome.err, "");
+        expect_name_of_program(outcome.err);
+    }
+}
 
 INSTANTIATE_TEST_SUITE_P(CommandLines, UsageTest, testing::ValuesIn(CASES),
                          [](const auto& test) { return std::string(test.param.name); });

@@ -20,24 +20,11 @@ constexpr std::string_view CYAN = "\033[1;36m";
 constexpr std::string_view PLAIN = "\033[0m";
 
 constexpr std::string_view PROGRAM = "sxml: ";
-constexpr std::array<std::pair<std::string_view, std::string_view>, 3> KINDS = {
-    {{"error: ", RED}, {"warning: ", MAGENTA}, {"note: ", CYAN}}};
+constexpr std::array<std::pair<std::string_view, std::string_view>, 2> KINDS = {
+    {{"warning: ", MAGENTA}, {"note: ", CYAN}}};
 
 std::string in(std::string_view colour, std::string_view text) {
     return std::string(colour) + std::string(text) + std::string(PLAIN);
-}
-
-// "PLACE: KIND: text", with the kind and what stands before it in colours; empty when the line is
-// of another form.
-std::string coloured_kind(std::string_view line) {
-    for (const auto& [kind, colour] : KINDS) {
-        const std::size_t at = line.starts_with(kind) ? 0 : line.find(": " + std::string(kind));
-        if (at == std::string_view::npos) continue;
-        const std::size_t start = line.starts_with(kind) ? 0 : at + 2;
-        const std::string place = start == 0 ? "" : in(BOLD, line.substr(0, start));
-        return place + in(colour, kind) + std::string(line.substr(start + kind.size()));
-    }
-    return {};
 }
 
 std::string coloured_line(std::string_view line, bool is_failure) {
@@ -52,9 +39,7 @@ std::string coloured_line(std::string_view line, bool is_failure) {
     }
     const std::size_t mark = line.find_first_not_of(' ');
     if (mark != std::string_view::npos && line[mark] == '^') return in(GREEN, line);
-    // Source lines are indented.
-    const std::string kind = mark == 0 ? coloured_kind(line) : std::string();
-    return kind.empty() ? std::string(line) : kind;
+    return std::string(line);
 }
 
 }  // namespace

@@ -15,8 +15,8 @@ std::size_t text_width();
 // TERM, and never where NO_COLOR has a value.
 bool has_colours();
 
-// A message, of one line or more, with colours for what begins it: "sxml: warning: ",
-// "FILE:LINE:COLUMN: error: " and the caret below a source line. `is_failure`: it ends the run.
+// A message, of one line or more, with colours for what begins it, "sxml: " or "sxml: warning: ",
+// and for the caret below a source line. `is_failure`: it ends the run.
 std::string coloured(std::string_view message, bool is_failure);
 
 // Breaks a text at its spaces into lines of `width` columns at most; words that are longer stay

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string_view>
 
 #include "conversion/formats/byte_source.h"
 #include "platform/files.h"
@@ -27,17 +28,31 @@ std::string remedy_for(const records::Diagnostics& diagnostics, const LayoutOpti
                                                     : "";
 }
 
-// Messages without a location begin with the program's name. Source lines are indented.
-std::string with_program_name(const std::string& text) {
-    std::istringstream lines(text);
-    std::string result;
-    for (std::string line; std::getline(lines, line);) {
-        for (const char* kind : {"error: ", "warning: ", "note: "}) {
-            if (line.starts_with(kind)) result += "sxml: ";
-        }
-        result += line + "\n";
+constexpr std::string_view PROGRAM = "sxml: ";
+
+// "PLACE: KIND: what" in the form of all messages: "sxml: PLACE: what" for an error, "sxml: KIND:
+// PLACE: what" for others. Source lines, which are indented, and the mark below stay as they are.
+std::string as_message(const std::string& line) {
+    if (line.starts_with("    ")) return line;
+    for (const std::string kind : {"error: ", "warning: ", "note: "}) {
+        const std::size_t at = line.starts_with(kind) ? 0 : line.find(": " + kind);
+        if (at == std::string::npos) continue;
+        const std::string place = at == 0 ? "" : line.substr(0, at + 2);
+        const std::string what = line.substr(place.size() + kind.size());
+        return std::string(PROGRAM) + (kind == "error: " ? "" : kind) + place + what;
     }
-    return result;
+    return std::string(PROGRAM) + line;
+}
+
+void tell(const records::Diagnostics& diagnostics) {
+    std::istringstream lines(diagnostics.text());
+    std::string text;
+    for (std::string line; std::getline(lines, line);) {
+        text += (text.empty() ? "" : "\n") + as_message(line);
+    }
+    if (text.empty()) return;
+    if (diagnostics.has_errors()) return say_failure(text.substr(PROGRAM.size()));
+    say(text + "\n");
 }
 
 }  // namespace
@@ -69,7 +84,7 @@ records::Description LayoutSource::load(records::RecordEncoding encoding,
     layout.encoding = encoding;
     if (encoding == records::RecordEncoding::ebcdic) layout.ebcdic_sign = true;
     std::optional<records::Description> description = compile(layout, diagnostics);
-    if (is_told || diagnostics.has_errors()) say(with_program_name(diagnostics.text()));
+    if (is_told || diagnostics.has_errors()) tell(diagnostics);
     if (!description || diagnostics.has_errors()) {
         fail(name_ + ": there is no usable record layout" + remedy_for(diagnostics, options_));
     }
