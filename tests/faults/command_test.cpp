@@ -54,6 +54,7 @@ std::vector<Case> cases() {
         {"from_xml", {"from-xml", "custfile.xml", "out.dat", "-l", copybook}},
         {"layout", {"layout", "ledger.cpy"}},
         {"layout_of_copied_parts", {"layout", "outer.cpy"}},
+        {"layout_of_any_name", {"layout", "custfile.json"}},
         {"dump", {"dump", "ebcdic.dat", "-l", copybook, "--encoding", "cp037"}},
         {"compile", {"compile", copybook, "-o", "out.xfd"}},
         {"dtd", {"dtd", copybook}},
@@ -96,6 +97,7 @@ class Faults : public CommandTest, public testing::WithParamInterface<Case> {
                    "SXML_IGNORE_EMPTY_DATA = yes\nSXML_STYLESHEET_TYPE = text/css\n"
                    "SXML_STYLESHEET_HREF = style.css\n");
         ASSERT_EQ(sxml({"compile", "custfile.cpy", "-o", "custfile.xfd"}).status, 0);
+        write_file("custfile.json", read_file("custfile.xfd"));
         ASSERT_EQ(sxml({"to-xml", "custfile.dat", "custfile.xml", "-l", "custfile.cpy"}).status, 0);
         ASSERT_EQ(sxml({"from-xml", "custfile.xml", "ebcdic.dat", "-l", "custfile.cpy",
                         "--encoding", "cp037"})

@@ -14,6 +14,7 @@ SOURCE = Path(__file__).resolve().parents[2]
 # The test programs that know a folder, those first that are quick and most likely to notice. The
 # longest beginning of a path counts.
 PROGRAMS = {
+    "fsi": ["module_test", "parser_test", "elements_test"],
     "fsi/xml/elements": ["elements_test", "parser_test", "module_test"],
     "fsi/xml/handlers": ["parser_test", "module_test"],
     "fsi/xml/parsexml": ["parser_test", "module_test", "elements_test"],

@@ -2,7 +2,10 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <sstream>
+#include <system_error>
+#include <utility>
 
 #include "platform/paths.h"
 #include "records/description.h"
@@ -39,12 +42,22 @@ bool has_suffix(const std::string& file, std::string_view suffix) {
     return found == suffix;
 }
 
-// A description file starts with a brace, which no COBOL source does.
-bool looks_like_json(const std::string& file) {
+// A description file starts with a brace, which no COBOL source does. Nothing, and told, when the
+// file cannot be read.
+std::optional<bool> looks_like_json(const std::string& file, Diagnostics& diagnostics) {
+    errno = 0;
     std::ifstream stream(platform::path_of(file), std::ios::binary);
     char c = 0;
     stream >> c;
-    return c == '{';
+    if (stream.is_open() && !stream.bad()) return c == '{';
+    const std::error_code error(errno != 0 ? errno : EIO, std::generic_category());
+    std::error_code ignored;
+    const bool is_folder = std::filesystem::is_directory(platform::path_of(file), ignored);
+    Place place;
+    place.file = std::make_shared<const std::string>(file);
+    diagnostics.error(std::move(place),
+                      "cannot read the file: " + (is_folder ? "it is a folder" : error.message()));
+    return std::nullopt;
 }
 
 std::optional<Description> compile(std::optional<RecordSource> source,
@@ -75,7 +88,10 @@ std::optional<Description> load_description(const std::string& file,
     diagnostics.add_file(file);
     const bool is_source =
         has_suffix(file, ".cpy") || has_suffix(file, ".cbl") || has_suffix(file, ".cob");
-    if (has_suffix(file, ".xfd") || (!is_source && looks_like_json(file))) {
+    std::optional<bool> is_json = has_suffix(file, ".xfd");
+    if (!*is_json && !is_source) is_json = looks_like_json(file, diagnostics);
+    if (!is_json) return std::nullopt;
+    if (*is_json) {
         const std::optional<std::string> text = contents(file, diagnostics);
         if (!text) return std::nullopt;
         return from_json(*text, file, copybook, layout, diagnostics);
