@@ -90,7 +90,7 @@ TEST_F(DirectivesTest, AreRefusedWhereTheyCannotBeMeant) {
         {{"--when", "HEAD: KIND = "}, 1, "HEAD: when KIND ="},
         {{"--when", "HEAD: SORT = 'H'"}, 1, "SORT"},
         {{"--name", "KIND=1st"}, 1, "expected a name for XML"},
-        {{"--name", "KIND=a hide"}, 1, "error: "},
+        {{"--name", "KIND=a hide"}, 1, "expected the end of the directive"},
         {{"-l", "none.cpy"}, 1, "none.cpy"},
     };
     for (const auto& one : cases) {

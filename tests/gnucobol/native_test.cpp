@@ -58,7 +58,7 @@ TEST_F(NativeTest, LocksOfPlainFilesAreTheSame) {
     const auto held = [](const std::string& holder, const std::string& other) {
         return trace_of("touch items.dat; ../" + holder +
                         " hold >held & while ! grep -qs hold held; do sleep 0.02; done; ../" +
-                        other + " try; kill $!; wait $! 2>/dev/null");
+                        other + " try; { kill $!; wait $!; } 2>/dev/null");
     };
     const std::string native = held("native", "native");
     EXPECT_NE(native.find("try 61\ntry 61\n"), std::string::npos) << native;
