@@ -371,6 +371,10 @@ TEST_F(FormatsTest, RecordsAreAsLongAsTheirLayout) {
     const Outcome back = from_xml({"--record-format", "rdw"});
     EXPECT_EQ(back.status, 0) << back.err;
     EXPECT_EQ(read_file("back"), text);
+    const Outcome without_lengths = from_xml({"--min-record-length", "5"});
+    EXPECT_EQ(without_lengths.status, 2);
+    EXPECT_NE(without_lengths.err.find("records of the format fixed have none"), std::string::npos)
+        << without_lengths.err;
     EXPECT_EQ(from_xml({"--record-format", "rdw", "--min-record-length", "5"}).status, 0);
     EXPECT_EQ(read_file("back").substr(0, 9),
               header(9, 2, Order::big, std::string(2, '\0')) + "A    ");

@@ -167,6 +167,7 @@ bool check_document(Check& check) {
         fail_usage("--skip: a document is read as a whole; leave the option out");
     }
     const RecordTarget target = record_target(options.input);
+    check_lengths(target, options.document);
     const CharacterSet texts = find_character_set("utf-8", "--encoding");
     Reading own = reading_of(check, target.characters.value_or(texts));
     check.files.check();

@@ -35,6 +35,7 @@ struct FromXmlOptions {
 int convert(const FromXmlOptions& options, RecordDocument& source, RunFiles& files,
             RunReport& report) {
     const RecordTarget target = record_target(options.output);
+    check_lengths(target, options.document);
     files.writes(options.records);
     note_outputs(options.report, files);
     const records::Description description =

@@ -55,4 +55,11 @@ RecordTarget record_target(const RecordFileOptions& options) {
     return target;
 }
 
+void check_lengths(const RecordTarget& target, const DocumentOptions& options) {
+    if (options.min_record_length == 0 || target.format.has_lengths()) return;
+    fail_usage("--min-record-length is for formats with lengths; records of the format " +
+               target.format.name +
+               " have none: leave it out, or name a format such as rdw with --record-format");
+}
+
 }  // namespace command

@@ -42,5 +42,7 @@ struct RecordTarget {
 
 // Throws Failure (wrong usage) for what records cannot be written as.
 RecordTarget record_target(const RecordFileOptions& options);
+// Throws Failure (wrong usage) for a least length of records that have none.
+void check_lengths(const RecordTarget& target, const DocumentOptions& options);
 
 }  // namespace command
