@@ -33,6 +33,9 @@ struct CopybookOptions {
     std::vector<ItemDirective> directives;  // applied when all have been read
 };
 
+// False for a shell's `<(...)`: what is read there has no name but a number of the shell's choice.
+bool names_itself(std::string_view file);
+
 // Reads a file and what it copies and parses the data descriptions in it. Errors and warnings go to
 // `diagnostics`; parsing goes on after an error to find more of them. Result: the tree, also when
 // there were errors (then it holds what was understood); nothing when the file cannot be read or

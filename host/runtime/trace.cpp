@@ -29,6 +29,7 @@ struct Trace {
     std::FILE* file;   // null: standard error
     bool is_old;       // the file is still as it was found
     long long indent;  // running sum of the steps, never negative
+    bool has_failed;   // a line could not be written
 };
 
 constinit Trace trace{};
@@ -40,6 +41,16 @@ std::FILE* output() {
         platform::empty_file(trace.file);
     }
     return trace.file;
+}
+
+// Ends a line, or several. That some are lost is said once.
+void flush_lines() {
+    std::FILE* const file = output();
+    const bool is_written = std::fflush(file) == 0 && std::ferror(file) == 0;
+    if (is_written || trace.has_failed) return;
+    trace.has_failed = true;
+    std::fprintf(stderr, "sxml: the trace cannot be written, and is incomplete: %s\n",
+                 std::strerror(errno));
 }
 
 bool open_trace(int level, const std::string& file) {
@@ -79,7 +90,7 @@ HOST_PRINTF(1, 0) void print_line(const char* format, std::va_list arguments) {
         if (format_length == 0 || format[format_length - 1] != '\n') std::fputc('\n', output());
     }
     va_end(again);
-    std::fflush(output());
+    flush_lines();
 }
 
 void dump_line(const unsigned char* data, std::size_t offset, std::size_t count) {
@@ -127,6 +138,10 @@ int level_from_environment() {
 
 }  // namespace
 
+bool has_trace_failed() {
+    return trace.has_failed;
+}
+
 bool set_trace(int level, const std::string& file) {
     const bool is_open = open_trace(level, file);
     output();
@@ -154,7 +169,7 @@ void host_trace_printf(const char* format, ...) {
     va_start(arguments, format);
     std::vfprintf(output(), format, arguments);
     va_end(arguments);
-    std::fflush(output());
+    flush_lines();
 }
 
 void host_trace_dump(int /*reserved1*/, int /*reserved2*/, const void* data, std::size_t length) {
@@ -163,5 +178,5 @@ void host_trace_dump(int /*reserved1*/, int /*reserved2*/, const void* data, std
         const std::size_t left = length - offset;
         dump_line(bytes + offset, offset, left < DUMP_BYTES_PER_LINE ? left : DUMP_BYTES_PER_LINE);
     }
-    std::fflush(output());
+    flush_lines();
 }

@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "platform/paths.h"
+#include "records/copybook.h"
 #include "records/layout/description_data.h"
 #include "records/layout/forms.h"
 #include "records/layout/names.h"
@@ -273,7 +274,9 @@ class Compiler {
     std::string description_name() const {
         std::string name = options_.name;
         if (name.empty()) name = source_.name;
-        if (name.empty()) name = platform::name_of(platform::path_of(source_.file).stem());
+        if (name.empty() && names_itself(source_.file)) {
+            name = platform::name_of(platform::path_of(source_.file).stem());
+        }
         if (name.empty()) name = "RECORDS";
         return cut_name(xml_name(name, options_.name_case), MAX_DESCRIPTION_NAME);
     }

@@ -17,6 +17,7 @@ namespace {
 
 // "CUST-REC" from "copy/cust_rec.cpy": what a record is called that the source does not name.
 std::string implied_record_name(const std::string& file) {
+    if (!names_itself(file)) return "RECORD";
     std::string name = file.substr(file.rfind('/') + 1);
     name = to_upper(name.substr(0, name.find('.')));
     for (char& c : name) {
@@ -216,6 +217,10 @@ std::optional<RecordSource> compile(std::string text, const std::string& name,
 }
 
 }  // namespace
+
+bool names_itself(std::string_view file) {
+    return !file.starts_with("/dev/fd/") && !file.starts_with("/proc/self/fd/");
+}
 
 std::optional<RecordSource> parse_copybook_file(const std::string& file,
                                                 const CopybookOptions& options,

@@ -111,6 +111,39 @@ TEST_F(OutputTest, FullDisks) {
     }
 }
 
+// The number of a shell's descriptor names nothing.
+TEST_F(OutputTest, LayoutsFromPipesAreNamedAlikeInEveryRun) {
+    for (const char* shell :
+         {"$0 to-xml w.dat - -l <(cat w.cpy)", "$0 to-xml w.dat - -l <(tail -n +2 w.cpy)"}) {
+        const Outcome outcome = run({"bash", "-c", shell, command_under_test()});
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_NE(outcome.out.find("<records>"), std::string::npos) << outcome.out;
+        EXPECT_EQ(outcome.out.find("<_6"), std::string::npos) << outcome.out;
+    }
+}
+
+// What does not fit is said, and what is complete all the same.
+TEST_F(OutputTest, FullDisksForReportsAndTraces) {
+    Outcome outcome = convert("w.dat", "w.xml", {"--report", "/dev/full"});
+    EXPECT_EQ(outcome.err,
+              "sxml: /dev/full: No space left on device; all else of the run is complete\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(std::filesystem::exists("w.xml"));
+    outcome = convert("bad.dat", "w2.xml", {"--report", "/dev/full"});
+    EXPECT_NE(outcome.err.find("bad.dat: record "), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("sxml: /dev/full: No space left on device\n"), std::string::npos)
+        << outcome.err;
+    EXPECT_EQ(outcome.status, 1);
+    setenv("SXML_TRACE", "1", 1);
+    setenv("SXML_TRACE_FILE", "/dev/full", 1);
+    outcome = convert("w.dat", "w.xml");
+    unsetenv("SXML_TRACE");
+    unsetenv("SXML_TRACE_FILE");
+    EXPECT_EQ(outcome.err,
+              "sxml: the trace cannot be written, and is incomplete: No space left on device\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
 TEST_F(OutputTest, FullDisksAreNoticedOnTheWay) {
     const Outcome outcome = run({"sh", "-c",
                                  "yes | tr '\\n' y | timeout 60 $0 to-xml - /dev/full"

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/runtime/memory/memory_report.h"
+#include "host/runtime/trace_control.h"
 #include "platform/interrupts.h"
 #include "platform/standard_streams.h"
 #include "tools/sxml/command_line.h"
@@ -36,7 +37,7 @@ int main(int argc, char** argv) {
     try {
         command::run_command_line(argc, argv);
         command::check_host();
-        return 0;
+        return host::has_trace_failed() ? command::EXIT_FAILED : 0;
     } catch (const command::Failure& failure) {
         return fail(failure.what(), failure.status());
     } catch (const std::bad_alloc&) {

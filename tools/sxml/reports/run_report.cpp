@@ -212,6 +212,20 @@ void RunReport::add_to(Json& json) const {
     json["warnings"] = warnings_;
 }
 
+namespace {
+
+// Why the run failed comes before why that could not be reported.
+void write_after_failure(const RunReport& report, const Failure& failure) {
+    try {
+        report.write(failure.status(), failure.what());
+    } catch (const Failure& unwritten) {
+        if (*failure.what() != '\0') say_failure(failure.what());
+        throw Failure(unwritten.what(), failure.status());
+    }
+}
+
+}  // namespace
+
 void run_with_report(const ReportOptions& options, const std::string& name,
                      const std::function<int(RunReport&)>& run) {
     RunReport report(options, name);
@@ -219,10 +233,15 @@ void run_with_report(const ReportOptions& options, const std::string& name,
     try {
         status = run(report);
     } catch (const Failure& failure) {
-        report.write(failure.status(), failure.what());
+        write_after_failure(report, failure);
         throw;
     }
-    report.write(status, "");
+    try {
+        report.write(status, "");
+    } catch (const Failure& unwritten) {
+        throw Failure(unwritten.what() + std::string("; all else of the run is complete"),
+                      unwritten.status());
+    }
     if (status != 0) throw Failure("", status);
 }
 
