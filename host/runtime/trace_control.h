@@ -12,7 +12,8 @@ namespace host {
 // back to none. False when the file cannot be opened: the trace then goes to standard error.
 RUNTIME_API bool set_trace(int level, const std::string& file);
 
-// True when lines could not be written to the file, or to standard error, which was said there once.
+// True when lines could not be written to the file, or to standard error, which was said there
+// once.
 RUNTIME_API bool has_trace_failed();
 
 }  // namespace host
