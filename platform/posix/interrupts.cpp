@@ -45,7 +45,9 @@ void remove_folder(const char* path) {
 
 void remove_files_and_die(int signal_number) {
     remove_interrupted_files();
-    // SA_RESETHAND has restored the default action, so this ends the process with the signal.
+    // Not SA_RESETHAND: a second signal that comes before this begins would end the process at
+    // once.
+    std::signal(signal_number, SIG_DFL);
     raise(signal_number);
 }
 
@@ -80,9 +82,8 @@ void remove_interrupted_files() {
 }
 
 void handle_interrupts() {
-    constexpr int once = static_cast<int>(SA_RESETHAND);
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
-        handle(number, remove_files_and_die, once);
+        handle(number, remove_files_and_die, 0);
     }
     handle(
         SIGXFSZ, [](int) {}, SA_RESTART);
