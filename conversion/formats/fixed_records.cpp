@@ -11,8 +11,6 @@ namespace conversion {
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 17;
-// So much is looked at where records could be in another format.
-constexpr std::size_t LOOKED_AT = std::size_t{1} << 20;
 
 std::size_t whole_records(std::size_t size, std::size_t record_length) {
     return record_length * std::max<std::size_t>(1, size / record_length);

@@ -6,8 +6,6 @@ namespace conversion {
 
 namespace {
 
-constexpr std::size_t LOOKED_AT = std::size_t{1} << 20;
-
 bool is_text(std::uint8_t byte) {
     return byte >= ' ' || byte == '\t' || byte == '\f';
 }

@@ -5,6 +5,9 @@
 
 namespace conversion {
 
+// So many bytes of a file are looked at where its records could be in another format.
+constexpr std::size_t LOOKED_AT = std::size_t{1} << 20;
+
 struct FileStart {
     std::span<const std::uint8_t> bytes;
     bool is_whole;              // there are no more

@@ -196,6 +196,15 @@ TEST_F(FormatsTest, FixedFilesAndLinesAreFoundOut) {
     write_file("alike", file_of("rdw", {"A0001wordt1t2", "B0002"}));
     EXPECT_EQ(to_xml("alike", {}).status, 1);
     EXPECT_EQ(to_xml("alike", {"--record-format", "fixed", "--controls", "drop"}).status, 0);
+    // A chain of headers counts as far as a file is looked at, and not where it breaks before.
+    std::string chain;
+    for (int i = 0; i < 10'000; ++i) chain += file_of("rdw", {"A0001wordt1t2", "B0002"});
+    write_file("chain", chain);
+    const Outcome headers = to_xml("chain", {"--controls", "drop"});
+    EXPECT_EQ(headers.status, 1);
+    EXPECT_NE(headers.err.find("the file has headers with lengths in it"), std::string::npos);
+    write_file("chain", chain.replace(200'000, 60'000, 60'000, 'A'));
+    EXPECT_EQ(to_xml("chain", {"--controls", "drop"}).status, 0);
     write_file("neither", std::string(20, '\x01'));
     const Outcome neither = to_xml("neither", {"--record-format", "auto"});
     EXPECT_EQ(neither.status, 1);

@@ -18,7 +18,7 @@ LEDGER = """      *> sxml: when KIND OF ACCOUNT = "A"
        01  ACCOUNT.
            05  KIND      PIC X.
            05  NAME      PIC X(10).
-           05  HOME.
+           05  HOUSE.
                10  CITY  PIC X(5).
            05  WORK.
                10  CITY  PIC X(5).
@@ -60,14 +60,14 @@ def test_fields_are_those_of_the_records_layout():
     booking = {"booking/kind": "B", "amount": "-1234567.89", "rate": 0.1, "counter": -(10**18 - 1)}
     assert layout.parse(layout.build(booking)) == {
         "booking/kind": "B", "amount": decimal.Decimal("-1234567.89"), "rate": 0.1, "counter": 1 - 10**18}
-    account = layout.build({"NAME": "Zoë", "account/kind": "A", "home/city": "Bern"})
+    account = layout.build({"NAME": "Zoë", "account/kind": "A", "house/city": "Bern"})
     assert account[:4] == "AZoë".encode("cp037")
     assert layout.parse(account) == {
-        "account/kind": "A", "name": "Zoë", "account/home/city": "Bern", "account/work/city": ""}
+        "account/kind": "A", "name": "Zoë", "account/house/city": "Bern", "account/work/city": ""}
     assert pickle.loads(pickle.dumps(layout)).parse(account)["name"] == "Zoë"
     kinds = {field.name: (field.kind, field.offset, field.length, field.decimals) for field in layout.fields}
     assert kinds["amount"] == (decimal.Decimal, 1, 5, 2)
-    with pytest.raises(sxml.Error, match="several fields city: account/home/city, account/work/city"):
+    with pytest.raises(sxml.Error, match="several fields city: account/house/city, account/work/city"):
         layout.build({"account/kind": "A", "city": "Rome"})
 
 

@@ -49,6 +49,16 @@ Json place_of(const conversion::Problem& problem) {
     return json;
 }
 
+// Why the run failed comes before why that could not be reported.
+void write_after_failure(const RunReport& report, const Failure& failure) {
+    try {
+        report.write(failure.status(), failure.what());
+    } catch (const Failure& unwritten) {
+        if (*failure.what() != '\0') say_failure(failure.what());
+        throw Failure(unwritten.what(), failure.status());
+    }
+}
+
 }  // namespace
 
 void add_report_options(Command command, ReportOptions& options) {
@@ -211,20 +221,6 @@ void RunReport::add_to(Json& json) const {
     json["missing"] = std::move(missing);
     json["warnings"] = warnings_;
 }
-
-namespace {
-
-// Why the run failed comes before why that could not be reported.
-void write_after_failure(const RunReport& report, const Failure& failure) {
-    try {
-        report.write(failure.status(), failure.what());
-    } catch (const Failure& unwritten) {
-        if (*failure.what() != '\0') say_failure(failure.what());
-        throw Failure(unwritten.what(), failure.status());
-    }
-}
-
-}  // namespace
 
 void run_with_report(const ReportOptions& options, const std::string& name,
                      const std::function<int(RunReport&)>& run) {

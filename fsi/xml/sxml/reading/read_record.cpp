@@ -156,9 +156,7 @@ std::int32_t read_xml_data(const XmlFile& file, std::int32_t index, char* record
     const bool has_text = find_text(file, element, &text, &length);
     if (!has_text || !lies_in_record(file.xfd->items[index])) return 0;
     note_moved(file.input_items->tree, element);
-    if (file.handler == nullptr) return move_text(file, index, record, text, length);
-    file.handler->store(file.handler->context, index, text, length);
-    return file.xfd->items[index].offset + file.xfd->items[index].data.length;
+    return move_text(file, index, record, text, length);
 }
 
 void test_condition(const XmlFile& file, int number, const void* record) {
