@@ -376,10 +376,12 @@ void InputDocument::begin_texts() {
         if (is_latin1) own_characters_ = *CharacterSet::find("iso-8859-1");
         characters_ = &own_characters_;
     }
-    texts_.emplace(is_latin1 ? DocumentText::latin1 : DocumentText::utf8, *characters_);
     const Xfd& xfd = *module_file_.xfd;
-    for (std::int32_t i = 0; i < xfd.item_count; ++i) {
-        takes_as_it_is_.push_back(is_taken_as_it_is(xfd.items[i]) ? 1 : 0);
+    // Whole before the texts are known: without memory the module may go on with the next field.
+    takes_as_it_is_.assign(static_cast<std::size_t>(xfd.item_count), 0);
+    texts_.emplace(is_latin1 ? DocumentText::latin1 : DocumentText::utf8, *characters_);
+    for (std::size_t i = 0; i < takes_as_it_is_.size(); ++i) {
+        takes_as_it_is_[i] = is_taken_as_it_is(xfd.items[i]) ? 1 : 0;
     }
 }
 
