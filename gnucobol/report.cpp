@@ -25,10 +25,15 @@ std::map<std::string, std::map<std::string, std::uint64_t>>& counts() {
 bool is_verbose = false;
 bool has_printed = false;  // counts() is there; asking for it takes no memory any more
 
-void print(const std::string& file, const std::string& kind, const std::string& text) {
+// Whether a message of this kind is still printed for the file. Counts it.
+bool is_printed(const std::string& file, const std::string& kind) {
     std::map<std::string, std::uint64_t>& of_file = counts()[file];
     has_printed = true;
-    if (++of_file[kind] > PRINTED_AT_MOST && !is_verbose) return;
+    return ++of_file[kind] <= PRINTED_AT_MOST || is_verbose;
+}
+
+void print(const std::string& file, const std::string& kind, const std::string& text) {
+    if (!is_printed(file, kind)) return;
     std::fprintf(stderr, "sxml: %s: %s\n", file.c_str(), text.c_str());
 }
 
@@ -112,7 +117,8 @@ void report_failure(const char* file, const char* verb, const std::exception& fa
 }
 
 void report_warning(const std::string& file, const std::string& warning) {
-    print(file, "warning", "warning: " + warning);
+    if (!is_printed(file, "warning")) return;
+    std::fprintf(stderr, "sxml: warning: %s: %s\n", file.c_str(), warning.c_str());
 }
 
 void report_data(const std::string& file, const std::string& kind, const std::string& text) {

@@ -244,7 +244,7 @@ class Compiler {
         std::vector<std::unique_ptr<Node>> named;
         std::move(layouts_.begin(), layouts_.begin() + static_cast<std::ptrdiff_t>(described),
                   std::back_inserter(named));
-        model.name = settle_names(named, description_name(), options_, diagnostics_);
+        model.name = settle_names(named, description_name(), source_.file, options_, diagnostics_);
         model.decimal_comma = source_.decimal_point_is_comma;
         model.ebcdic = options_.encoding == RecordEncoding::ebcdic;
         for (const auto& layout : named) model.layouts.push_back(model_item(*layout));

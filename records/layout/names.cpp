@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <memory>
 #include <set>
 #include <unordered_map>
+#include <utility>
 
 #include "records/layout/placement.h"
 
@@ -224,8 +226,8 @@ void set_names(Node& root, const LayoutOptions& options, Diagnostics& diagnostic
 }
 
 std::string settle_names(const std::vector<std::unique_ptr<Node>>& layouts,
-                         const std::string& description_name, const LayoutOptions& options,
-                         Diagnostics& diagnostics) {
+                         const std::string& description_name, const std::string& source,
+                         const LayoutOptions& options, Diagnostics& diagnostics) {
     NameSettler settler(options, diagnostics, layouts.size() > 1);
     std::set<std::string> top;
     for (const auto& layout : layouts) settler.settle(*layout, layout.get(), top);
@@ -236,8 +238,11 @@ std::string settle_names(const std::vector<std::unique_ptr<Node>>& layouts,
     for (int number = 2; settler.has(name); ++number) {
         name = join_names(base, std::to_string(number), options.name_case);
     }
-    diagnostics.warning({}, "an item is called " + description_name +
-                                " like the description; the document element becomes " + name);
+    Place place;
+    place.file = std::make_shared<const std::string>(source);
+    diagnostics.warning(std::move(place),
+                        "an item is called " + description_name +
+                            " like the description; the document element becomes " + name);
     return name;
 }
 

@@ -30,9 +30,9 @@ void set_names(Node& root, const LayoutOptions& options, Diagnostics& diagnostic
 
 // Makes the names of what is described valid together: a group's name stands once, no field has a
 // group's name, fields beside each other differ. `layouts` are the described records. Result: the
-// description's name, changed when an item has it.
+// description's name, changed when an item has it, with a warning about the file `source`.
 std::string settle_names(const std::vector<std::unique_ptr<Node>>& layouts,
-                         const std::string& description_name, const LayoutOptions& options,
-                         Diagnostics& diagnostics);
+                         const std::string& description_name, const std::string& source,
+                         const LayoutOptions& options, Diagnostics& diagnostics);
 
 }  // namespace records

@@ -50,7 +50,7 @@ class Compilation {
         if (found && source_.records.empty() && !diagnostics_.has_errors()) {
             fail("there is no data description in it");
         }
-        if (diagnostics_.has_errors()) manipulator.report_disputed_formats();
+        if (diagnostics_.has_errors()) add_source_hints(manipulator.read_files(), diagnostics_);
         if (!found || source_.records.empty()) return std::nullopt;
         return std::move(source_);
     }
@@ -211,9 +211,7 @@ std::optional<RecordSource> compile(std::string text, const std::string& name,
             "when its lines are 80 bytes without line ends, iconv otherwise)");
         return std::nullopt;
     }
-    auto source = Compilation(options, diagnostics).parse(std::move(text), name);
-    if (diagnostics.has_errors()) add_source_hints(options.format, diagnostics);
-    return source;
+    return Compilation(options, diagnostics).parse(std::move(text), name);
 }
 
 }  // namespace

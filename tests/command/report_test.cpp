@@ -202,11 +202,11 @@ TEST_F(CommandTest, RecordsOfFilesAreRejected) {
     EXPECT_EQ(sxml({"to-xml", "d.dat", "s.xml", "-l", "i.cpy", "--strict"}).status, 1);
 }
 
-TEST_F(CommandTest, WarningsWithoutAPlaceHaveTheCommandsName) {
+TEST_F(CommandTest, WarningsAboutAWholeCopybookNameIt) {
     write_file("r.cpy", "       01  R.\n           05  F PIC X.\n");
     EXPECT_EQ(sxml({"to-xml", "/dev/null", "r.xml", "-l", "r.cpy", "--strict"}).err,
-              "sxml: warning: an item is called r like the description; the document element "
-              "becomes r_file\n");
+              "sxml: warning: r.cpy: an item is called r like the description; the document "
+              "element becomes r_file\n");
 }
 
 TEST_F(CommandTest, RecordsOfNoLayoutAreNamedOnTheWayOut) {

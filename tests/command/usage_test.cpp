@@ -41,6 +41,10 @@ TEST_P(UsageTest, EndsWithStatusAndMessage) {
                "       01  S PIC X.\n");
     write_file("long.cpy",
                "       01  R.\n" + std::string(50, ' ') + "05  FIELD-NAME   PIC X(4).\n");
+    write_file("cut.cpy", "       01  R.\n           05  F PIC X(4)" + std::string(44, ' ') +
+                              "VALUE 'x'.\n      * a comment\n           05  G PIC X.\n");
+    write_file("marks.cpy", "       01  R.\n           05  F PIC X(4)." + std::string(47, ' ') +
+                                "CHANGE-1987\n");
     write_file("late.cpy", "       01  R.\n       * the word\n           05  F PIC X.\n");
     write_file("binary.cpy", "       01  R.\n           05  B PIC 9(4) COMP.\n");
     write_file("ebcdic.cpy", run({"iconv", "-t", "cp037"}, COPYBOOK).out);
@@ -138,6 +142,14 @@ const std::vector<UsageCase> CASES = {
      {"layout", "long.cpy"},
      1,
      {"sxml: note: long.cpy:2:73: in fixed format text ends in column 72"}},
+    {"period_beyond_column_72",
+     {"layout", "cut.cpy"},
+     1,
+     {"sxml: note: cut.cpy:2:73: in fixed format text ends in column 72", "--format variable"}},
+    {"marks_beyond_column_80",
+     {"layout", "marks.cpy"},
+     1,
+     {"sxml: note: marks.cpy:2:74: columns beyond 72 are read", "--format fixed"}},
     {"comment_in_column_8",
      {"layout", "late.cpy"},
      1,

@@ -239,7 +239,7 @@ TEST_F(CobolTest, BytesThatTheDocumentDoesNotHaveAreTold) {
     assign({"OUTF"}, ".xml");
     const Outcome told = run_program({"./p"});
     EXPECT_EQ(told.out, "00\n00\n00\n");
-    EXPECT_EQ(told.err.find("sxml: OUTF.xml: warning: byte 2 of the record is not blank"), 0U);
+    EXPECT_EQ(told.err.find("sxml: warning: OUTF.xml: byte 2 of the record is not blank"), 0U);
     EXPECT_EQ(std::count(told.err.begin(), told.err.end(), '\n'), 1);
     set("SXML_STRICT", "yes");
     EXPECT_EQ(run_program({"./p"}).out, "30\n30\n30\n");

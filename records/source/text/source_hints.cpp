@@ -1,15 +1,16 @@
 #include "records/source/text/source_hints.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
+#include <string>
+#include <utility>
 
 namespace records {
 
 namespace {
 
-constexpr std::size_t INDICATOR = 6;      // column 7, counted from 0
-constexpr std::size_t LAST_COLUMN = 72;   // of the text in fixed format
-constexpr std::size_t LONGEST_CARD = 80;  // longer lines are not taken for fixed format
+constexpr std::size_t INDICATOR = 6;  // column 7, counted from 0
 
 bool is_ebcdic_text(unsigned char byte) {
     constexpr unsigned char BLANK = 0x40;
@@ -19,11 +20,15 @@ bool is_ebcdic_text(unsigned char byte) {
     return byte == BLANK || is_letter || is_digit;
 }
 
-// A line in the form of fixed format that goes on where fixed format has ended.
-bool goes_beyond(const std::string& line, SourceFormat format) {
-    if (format != SourceFormat::detect && format != SourceFormat::fixed) return false;
-    const bool is_card = format == SourceFormat::fixed || line.size() <= LONGEST_CARD;
-    return is_card && line.size() > LAST_COLUMN && line.find_first_not_of(' ') >= INDICATOR;
+bool is_source(std::string_view line) {
+    const LineKind kind = read_source_line(line, SourceFormat::fixed, false).kind;
+    return kind == LineKind::source || kind == LineKind::continuation;
+}
+
+// The line has more than a card's number where the text of fixed format has ended.
+bool goes_beyond(std::string_view line) {
+    if (line.size() <= FIXED_MARGIN) return false;
+    return line.substr(FIXED_MARGIN).find_first_not_of(" 0123456789") != std::string_view::npos;
 }
 
 bool has_late_comment_mark(const std::string& line) {
@@ -31,11 +36,86 @@ bool has_late_comment_mark(const std::string& line) {
     return start == INDICATOR + 1 && line[start] == '*' && line.compare(start, 2, "*>") != 0;
 }
 
-// The first error in a line of which `is_so` is true.
-template <class Property>
-std::optional<Place> first_place(const Diagnostics& diagnostics, Property is_so) {
+// What was cut off from this line, or from the line of source before it, explains an error here:
+// the number of the line, or 0.
+int line_cut_before(const std::vector<std::string_view>& lines, int line) {
+    if (line < 1 || static_cast<std::size_t>(line) > lines.size()) return 0;
+    if (goes_beyond(lines[static_cast<std::size_t>(line) - 1])) return line;
+    while (--line > 0) {
+        const std::string_view text = lines[static_cast<std::size_t>(line) - 1];
+        if (is_source(text)) return goes_beyond(text) ? line : 0;
+    }
+    return 0;
+}
+
+// The hints about the columns of one file.
+class ColumnHints {
+  public:
+    ColumnHints(const ReadFile& file, Diagnostics& diagnostics)
+        : file_(file), diagnostics_(diagnostics) {}
+
+    void add() {
+        add_disputed_format();
+        if (file_.format == SourceFormat::fixed) add_text_cut_off();
+        if (file_.format == SourceFormat::variable && file_.is_detected) add_marks_read();
+    }
+
+  private:
+    void add_disputed_format() {
+        if (!file_.is_disputed) return;
+        note_at(0, 0,
+                file_.format == SourceFormat::free
+                    ? "most lines look like free format, but some like fixed; to read columns 8 to "
+                      "72 only, give --format fixed"
+                    : "most lines look like fixed format, but some like free; to read all columns, "
+                      "give --format free");
+    }
+
+    void add_text_cut_off() {
+        for (const Diagnostic& one : diagnostics_.all()) {
+            if (!is_error_here(one)) continue;
+            const int line = line_cut_before(file_.file->lines, one.place.line);
+            if (line == 0) continue;
+            note_at(line, FIXED_MARGIN + 1,
+                    "in fixed format text ends in column 72; to read the text beyond it, give "
+                    "--format variable");
+            return;
+        }
+    }
+
+    void add_marks_read() {
+        for (const Diagnostic& one : diagnostics_.all()) {
+            if (!is_error_here(one) || one.place.column <= static_cast<int>(FIXED_MARGIN)) continue;
+            note_at(one.place.line, one.place.column,
+                    "columns beyond 72 are read because lines are longer than 80; if they hold no "
+                    "text but marks, give --format fixed");
+            return;
+        }
+    }
+
+    bool is_error_here(const Diagnostic& one) const {
+        return one.severity == Severity::error && one.place.file == file_.file->name;
+    }
+
+    void note_at(int line, std::size_t column, std::string message) {
+        Place place;
+        place.file = file_.file->name;
+        place.line = line;
+        place.column = static_cast<int>(column);
+        if (line > 0) place.text = file_.file->lines[static_cast<std::size_t>(line) - 1];
+        diagnostics_.note(std::move(place), std::move(message));
+    }
+
+    const ReadFile& file_;
+    Diagnostics& diagnostics_;
+};
+
+// The first error in a line whose comment seems to begin a column too late.
+std::optional<Place> late_comment(const Diagnostics& diagnostics) {
     for (const Diagnostic& one : diagnostics.all()) {
-        if (one.severity == Severity::error && is_so(one.place.text)) return one.place;
+        if (one.severity == Severity::error && has_late_comment_mark(one.place.text)) {
+            return one.place;
+        }
     }
     return std::nullopt;
 }
@@ -50,17 +130,11 @@ bool looks_like_ebcdic(std::string_view text) {
            std::count_if(text.begin(), text.end(), is_ascii_blank) * 10 < count;
 }
 
-void add_source_hints(SourceFormat format, Diagnostics& diagnostics) {
-    auto place = first_place(
-        diagnostics, [format](const std::string& line) { return goes_beyond(line, format); });
-    if (place) {
-        place->column = LAST_COLUMN + 1;
-        diagnostics.note(*place,
-                         "in fixed format text ends in column 72; in variable and free format it "
-                         "goes on");
-    }
-    if ((place = first_place(diagnostics, has_late_comment_mark))) {
-        diagnostics.note(*place, "the * of a comment must be in column 7; this one is in column 8");
+void add_source_hints(const std::vector<ReadFile>& files, Diagnostics& diagnostics) {
+    for (const ReadFile& file : files) ColumnHints(file, diagnostics).add();
+    if (auto place = late_comment(diagnostics)) {
+        diagnostics.note(std::move(*place),
+                         "the * of a comment must be in column 7; this one is in column 8");
     }
 }
 

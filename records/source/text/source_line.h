@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string_view>
 
 #include "records/copybook.h"
+#include "records/source/text/source_set.h"
 
 namespace records {
 
@@ -34,7 +36,14 @@ struct FormatFinding {
 };
 
 // Tells fixed, free and variable format apart by what most lines of a file show.
-struct SourceFile;
 FormatFinding detect_source_format(const SourceFile& file);
+
+// A file, and the format that it was read in (the last one, when it switches).
+struct ReadFile {
+    std::shared_ptr<const SourceFile> file;
+    SourceFormat format = SourceFormat::fixed;
+    bool is_detected = false;  // neither asked for nor said by a directive
+    bool is_disputed = false;  // detected, while some lines tell another format
+};
 
 }  // namespace records

@@ -84,20 +84,6 @@ TextManipulator::TextManipulator(const CopybookOptions& options, SourceSet& sour
       words_left_(MAX_WORDS),
       bytes_left_(MAX_BYTES) {}
 
-void TextManipulator::report_disputed_formats() const {
-    for (const auto& [name, format] : disputed_) {
-        const bool is_free = format == SourceFormat::free;
-        Place place;
-        place.file = name;
-        diagnostics_.note(std::move(place),
-                          is_free
-                              ? "most lines look like free format, but some like fixed; to read "
-                                "columns 8 to 72 only, give --format fixed"
-                              : "most lines look like fixed format, but some like free; to read "
-                                "all columns, give --format free");
-    }
-}
-
 void TextManipulator::break_at(const TextWord& word, std::string message, Words& out) {
     out.push_back({WordKind::broken, true, arena_.keep(std::move(message)), word.position});
 }
@@ -133,15 +119,20 @@ TextManipulator::Words TextManipulator::scan(std::uint32_t inclusion, SourceForm
 
 TextManipulator::Words TextManipulator::expand_file(std::shared_ptr<const SourceFile> file,
                                                     Position from, SourceFormat inherited) {
+    FormatFinding finding;
     SourceFormat format = options_.format;
-    if (format == SourceFormat::detect) {
-        const FormatFinding finding = detect_source_format(*file);
+    const bool is_detected = format == SourceFormat::detect;
+    if (is_detected) {
+        finding = detect_source_format(*file);
         format = finding.format.value_or(inherited);
-        if (finding.is_disputed) disputed_.push_back({file->name, format});
     }
+    const SourceFormat first_format = format;
     open_files_.push_back(*file->name);
     const bool was_stopped = stopped_;
-    const Words words = scan(sources_.include(std::move(file), from), format);
+    const Words words = scan(sources_.include(file, from), format);
+    const bool is_switched = format != first_format;
+    read_files_.push_back({std::move(file), format, is_detected && !is_switched,
+                           finding.is_disputed && !is_switched});
     const bool stops_here = stopped_ && !was_stopped;
     stopped_ = was_stopped;
     Words out;

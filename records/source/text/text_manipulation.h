@@ -9,6 +9,7 @@
 #include "records/copybook.h"
 #include "records/source/text/copy_library.h"
 #include "records/source/text/replacing.h"
+#include "records/source/text/source_line.h"
 #include "records/source/text/text_word.h"
 
 namespace records {
@@ -21,8 +22,8 @@ class TextManipulator {
     // Gives the words of the file after COPY, REPLACE and EXEC, up to the PROCEDURE DIVISION.
     // Mistakes stand in the words as `broken`, to be reported where that text matters.
     std::vector<TextWord> expand(std::shared_ptr<const SourceFile> file);
-    // Notes how to choose the format of each file whose lines did not agree on it.
-    void report_disputed_formats() const;
+    // The files read, each with the format that it was read in.
+    const std::vector<ReadFile>& read_files() const { return read_files_; }
 
   private:
     using Words = std::vector<TextWord>;
@@ -44,7 +45,7 @@ class TextManipulator {
     TextArena& arena_;
     Diagnostics& diagnostics_;
     CopyLibrary library_;
-    std::vector<std::pair<std::shared_ptr<const std::string>, SourceFormat>> disputed_;
+    std::vector<ReadFile> read_files_;
     std::vector<std::string> open_files_;  // being expanded, outermost first
     std::size_t words_left_;
     std::size_t bytes_left_;  // of the files read, each inclusion counted
