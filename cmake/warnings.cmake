@@ -22,3 +22,11 @@ add_library(sxml_across_files INTERFACE)
 set(across_files $<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>,$<NOT:$<BOOL:${WIN32}>>>:-flto=auto>)
 target_compile_options(sxml_across_files INTERFACE ${across_files})
 target_link_options(sxml_across_files INTERFACE ${across_files})
+
+# Of the sources of `target`, those that match `pattern` run once a run or once a layout: optimizing them fully takes
+# longer than all of their runs, and makes them larger. To be called where the target is added.
+function(sxml_optimize_little target pattern)
+    get_target_property(sources ${target} SOURCES)
+    list(FILTER sources INCLUDE REGEX ${pattern})
+    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS $<$<CONFIG:Release>:-O1>)
+endfunction()
