@@ -28,6 +28,22 @@ tree=$(echo "$scratch"/unpacked/*)
 cp -r "$tree/share/sxml/examples" "$scratch"
 (cd "$scratch" && try "$tree/bin/sxml")
 
+echo "== the commands of docs/install.md, apt only as far as it changes nothing"
+page=$(cd "$(dirname "$0")/../.." && pwd)/docs/install.md
+mkdir -p "$scratch/page/build" "$scratch/page/opt"
+ln -s "$folder" "$scratch/page/build/package"
+commands=0
+while read -r command; do
+    case $command in
+        apt-get*) command="$command --simulate" ;;
+        tar*) command=${command/ -C \/opt/ -C opt} ;;
+    esac
+    (cd "$scratch/page" && eval "$command") >"$scratch/page.log" 2>&1 || fail "$command: $(cat "$scratch/page.log")"
+    commands=$((commands + 1))
+done < <(grep -E '^(apt-get|tar) .*build/package/' "$page")
+[ "$commands" = 2 ] || fail "$page has $commands commands that install a package, not 2"
+[ -x "$(echo "$scratch"/page/opt/*/bin/sxml)" ] || fail "the archive is not in opt"
+
 echo "== the package, in a root of its own"
 dpkg-deb -f "$deb" Depends | tr ',' '\n' | sed 's/^ *//'
 root=$scratch/root
