@@ -174,7 +174,10 @@ Result Files::open_input(const std::string& path, const sxml_cob_file& bound, co
         return {Status::not_permitted, "fetching is forbidden; SXML_NETWORK=yes allows it"};
     }
     // Also when nothing is there yet.
-    if (!conversion::is_url(path) && is_being_written(path)) return {Status::in_use, {}};
+    if (!conversion::is_url(path)) {
+        Result unlocked = check_unlocked(path);
+        if (unlocked.status != Status::done) return unlocked;
+    }
     // A pipe is read as it is.
     auto found =
         conversion::DocumentSource::open(path, conversion::DocumentSource::Pipes::as_they_are);

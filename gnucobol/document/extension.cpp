@@ -39,7 +39,8 @@ class Descriptor {
 
 std::uint64_t size_of(int descriptor) {
     struct stat info {};
-    return fstat(descriptor, &info) == 0 ? static_cast<std::uint64_t>(info.st_size) : 0;
+    if (fstat(descriptor, &info) != 0) throw std::runtime_error(std::strerror(errno));
+    return static_cast<std::uint64_t>(info.st_size);
 }
 
 // `size` bytes from `offset` on, or as many as there are.
@@ -50,7 +51,8 @@ std::string part_of(int descriptor, std::uint64_t offset, std::uint64_t size) {
         const ssize_t count = pread(descriptor, part.data() + filled, size - filled,
                                     static_cast<off_t>(offset + filled));
         if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) break;
+        if (count < 0) throw std::runtime_error(std::strerror(errno));
+        if (count == 0) break;
         filled += static_cast<std::size_t>(count);
     }
     part.resize(filled);
@@ -99,6 +101,7 @@ Result Extension::begin(const std::string& old_document, int target) {
     begin_size_ = end_tag;
     end_ = empty.substr(end_tag);
     if (const auto damage = conversion::check_document(old_document, old_document)) {
+        if (damage->system_error != 0) return refusal(damage->system_error);
         return {Status::permanent_error,
                 "the document is damaged: line " + std::to_string(damage->place.line) +
                     ", column " + std::to_string(damage->place.column) + ": " + damage->what};

@@ -24,9 +24,10 @@ class Extension {
 
     // An empty document, as this program writes it, has been written there. Copies the old document
     // up to its end tag into `target`, if it begins and ends as the empty one does, except for the
-    // date in its comment.
+    // date in its comment. Throws std::runtime_error when one of them cannot be read.
     Result begin(const std::string& old_document, int target);
     // The new records have been written: puts them, and the end of the document, into `target`.
+    // Throws as begin().
     Result append(int target) const;
 
   private:

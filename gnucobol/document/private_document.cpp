@@ -37,20 +37,34 @@ bool is_no_regular_file(const std::string& name) {
     return stat(name.c_str(), &info) == 0 && !S_ISREG(info.st_mode);
 }
 
-// The file that the name leads to, through links, whether it is there or not.
-std::string without_links(const std::string& name) {
+Result refuse(const std::error_code& error) {
+    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+    return refusal(error.value());
+}
+
+bool is_missing(const std::error_code& error) {
+    return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+}
+
+// The file that the name leads to, through links, whether it is there or not; or why that cannot
+// be found out.
+std::variant<std::string, Result> without_links(const std::string& name) {
     constexpr int MOST_LINKS = 40;
-    std::error_code error;
     fs::path path = name;
-    for (int i = 0; i < MOST_LINKS && fs::is_symlink(path, error); ++i) {
+    std::error_code error;
+    for (int links = 0;; ++links) {
         const fs::path next = fs::read_symlink(path, error);
         if (error) break;
+        if (links == MOST_LINKS) return refusal(ELOOP);
         path = next.is_absolute() ? next : path.parent_path() / next;
     }
+    const bool is_no_link = error == std::errc::invalid_argument || is_missing(error);
+    if (!is_no_link) return refuse(error);
     const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
     const fs::path real = fs::canonical(folder, error);
-    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
-    return error ? path.string() : (real / path.filename()).string();
+    if (!error) return (real / path.filename()).string();
+    if (is_missing(error)) return path.string();
+    return refuse(error);
 }
 
 std::string private_name(const std::string& target) {
@@ -124,7 +138,9 @@ std::variant<PrivateDocument, Result> PrivateDocument::begin(const std::string& 
         document.name_ = target;
         return document;
     }
-    document.target_ = without_links(target);
+    auto found = without_links(target);
+    if (const auto* const refused = std::get_if<Result>(&found)) return *refused;
+    document.target_ = std::get<std::string>(std::move(found));
     Result result = document.begin_beside();
     if (result.status == Status::not_permitted && access(document.target_.c_str(), F_OK) == 0) {
         result = document.begin_elsewhere();
@@ -209,10 +225,13 @@ Result PrivateDocument::complete() {
     return {};
 }
 
-bool is_being_written(const std::string& document) {
-    if (is_no_regular_file(document)) return false;
-    const std::string target = without_links(document);
-    return is_locked(private_name(target)) || is_locked(target);
+Result check_unlocked(const std::string& document) {
+    if (is_no_regular_file(document)) return {};
+    const auto found = without_links(document);
+    if (const auto* const refused = std::get_if<Result>(&found)) return *refused;
+    const auto& target = std::get<std::string>(found);
+    const bool is_held = is_locked(private_name(target)) || is_locked(target);
+    return is_held ? Result{Status::in_use, {}} : Result{};
 }
 
 }  // namespace gnucobol

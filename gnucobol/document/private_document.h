@@ -54,7 +54,8 @@ class PrivateDocument {
     int signal_slot_ = -1;
 };
 
-// Whether a writer holds the document, in this process or another.
-bool is_being_written(const std::string& document);
+// Refuses with `in_use` while a writer holds the document, in this process or another, and with the
+// reason when that cannot be found out.
+Result check_unlocked(const std::string& document);
 
 }  // namespace gnucobol

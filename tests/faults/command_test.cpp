@@ -138,9 +138,14 @@ TEST_P(FileFaults, OfFiles) {
 TEST_F(CommandTest, FaultsOfCobolPrograms) {
     ASSERT_EQ(sxml({"cob", COPY_PROGRAM, "-o", "copy"}).status, 0);
     ASSERT_EQ(run({"./copy", "out.xml"}).status, 0);
-    fs::rename("out.xml", "in.xml");
-    write_file("out.xml", "old\n");
-    for (const char* name : {"in.xml", "out.xml"}) {
+    fs::copy("out.xml", "in.xml");
+    fs::rename("out.xml", "more.xml");
+    // Two ways in which links lead to a document.
+    fs::create_directory("store");
+    write_file("store/out.xml", "old\n");
+    fs::create_directory_symlink("store", "way");
+    fs::create_symlink("way/out.xml", "out.xml");
+    for (const char* name : {"in.xml", "out.xml", "more.xml"}) {
         const Program program = {{"./copy", name}, "", {}};
         sweep(program, MEMORY_FAULTS);
         std::vector<Fault> faults = IO_FAULTS;

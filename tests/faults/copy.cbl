@@ -1,5 +1,6 @@
-      *> Writes records into out.xml, or reads those of in.xml: the argument
-      *> says which. Ends with status 1 when an operation fails.
+      *> Writes records into out.xml, adds them to more.xml, or reads those
+      *> of in.xml: the argument says which. Ends with status 1 when an
+      *> operation fails.
        IDENTIFICATION DIVISION.
        PROGRAM-ID. COPY-RECORDS.
        ENVIRONMENT DIVISION.
@@ -19,15 +20,19 @@
        PROCEDURE DIVISION.
        MAIN-LINE.
            ACCEPT FILE-NAME FROM ARGUMENT-VALUE.
-           IF FILE-NAME = "out.xml"
-               PERFORM WRITE-ALL
-           ELSE
-               PERFORM READ-ALL
-           END-IF.
+           EVALUATE FILE-NAME
+               WHEN "out.xml"
+                   OPEN OUTPUT ITEMS
+                   PERFORM WRITE-ALL
+               WHEN "more.xml"
+                   OPEN EXTEND ITEMS
+                   PERFORM WRITE-ALL
+               WHEN OTHER
+                   PERFORM READ-ALL
+           END-EVALUATE.
            STOP RUN.
 
        WRITE-ALL.
-           OPEN OUTPUT ITEMS.
            PERFORM CHECK-STATUS.
            MOVE 12.34 TO PRICE.
            MOVE "A title" TO NAME-OF.

@@ -51,6 +51,7 @@ std::initializer_list<long> calls_of(Kind kind) {
     static constexpr std::initializer_list<long> renames = {SYS_rename, SYS_renameat, SYS_renameat2,
                                                             SYS_link, SYS_linkat};
     static constexpr std::initializer_list<long> opens = {SYS_open, SYS_openat, SYS_creat};
+    static constexpr std::initializer_list<long> links = {SYS_readlink, SYS_readlinkat};
     switch (kind) {
         case Kind::read:
             return reads;
@@ -62,6 +63,8 @@ std::initializer_list<long> calls_of(Kind kind) {
             return renames;
         case Kind::open:
             return opens;
+        case Kind::link:
+            return links;
         default:
             return {};
     }

@@ -26,8 +26,8 @@ Counts* counts = &own_counts;
 [[gnu::tls_model("initial-exec")]] thread_local int suspended = 0;
 
 Kind kind_of(std::string_view name) {
-    constexpr std::array<std::string_view, 7> names = {"none", "memory", "read", "write",
-                                                       "sync", "rename", "open"};
+    constexpr std::array<std::string_view, 8> names = {"none", "memory", "read", "write",
+                                                       "sync", "rename", "open", "link"};
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (names[i] == name) return static_cast<Kind>(i);
     }

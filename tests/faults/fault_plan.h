@@ -1,8 +1,7 @@
 // The calls that are to fail in a program into which the library of failures is loaded, set by
 // environment variables:
 //   SXML_FAULT        KIND N [+] [ERRNO]: the N-th call of the kind fails, with + every later one
-//   as
-//                     well. KIND is memory, read, write, sync, rename or open; ERRNO is a number.
+//                     as well. KIND is one of Kind; ERRNO is a number.
 //   SXML_FAULT_PAGE   a file of 16 bytes for the two counts of Counts, as they are at the end
 //   SXML_FAULT_TRACE  prints where each failing call stands
 #pragma once
@@ -11,7 +10,8 @@
 
 namespace faults {
 
-enum class Kind : std::uint8_t { none, memory, read, write, sync, rename, open };
+// link: reading where a symbolic link leads.
+enum class Kind : std::uint8_t { none, memory, read, write, sync, rename, open, link };
 
 struct Counts {
     std::uint64_t calls;   // of the kind

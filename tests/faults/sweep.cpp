@@ -32,6 +32,7 @@ const std::vector<Fault> IO_FAULTS = {
     {"open", EIO, "EIO", "input/output error"},
     {"open", EINTR, "EINTR", "interrupted"},
     {"open", ENOSPC, "ENOSPC", "no space left"},
+    {"link", EIO, "EIO", "input/output error"},
 };
 
 namespace {
@@ -210,6 +211,9 @@ class Sweep {
         const bool has_noticed = outcome.status != normal_.status;
         if (outcome.status >= 128) return "ended by a signal";
         if (has_noticed && !has_said) return "a failure without its reason";
+        if (has_noticed && told.find("damaged") != std::string::npos) {
+            return "a failure that is called damage of the document";
+        }
         if (has_noticed) {
             if (present == before_) return "";
             // Everything is done, and only reporting it failed.
