@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "host/config.h"
+#include "host/runtime/memory/memory_failure.h"
 #include "tests/runtime/scratch.h"
 
 namespace {
@@ -17,6 +18,7 @@ void* own_function() {
 }
 
 TEST(Module, IsInitialisedAndGetsFunctionsAndSettings) {
+    (void)host::take_memory_failure();  // of other tests in this process
     host::grant_encoding_support(false);
     const host::Module module = host::Module::load(
         PLAIN_MODULE, {{"Qconvert", reinterpret_cast<HostFunction*>(&own_function)},
