@@ -41,7 +41,7 @@ void free_attribute(XmlAttribute* attribute) {
 
 // Puts an attribute after the others. False when memory is exhausted.
 bool append_attribute(XmlElement& element, XmlAttribute* attribute) {
-    static const HostArrayType array_type = {sizeof(XmlAttribute*), 0, HOST_ARRAY_KIND,
+    static const HostArrayType array_type = {sizeof(void*), 0, HOST_ARRAY_KIND,
                                              "XML elements attributes array"};
     void* const array = element.attributes ? element.attributes
                                            : host_array_new(&array_type, ELEMENTS_SOURCE, __LINE__);

@@ -38,7 +38,7 @@ bool reserve_name() {
     if (table.size >= LARGEST_SIZE) return false;
     const NameTable old = table;
     const std::uint32_t size = old.size > 0 ? old.size * 2 : FIRST_SIZE;
-    void* const block = host_alloc(size * sizeof(XmlName*), HOST_BLOCK_ZEROED, ELEMENTS_SOURCE,
+    void* const block = host_alloc(size * sizeof(void*), HOST_BLOCK_ZEROED, ELEMENTS_SOURCE,
                                    __LINE__, "XML element names", 0);
     if (!block) return false;
     table = {static_cast<XmlName**>(block), size, old.count};
