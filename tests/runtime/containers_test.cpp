@@ -207,6 +207,11 @@ TEST(Tables, KeepValuesUnderNamesInOrder) {
     EXPECT_EQ(*static_cast<int*>(host_table_get(table, (longest + "y").c_str())), 1);
     host_table_free(table, SOURCE, 1);
     EXPECT_EQ(host::live_blocks().size(), before);
+
+    EXPECT_EQ(host_table_count(nullptr), 0U);
+    EXPECT_EQ(host_table_name(nullptr, 0), nullptr);
+    EXPECT_EQ(host_table_get(nullptr, "name"), nullptr);
+    host_table_free(nullptr, SOURCE, 1);
 }
 
 }  // namespace

@@ -290,12 +290,17 @@ TEST_F(Files, TheDateCanBePinned) {
     {
         const Environment epoch("SOURCE_DATE_EPOCH", "951782399");  // 2000-02-28 23:59:59 UTC
         EXPECT_EQ(host_date(), 20000228);
+        const Environment last("SOURCE_DATE_EPOCH", "253402300799");
+        EXPECT_EQ(host_date(), 99991231);
     }
     const std::time_t now = std::time(nullptr);
     std::tm day{};
     localtime_r(&now, &day);
     const int today = (day.tm_year + 1900) * 10000 + (day.tm_mon + 1) * 100 + day.tm_mday;
-    for (const char* useless : {"", "yesterday", "99999999999999999999", "12x"}) {
+    const char* const after_year_9999 = "253402300800";
+    const char* const no_year_of_an_int = "9223372036854775807";
+    for (const char* useless : {"", "yesterday", "99999999999999999999", "12x", "-1",
+                                after_year_9999, no_year_of_an_int}) {
         const Environment epoch("SOURCE_DATE_EPOCH", useless);
         EXPECT_EQ(host_date(), today) << useless;
     }
