@@ -36,7 +36,7 @@ std::string find_file(const std::string& name) {
     if (is_file(name)) return name;
     std::istringstream folders(trusted_setting("SXML_PATH"));
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string place = (fs::path(folder) / name).string();
+        std::string place = (fs::path(folder) / name).string();
         if (is_file(place)) return place;
     }
     return {};
