@@ -60,6 +60,7 @@ OutputDocument::OutputDocument(const host::Module& module, const records::Descri
       completed_(characters) {
     handler_.context = this;
     handler_.choose_layout = &choose_layout;
+    find_text_runs();
     if (characters.converts() || controls_ != Controls::refuse) handler_.text = &translate_text;
     if (!description.slides()) return;
     sliding_.emplace(description, characters.space());
@@ -278,21 +279,52 @@ Done OutputDocument::check_length(std::int32_t length) const {
                    ""};
 }
 
+void OutputDocument::find_text_runs() {
+    for (const RecordLayout& layout : fields_.layouts()) {
+        std::vector<TextRun> runs;
+        for (std::size_t i = 0; i < layout.texts.size(); ++i) {
+            const Field& field = layout.texts[i];
+            const XfdItem& item = description_.xfd().items[field.item];
+            const bool is_plain = text_form(item, characters_) == TextForm::plain;
+            const bool goes_on = !runs.empty() && runs.back().is_plain && is_plain &&
+                                 runs.back().offset + runs.back().length == field.offset;
+            if (goes_on) {
+                runs.back().length += field.length;
+                runs.back().end = i + 1;
+            } else {
+                runs.push_back({field.offset, field.length, i, i + 1, is_plain});
+            }
+        }
+        text_runs_.push_back(std::move(runs));
+    }
+}
+
 Done OutputDocument::check_texts() const {
-    for (const Field& field : chosen().texts) {
-        if (!is_written(field)) continue;
-        std::optional<TextProblem> problem =
-            text_check_.check(record_ + field.offset, field.length,
-                              text_form(module_file_.xfd->items[field.item], characters_));
-        if (!problem) continue;
-        return Problem{Cause::record,
-                       place_of(field, problem->position),
-                       std::move(problem->what),
-                       std::move(problem->remedy),
-                       0,
-                       bytes_of(field)};
+    const std::vector<Field>& texts = chosen().texts;
+    for (const TextRun& run : text_runs_[outcome_.layout]) {
+        if (run.is_plain && run.offset + run.length <= outcome_.length &&
+            text_check_.is_unproblematic(record_ + run.offset, run.length)) {
+            continue;
+        }
+        for (std::size_t i = run.first; i < run.end; ++i) {
+            if (Done problem = check_text(texts[i])) return problem;
+        }
     }
     return std::nullopt;
+}
+
+Done OutputDocument::check_text(const Field& field) const {
+    if (!is_written(field)) return std::nullopt;
+    std::optional<TextProblem> problem =
+        text_check_.check(record_ + field.offset, field.length,
+                          text_form(module_file_.xfd->items[field.item], characters_));
+    if (!problem) return std::nullopt;
+    return Problem{Cause::record,
+                   place_of(field, problem->position),
+                   std::move(problem->what),
+                   std::move(problem->remedy),
+                   0,
+                   bytes_of(field)};
 }
 
 // Programs pad fields with NUL bytes, where the literal of a condition is padded with spaces.

@@ -105,7 +105,9 @@ class OutputDocument {
     Done hide_unused_entries();
     Place place_of(const Field& field, std::int32_t position) const;
     Done check_length(std::int32_t length) const;
+    void find_text_runs();
     Done check_texts() const;
+    Done check_text(const Field& field) const;
     void find_bad_numbers();
     bool fits_with_spaces();
     Done check_strictly();
@@ -122,6 +124,16 @@ class OutputDocument {
     bool is_strict_;
     bool has_lengths_;
     RecordFields fields_;
+    // Plain texts of a layout that lie side by side in its records. They are looked at together,
+    // and each by itself only where that shows something.
+    struct TextRun {
+        std::int32_t offset;
+        std::int32_t length;
+        std::size_t first;  // of the layout's texts
+        std::size_t end;    // after the last
+        bool is_plain;      // false: a text of another form
+    };
+    std::vector<std::vector<TextRun>> text_runs_;  // of each layout
     Controls controls_;
     TextCheck text_check_;     // what the document cannot have
     TextCheck control_check_;  // and control characters

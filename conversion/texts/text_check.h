@@ -35,14 +35,17 @@ class TextCheck {
     std::optional<TextProblem> check(const std::uint8_t* text, std::int32_t length,
                                      TextForm form = TextForm::plain) const {
         if (form != TextForm::plain) return look_at_characters(text, length, form);
-        if (is_ascii_plain_ && ascii::is_printable(reinterpret_cast<const char*>(text),
-                                                   static_cast<std::size_t>(length))) {
-            return std::nullopt;
-        }
+        if (is_unproblematic(text, length)) return std::nullopt;
         std::uint8_t seen = 0;
         for (std::int32_t i = 0; i < length; ++i) seen |= special_[text[i]];
         if (seen == 0) return std::nullopt;
         return look_closely(text, length);
+    }
+
+    // Whether a short look shows that no part of the text, taken as plain, has a problem.
+    bool is_unproblematic(const std::uint8_t* text, std::int32_t length) const {
+        return is_ascii_plain_ && ascii::is_printable(reinterpret_cast<const char*>(text),
+                                                      static_cast<std::size_t>(length));
     }
 
   private:

@@ -1,6 +1,7 @@
 #include "fsi/xml/sxml/writing/planned_record.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "fsi/xml/elements/text_output.h"
@@ -12,25 +13,58 @@ namespace {
 using ascii::Word;
 using ascii::WORD_SIZE;
 
-constexpr std::size_t LONGEST_ENTITY = 6;
+// Where a record is put together: bytes go to `at`, and the output learns of them when others need
+// it.
+struct Room {
+    RecordOutput& output;
+    char* at;
+    const char* end;
 
-// Copies markup of a plan in steps; as many bytes may be written beyond its end.
-char* put_markup(char* at, const char* markup, std::size_t length) {
+    explicit Room(RecordOutput& to) : output(to), at(to.room_for(0)), end(to.end()) {}
+    // Makes room for `size` bytes, at most RecordOutput::CAPACITY.
+    void have(std::size_t size) {
+        if (size > static_cast<std::size_t>(end - at)) have_after_flush(size);
+    }
+    void hand_over() const { output.keep_to(at); }
+    // After others have written.
+    void take_over() { at = output.room_for(0); }
+
+  private:
+    [[gnu::noinline]] void have_after_flush(std::size_t size) {
+        hand_over();
+        at = output.room_for(size);
+    }
+};
+
+// Puts markup of a plan, in steps: there must be room for one more than it needs.
+[[gnu::always_inline]] inline void put_markup(Room& room, const char* markup, std::size_t length) {
+    char* const at = room.at;
     for (std::size_t i = 0; i < length; i += MARKUP_READ_SIZE) {
         std::memcpy(at + i, markup + i, MARKUP_READ_SIZE);
     }
-    return at + length;
+    room.at = at + length;
 }
 
-[[gnu::always_inline]] inline void write_markup(RecordOutput& output, const char* markup,
-                                                std::size_t length) {
-    while (length + MARKUP_READ_SIZE > RecordOutput::CAPACITY) {
-        constexpr std::size_t PIECE = RecordOutput::CAPACITY / 2;
-        output.keep_to(put_markup(output.room_for(PIECE), markup, PIECE));
-        markup += PIECE;
-        length -= PIECE;
+[[gnu::noinline]] void put_long_markup(Room& room, const char* markup, std::size_t length) {
+    while (length > 0) {
+        const std::size_t piece = std::min(length, MOST_MARKUP_AT_ONCE);
+        room.have(piece + MARKUP_READ_SIZE);
+        put_markup(room, markup, piece);
+        markup += piece;
+        length -= piece;
     }
-    output.keep_to(put_markup(output.room_for(length + MARKUP_READ_SIZE), markup, length));
+}
+
+// Puts markup of a step, or a part of it, and makes room for the field after it.
+[[gnu::always_inline]] inline void write_markup(Room& room, const PlanStep& step,
+                                                const char* markup, std::size_t length) {
+    if (step.markup_length > MOST_MARKUP_AT_ONCE) {
+        put_long_markup(room, markup, length);
+        room.have(step.room);
+    } else {
+        room.have(step.room);
+        put_markup(room, markup, length);
+    }
 }
 
 // Copies a text of printable characters, markup characters as entities.
@@ -79,67 +113,130 @@ Look copy(char* at, const char* text, std::size_t length) {
     return look;
 }
 
-// Texts with other than printable ASCII characters take the slow path.
-void write_text(RecordWriter& writer, const PlanStep& step) {
-    const XfdItem& field = writer.xfd.items[step.item];
-    const std::string_view text = writer.text_giver == nullptr
-                                      ? std::string_view(writer.record + step.offset, step.length)
-                                      : characters_of(writer, field);
-    if (text.size() <= MOST_PLANNED_TEXT) {
-        const std::size_t length = ascii::length_without_blanks(text.data(), text.size());
-        char* const at = writer.output.room_for(LONGEST_ENTITY * length + WORD_SIZE);
-        const Look look = copy(at, text.data(), length);
-        if (!ascii::is_odd(look.odd)) {
-            if (*at != ' ' && !ascii::has_markup(look.lacking)) {
-                writer.output.keep_to(at + length);
-            } else {
-                const std::size_t first = std::min(text.find_first_not_of(' '), length);
-                const char* const start = text.data() + first;
-                writer.output.keep_to(put_escaped(at, start, length - first));
-            }
-            return;
-        }
+// Puts a text of one word. False: nothing was put, since it begins with a blank or has to be
+// escaped.
+bool put_word(Room& room, Word word) {
+    const Word other = word ^ ascii::BLANKS;
+    if (other == 0) return true;
+    const bool begins_blank = (other & 0xFF) == 0;
+    if (begins_blank || ascii::is_odd(ascii::oddities(word)) ||
+        ascii::has_markup(ascii::lacks_markup(word))) {
+        return false;
     }
+    std::memcpy(room.at, &word, sizeof word);
+    room.at += WORD_SIZE - static_cast<std::size_t>(std::countl_zero(other)) / 8;
+    return true;
+}
+
+// Puts a text of at most two words, that are `distance` bytes apart and may overlap. False: nothing
+// was put, since it begins with a blank or has to be escaped.
+bool put_words(Room& room, Word first, Word last, std::size_t distance) {
+    Look look;
+    look.at(first);
+    look.at(last);
+    if (ascii::is_odd(look.odd) || ascii::has_markup(look.lacking)) return false;
+    std::memcpy(room.at, &first, sizeof first);
+    std::memcpy(room.at + distance, &last, sizeof last);
+    const Word other = last ^ ascii::BLANKS;
+    if (other != 0 && *room.at != ' ') {
+        room.at += distance + WORD_SIZE - static_cast<std::size_t>(std::countl_zero(other)) / 8;
+        return true;
+    }
+    const Word other_first = first ^ ascii::BLANKS;
+    if (*room.at == ' ') return (other | other_first) == 0;
+    room.at += WORD_SIZE - static_cast<std::size_t>(std::countl_zero(other_first)) / 8;
+    return true;
+}
+
+// Puts a text of any length. False: nothing was put, since it has other characters.
+bool put_text(Room& room, std::string_view text) {
+    const std::size_t length = ascii::length_without_blanks(text.data(), text.size());
+    const Look look = copy(room.at, text.data(), length);
+    if (ascii::is_odd(look.odd)) return false;
+    if (*room.at != ' ' && !ascii::has_markup(look.lacking)) {
+        room.at += length;
+    } else {
+        const std::size_t first = std::min(text.find_first_not_of(' '), length);
+        room.at = put_escaped(room.at, text.data() + first, length - first);
+    }
+    return true;
+}
+
+// A field of at most a word, from a record that goes on for a word.
+Word load_field(const char* field, std::size_t length) {
+    const Word beyond = length < WORD_SIZE ? ~Word{0} << (8 * length) : 0;
+    const Word word = ascii::load(field);
+    return word ^ ((word ^ ascii::BLANKS) & beyond);
+}
+
+// Texts with other than printable ASCII characters take the slow path.
+void write_text(RecordWriter& writer, const PlanStep& step, Room& room) {
+    const XfdItem& field = writer.xfd.items[step.item];
+    std::string_view text;
+    if (writer.text_giver == nullptr) {
+        text = {writer.record + step.offset, step.length};
+        if (text.size() <= WORD_SIZE) {
+            const std::size_t left = writer.record_length - static_cast<std::size_t>(step.offset);
+            const Word word = left >= WORD_SIZE ? load_field(text.data(), text.size())
+                                                : ascii::load_short(text.data(), text.size());
+            if (put_word(room, word)) return;
+        } else if (text.size() <= 2 * WORD_SIZE) {
+            const std::size_t distance = text.size() - WORD_SIZE;
+            const Word last = ascii::load(text.data() + distance);
+            if (put_words(room, ascii::load(text.data()), last, distance)) return;
+        }
+    } else {
+        text = characters_of(writer, field);
+    }
+    if (text.size() <= MOST_PLANNED_TEXT) {
+        room.have(room_for_text(text.size()));
+        if (put_text(room, text)) return;
+    }
+    room.hand_over();
     write_characters(writer, field, text);
+    room.take_over();
 }
 
 // The host makes the text where it is to be.
-void write_number(RecordWriter& writer, const PlanStep& step) {
-    constexpr char BLANKS[] = "                ";
-    constexpr std::size_t RUN = sizeof BLANKS - 1;
+void write_number(RecordWriter& writer, const PlanStep& step, Room& room) {
+    constexpr std::size_t RUN = 16;
     XfdItem& field = writer.xfd.items[step.item];
     const std::size_t length = number_text_length(field.data);
-    char* const text = writer.output.room_for(MOST_NUMBER_TEXT + RUN);
-    for (std::size_t i = 0; i <= length; i += RUN) std::memcpy(text + i, BLANKS, RUN);
+    char* const text = room.at;
+    std::memset(text, ' ', RUN);
+    for (std::size_t i = RUN; i < length; i += RUN) std::memset(text + i, ' ', RUN);
     convert_number(field, writer.record + step.offset, {text, length});
     const bool is_plain = ascii::is_printable(text, std::max(length, WORD_SIZE));
     const bool has_point =
         writer.xfd.conventions == nullptr || writer.xfd.conventions->decimal_point == '.';
     if (is_plain && has_point) {
-        std::size_t end = length;
-        while (end > 1 && text[end - 1] == ' ') --end;
-        writer.output.keep_to(text + end);
+        const std::size_t end = ascii::length_without_blanks(text, length);
+        room.at = text + std::max(end, std::min<std::size_t>(length, 1));
         return;
     }
     const std::size_t end = finish_number(writer.xfd, text, length);
     if (is_plain) {
-        writer.output.keep_to(text + end);
+        room.at = text + end;
         return;
     }
     char copy[MOST_NUMBER_TEXT];
     std::memcpy(copy, text, end);
+    room.hand_over();
     writer.output.write({copy, end});
+    room.take_over();
 }
 
-void write_value(RecordWriter& writer, const PlanStep& step) {
+void write_value(RecordWriter& writer, const PlanStep& step, Room& room) {
     if (step.condition != 0 && !condition_holds(writer.xfd, step.condition)) return;
     switch (step.kind) {
         case PlanStep::TEXT:
-            return write_text(writer, step);
+            return write_text(writer, step, room);
         case PlanStep::NUMBER:
-            return write_number(writer, step);
+            return write_number(writer, step, room);
         default:
+            room.hand_over();
             write_field(writer, step.item);
+            room.take_over();
     }
 }
 
@@ -160,17 +257,18 @@ void write_planned(RecordWriter& writer, const LayoutPlan& plan) {
     std::uint32_t written = 0;  // of the markup, or passed over
     std::uint32_t step_end = step->markup_length;
     std::uint32_t number = is_short ? 0 : plan.child_count;
+    Room room(writer.output);
     for (;;) {
         const PlanChild* const missing = missing_child(plan, number, writer.record_length);
         const std::uint32_t place = missing != nullptr ? missing->markup : UINT32_MAX;
         while (step_end <= place) {
-            write_markup(writer.output, plan.markup + written, step_end - written);
+            write_markup(room, *step, plan.markup + written, step_end - written);
             written = step_end;
-            if (step->kind == PlanStep::END) return;
-            write_value(writer, *step);
+            if (step->kind == PlanStep::END) return room.hand_over();
+            write_value(writer, *step, room);
             step_end += (++step)->markup_length;
         }
-        write_markup(writer.output, plan.markup + written, place - written);
+        write_markup(room, *step, plan.markup + written, place - written);
         written = missing->markup_end;
         while (step < plan.steps + missing->next_step) step_end += (++step)->markup_length;
         number = missing->next_child;

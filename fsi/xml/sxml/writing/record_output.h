@@ -34,6 +34,8 @@ class RecordOutput {
         if (size > CAPACITY - used_) flush();
         return bytes_ + used_;
     }
+    // Where room ends.
+    const char* end() const { return bytes_ + CAPACITY; }
     void keep_to(const char* end) { used_ = static_cast<std::size_t>(end - bytes_); }
     static constexpr std::size_t CAPACITY = 8192;
 

@@ -28,6 +28,16 @@ PlanStep::Kind kind_of(const Xfd& xfd, const XfdItem& field) {
     return is_of_bytes && field.data.length <= MOST_PLANNED_TEXT ? PlanStep::TEXT : PlanStep::OTHER;
 }
 
+// Room for a field and the markup before it, unless that is put in pieces.
+std::uint32_t room_of(const PlanStep& step) {
+    constexpr std::size_t RUN = 16;  // in which blanks for a number are put
+    const std::size_t field = step.kind == PlanStep::TEXT     ? room_for_text(step.length)
+                              : step.kind == PlanStep::NUMBER ? MOST_NUMBER_TEXT + RUN
+                                                              : 0;
+    const std::size_t markup = step.markup_length > MOST_MARKUP_AT_ONCE ? 0 : step.markup_length;
+    return static_cast<std::uint32_t>(markup + MARKUP_READ_SIZE + field);
+}
+
 // Where a plan goes. Without a plan its parts are only counted.
 struct Parts {
     WritePlan* plan;
@@ -74,7 +84,7 @@ class PlanMaker {
             markup_size_ = first_markup_;
             return false;
         }
-        add_step({0, -1, 0, 0, 0, PlanStep::END});
+        add_step({0, -1, 0, 0, 0, PlanStep::END, 0});
         if (!is_counting()) {
             parts_.plan->layouts[layout_count_] = {layout,
                                                    full_length_,
@@ -125,7 +135,7 @@ class PlanMaker {
             path.open({written, first_child_item(xfd_, written), child, false});
         } else {
             add_step({0, written, item.offset, static_cast<std::uint32_t>(item.data.length),
-                      item.condition, kind_of(xfd_, item)});
+                      item.condition, kind_of(xfd_, item), 0});
             add_markup(tags_.end_tag(written));
             end_child(child);
         }
@@ -167,6 +177,7 @@ class PlanMaker {
     // Ends the markup before a field.
     void add_step(PlanStep step) {
         step.markup_length = static_cast<std::uint32_t>(markup_size_ - step_markup_);
+        step.room = room_of(step);
         step_markup_ = markup_size_;
         if (!is_counting()) parts_.steps[step_count_] = step;
         ++step_count_;

@@ -24,6 +24,7 @@ struct PlanStep {
     std::uint32_t length;         // in bytes
     std::int16_t condition;
     Kind kind;
+    std::uint32_t room;  // bytes that the field, and markup that is put at once, may take
 };
 
 // An item below the one that opens the layout: what is left out, from its start tag to its end tag,
@@ -58,7 +59,15 @@ struct WritePlan {
 // The longest field of kind TEXT.
 constexpr std::int32_t MOST_PLANNED_TEXT = 1024;
 // So many bytes may be read from where any piece of markup begins, in steps of as many.
-constexpr std::size_t MARKUP_READ_SIZE = 16;
+constexpr std::size_t MARKUP_READ_SIZE = 32;
+// Longer markup is put in pieces.
+constexpr std::size_t MOST_MARKUP_AT_ONCE = 1024;
+
+// Room for a text as it may become, trimmed and escaped, and a word that is written beyond it.
+constexpr std::size_t room_for_text(std::size_t length) {
+    constexpr std::size_t LONGEST_ENTITY = 6;
+    return LONGEST_ENTITY * length + sizeof(std::uint64_t);
+}
 
 // A plan of the layouts, up to the first with which the walks of all together become longer than
 // the description has items. Null when memory is exhausted. Released with host_free.
