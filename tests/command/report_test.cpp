@@ -1,5 +1,6 @@
 // Losses of a conversion are reported, and records that cannot be converted can be put aside.
 
+#include <filesystem>
 #include <random>
 
 #include "tests/command/command_run.h"
@@ -158,6 +159,44 @@ TEST_F(CommandTest, RecordsOfDocumentsAreRejected) {
     words.insert(words.end(), {"--report", "i.cpy"});
     EXPECT_EQ(sxml(words).status, 2);
     EXPECT_EQ(read_file("i.cpy"), COPYBOOK);
+}
+
+TEST_F(CommandTest, ReportsOfFailedRunsReplaceThoseOfEarlierRuns) {
+    write_file("i.cpy", COPYBOOK);
+    write_file("d.xml", "<d>" + WHOLE + "</d>");
+    write_file("bad.xml", "<!DOCTYPE d SYSTEM 'd.dtd'><d>" + WHOLE + "&out;");
+    write_file("copied.cpy", "           05  F PIC Q.\n");
+    write_file("bad.cpy", "       01  R.\n           COPY \"copied.cpy\".\n");
+    struct Row {
+        std::vector<std::string> words;
+        const char* reason;
+    };
+    const std::vector<Row> rows = {
+        {{"from-xml", "none.xml", "o", "-l", "i.cpy"}, "none.xml"},
+        {{"from-xml", "d.xml", "o", "-l", "none.cpy"}, "no usable record layout"},
+        {{"to-xml", "none.dat", "o", "-l", "i.cpy"}, "none.dat"},
+        {{"to-xml", "d.xml", "o", "-l", "bad.cpy"}, "no usable record layout"},
+        {{"from-xml", "d.xml", "o", "-l", "i.cpy", "--record", "d/none"}, "d/none"},
+        {{"from-xml", "bad.xml", "o", "-l", "i.cpy", "--attributes"}, "bad.xml"},
+        {{"from-xml", "bad.xml", "o", "-l", "i.cpy", "--strict"}, "the entity out"}};
+    for (Row row : rows) {
+        row.words.insert(row.words.end(), {"--report", "r.json"});
+        for (const bool is_first : {true, false}) {
+            if (is_first) std::filesystem::remove("r.json");
+            if (!is_first) write_file("r.json", "{\n  \"input\": \"d.xml\",\n  \"status\": 0\n}\n");
+            EXPECT_EQ(sxml(row.words).status, 1);
+            const std::string report = read_file("r.json");
+            EXPECT_NE(report.find("\"status\": 1"), std::string::npos) << row.reason << report;
+            EXPECT_NE(report.find(row.reason), std::string::npos) << report;
+        }
+    }
+    // Whether it is read is not known when the run fails.
+    const std::string copied = read_file("copied.cpy");
+    const Outcome outcome =
+        sxml({"to-xml", "d.xml", "o", "-l", "bad.cpy", "--report", "copied.cpy"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("copied.cpy: the report is not written"), std::string::npos);
+    EXPECT_EQ(read_file("copied.cpy"), copied);
 }
 
 TEST_F(CommandTest, QuietRunsSayHowMuchThereWasToSay) {

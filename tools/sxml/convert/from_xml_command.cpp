@@ -40,8 +40,7 @@ int convert(const FromXmlOptions& options, RecordDocument& source, RunFiles& fil
     note_outputs(options.report, files);
     const records::Description description =
         LayoutSource(options.layout).load(target.encoding(), files);
-    files.check();
-    report.allow_writing();
+    report.check(files);
     source.prepare(description, report);
     AtomicOutput output(options.records);
     RejectFile rejects(options.report, report.input_name());
@@ -59,10 +58,11 @@ void convert_from_xml(const FromXmlOptions& options) {
     RunFiles files;
     load_module();
     apply_settings(options.layout.settings);
-    const auto document = value_of(conversion::DocumentSource::open(options.xml));
-    files.reads_document(options.xml, document);
-    RecordDocument source(document, options.document);
-    run_with_report(options.report, document.name(), [&](RunReport& report) {
+    const std::string name = options.xml == "-" ? "standard input" : options.xml;
+    run_with_report(options.report, name, [&](RunReport& report) {
+        const auto document = value_of(conversion::DocumentSource::open(options.xml));
+        files.reads_document(options.xml, document);
+        RecordDocument source(document, options.document);
         report.warn_of_unread_entities(document);
         return convert(options, source, files, report);
     });

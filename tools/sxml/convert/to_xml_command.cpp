@@ -125,8 +125,7 @@ int convert(const ToXmlOptions& options, const host::Module& module, RunFiles& f
     note_outputs(options.report, files);
     const records::Description description =
         LayoutSource(options.layout).load(record_encoding(characters), files);
-    files.check();
-    report.allow_writing();
+    report.check(files);
     RecordInput input(options.records, options.input,
                       {static_cast<std::size_t>(description.record_length()), characters.space(),
                        description.asks_for_last()});

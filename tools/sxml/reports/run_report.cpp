@@ -1,10 +1,14 @@
 #include "tools/sxml/reports/run_report.h"
 
 #include <algorithm>
+#include <fstream>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <utility>
 
 #include "conversion/documents/unread_entities.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 #include "records/hexadecimal.h"
 #include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
@@ -35,6 +39,9 @@ constexpr std::array<Wording, FINDINGS> WORDINGS = {{
     {"rejected", "record", " rejected"},
 }};
 
+// Of each report.
+constexpr std::string_view REPORT_BEGINNING = "{\n  \"input\": ";
+
 Json place_of(const conversion::Problem& problem) {
     const conversion::Place& place = problem.place;
     Json json = Json::object();
@@ -47,6 +54,16 @@ Json place_of(const conversion::Problem& problem) {
     json["what"] = problem.what;
     if (!problem.evidence.empty()) json["bytes"] = records::hexadecimal(problem.evidence, " ");
     return json;
+}
+
+// Whether there is no file of this name, or an earlier report.
+bool may_replace(const std::string& file) {
+    const auto state = platform::state_of(file);
+    if (file == "-" || !state || state->kind != platform::FileKind::regular) return true;
+    std::ifstream in(platform::path_of(file), std::ios::binary);
+    std::string beginning(REPORT_BEGINNING.size(), '\0');
+    in.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
+    return in.gcount() == 0 || beginning == REPORT_BEGINNING;
 }
 
 // Why the run failed comes before why that could not be reported.
@@ -192,8 +209,17 @@ std::string RunReport::missing_text() const {
     return text;
 }
 
+void RunReport::check(const RunFiles& files) {
+    target_ = Target::refused;
+    files.check();
+    target_ = Target::checked;
+}
+
 void RunReport::write(int status, const std::string& failure) const {
-    if (options_.report.empty() || !may_write_) return;
+    if (options_.report.empty() || target_ == Target::refused) return;
+    if (target_ == Target::unchecked && !may_replace(options_.report)) {
+        fail(options_.report + ": the report is not written, since what is there is no report");
+    }
     Json json = Json::object();
     json["input"] = name_;
     json["status"] = status;

@@ -76,8 +76,9 @@ class RunReport {
     void add(Finding finding, std::uint64_t count) {
         counts_[static_cast<std::size_t>(finding)] += count;
     }
-    // The run's files have been checked: the report replaces no input.
-    void allow_writing() { may_write_ = true; }
+    // Checks the run's files, all of which are known: the report replaces none of them. Throws
+    // Failure (wrong usage).
+    void check(const RunFiles& files);
 
     // Counts data of a document that is in no record. Names it by `first`, or fails with it when
     // the options say so.
@@ -93,7 +94,8 @@ class RunReport {
     // A line for each kind of findings, and one for each path that was not used.
     void sum_up() const;
     // Writes the file for programs, if one is wanted. `failure`: why the run failed; empty: it did
-    // not. Throws Failure.
+    // not. Before the files are checked, the file replaces nothing but an earlier report. Throws
+    // Failure.
     void write(int status, const std::string& failure) const;
 
     std::uint64_t counted(Finding finding) const {
@@ -132,7 +134,7 @@ class RunReport {
 
     const ReportOptions& options_;
     std::string name_;
-    bool may_write_ = false;
+    enum class Target : std::uint8_t { unchecked, checked, refused } target_ = Target::unchecked;
     std::uint64_t records_ = 0;
     std::array<std::uint64_t, FINDINGS> counts_{};
     std::vector<Named> named_;
