@@ -1,5 +1,7 @@
 #include "library/file_options.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <string_view>
 
@@ -106,7 +108,16 @@ bool take_text(std::string_view name, const std::string& value, FileOptions& opt
     return true;
 }
 
+// Says how a source becomes a layout: of no effect where the layout is a description file.
+bool is_for_sources(std::string_view name) {
+    constexpr std::array<std::string_view, 10> NAMES = {
+        "fd",  "source-format",   "machine", "byte-order", "binary-size", "national-size",
+        "odo", "debugging-lines", "filler",  "no-truncate"};
+    return std::find(NAMES.begin(), NAMES.end(), name) != NAMES.end();
+}
+
 Done take(std::string_view name, const std::string& value, FileOptions& options) {
+    if (is_for_sources(name)) options.copybook.for_sources.emplace_back(name);
     if (take_text(name, value, options)) return std::nullopt;
     if (name == "kind") return choose(name, value, KINDS, options.is_document);
     if (name == "format") return choose_format(value, options);

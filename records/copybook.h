@@ -31,6 +31,9 @@ struct CopybookOptions {
     bool debugging_lines = false;           // D in column 7 is source, not comment
     std::vector<std::string> more_files;    // copybooks with more records of the same file
     std::vector<ItemDirective> directives;  // applied when all have been read
+    // What the user calls options that were given and say how a source becomes a layout. A layout
+    // that is none any more takes none of them.
+    std::vector<std::string> for_sources;
 };
 
 // False for a shell's `<(...)`: what is read there has no name but a number of the shell's choice.

@@ -64,12 +64,18 @@ class SlidingTest : public CommandTest {
         return run({"./p"}).out;
     }
     Outcome to_xml(const std::string& format, const std::string& layout = "s.cpy") {
-        return sxml({"to-xml", "s.dat", "s.xml", "-l", layout, "--odo", "sliding",
-                     "--record-format", format});
+        return convert({"to-xml", "s.dat", "s.xml"}, format, layout);
     }
     Outcome from_xml(const std::string& format, const std::string& layout = "s.cpy") {
-        return sxml({"from-xml", "s.xml", "s.dat", "-l", layout, "--odo", "sliding",
-                     "--record-format", format});
+        return convert({"from-xml", "s.xml", "s.dat"}, format, layout);
+    }
+
+  private:
+    Outcome convert(std::vector<std::string> words, const std::string& format,
+                    const std::string& layout) {
+        words.insert(words.end(), {"-l", layout, "--record-format", format});
+        if (layout.ends_with(".cpy")) words.insert(words.end(), {"--odo", "sliding"});
+        return sxml(words);
     }
 };
 

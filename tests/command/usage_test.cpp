@@ -35,6 +35,7 @@ TEST_P(UsageTest, EndsWithStatusAndMessage) {
     const UsageCase& expected = GetParam();
     write_file("line.cpy", COPYBOOK);
     write_file("bad.cpy", "       01  R.\n           05  F PIC Q(4).\n");
+    write_file("line.xfd", "{}");
     write_file("words", "abcdefgh");
     write_file("two.cbl",
                "       FILE SECTION.\n       FD  A.\n       01  R PIC X.\n       FD  B.\n"
@@ -128,6 +129,11 @@ const std::vector<UsageCase> CASES = {
      2,
      {"sxml: SXML_ENCODING UTF-16"}},
     {"fetch_limit", to_xml({"--set", "X=1"}), 2, {"\n  SXML_FETCH_LIMIT"}},
+    {"options_of_copybooks_for_a_description",
+     {"layout", "line.xfd", "--machine", "native", "--fd", "F", "--no-truncate"},
+     1,
+     {"sxml: line.xfd is a description file, whose layout is settled; --fd, --machine, "
+      "--no-truncate: for making one"}},
     {"several_fds",
      {"layout", "two.cbl"},
      1,

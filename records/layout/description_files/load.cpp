@@ -77,6 +77,15 @@ std::optional<Description> from_json(std::string_view text, const std::string& f
                                   "more copybooks are for making one (sxml compile)");
         return std::nullopt;
     }
+    if (!copybook.for_sources.empty()) {
+        std::string names;
+        for (const std::string& name : copybook.for_sources) {
+            names += (names.empty() ? "" : ", ") + name;
+        }
+        diagnostics.error({}, file + " is a description file, whose layout is settled; " + names +
+                                  ": for making one (sxml compile)");
+        return std::nullopt;
+    }
     return description_from_json(text, file, layout, diagnostics);
 }
 

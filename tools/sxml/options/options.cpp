@@ -1,5 +1,6 @@
 #include "tools/sxml/options/options.h"
 
+#include <functional>
 #include <utility>
 
 #include "records/option_names.h"
@@ -10,32 +11,68 @@ namespace command {
 
 namespace {
 
-// An option whose value is one of the names of `values`.
-template <typename Value>
-void add_choice(Command command, const std::string& name, Value& variable,
-                const records::Choices<Value>& values, const std::string& help) {
-    std::vector<std::string> names;
-    for (const auto& entry : values) names.push_back(entry.first);
-    command
-        .add_option(
+// The options that say how a source becomes a layout.
+class SourceOptions {
+  public:
+    SourceOptions(Command command, LayoutOptions& options) : command_(command), options_(options) {}
+
+    // The value is one of the names of `values`.
+    template <typename Value>
+    void add_choice(const std::string& name, Value& variable, const records::Choices<Value>& values,
+                    const std::string& help) const {
+        std::vector<std::string> names;
+        for (const auto& entry : values) names.push_back(entry.first);
+        add(
             name, [&variable, &values](const std::string& text) { variable = values.at(text); },
             help)
-        .one_of(names);
-}
+            .one_of(names);
+    }
+    Option add_text(const std::string& name, std::string& variable, const std::string& help) const {
+        return add(
+            name, [&variable](const std::string& text) { variable = text; }, help);
+    }
+    // `value`: what the variable becomes.
+    void add_flag(const std::string& name, bool& variable, bool value,
+                  const std::string& help) const {
+        command_.add_flag(
+            name,
+            [&options = options_, name, &variable, value] {
+                variable = value;
+                options.copybook.for_sources.push_back(name);
+            },
+            help);
+    }
+
+  private:
+    Option add(const std::string& name, const std::function<void(const std::string&)>& take,
+               const std::string& help) const {
+        return command_.add_option(
+            name,
+            [&options = options_, name, take](const std::string& text) {
+                take(text);
+                options.copybook.for_sources.push_back(name);
+            },
+            help);
+    }
+
+    Command command_;
+    LayoutOptions& options_;
+};
 
 void add_source_options(Command command, LayoutOptions& options) {
-    command
-        .add_option("--fd", options.copybook.fd, "the FD, file or 01 record to take from a program")
+    const SourceOptions of_sources(command, options);
+    of_sources
+        .add_text("--fd", options.copybook.fd, "the FD, file or 01 record to take from a program")
         .value("NAME");
     command
         .add_option("-I,--copy-path", options.copybook.copy_path,
                     "a folder to search for COPY texts (may be repeated)")
         .repeated()
         .value("FOLDER");
-    add_choice(command, "--format", options.copybook.format, records::SOURCE_FORMATS,
-               "source format of the layout (default: detected from its text)");
-    command.add_flag("--debugging-lines", options.copybook.debugging_lines,
-                     "treat D lines as source, not as comments");
+    of_sources.add_choice("--format", options.copybook.format, records::SOURCE_FORMATS,
+                          "source format of the layout (default: detected from its text)");
+    of_sources.add_flag("--debugging-lines", options.copybook.debugging_lines, true,
+                        "treat D lines as source, not as comments");
 }
 
 // Each names an item's element, or the document element.
@@ -85,26 +122,29 @@ void add_item_options(Command command, LayoutOptions& options) {
 
 void add_description_options(Command command, LayoutOptions& options) {
     records::LayoutOptions& layout = options.layout;
-    add_choice(command, "--machine", layout.machine, records::MACHINES,
-               "where the records come from: sizes, byte order and floating point of binary items "
-               "(default: native; mainframe for records in EBCDIC)");
-    add_choice(command, "--binary-size", layout.binary_size, records::BINARY_SIZES,
-               "bytes that binary items may take (default: 1-2-4-8; 2-4-8 for a mainframe)");
-    add_choice(command, "--byte-order", layout.byte_order, records::BYTE_ORDERS,
-               "of COMP, COMP-4 and BINARY items; native: as COMP-5 (default: big-endian)");
-    add_choice(command, "--national-size", layout.national_size, records::NATIONAL_SIZES,
-               "bytes of a NATIONAL character, or the rule of a cobc (default: 2)");
-    command.add_flag(
-        "--no-truncate", [&layout] { layout.binary_truncate = false; },
-        "binary items hold all that fits their bytes, whatever their picture says");
-    add_choice(
-        command, "--odo", layout.moving_data, records::MOVING_DATA,
+    const SourceOptions of_sources(command, options);
+    of_sources.add_choice(
+        "--machine", layout.machine, records::MACHINES,
+        "where the records come from: sizes, byte order and floating point of binary items "
+        "(default: native; mainframe for records in EBCDIC)");
+    of_sources.add_choice(
+        "--binary-size", layout.binary_size, records::BINARY_SIZES,
+        "bytes that binary items may take (default: 1-2-4-8; 2-4-8 for a mainframe)");
+    of_sources.add_choice(
+        "--byte-order", layout.byte_order, records::BYTE_ORDERS,
+        "of COMP, COMP-4 and BINARY items; native: as COMP-5 (default: big-endian)");
+    of_sources.add_choice("--national-size", layout.national_size, records::NATIONAL_SIZES,
+                          "bytes of a NATIONAL character, or the rule of a cobc (default: 2)");
+    of_sources.add_flag("--no-truncate", layout.binary_truncate, false,
+                        "binary items hold all that fits their bytes, whatever their picture says");
+    of_sources.add_choice(
+        "--odo", layout.moving_data, records::MOVING_DATA,
         "tables with DEPENDING ON that do not end the record: refuse them (default), take their "
         "full size in every record (fixed), or let the items after them slide (sliding; default "
         "for a mainframe)");
     command.add_flag("--ebcdic-sign", layout.ebcdic_sign,
                      "signs overpunched in DISPLAY numbers follow EBCDIC");
-    command.add_flag("--filler", layout.filler, "give FILLER items elements, too");
+    of_sources.add_flag("--filler", layout.filler, true, "give FILLER items elements, too");
     command
         .add_list(
             "--name", [&options](const std::vector<std::string>& all) { take_names(all, options); },
