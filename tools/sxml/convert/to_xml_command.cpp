@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "host/config.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 #include "tools/sxml/commands.h"
 #include "tools/sxml/document.h"
@@ -68,6 +69,13 @@ struct SchemaChoice {
 // --schema comes before what the settings say. Throws Failure for a schema without a name.
 SchemaChoice choose_schema(const ToXmlOptions& options) {
     if (!options.schema.empty()) {
+        const auto state = platform::state_of(options.schema);
+        const bool is_stream = state && state->kind == platform::FileKind::other;
+        if (is_stream || options.schema == "-") {
+            fail_usage("--schema " + options.schema +
+                       ": the document names the file of its schema, and a stream has no name; "
+                       "`sxml schema` prints one");
+        }
         return {options.schema, schema_reference(options.schema, options.xml)};
     }
     if (create_style() != CreateStyle::schema) return {};
