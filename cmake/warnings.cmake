@@ -23,10 +23,11 @@ set(across_files $<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>,$<NOT:$<BOOL:$
 target_compile_options(sxml_across_files INTERFACE ${across_files})
 target_link_options(sxml_across_files INTERFACE ${across_files})
 
-# Of the sources of `target`, those that match `pattern` run once a run or once a layout: optimizing them fully takes
-# longer than all of their runs, and makes them larger. To be called where the target is added.
-function(sxml_optimize_little target pattern)
+# Of the sources of `target`, those that match `pattern`, and not `except`, run once a run or once a layout: they are
+# compiled to small code, which also takes less time. To be called where the target is added.
+function(sxml_make_small target pattern except)
     get_target_property(sources ${target} SOURCES)
     list(FILTER sources INCLUDE REGEX ${pattern})
-    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS $<$<CONFIG:Release>:-O1>)
+    list(FILTER sources EXCLUDE REGEX ${except})
+    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS $<$<CONFIG:Release>:-Os>)
 endfunction()
