@@ -60,6 +60,7 @@ class CheckTest : public CommandTest, public testing::WithParamInterface<CheckCa
                    "       01  TRL.\n"
                    "           05  KIND2 PIC X.\n"
                    "           05  SUM-OF PIC 9(2).\n");
+        write_file("b.cpy", "       01  R.\n           05  B PIC 9(4) COMP.\n");
         write_file("ebcdic.cpy", in_ebcdic(COPYBOOK));
     }
 };
@@ -101,6 +102,11 @@ const CheckCase CASES[] = {
       "    bytes 20 20 20, text ''\n",
       "1 record rejected:\n  f: record 2, field code_id, byte offset 15",
       "    bytes 01 02 20 20, text '..'\n", "A conversion would not take over everything.\n"}},
+    {"binary_numbers_of_the_bytes_of_blanks",
+     std::string("  \0\0", 4),
+     {"-l", "b.cpy"},
+     0,
+     {"b           2            1                         0         8224\n"}},
     {"records_by_layout",
      "Hab" + std::string("T12") + "x  T7xH  ",
      BOTH,

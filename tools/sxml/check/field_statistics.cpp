@@ -164,10 +164,12 @@ void FieldStatistics::add_number(Row& row, const Field& field, const std::uint8_
     data.address = const_cast<std::uint8_t*>(bytes);
     records::Decimal number;
     const bool is_valid = records::decode_field(data, number);
-    // A binary zero is a number.
-    const bool has_data = std::any_of(bytes, bytes + field.length, [&](std::uint8_t byte) {
-        return is_valid ? byte != characters_.space() : !is_blank(byte);
-    });
+    // A binary zero is a number, and so are other values that look like blanks.
+    const bool has_value = is_valid && !is_zero(number);
+    const bool has_data =
+        has_value || std::any_of(bytes, bytes + field.length, [&](std::uint8_t byte) {
+            return is_valid ? byte != characters_.space() : !is_blank(byte);
+        });
     if (!has_data) ++row.counts.blank;
     if (!is_valid) {
         ++row.counts.invalid;
