@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "conversion/documents/unread_entities.h"
+#include "conversion/documents/document_losses.h"
 #include "conversion/formats/format_detection.h"
 #include "conversion/session/module.h"
 #include "host/config.h"
@@ -178,9 +178,11 @@ Done RecordFile::open_file() {
 Done RecordFile::open_input_document() {
     Result<conversion::DocumentSource> source = conversion::DocumentSource::open(target_.name);
     if (!source) return source.problem();
-    auto unread = conversion::find_unread_entities(source->file(), source->name());
-    if (!unread) return unread.problem();
-    for (const Problem& problem : unread->first) warnings_.push_back(message_of(problem));
+    auto losses = conversion::find_document_losses(source->file(), source->name());
+    if (!losses) return losses.problem();
+    for (const conversion::DocumentLoss* loss : losses->all()) {
+        for (const Problem& problem : loss->first) warnings_.push_back(message_of(problem));
+    }
     if (options_.record_path.empty()) {
         document_source_.emplace(*std::move(source));
     } else {

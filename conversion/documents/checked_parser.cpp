@@ -1,5 +1,7 @@
 #include "conversion/documents/checked_parser.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdint>
 #include <new>
 #include <string_view>
@@ -28,6 +30,13 @@ Result<XML_Status> feed(XML_Parser parser, ByteSource& source) {
 }
 
 }  // namespace
+
+bool names_latin_1(std::string_view encoding) {
+    constexpr std::string_view NAME = "iso-8859-1";
+    return std::equal(
+        encoding.begin(), encoding.end(), NAME.begin(), NAME.end(),
+        [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
+}
 
 CheckedParser::CheckedParser(void* owner)
     : parser_(XML_ParserCreate(nullptr), &XML_ParserFree), owner_(owner) {
@@ -67,6 +76,9 @@ void XMLCALL CheckedParser::count_entity(void* parser, const XML_Char* name, int
     if (value == nullptr && is_parameter == 0) of(parser).has_external_entities_ = true;
     if (value == nullptr || is_parameter != 0) return;
     const std::string_view text(value, static_cast<std::size_t>(length));
+    if (of(parser).keeps_entity_texts_) {
+        guarded(parser, [=] { of(parser).entity_texts_.emplace(name, text); });
+    }
     of(parser).judge(note_entity(of(parser).entities_, name, text));
 }
 

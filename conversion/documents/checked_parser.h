@@ -3,15 +3,21 @@
 
 #include <expat.h>
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "conversion/documents/expat_position.h"
 #include "conversion/problem.h"
 #include "host/entities/entity_depth.h"
 
 namespace conversion {
+
+// Whether an encoding that a document declares is ISO-8859-1; letter case does not count.
+bool names_latin_1(std::string_view encoding);
 
 // A parser for one document. Handlers of Expat's elements, declarations and so on may be set before
 // parse(), but not its user data, nor its handlers of entity declarations and of the end of the
@@ -50,6 +56,14 @@ class CheckedParser {
     }
     // Whether general entities have been declared whose text is outside of the document.
     bool has_external_entities() const { return has_external_entities_; }
+    // To be called before parse(), for entity_text().
+    void keep_entity_texts() { keeps_entity_texts_ = true; }
+    // The text of a general entity that the document itself declares; null: there is none of this
+    // name, or its text is outside of the document.
+    const std::string* entity_text(std::string_view name) const {
+        const auto found = entity_texts_.find(name);
+        return found == entity_texts_.end() ? nullptr : &found->second;
+    }
     // Where the present event stands: the document's name as shown, line and column.
     Place place() const;
 
@@ -73,6 +87,8 @@ class CheckedParser {
     bool is_stopped_ = false;  // by a handler, its own or the caller's
     bool has_no_memory_ = false;
     bool has_external_entities_ = false;
+    bool keeps_entity_texts_ = false;
+    std::map<std::string, std::string, std::less<>> entity_texts_{};
     Done problem_;  // of the handler that stopped
 };
 

@@ -1,7 +1,6 @@
 // A document whose attributes are elements: a private copy, rewritten from what Expat reads.
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 #include <vector>
 
@@ -14,13 +13,6 @@
 namespace conversion {
 
 namespace {
-
-bool is_latin_1(std::string_view encoding) {
-    constexpr std::string_view NAME = "iso-8859-1";
-    return std::equal(
-        encoding.begin(), encoding.end(), NAME.begin(), NAME.end(),
-        [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
-}
 
 // One run over a document.
 class AttributesCopy {
@@ -58,7 +50,7 @@ class AttributesCopy {
 
     static void XMLCALL declare(void* parser, const XML_Char*, const XML_Char* encoding, int) {
         guarded(parser, [encoding](AttributesCopy& self) {
-            if (encoding == nullptr || !is_latin_1(encoding)) return;
+            if (encoding == nullptr || !names_latin_1(encoding)) return;
             self.is_latin_1_ = true;
             self.pending_ += "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>";
         });

@@ -209,6 +209,17 @@ TEST_F(DocumentsTest, LossesAreTold) {
               unread +
                   "sxml: warning: in.xml: 1 element has text beside elements, such as p; the text "
                   "is written first, and its order among the elements is lost\n");
+    write_file("latin.xml", "<?xml version='1.0' encoding='ISO-8859-1'?>\n<a>\xE4&#x20AC;</a>");
+    const std::string lost =
+        "sxml: warning: latin.xml:2:5: the character U+20AC is lost, because the document declares "
+        "ISO-8859-1 and its texts are kept in it; convert the document to UTF-8 first, as `xmllint "
+        "--encode UTF-8` does\n";
+    EXPECT_EQ(sxml({"tree", "latin.xml"}).err, lost);
+    EXPECT_EQ(sxml({"rewrite", "latin.xml", "out.xml"}).err, lost);
+    const std::string remedied = run({"xmllint", "--encode", "UTF-8", "latin.xml"}).out;
+    const Outcome tree = sxml({"tree", "-"}, remedied);
+    EXPECT_EQ(tree.err, "");
+    EXPECT_NE(tree.out.find("\xC3\xA4\xE2\x82\xAC"), std::string::npos) << tree.out;
 }
 
 TEST_F(DocumentsTest, AreRefusedWithThePlace) {

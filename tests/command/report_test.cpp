@@ -48,6 +48,13 @@ TEST_P(LossTest, IsTold) {
     EXPECT_NE(quiet.err, "");
 }
 
+// In UTF-16, least significant byte first.
+std::string wide(const std::string& ascii) {
+    std::string text = "\xFF\xFE";
+    for (const char c : ascii) text += {c, '\0'};
+    return text;
+}
+
 const LossCase LOSSES[] = {
     {"another kind of document",
      "<html><head><title>T</title></head><body><p>text</p></body></html>",
@@ -101,20 +108,27 @@ const LossCase LOSSES[] = {
      "<!DOCTYPE d SYSTEM 'd.dtd'>\n<d><item><code_id>&code;</code_id><amount>1</amount></item></d>",
      0,
      {"d.xml:2:19: the entity code is outside"}},
+    {"entities in attributes",
+     "<!DOCTYPE d SYSTEM 'd.dtd' [<!ENTITY here 'at &there;'>]>\n"
+     "<d><item a='&lt;&#65;&code;'><code_id b='&here;'>A</code_id></item></d>",
+     0,
+     {"d.xml:2:4: the entity code is outside", "d.xml:2:30: the entity there is outside"}},
+    {"entities in attributes of wide characters",
+     wide("<!DOCTYPE d SYSTEM 'd.dtd'>\n<d><item><code_id a='&code;'>A</code_id></item></d>"),
+     0,
+     {"the entity code is outside"}},
+    {"characters that the encoding lacks",
+     "<?xml version='1.0' encoding='iso-8859-1'?><!DOCTYPE d [<!ENTITY e '&#x141;'>]>\n"
+     "<d><item a='&#300;&#255;'><code_id>\xE4&#x1F600;&e;&#xFF;</code_id></item></d>",
+     0,
+     {"d.xml:2:4: the character U+012C is lost, because the document declares ISO-8859-1",
+      "d.xml:2:37: the character U+1F600 is lost", "d.xml:2:46: the character U+0141 is lost"}},
     {"text in a group",
      "<d><item><code_id>A</code_id><where>Bonn</where></item></d>",
      0,
      {"record 1: where: the text went into no field"}},
     {"wide characters",
-     "\xFF\xFE" +
-         [] {
-             std::string wide;
-             for (const char c :
-                  std::string("<d>\n<item><code_id>A</code_id><x>1</x></item></d>")) {
-                 wide += {c, '\0'};
-             }
-             return wide;
-         }(),
+     wide("<d>\n<item><code_id>A</code_id><x>1</x></item></d>"),
      0,
      {"d.xml:2:", "record 1: x: the text went into no field"}},
 };

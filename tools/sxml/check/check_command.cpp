@@ -206,7 +206,7 @@ void check_file(const CheckOptions& options) {
                    "--min-record-length and --buffer are for documents");
     }
     Check check(options, file, files);
-    if (is_document) check.report.warn_of_unread_entities(file);
+    if (is_document) check.report.warn_of_losses(file);
     if (is_document ? check_document(check) : check_records(check)) {
         throw Failure("", EXIT_FAILED);
     }

@@ -63,7 +63,7 @@ void convert_from_xml(const FromXmlOptions& options) {
         const auto document = value_of(conversion::DocumentSource::open(options.xml));
         files.reads_document(options.xml, document);
         RecordDocument source(document, options.document);
-        report.warn_of_unread_entities(document);
+        report.warn_of_losses(document);
         return convert(options, source, files, report);
     });
 }

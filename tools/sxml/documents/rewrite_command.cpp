@@ -87,7 +87,7 @@ void write_document(const ParsedDocument& document, const std::string& name,
 // Warns of what the document written will lack.
 void warn_of_losses(const ParsedDocument& document, const conversion::DocumentSource& input) {
     ReportOptions all;
-    RunReport(all, input.name()).warn_of_unread_entities(input);
+    RunReport(all, input.name()).warn_of_losses(input);
     const XmlApi& api = document.api();
     std::uint64_t mixed = 0;
     std::string first;

@@ -31,7 +31,7 @@ void print_tree(const TreeOptions& options) {
     const ParsedDocument document(api, input,
                                   XMLOPT_ELEMENTS | XMLOPT_CHARACTER_DATA | XMLOPT_XML_DECL);
     ReportOptions all;
-    RunReport(all, input.name()).warn_of_unread_entities(input);
+    RunReport(all, input.name()).warn_of_losses(input);
     using Texts = TreePrinter::Texts;
     TreePrinter(document, options.full ? Texts::full : Texts::shortened).print();
 }

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "conversion/documents/unread_entities.h"
+#include "conversion/documents/document_losses.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "records/hexadecimal.h"
@@ -123,13 +123,14 @@ void RunReport::warn_of(const std::string& message) {
     warnings_.push_back(message);
 }
 
-void RunReport::warn_of_unread_entities(const conversion::DocumentSource& document) {
-    const auto found = value_of(conversion::find_unread_entities(document.file(), document.name()));
-    for (const conversion::Problem& problem : found.first) warn_of(message_of(problem));
-    if (found.count > found.first.size()) {
-        warn_of(document.name() + ": " + std::to_string(found.count) +
-                " references to entities that are not read; the first " +
-                std::to_string(found.first.size()) + " are named above");
+void RunReport::warn_of_losses(const conversion::DocumentSource& document) {
+    const auto losses =
+        value_of(conversion::find_document_losses(document.file(), document.name()));
+    for (const conversion::DocumentLoss* loss : losses.all()) {
+        for (const conversion::Problem& problem : loss->first) warn_of(message_of(problem));
+        if (loss->count == loss->first.size()) continue;
+        warn_of(document.name() + ": " + std::to_string(loss->count) + " " + loss->things +
+                "; the first " + std::to_string(loss->first.size()) + " are named above");
     }
 }
 

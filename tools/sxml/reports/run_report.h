@@ -68,8 +68,9 @@ class RunReport {
     const std::string& input_name() const { return name_; }
     // Warns of something that concerns the run as a whole; fails when the options say so.
     void warn_of(const std::string& message);
-    // Warns of external entities of a document, which are never read. Throws Failure.
-    void warn_of_unread_entities(const conversion::DocumentSource& document);
+    // Warns of what reading a document does not give: external entities, characters that
+    // ISO-8859-1 lacks. Throws Failure.
+    void warn_of_losses(const conversion::DocumentSource& document);
     void count_record() { ++records_; }
     // Takes over what another report has counted and not named.
     void add_records(std::uint64_t count) { records_ += count; }
