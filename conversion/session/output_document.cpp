@@ -188,7 +188,9 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     if (sliding_) {
         if (Done problem = hide_unused_entries()) return problem;
     } else {
-        if (Done problem = check_length(length)) return problem;
+        if (has_lengths_) {
+            if (Done problem = check_length(length)) return problem;
+        }
         if (outcome_.length < description_.record_length()) {
             if (Done problem = complete_cut_field()) return problem;
         }
@@ -264,9 +266,10 @@ Done OutputDocument::complete_cut_field() {
     return std::nullopt;
 }
 
+// Of a record with a length of its own.
 Done OutputDocument::check_length(std::int32_t length) const {
     const std::int32_t most = chosen().length;
-    if (!has_lengths_ || length <= most || fields_.layouts().size() < 2) return std::nullopt;
+    if (length <= most || fields_.layouts().size() < 2) return std::nullopt;
     const auto* const surplus = std::find_if(
         record_ + most, record_ + length,
         [this](std::uint8_t byte) { return byte != 0 && byte != characters_.space(); });
