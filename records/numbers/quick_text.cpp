@@ -183,7 +183,8 @@ class Digits {
 };
 
 // Writes a number with its decimals. False when it does not fit.
-bool put(const DigitText& number, std::size_t decimals, char point, const XfdDataDesc& text) {
+[[gnu::always_inline]] inline bool put(const DigitText& number, std::size_t decimals, char point,
+                                       const XfdDataDesc& text) {
     const std::string_view digits = number.digits;
     const std::size_t integers = digits.size() - decimals;
     const std::size_t used =

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #include "fsi/xml/elements/text_output.h"
 #include "fsi/xml/sxml/items.h"
@@ -39,7 +40,8 @@ struct Room {
 // Puts markup of a plan, in steps: there must be room for one more than it needs.
 [[gnu::always_inline]] inline void put_markup(Room& room, const char* markup, std::size_t length) {
     char* const at = room.at;
-    for (std::size_t i = 0; i < length; i += MARKUP_READ_SIZE) {
+    std::memcpy(at, markup, MARKUP_READ_SIZE);
+    for (std::size_t i = MARKUP_READ_SIZE; i < length; i += MARKUP_READ_SIZE) {
         std::memcpy(at + i, markup + i, MARKUP_READ_SIZE);
     }
     room.at = at + length;
@@ -169,25 +171,12 @@ Word load_field(const char* field, std::size_t length) {
     return word ^ ((word ^ ascii::BLANKS) & beyond);
 }
 
-// Texts with other than printable ASCII characters take the slow path.
-void write_text(RecordWriter& writer, const PlanStep& step, Room& room) {
+// Any text. Those with other than printable ASCII characters take the slow path.
+[[gnu::noinline]] void write_any_text(RecordWriter& writer, const PlanStep& step, Room& room) {
     const XfdItem& field = writer.xfd.items[step.item];
-    std::string_view text;
-    if (writer.text_giver == nullptr) {
-        text = {writer.record + step.offset, step.length};
-        if (text.size() <= WORD_SIZE) {
-            const std::size_t left = writer.record_length - static_cast<std::size_t>(step.offset);
-            const Word word = left >= WORD_SIZE ? load_field(text.data(), text.size())
-                                                : ascii::load_short(text.data(), text.size());
-            if (put_word(room, word)) return;
-        } else if (text.size() <= 2 * WORD_SIZE) {
-            const std::size_t distance = text.size() - WORD_SIZE;
-            const Word last = ascii::load(text.data() + distance);
-            if (put_words(room, ascii::load(text.data()), last, distance)) return;
-        }
-    } else {
-        text = characters_of(writer, field);
-    }
+    const std::string_view text = writer.text_giver == nullptr
+                                      ? std::string_view(writer.record + step.offset, step.length)
+                                      : characters_of(writer, field);
     if (text.size() <= MOST_PLANNED_TEXT) {
         room.have(room_for_text(text.size()));
         if (put_text(room, text)) return;
@@ -197,11 +186,28 @@ void write_text(RecordWriter& writer, const PlanStep& step, Room& room) {
     room.take_over();
 }
 
+void write_text(RecordWriter& writer, const PlanStep& step, Room& room) {
+    if (writer.text_giver == nullptr && step.length <= 2 * WORD_SIZE) {
+        const char* const text = writer.record + step.offset;
+        if (step.length > WORD_SIZE) {
+            const std::size_t distance = step.length - WORD_SIZE;
+            const Word last = ascii::load(text + distance);
+            if (put_words(room, ascii::load(text), last, distance)) return;
+        } else {
+            const std::size_t left = writer.record_length - static_cast<std::size_t>(step.offset);
+            const Word word = left >= WORD_SIZE ? load_field(text, step.length)
+                                                : ascii::load_short(text, step.length);
+            if (put_word(room, word)) return;
+        }
+    }
+    write_any_text(writer, step, room);
+}
+
 // The host makes the text where it is to be.
 void write_number(RecordWriter& writer, const PlanStep& step, Room& room) {
     constexpr std::size_t RUN = 16;
     XfdItem& field = writer.xfd.items[step.item];
-    const std::size_t length = number_text_length(field.data);
+    const std::size_t length = step.length;
     char* const text = room.at;
     std::memset(text, ' ', RUN);
     for (std::size_t i = RUN; i < length; i += RUN) std::memset(text + i, ' ', RUN);
@@ -254,23 +260,26 @@ const PlanChild* missing_child(const LayoutPlan& plan, std::uint32_t number, std
 void write_planned(RecordWriter& writer, const LayoutPlan& plan) {
     const bool is_short = writer.record_length < plan.full_length;
     const PlanStep* step = plan.steps;
-    std::uint32_t written = 0;  // of the markup, or passed over
-    std::uint32_t step_end = step->markup_length;
+    const char* markup = plan.markup;        // to be put next
+    std::size_t left = step->markup_length;  // before the step's field
     std::uint32_t number = is_short ? 0 : plan.child_count;
     Room room(writer.output);
     for (;;) {
         const PlanChild* const missing = missing_child(plan, number, writer.record_length);
-        const std::uint32_t place = missing != nullptr ? missing->markup : UINT32_MAX;
-        while (step_end <= place) {
-            write_markup(room, *step, plan.markup + written, step_end - written);
-            written = step_end;
+        const char* const place = missing != nullptr ? plan.markup + missing->markup : nullptr;
+        std::size_t distance =
+            missing != nullptr ? static_cast<std::size_t>(place - markup) : SIZE_MAX;
+        for (; left <= distance; distance -= std::exchange(left, (++step)->markup_length)) {
+            write_markup(room, *step, markup, left);
+            markup += left;
             if (step->kind == PlanStep::END) return room.hand_over();
             write_value(writer, *step, room);
-            step_end += (++step)->markup_length;
         }
-        write_markup(room, *step, plan.markup + written, place - written);
-        written = missing->markup_end;
-        while (step < plan.steps + missing->next_step) step_end += (++step)->markup_length;
+        write_markup(room, *step, markup, distance);
+        const char* end = markup + left;
+        markup = plan.markup + missing->markup_end;
+        while (step < plan.steps + missing->next_step) end += (++step)->markup_length;
+        left = static_cast<std::size_t>(end - markup);
         number = missing->next_child;
     }
 }

@@ -28,6 +28,11 @@ PlanStep::Kind kind_of(const Xfd& xfd, const XfdItem& field) {
     return is_of_bytes && field.data.length <= MOST_PLANNED_TEXT ? PlanStep::TEXT : PlanStep::OTHER;
 }
 
+std::uint32_t length_of(const XfdItem& field, PlanStep::Kind kind) {
+    return kind == PlanStep::NUMBER ? static_cast<std::uint32_t>(number_text_length(field.data))
+                                    : static_cast<std::uint32_t>(field.data.length);
+}
+
 // Room for a field and the markup before it, unless that is put in pieces.
 std::uint32_t room_of(const PlanStep& step) {
     constexpr std::size_t RUN = 16;  // in which blanks for a number are put
@@ -134,8 +139,8 @@ class PlanMaker {
             add_markup("\r\n");
             path.open({written, first_child_item(xfd_, written), child, false});
         } else {
-            add_step({0, written, item.offset, static_cast<std::uint32_t>(item.data.length),
-                      item.condition, kind_of(xfd_, item), 0});
+            const PlanStep::Kind kind = kind_of(xfd_, item);
+            add_step({0, written, item.offset, length_of(item, kind), item.condition, kind, 0});
             add_markup(tags_.end_tag(written));
             end_child(child);
         }

@@ -21,7 +21,7 @@ struct PlanStep {
     std::uint32_t markup_length;  // bytes of markup before the field
     std::int32_t item;            // index of the field
     std::int32_t offset;          // of its bytes; they lie in a record of full length
-    std::uint32_t length;         // in bytes
+    std::uint32_t length;         // in bytes; of a number, those of its text
     std::int16_t condition;
     Kind kind;
     std::uint32_t room;  // bytes that the field, and markup that is put at once, may take
