@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "conversion/texts/utf8.h"
 #include "platform/files.h"
 
 namespace conversion {
@@ -27,13 +28,27 @@ std::string in_records(const Place& place) {
 
 }  // namespace
 
+std::string shown_in_line(std::string_view text) {
+    std::string shown;
+    while (!text.empty()) {
+        const utf8::Character character = utf8::first_character(text);
+        const char32_t code = character.code;
+        const bool is_control = code < 0x20 || (code >= 0x7F && code < 0xA0);
+        append_utf8(is_control ? U'.' : code, shown);
+        text.remove_prefix(character.length);
+    }
+    return shown;
+}
+
 std::string message_of(const Problem& problem) {
     std::string text = problem.place.file;
     if (problem.place.line != 0) text += in_document(problem.place);
     const std::string record = in_records(problem.place);
     if (!record.empty()) text += (text.empty() ? "" : ": ") + record;
     text += (text.empty() ? "" : ": ") + problem.what;
-    return problem.remedy.empty() ? text : text + "; " + problem.remedy;
+    if (!problem.remedy.empty()) text += "; " + problem.remedy;
+    // Those of a layout may have several lines, with the source.
+    return problem.cause == Cause::layout ? text : shown_in_line(text);
 }
 
 Cause cause_of(int system_error) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -49,8 +50,13 @@ struct Problem {
     std::string evidence = {};
 };
 
+// A text for a message: a dot stands for each control character, line ends included, and bytes that
+// are not UTF-8 are taken as ISO-8859-1.
+std::string shown_in_line(std::string_view text);
+
 // "FILE:LINE:COLUMN: what; remedy" or "FILE: record N, field F, byte offset B (b in the record):
-// what; remedy", less what is not known. One line without its end.
+// what; remedy", less what is not known. One line without its end, as shown_in_line() has it, but
+// for what the compiler of copybooks says of a layout.
 std::string message_of(const Problem& problem);
 
 // The cause of a failed call of the system, by errno.

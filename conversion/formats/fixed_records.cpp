@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "conversion/formats/format_detection.h"
+#include "conversion/texts/counted.h"
 
 namespace conversion {
 
@@ -87,8 +88,8 @@ class FixedRecordReader : public RecordReader {
     }
 
     Problem cut_short() const {
-        return problem("the record is cut short: " + std::to_string(filled_ - position_) +
-                           " bytes of " + std::to_string(record_length_) +
+        return problem("the record is cut short: " + counted(filled_ - position_, "byte") + " of " +
+                           std::to_string(record_length_) +
                            (looks_like_lines_ ? "; the first record ends with a line end" : ""),
                        looks_like_lines_
                            ? std::string(ANOTHER_FORMAT) + "line"

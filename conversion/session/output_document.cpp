@@ -55,7 +55,8 @@ OutputDocument::OutputDocument(const host::Module& module, const records::Descri
       has_lengths_(options.has_lengths),
       fields_(std::move(fields)),
       controls_(options.controls),
-      text_check_(characters, controls_ != Controls::refuse),
+      text_check_(characters, controls_ == Controls::hex ||
+                                  (controls_ != Controls::refuse && !options.is_strict)),
       control_check_(characters),
       completed_(characters) {
     handler_.context = this;
@@ -110,9 +111,14 @@ const char* OutputDocument::translate_text(void* document, std::int32_t index,
     auto& self = *static_cast<OutputDocument*>(document);
     const XfdItem& item = self.module_file_.xfd->items[index];
     self.translated_.clear();
+    self.lost_ = {index, 0, 0};
     try {
         self.translate({self.record_ + item.offset, static_cast<std::size_t>(item.data.length)},
                        text_form(item, self.characters_));
+        if (self.lost_.count > 0) {
+            self.lost_.offset += item.offset;
+            self.outcome_.lost_controls.push_back(self.lost_);
+        }
     } catch (const std::bad_alloc&) {
         self.is_out_of_memory_ = true;
     }
@@ -146,10 +152,12 @@ void OutputDocument::translate(std::span<const std::uint8_t> bytes, TextForm for
 void OutputDocument::translate_characters(std::span<const std::uint8_t> bytes, TextForm form) {
     TextDecoder decoder(bytes, characters_, form);
     const bool is_utf8 = characters_.declared_name() == "UTF-8";
-    std::size_t end = 0;  // of what is not blank
+    std::size_t end = 0;         // of what is not blank
+    std::uint32_t controls = 0;  // up to this character; NUL bytes at the end are no loss
     while (const auto character = decoder.next()) {
         const std::int32_t code = character->code;
         if (is_control(code)) {
+            if (controls++ == 0) lost_.offset = static_cast<std::int32_t>(character->start);
             append_control();
         } else if (is_utf8 || (characters_.converts() && code < 0x80)) {
             append_utf8(static_cast<char32_t>(code), translated_);
@@ -159,7 +167,9 @@ void OutputDocument::translate_characters(std::span<const std::uint8_t> bytes, T
             const auto part = bytes.subspan(character->start, character->length);
             translated_.append(part.begin(), part.end());
         }
-        if (!decoder.is_blank(*character)) end = translated_.size();
+        if (decoder.is_blank(*character)) continue;
+        end = translated_.size();
+        lost_.count = controls;
     }
     translated_.resize(end);
 }
@@ -180,6 +190,7 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
     records::set_position(*module_file_.xfd, position);
     outcome_.length = description_.used_length(record, length, position);
     outcome_.bad_numbers.clear();
+    outcome_.lost_controls.clear();
     if (sliding_) {
         const auto size = static_cast<std::size_t>(length);
         if (Done problem = spread({record, size}, layout)) return problem;

@@ -36,7 +36,8 @@ class OutputDocument {
         std::string file;              // its name on the disk
         std::string shown_name;        // in messages; empty: as `file`
         std::string document_element;  // empty: the description's name
-        // A record of no layout, or with a number that is not valid, is a problem and not written.
+        // A record of no layout, with a number that is not valid, or with a control character that
+        // would be dropped or replaced, is a problem and not written.
         bool is_strict = false;
         // Records have lengths of their own: one that is longer than its layout, not counting
         // spaces and NUL bytes, is a problem and not written.
@@ -51,6 +52,13 @@ class OutputDocument {
         std::int32_t length = 0;             // bytes of it that were written
         // Numeric fields without a valid number, which came out repaired (docs/numbers.md).
         std::vector<const Field*> bad_numbers;
+        // Texts whose control characters were dropped or replaced.
+        struct LostControls {
+            std::int32_t item;
+            std::int32_t offset;  // of the first one, as the description has it
+            std::uint32_t count;
+        };
+        std::vector<LostControls> lost_controls;
     };
 
     // Opens a document and writes its beginning. `description` describes the records as they are,
@@ -142,6 +150,7 @@ class OutputDocument {
     ModuleFile module_file_;
     const std::uint8_t* record_ = nullptr;  // being written
     Outcome outcome_;
+    Outcome::LostControls lost_{};   // of the text being translated, from its start
     CompletedRecord completed_;      // the one being written
     std::string translated_;         // one text
     bool is_out_of_memory_ = false;  // in a function that the module called

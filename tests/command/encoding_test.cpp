@@ -271,6 +271,12 @@ TEST_F(CharactersTest, ControlCharactersAreTreatedAsAsked) {
         {"drop", "ab", "c d", ""},
         {"hex", "61016200", "00632064", "02202020"},
     };
+    const std::string place = "sxml: warning: c.dat: record ";
+    const std::string what = ": 1 control character was dropped or replaced, as --controls says\n";
+    const std::string lost =
+        place + "1, field x, byte offset 1" + what + place + "2, field x, byte offset 8" + what +
+        place + "2, field y, byte offset 12" + what +
+        "sxml: warning: c.dat: 3 texts with control characters that were dropped or replaced\n";
     write_file("c.dat", record);
     const std::vector<std::string> words = {"c.dat", "c.xml", "-l", "c.cpy"};
     EXPECT_EQ(run_on("to-xml", words).status, 1);
@@ -278,7 +284,15 @@ TEST_F(CharactersTest, ControlCharactersAreTreatedAsAsked) {
         SCOPED_TRACE(each.controls);
         std::vector<std::string> all = words;
         all.insert(all.end(), {"--controls", each.controls});
-        EXPECT_EQ(run_on("to-xml", all).err, "");
+        const bool is_lost = std::string(each.controls) != "hex";
+        EXPECT_EQ(run_on("to-xml", all).err, is_lost ? lost : "");
+        const std::vector<std::string> how = {"-l", "c.cpy", "--controls", each.controls};
+        EXPECT_EQ(run_on("check", {"c.dat", how[0], how[1], how[2], how[3]}).status,
+                  is_lost ? 1 : 0);
+        all.emplace_back("--strict");
+        EXPECT_EQ(run_on("to-xml", all).status, is_lost ? 1 : 0);
+        all.pop_back();
+        run_on("to-xml", all);
         const std::string document = read_file("c.xml");
         EXPECT_NE(document.find("<x>" + std::string(each.first) + "</x>\r\n  <y>text</y>"),
                   std::string::npos)

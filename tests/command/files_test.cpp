@@ -76,6 +76,8 @@ TEST_F(FilesOfRunsTest, NoOutputIsAnInput) {
         {"$sxml from-xml d.xml link.cpy -l c.cpy", {"link.cpy", "c.cpy"}},
         {"SXML_CONFIG=settings $sxml to-xml r.dat settings -l c.cpy", {"settings"}},
         {"$sxml to-xml - new.xml -l - <c.cpy", {"standard input would be read twice"}},
+        {"$sxml from-xml - new.dat -l - <c.cpy", {"standard input would be read twice"}},
+        {"$sxml check - -l - <c.cpy", {"standard input would be read twice"}},
         {"$sxml to-xml r.dat - -l c.cpy --report -", {"standard output would be written twice"}},
         {"$sxml from-xml d.xml - -l c.cpy --rejects -", {"standard output would be written"}},
         {"SXML_TRACE=11 SXML_TRACE_FILE=r.dat $sxml to-xml same.dat new.xml -l c.cpy",

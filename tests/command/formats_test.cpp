@@ -422,7 +422,7 @@ TEST_F(FormatsTest, PartsOfFilesAreTaken) {
     EXPECT_NE(to_xml("in", {"--skip", "70"}).err.find("there are only"), std::string::npos);
     EXPECT_NE(to_xml("in", {"--skip-end", "70"}).err.find("there are only"), std::string::npos);
     write_file("in", std::string(13, 'x'));
-    EXPECT_NE(to_xml("in", {"--from-record", "3"}).err.find("in: there are only 1 records"),
+    EXPECT_NE(to_xml("in", {"--from-record", "3"}).err.find("in: there is only 1 record\n"),
               std::string::npos);
 }
 

@@ -10,11 +10,11 @@
 namespace command {
 
 void fail(const std::string& message) {
-    throw Failure(message, EXIT_FAILED);
+    throw Failure(conversion::shown_in_line(message), EXIT_FAILED);
 }
 
 void fail_usage(const std::string& message) {
-    throw Failure(message, EXIT_USAGE);
+    throw Failure(conversion::shown_in_line(message), EXIT_USAGE);
 }
 
 void fail(const conversion::Problem& problem) {
@@ -56,7 +56,7 @@ void say_failure(const std::string& message) {
 }
 
 void warn(const std::string& message) {
-    say("sxml: warning: " + message + "\n");
+    say("sxml: warning: " + conversion::shown_in_line(message) + "\n");
 }
 
 }  // namespace command

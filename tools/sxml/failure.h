@@ -25,7 +25,7 @@ class Failure : public std::runtime_error {
     int status_;
 };
 
-// The data, a file or the machine is at fault.
+// The data, a file or the machine is at fault. Messages become one line.
 [[noreturn]] void fail(const std::string& message);
 // The command line is at fault.
 [[noreturn]] void fail_usage(const std::string& message);
@@ -50,7 +50,7 @@ std::string system_error_text(int error);
 void say(std::string_view text);
 // Prints "sxml: " and the message of what ends the run.
 void say_failure(const std::string& message);
-// Prints "sxml: warning: " and the message on standard error.
+// Prints "sxml: warning: " and the message, as one line, on standard error.
 void warn(const std::string& message);
 
 }  // namespace command

@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <utility>
 
+#include "conversion/texts/counted.h"
 #include "conversion/texts/utf8.h"
 #include "tools/sxml/failure.h"
+#include "tools/sxml/options/record_input.h"
 
 namespace command {
 
@@ -87,11 +89,12 @@ void DocumentConversion::convert_all() {
 
 void DocumentConversion::run() {
     read_with_progress();
-    finish_document(totals(), document_.fields(), document_.shown_name(), report_, rejects_);
     if (document_.count() < wanted_.first && wanted_.first > 1) {
-        fail(document_.shown_name() + ": there are only " + std::to_string(document_.count()) +
-             " records");
+        rejects_.finish_document();
+        report_.sum_up();
+        fail_for_too_few(document_.shown_name(), document_.count());
     }
+    finish_document(totals(), document_.fields(), document_.shown_name(), report_, rejects_);
     check(store_.close());
 }
 
@@ -183,10 +186,10 @@ std::optional<conversion::Problem> DocumentConversion::problem_of(
                 problem_at(trouble, "not a number that fits the field: " + quoted(trouble.text)));
         case FieldFate::no_digits:
             if (!report_.count(Finding::lost_number)) return std::nullopt;
-            return found(
-                Finding::lost_number,
-                problem_at(trouble, "not hexadecimal digits of " + std::to_string(trouble.size) +
-                                        " bytes: " + quoted(trouble.text)));
+            return found(Finding::lost_number,
+                         problem_at(trouble, "not hexadecimal digits of " +
+                                                 conversion::counted(trouble.size, "byte") + ": " +
+                                                 quoted(trouble.text)));
         case FieldFate::cut_number:
             if (!report_.count(Finding::lost_number)) return std::nullopt;
             return found(Finding::lost_number,

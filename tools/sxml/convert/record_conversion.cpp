@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "conversion/texts/counted.h"
 #include "records/hexadecimal.h"
 #include "tools/sxml/document.h"
 #include "tools/sxml/failure.h"
@@ -75,6 +76,7 @@ void RecordConversion::convert(const conversion::Record& record) {
     if (problem) return reject(record, *std::move(problem));
     const conversion::OutputDocument::Outcome& outcome = document_->outcome();
     for (const conversion::Field* field : outcome.bad_numbers) report_number(record, *field);
+    for (const LostControls& lost : outcome.lost_controls) report_controls(record, lost);
     if (!outcome.is_of_a_layout) report_layout(record);
 }
 
@@ -93,16 +95,31 @@ void RecordConversion::reject(const conversion::Record& record, conversion::Prob
     rejects_.add({record.data, record.length}, input_.format());
 }
 
-void RecordConversion::report_number(const conversion::Record& record,
-                                     const conversion::Field& field) {
-    if (!report_.count(Finding::bad_number)) return;
+conversion::Problem RecordConversion::problem_at(const conversion::Record& record,
+                                                 std::int32_t item, std::int32_t offset) const {
     conversion::Problem problem{conversion::Cause::record, {}, {}, {}};
     problem.place.file = input_.name();
     problem.place.record = record.number;
-    problem.place.field = fields().name(field.item);
-    problem.place.path = fields().path(field.item);
+    problem.place.field = fields().name(item);
+    problem.place.path = fields().path(item);
+    problem.place.byte_offset =
+        record.file_offset + static_cast<std::uint64_t>(document_->offset_in_record(offset));
+    return problem;
+}
+
+void RecordConversion::report_controls(const conversion::Record& record, const LostControls& lost) {
+    if (!report_.count(Finding::lost_control)) return;
+    conversion::Problem problem = problem_at(record, lost.item, lost.offset);
+    problem.what = conversion::counted(lost.count, "control character") + " " +
+                   (lost.count == 1 ? "was" : "were") + " dropped or replaced, as --controls says";
+    report_.name(Finding::lost_control, problem);
+}
+
+void RecordConversion::report_number(const conversion::Record& record,
+                                     const conversion::Field& field) {
+    if (!report_.count(Finding::bad_number)) return;
+    conversion::Problem problem = problem_at(record, field.item, field.offset);
     const std::int32_t offset = document_->offset_in_record(field.offset);
-    problem.place.byte_offset = record.file_offset + static_cast<std::uint64_t>(offset);
     problem.evidence.assign(reinterpret_cast<const char*>(record.data) + offset,
                             static_cast<std::size_t>(field.length));
     problem.what = "not a valid number: X'" + records::hexadecimal(problem.evidence) + "'";

@@ -45,6 +45,11 @@ class RecordConversion {
   private:
     void convert(const conversion::Record& record);
     void reject(const conversion::Record& record, conversion::Problem problem);
+    using LostControls = conversion::OutputDocument::Outcome::LostControls;
+    // `offset`: as the description has it.
+    conversion::Problem problem_at(const conversion::Record& record, std::int32_t item,
+                                   std::int32_t offset) const;
+    void report_controls(const conversion::Record& record, const LostControls& lost);
     void report_number(const conversion::Record& record, const conversion::Field& field);
     void report_layout(const conversion::Record& record);
 

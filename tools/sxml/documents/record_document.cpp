@@ -23,6 +23,7 @@ const DocumentSource& RecordDocument::source() const {
 }
 
 void RecordDocument::prepare(const records::Description& description, RunReport& report) {
+    report.note_fill(options_.fill);
     if (options_.takes_attributes) {
         conversion::ElementNames names = conversion::element_names(description.xfd());
         const conversion::AttributeRule rule{std::move(names.groups), std::move(names.fields)};

@@ -65,10 +65,13 @@ LayoutSource::LayoutSource(const LayoutOptions& options) : options_(options), na
 }
 
 records::Description LayoutSource::load(records::RecordEncoding encoding, RunFiles& files) const {
+    if (options_.file == "-") {
+        files.reads("-");
+        files.check();  // what has been read already would be missing in the layout
+    }
     records::Diagnostics diagnostics;
     records::Description description = load(encoding, diagnostics, true);
     for (const std::string& file : diagnostics.files()) files.reads(file);
-    if (options_.file == "-") files.reads("-");
     return description;
 }
 

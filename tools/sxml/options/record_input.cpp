@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "conversion/formats/format_detection.h"
+#include "conversion/texts/counted.h"
 #include "tools/sxml/command.h"
 #include "tools/sxml/failure.h"
 #include "tools/sxml/options/options.h"
@@ -92,6 +93,11 @@ RecordInput::RecordInput(const std::string& file, const RecordFileOptions& optio
       format_(settle_format(options, source_, area.length)),
       reader_(conversion::read_records(format_, source_, area)) {}
 
+void fail_for_too_few(const std::string& name, std::uint64_t records) {
+    fail(name + ": there " + (records == 1 ? "is" : "are") + " only " +
+         conversion::counted(records, "record"));
+}
+
 std::optional<conversion::Record> RecordInput::next() {
     while (given_ < options_.count) {
         const auto record = reader_->next();
@@ -103,7 +109,7 @@ std::optional<conversion::Record> RecordInput::next() {
         return *record;
     }
     if (given_ == 0 && options_.first > 1) {
-        fail(source_.name() + ": there are only " + std::to_string(read_) + " records");
+        fail_for_too_few(source_.name(), read_);
     }
     return std::nullopt;
 }

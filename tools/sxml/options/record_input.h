@@ -35,6 +35,9 @@ void add_range_options(Command command, RecordFileOptions& options);
 // The format that the options name; nothing for "auto". Throws Failure (wrong usage).
 std::optional<conversion::RecordFormat> format_of(const RecordFileOptions& options);
 
+// Fails, since a file or document of this name has no more than so many records.
+[[noreturn]] void fail_for_too_few(const std::string& name, std::uint64_t records);
+
 class RecordInput {
   public:
     // Opens the file ("-": standard input). Of "auto", what was taken is said on standard error.

@@ -31,6 +31,7 @@ struct Wording {
 
 constexpr std::array<Wording, FINDINGS> WORDINGS = {{
     {"bad_numbers", "numeric field", " held no valid number and came out repaired"},
+    {"lost_controls", "text", " with control characters that were dropped or replaced"},
     {"lost_numbers", "text", " of numeric fields that the fields cannot hold as they stand"},
     {"cut_texts", "text", " cut to the length of the field"},
     {"records_of_no_layout", "record",
@@ -64,6 +65,17 @@ bool may_replace(const std::string& file) {
     std::string beginning(REPORT_BEGINNING.size(), '\0');
     in.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
     return in.gcount() == 0 || beginning == REPORT_BEGINNING;
+}
+
+const char* absent_text(conversion::BlankFill fill) {
+    switch (fill) {
+        case conversion::BlankFill::zeros:
+            return "hold NUL bytes there";
+        case conversion::BlankFill::keep:
+            return "keep there what the record before has";
+        default:
+            return "are blank there";
+    }
 }
 
 // Why the run failed comes before why that could not be reported.
@@ -170,7 +182,8 @@ std::vector<std::string> RunReport::unused_sums() const {
 
 std::string RunReport::missing_note() const {
     if (missing_.empty()) return {};
-    return "fields without an element in some records, which are blank there: " + missing_text();
+    return std::string("fields without an element in some records, which ") + absent_text(fill_) +
+           ": " + missing_text();
 }
 
 void RunReport::sum_up() const {
@@ -190,7 +203,7 @@ void RunReport::sum_up() const {
     }
     for (const std::string& sum : unused_sums()) warn(name_ + ": " + sum);
     const std::string note = missing_note();
-    if (!note.empty()) say("sxml: note: " + name_ + ": " + note + "\n");
+    if (!note.empty()) say("sxml: note: " + conversion::shown_in_line(name_ + ": " + note) + "\n");
 }
 
 void RunReport::note_missing(const std::string& field, std::uint64_t records) {

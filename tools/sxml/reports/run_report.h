@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "conversion/documents/document_source.h"
+#include "conversion/fields/blank_record.h"
 #include "conversion/problem.h"
 #include "tools/sxml/options/run_files.h"
 
@@ -41,14 +42,15 @@ void add_report_options(Command command, ReportOptions& options);
 void note_outputs(const ReportOptions& options, RunFiles& files);
 
 enum class Finding : std::uint8_t {
-    bad_number,   // a field without a valid number
-    lost_number,  // a text that is not a number that fits the field
-    cut_text,     // a text longer than its field
-    no_layout,    // a record of none of the layouts
-    unused_data,  // of a document: went into no field
-    rejected      // a record that was not converted
+    bad_number,    // a field without a valid number
+    lost_control,  // control characters of a text were dropped or replaced, as was asked for
+    lost_number,   // a text that is not a number that fits the field
+    cut_text,      // a text longer than its field
+    no_layout,     // a record of none of the layouts
+    unused_data,   // of a document: went into no field
+    rejected       // a record that was not converted
 };
-constexpr std::size_t FINDINGS = 6;
+constexpr std::size_t FINDINGS = 7;
 
 class RunReport {
   public:
@@ -91,6 +93,9 @@ class RunReport {
     // A field had no element in so many records, and data in others. Not a warning: documents may
     // leave out what is empty.
     void note_missing(const std::string& field, std::uint64_t records);
+
+    // What such fields hold; without it, as by BlankFill::by_type.
+    void note_fill(conversion::BlankFill fill) { fill_ = fill; }
 
     // A line for each kind of findings, and one for each path that was not used.
     void sum_up() const;
@@ -135,6 +140,7 @@ class RunReport {
 
     const ReportOptions& options_;
     std::string name_;
+    conversion::BlankFill fill_ = conversion::BlankFill::by_type;
     enum class Target : std::uint8_t { unchecked, checked, refused } target_ = Target::unchecked;
     std::uint64_t records_ = 0;
     std::array<std::uint64_t, FINDINGS> counts_{};
