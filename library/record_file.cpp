@@ -277,6 +277,7 @@ Problem RecordFile::problem_of_document() {
 }
 
 void RecordFile::warn_of_document() {
+    if (input_->uncounted()) warn_of_counter(*input_->uncounted());
     for (const conversion::FieldTrouble& trouble : input_->troubles()) {
         const std::string field = "field " + fields_.name(trouble.item) + ": ";
         if (trouble.fate == FieldFate::no_number) {
@@ -298,6 +299,10 @@ void RecordFile::warn_of_document() {
     for (const conversion::UnusedData& data : input_->unused_data()) {
         warnings_.push_back(description_of(data));
     }
+}
+
+void RecordFile::warn_of_counter(const Problem& problem) {
+    warnings_.push_back("field " + problem.place.field + ": " + problem.what);
 }
 
 Result<bool> RecordFile::read_record_file() {
@@ -376,6 +381,11 @@ Done RecordFile::write() {
             warnings_.push_back("field " + fields_.name(field->item) +
                                 " held no valid number and came out repaired");
         }
+        for (const conversion::Field* field : output_->outcome().inexact_numbers) {
+            warnings_.push_back("field " + fields_.name(field->item) + ": " +
+                                conversion::INEXACT_NUMBER);
+        }
+        if (const Done& counter = output_->outcome().uncounted) warn_of_counter(*counter);
     }
     clear();
     return std::nullopt;

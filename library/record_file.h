@@ -72,6 +72,7 @@ class RecordFile {
     conversion::Result<bool> read_document();
     conversion::Problem problem_of_document();
     void warn_of_document();
+    void warn_of_counter(const conversion::Problem& problem);
     conversion::Done strict_problem() const;
     conversion::Result<bool> read_record_file();
     conversion::Done take(std::span<const std::uint8_t> record, std::optional<std::size_t> layout);

@@ -91,6 +91,11 @@ class Description {
     // below.
     std::int32_t used_length(const void* record, std::int32_t length,
                              RecordPosition position) const;
+    // The same, and what is wrong with the counter; nothing when no such table ends this record.
+    std::optional<CountedEnd> counted_end(const void* record, std::int32_t length,
+                                          RecordPosition position) const;
+    // Whether a table whose counter tells the length ends the records of a layout.
+    bool has_counted_end() const;
     // Whether records lie packed in files: tables with OCCURS DEPENDING ON take the room of their
     // entries in use, and what comes after them follows at once. The lengths and offsets of all
     // items, record_length() too, are those of the full record, with every entry in its place.

@@ -1,5 +1,6 @@
 // Records in which tables with DEPENDING ON take the room of their entries in use only, so that
-// what comes after them slides. The module knows records with every entry in its place.
+// what comes after them slides, or the record ends with them. The module knows records with every
+// entry in its place.
 #pragma once
 
 #include <cstdint>
@@ -23,6 +24,12 @@ struct CounterProblem {
     std::int32_t offset;   // of the counter, with every entry in its place
     std::int32_t minimum;  // of the table
     std::int32_t maximum;
+};
+
+// Where a record ends by the counter of the table with DEPENDING ON at its end.
+struct CountedEnd {
+    std::int32_t length;  // the record's own when the counter is out of its range
+    std::optional<CounterProblem> problem;
 };
 
 }  // namespace records

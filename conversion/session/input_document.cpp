@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "conversion/documents/document_check.h"
+#include "conversion/fields/counted_end.h"
 #include "conversion/texts/lost_digits.h"
 #include "conversion/texts/meant_number.h"
 #include "host/config.h"
@@ -86,6 +87,7 @@ InputDocument::InputDocument(const host::Module& module, const records::Descript
       description_(description),
       record_length_(description.record_length()),
       has_decimal_comma_(records::has_decimal_comma(description)),
+      has_counted_end_(description.has_counted_end()),
       marks_(description.marks()),
       characters_(characters),
       own_characters_(*CharacterSet::find("utf-8")),
@@ -179,6 +181,7 @@ Result<bool> InputDocument::read() {
         ++count_;
         filled_length_ = result - 1;
         if (sliding_) pack();
+        if (has_counted_end_) check_counted_end();
         if (!problem_) problem_ = check_position();
         if (!elements_.empty()) collect_unused();
         if (!without_element_.empty()) count_missing();
@@ -483,31 +486,36 @@ void InputDocument::pack() {
     for (const Field& field : fields_.layouts()[chosen].fields) {
         if (fate(field.item) == FieldFate::not_in_document) continue;
         if (sliding_->has_all(field.offset, field.length)) continue;
-        if (is_blank(xfd.items[field.item]) || is_repeated(field.item)) continue;
-        problem_ = Problem{Cause::record,
-                           {.field = fields_.name(field.item)},
-                           "there is data for an entry that the table's counter does not count",
-                           "the counter is to be the number of entries"};
+        const std::uint8_t* const bytes = record_.data() + field.offset;
+        if (is_blank(xfd.items[field.item], bytes, characters())) continue;
+        if (is_repeated(field.item)) continue;
+        problem_ = uncounted_problem(field, fields_);
         return;
     }
 }
 
-bool InputDocument::is_blank(const XfdItem& item) const {
-    const std::uint8_t* const bytes = record_.data() + item.offset;
-    const bool is_binary = item.format == XFD_FORMAT_BINARY;
-    if (!is_binary && is_numeric_type(item.data.type)) {
-        XfdDataDesc data = item.data;
-        data.address = const_cast<std::uint8_t*>(bytes);
-        records::Decimal number;
-        return records::decode_field(data, number) &&
-               records::compare(number, records::Decimal{}) == 0;
+// The same of a record that does not slide.
+void InputDocument::check_counted_end() {
+    uncounted_.reset();
+    const std::optional<std::size_t> chosen = layout();
+    const auto end = description_.counted_end(record_.data(), record_length_, position_);
+    counted_ = end ? end->length : record_length_;
+    if (!chosen || !end) return;
+    const RecordLayout& own = fields_.layouts()[*chosen];
+    if (end->problem) {
+        uncounted_ = counter_problem(*end->problem, own, fields_);
+        uncounted_->place.in_record.reset();
+        return;
     }
-    std::vector<std::uint8_t> blank(static_cast<std::size_t>(item.data.length));
-    if (!is_binary) {
-        const TextForm form = text_form(item, *characters_);
-        fill_blank(blank.data(), blank.size(), blank_of(form, *characters_));
+    const Xfd& xfd = *module_file_.xfd;
+    for (const Field& field : own.fields) {
+        if (field.offset < counted_ || fate(field.item) == FieldFate::not_in_document) continue;
+        const std::uint8_t* const bytes = record_.data() + field.offset;
+        if (is_blank(xfd.items[field.item], bytes, characters())) continue;
+        if (is_repeated(field.item)) continue;
+        uncounted_ = uncounted_problem(field, fields_);
+        return;
     }
-    return std::equal(blank.begin(), blank.end(), bytes);
 }
 
 // Matched loosely, elements of a table's only entry are taken for every entry.
@@ -518,7 +526,7 @@ bool InputDocument::is_repeated(std::int32_t item) const {
     const std::uint8_t* const bytes = record_.data() + own.offset;
     return std::any_of(xfd.items, xfd.items + xfd.item_count, [&](const XfdItem& other) {
         return std::string_view(other.name) == own.name && other.data.length == own.data.length &&
-               sliding_->has_all(other.offset, other.data.length) &&
+               is_used(static_cast<std::int32_t>(&other - xfd.items)) &&
                std::equal(bytes, bytes + own.data.length, record_.data() + other.offset);
     });
 }
@@ -534,6 +542,10 @@ void InputDocument::count_missing() {
         const bool is_used = is_counted(item, used);
         if (is_own && is_used) ++field_uses_[static_cast<std::size_t>(item)].records_without;
     }
+}
+
+bool InputDocument::is_used(std::int32_t item) const {
+    return is_counted(item, counted_);
 }
 
 bool InputDocument::is_counted(std::int32_t item, std::int32_t used) const {

@@ -129,6 +129,10 @@ class InputDocument {
     // Why there is no such record: its tables slide, and a counter is out of its range, or an entry
     // that the counter does not count has data.
     const Done& problem() const { return problem_; }
+    // A table whose counter tells the length ends the record, which does not slide, and the counter
+    // is out of its range or an entry that it does not count has data: used_length() does not tell
+    // where the record's data ends. The record itself has all data.
+    const Done& uncounted() const { return uncounted_; }
     // Where it stands; of a record whose layout is to be the last, that it is.
     records::RecordPosition position() const { return position_; }
     // Of the longest record, bytes.
@@ -195,7 +199,8 @@ class InputDocument {
     void count_missing();
     bool is_counted(std::int32_t item, std::int32_t used) const;
     void pack();
-    bool is_blank(const XfdItem& item) const;
+    void check_counted_end();
+    bool is_used(std::int32_t item) const;
     bool is_repeated(std::int32_t item) const;
     std::string path_of(std::size_t element) const;
     UnusedData unused_text(std::size_t element) const;
@@ -216,6 +221,7 @@ class InputDocument {
     const records::Description& description_;
     std::int32_t record_length_;
     bool has_decimal_comma_;
+    bool has_counted_end_;
     std::vector<records::Description::Mark> marks_;
     const CharacterSet* characters_;
     CharacterSet own_characters_;
@@ -231,6 +237,8 @@ class InputDocument {
     std::optional<SlidingRecord> sliding_;
     std::vector<std::uint8_t> packed_;
     Done problem_;
+    std::int32_t counted_ = 0;  // bytes of the record, with has_counted_end_
+    Done uncounted_;
     bool is_of_a_layout_ = false;
     std::optional<std::size_t> named_layout_;  // by the record's element
     std::optional<std::size_t> first_layout_;  // which the first record must be of

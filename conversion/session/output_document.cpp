@@ -1,14 +1,18 @@
 #include "conversion/session/output_document.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <limits>
 #include <utility>
 
+#include "conversion/fields/counted_end.h"
 #include "conversion/session/document_settings.h"
 #include "conversion/texts/text_decoder.h"
 #include "conversion/texts/utf8.h"
 #include "host/dispatch_table.h"
 #include "host/runtime/memory/memory_report.h"
+#include "records/field_types.h"
 #include "records/hexadecimal.h"
 #include "records/numbers.h"
 
@@ -20,6 +24,11 @@ constexpr const char* ENDS_WITHIN_FIELD = "the record ends within the field";
 
 bool is_number(FieldKind kind) {
     return kind == FieldKind::display_number || kind == FieldKind::other_number;
+}
+
+bool is_native_double(const XfdItem& item) {
+    return item.data.type == records::FLOAT_NATIVE && item.data.length == sizeof(double) &&
+           item.format != XFD_FORMAT_BINARY && item.condition != XFD_GROUP;
 }
 
 // Files without an end tag: kept where leak checkers see them.
@@ -53,6 +62,10 @@ OutputDocument::OutputDocument(const host::Module& module, const records::Descri
       characters_(characters),
       is_strict_(options.is_strict),
       has_lengths_(options.has_lengths),
+      has_counted_end_(description.has_counted_end()),
+      has_doubles_(std::any_of(description.xfd().items,
+                               description.xfd().items + description.xfd().item_count,
+                               is_native_double)),
       fields_(std::move(fields)),
       controls_(options.controls),
       text_check_(characters, controls_ == Controls::hex ||
@@ -196,6 +209,7 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
         if (Done problem = spread({record, size}, layout)) return problem;
     }
     choose(layout);
+    if (has_counted_end_) find_uncounted(length, position);
     if (sliding_) {
         if (Done problem = hide_unused_entries()) return problem;
     } else {
@@ -207,6 +221,7 @@ Done OutputDocument::write(const std::uint8_t* record, std::int32_t length,
         }
     }
     if (Done problem = check_texts()) return problem;
+    if (has_doubles_) find_inexact_numbers();
     if (is_strict_) {
         if (Done problem = check_strictly()) return problem;
     }
@@ -293,6 +308,68 @@ Done OutputDocument::check_length(std::int32_t length) const {
                    ""};
 }
 
+void OutputDocument::find_inexact_numbers() {
+    outcome_.inexact_numbers.clear();
+    for (const Field& field : chosen().fields) {
+        if (!is_native_double(module_file_.xfd->items[field.item]) || !is_written(field)) continue;
+        if (is_inexact(field)) outcome_.inexact_numbers.push_back(&field);
+    }
+}
+
+// Of most numbers the text has all digits: 17, and up to 90 zeros after the point.
+bool OutputDocument::is_inexact(const Field& field) const {
+    constexpr double SMALLEST = 1e-90;
+    constexpr double LARGEST = 1e120;
+    double value = 0;
+    std::memcpy(&value, record_ + field.offset, sizeof value);
+    const double size = std::abs(value);
+    if (!std::isfinite(value) || size == 0 || (size > SMALLEST && size < LARGEST)) return false;
+    XfdDataDesc source = module_file_.xfd->items[field.item].data;
+    source.address = const_cast<std::uint8_t*>(record_) + field.offset;
+    std::string text(static_cast<std::size_t>(source.digits) + 2, ' ');
+    XfdDataDesc target{};
+    target.address = text.data();
+    target.length = static_cast<std::int32_t>(text.size());
+    target.digits = source.digits;
+    target.scale = source.scale;
+    records::Decimal number;
+    records::Decimal written;
+    return Qconvert(&target, &source, 1) == 0 || !records::decode_field(source, number) ||
+           !records::parse_number(text, written) || records::compare(number, written) != 0;
+}
+
+void OutputDocument::find_uncounted(std::int32_t length, records::RecordPosition position) {
+    outcome_.uncounted.reset();
+    const auto end = description_.counted_end(record_, length, position);
+    if (!end || !outcome_.is_of_a_layout) return;
+    if (end->problem) {
+        outcome_.uncounted = counter_problem(*end->problem, chosen(), fields_);
+        return;
+    }
+    if (end->length == length) return;
+    for (const Field& field : chosen().fields) {
+        if (field.offset < end->length || !has_data(field, length)) continue;
+        outcome_.uncounted = uncounted_problem(field, fields_);
+        outcome_.uncounted->place.in_record = static_cast<std::uint32_t>(field.offset);
+        outcome_.uncounted->evidence = bytes_of(
+            {field.offset, std::min(field.length, length - field.offset), 0, field.kind, 0});
+        return;
+    }
+}
+
+// Of a record of this length, whose end may cut the field.
+bool OutputDocument::has_data(const Field& field, std::int32_t length) const {
+    const Xfd& xfd = *module_file_.xfd;
+    if (field.offset >= length || !condition_holds(xfd, field.condition)) return false;
+    const std::uint8_t* const bytes = record_ + field.offset;
+    const bool is_empty =
+        std::all_of(bytes, bytes + std::min(field.length, length - field.offset),
+                    [this](std::uint8_t byte) { return byte == 0 || byte == characters_.space(); });
+    if (is_empty) return false;
+    return field.offset + field.length > length ||
+           !is_blank(xfd.items[field.item], bytes, characters_);
+}
+
 void OutputDocument::find_text_runs() {
     for (const RecordLayout& layout : fields_.layouts()) {
         std::vector<TextRun> runs;
@@ -355,6 +432,12 @@ bool OutputDocument::fits_with_spaces() {
 Done OutputDocument::check_strictly() {
     if (!outcome_.is_of_a_layout) {
         return Problem{Cause::record, {}, "none of the record layouts' conditions holds", {}};
+    }
+    if (outcome_.uncounted) return outcome_.uncounted;
+    if (!outcome_.inexact_numbers.empty()) {
+        const Field& inexact = *outcome_.inexact_numbers.front();
+        return Problem{Cause::record,    place_of(inexact, 0), INEXACT_NUMBER, {}, 0,
+                       bytes_of(inexact)};
     }
     find_bad_numbers();
     if (outcome_.bad_numbers.empty()) return std::nullopt;

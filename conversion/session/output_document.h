@@ -19,6 +19,9 @@
 
 namespace conversion {
 
+// Of a floating-point field, in messages.
+constexpr const char* INEXACT_NUMBER = "a number too large or too small for its text";
+
 // What becomes of control characters that XML does not allow, and of NUL bytes with text after
 // them.
 enum class Controls : std::uint8_t {
@@ -59,6 +62,13 @@ class OutputDocument {
             std::uint32_t count;
         };
         std::vector<LostControls> lost_controls;
+        // Floating-point fields whose text is too short for their number: it has nines, or lacks
+        // digits.
+        std::vector<const Field*> inexact_numbers;
+        // A table whose counter tells the length ends the record, which does not slide: bytes after
+        // the entries that it counts, which are not in the document, have data, or it is out of its
+        // range, and all entries are in the document. With field, offset in the record and bytes.
+        Done uncounted;
     };
 
     // Opens a document and writes its beginning. `description` describes the records as they are,
@@ -117,6 +127,10 @@ class OutputDocument {
     Done check_texts() const;
     Done check_text(const Field& field) const;
     void find_bad_numbers();
+    void find_inexact_numbers();
+    bool is_inexact(const Field& field) const;
+    void find_uncounted(std::int32_t length, records::RecordPosition position);
+    bool has_data(const Field& field, std::int32_t length) const;
     bool fits_with_spaces();
     Done check_strictly();
     std::string bytes_of(const Field& field) const;
@@ -131,6 +145,8 @@ class OutputDocument {
     const CharacterSet& characters_;
     bool is_strict_;
     bool has_lengths_;
+    bool has_counted_end_;
+    bool has_doubles_;  // whose texts may be too short
     RecordFields fields_;
     // Plain texts of a layout that lie side by side in its records. They are looked at together,
     // and each by itself only where that shows something.

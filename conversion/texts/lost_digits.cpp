@@ -1,6 +1,9 @@
 #include "conversion/texts/lost_digits.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
 
 #include "records/field_types.h"
 #include "records/numbers.h"
@@ -42,10 +45,43 @@ bool differs(std::string_view text, const XfdDataDesc& field) {
     return records::compare(wanted, held) != 0;
 }
 
+// As many significant digits as the text has, of the number held.
+template <typename Float>
+bool is_rounded_as(const records::Decimal& wanted, const XfdDataDesc& field) {
+    Float value;
+    std::memcpy(&value, field.address, sizeof value);
+    int count = wanted.count;
+    while (count > 1 && wanted.digits[static_cast<std::size_t>(count - 1)] == 0) --count;
+    std::array<char, records::Decimal::MAX_DIGITS + 16> text{};
+    const char* const end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                          std::chars_format::scientific, std::max(count - 1, 0))
+                                .ptr;
+    records::Decimal held;
+    const auto size = static_cast<std::size_t>(end - text.data());
+    return value != 0 && records::parse_number({text.data(), size}, held) &&
+           records::compare(wanted, held) == 0;
+}
+
+// A float holds the nearest number. It loses something when the text has more digits than that
+// gives back, or is too small.
+bool float_differs(std::string_view text, const XfdDataDesc& field) {
+    constexpr std::size_t ALWAYS_KEPT = 6;  // characters, so at most as many digits
+    const bool has_exponent = text.find_first_of("eE") != std::string_view::npos;
+    if (text.size() <= ALWAYS_KEPT && !has_exponent) return false;
+    if (!differs(text, field)) return false;
+    records::Decimal wanted;
+    if (!records::parse_number(text, wanted)) return false;
+    if (field.type == records::FLOAT_HEX) return true;
+    return field.length == sizeof(float) ? !is_rounded_as<float>(wanted, field)
+                                         : !is_rounded_as<double>(wanted, field);
+}
+
 }  // namespace
 
 bool loses_low_digits(std::string_view text, const XfdDataDesc& field) {
-    if (field.type == records::FLOAT_NATIVE || field.type == records::FLOAT_HEX) return false;
+    if (field.type == records::FLOAT_NATIVE || field.type == records::FLOAT_HEX) {
+        return float_differs(text, field);
+    }
     const records::FieldExtra extra = records::field_extra(field);
     const int scale = extra.digits == 0 ? field.scale : extra.scale;
     // Few texts need the whole comparison.

@@ -215,13 +215,21 @@ Result OpenFile::read() {
 Result OpenFile::tell_troubles() {
     const auto& unused = input_->unused_data();
     const bool has_data = std::any_of(unused.begin(), unused.end(), is_data);
-    if (input_->troubles().empty() && unused.empty() && input_->is_of_a_layout()) return {};
+    const conversion::Done& uncounted = input_->uncounted();
+    if (input_->troubles().empty() && unused.empty() && input_->is_of_a_layout() && !uncounted) {
+        return {};
+    }
     const std::string where = "record " + std::to_string(input_->count());
     Result result;
     if (has_data && input_->filled_length() == 0) {
         result.status = Status::doubtful_data;
     } else if (!input_->is_of_a_layout()) {
         result = {Status::doubtful_data, where + ": none of the record layouts' conditions holds"};
+    }
+    if (uncounted) {
+        report_data(path_, "of fields",
+                    where + ", field " + uncounted->place.field + ": " + uncounted->what);
+        result.status = Status::doubtful_data;
     }
     for (const FieldTrouble& trouble : input_->troubles()) {
         report_data(

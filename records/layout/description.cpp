@@ -108,6 +108,29 @@ class RunFinder : public SlidingWalk {
     std::int32_t position_ = 0;
 };
 
+// The rule for the length of this record; null: there is none.
+const LengthRule* find_rule(const DescriptionData& data, const std::uint8_t* record,
+                            std::int32_t length, RecordPosition position) {
+    for (const LengthRule& rule : data.model.length_rules) {
+        if (length < rule.counter.offset + rule.counter.length) continue;
+        // Conditions look at whole records.
+        if (rule.condition != 0 && (length < data.model.record_length ||
+                                    !condition_holds(data, rule.condition, record, position))) {
+            continue;
+        }
+        return &rule;
+    }
+    return nullptr;
+}
+
+// Nothing when the counter is out of its range.
+std::optional<std::int32_t> length_by(const LengthRule& rule, const std::uint8_t* record,
+                                      std::int32_t length) {
+    const auto count = count_of(rule.counter, record + rule.counter.offset, rule.min, rule.max);
+    if (!count) return std::nullopt;
+    return std::min(length, rule.table_offset + *count * rule.stride);
+}
+
 }  // namespace
 
 Description::Description(std::unique_ptr<DescriptionData> data) : data_(std::move(data)) {}
@@ -141,18 +164,22 @@ std::int32_t Description::min_record_length() const {
 std::int32_t Description::used_length(const void* record, std::int32_t length,
                                       RecordPosition position) const {
     const auto* bytes = static_cast<const std::uint8_t*>(record);
-    for (const LengthRule& rule : data_->model.length_rules) {
-        if (length < rule.counter.offset + rule.counter.length) continue;
-        // Conditions look at whole records.
-        if (rule.condition != 0 && (length < record_length() ||
-                                    !condition_holds(*data_, rule.condition, bytes, position))) {
-            continue;
-        }
-        const auto count = count_of(rule.counter, bytes + rule.counter.offset, rule.min, rule.max);
-        if (!count) return length;
-        return std::min(length, rule.table_offset + *count * rule.stride);
-    }
-    return length;
+    const LengthRule* const rule = find_rule(*data_, bytes, length, position);
+    return rule == nullptr ? length : length_by(*rule, bytes, length).value_or(length);
+}
+
+std::optional<CountedEnd> Description::counted_end(const void* record, std::int32_t length,
+                                                   RecordPosition position) const {
+    const auto* bytes = static_cast<const std::uint8_t*>(record);
+    const LengthRule* const rule = find_rule(*data_, bytes, length, position);
+    if (rule == nullptr) return std::nullopt;
+    if (const auto counted = length_by(*rule, bytes, length)) return CountedEnd{*counted, {}};
+    return CountedEnd{
+        length, CounterProblem{rule->counter.value, rule->counter.offset, rule->min, rule->max}};
+}
+
+bool Description::has_counted_end() const {
+    return !data_->model.length_rules.empty();
 }
 
 bool Description::slides() const {

@@ -351,4 +351,133 @@ TEST_F(CommandTest, NoChangeOfADocumentIsSilent) {
     }
 }
 
+// What a table's counter does not count, and numbers that a text or a field cannot hold.
+struct CountedCase {
+    const char* name;
+    std::string layout;
+    std::string format;
+    std::string document;  // empty: the records are converted
+    std::string records;
+    int status;
+    int strict_status;
+    std::vector<std::string> said;
+};
+
+TEST_F(CommandTest, UncountedEntriesAndInexactNumbersAreTold) {
+    const std::string table =
+        "       01  REC.\n           05  N PIC 9.\n"
+        "           05  T PIC X(3) OCCURS 0 TO 4 DEPENDING ON N.\n";
+    const std::string floats =
+        "       01  REC.\n           05  F COMP-1.\n           05  D COMP-2.\n";
+    const std::string uncounted = "there is data for an entry that the table's counter does not";
+    const std::string two = "<d><rec><n>1</n><t>abc</t><t>def</t></rec></d>";
+    const CountedCase cases[] = {
+        {"entries cut", table, "rdw", two, "", 1, 1, {"record 1, field t(2): " + uncounted}},
+        {"entries kept",
+         table,
+         "fixed",
+         two,
+         "",
+         0,
+         1,
+         {"1:4: record 1, field t(2): " + uncounted}},
+        {"no counter", table, "gnucobol", "<d><rec><t>abc</t></rec></d>", "", 1, 1, {"field t(1)"}},
+        {"blank entries", table, "rdw", "<d><rec><n>1</n><t>a</t><t/></rec></d>", "", 0, 0, {}},
+        {"counter", table, "rdw", "<d><rec><n>9</n></rec></d>", "", 1, 1, {"from 0 to 4"}},
+        {"bytes",
+         table,
+         "rdw",
+         "",
+         std::string("\0\013\0\0001abcdef", 11),
+         0,
+         1,
+         {"record 1, field t(2), byte offset 8 (4 in the record): " + uncounted, "X'646566'"}},
+        {"half an entry",
+         table,
+         "rdw",
+         "",
+         std::string("\0\012\0\0001abcde", 10),
+         0,
+         1,
+         {"X'6465'"}},
+        {"blank bytes", table, "rdw", "", std::string("\0\013\0\0001abc  \0", 11), 0, 0, {}},
+        {"counter of records",
+         table,
+         "rdw",
+         "",
+         std::string("\0\010\0\0009abc", 8),
+         0,
+         1,
+         {"record 1, field n, byte offset 4", "from 0 to 4"}},
+        {"a large number",
+         floats,
+         "fixed",
+         "",
+         std::string(4, '\0') + "\x87\x13\xC3\x43\xA5\x5A\x7F\x69",
+         0,
+         1,
+         {"record 1, field d, byte offset 4: a number too large or too small"}},
+        {"a small number",
+         floats,
+         "fixed",
+         "",
+         std::string(4, '\0') + "\1" + std::string(7, '\0'),
+         0,
+         1,
+         {"X'0100000000000000'"}},
+        {"many digits",
+         floats,
+         "fixed",
+         "<d><rec><f>123456789</f></rec></d>",
+         "",
+         0,
+         1,
+         {"field f: more decimals or low-order digits", "'123456789'"}},
+        {"no float so small",
+         floats,
+         "fixed",
+         "<d><rec><f>1e-50</f></rec></d>",
+         "",
+         0,
+         1,
+         {"field f"}},
+        {"no double so small",
+         floats,
+         "fixed",
+         "<d><rec><d>1e-400</d></rec></d>",
+         "",
+         0,
+         1,
+         {"field d"}},
+        {"digits that floats give back",
+         floats,
+         "fixed",
+         "<d><rec><f>123456792</f><d>0.30000000000000004</d></rec></d>",
+         "",
+         0,
+         0,
+         {}},
+    };
+    for (const CountedCase& one : cases) {
+        SCOPED_TRACE(one.name);
+        write_file("c.cpy", one.layout);
+        write_file("c.in", one.document.empty() ? one.records : one.document);
+        const std::string command = one.document.empty() ? "to-xml" : "from-xml";
+        const auto converted = [&](const std::vector<std::string>& more) {
+            std::vector<std::string> words = {command,           "c.in",    "c.out", "-l", "c.cpy",
+                                              "--record-format", one.format};
+            words.insert(words.end(), more.begin(), more.end());
+            return sxml(words);
+        };
+        const Outcome outcome = converted({});
+        EXPECT_EQ(outcome.status, one.status) << outcome.err;
+        for (const std::string& text : one.said) {
+            EXPECT_NE(outcome.err.find(text), std::string::npos) << text << "\nin: " << outcome.err;
+        }
+        EXPECT_EQ(converted({"--strict"}).status, one.strict_status);
+        const Outcome check = sxml({"check", "c.in", "-l", "c.cpy", "--record-format", one.format});
+        EXPECT_EQ(check.status, one.strict_status) << check.out << check.err;
+    }
+}
+
 }  // namespace

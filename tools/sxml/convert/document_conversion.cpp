@@ -137,6 +137,7 @@ std::optional<conversion::Problem> DocumentConversion::problem_of_record() {
         problem.place.record = document_.count();
         return problem;
     }
+    if (auto problem = problem_of_counter()) return problem;
     for (const conversion::FieldTrouble& trouble : document_.troubles()) {
         if (auto problem = problem_of(trouble)) return problem;
     }
@@ -146,6 +147,22 @@ std::optional<conversion::Problem> DocumentConversion::problem_of_record() {
     if (document_.is_of_a_layout() || !report_.count(Finding::no_layout)) return std::nullopt;
     conversion::Problem problem = problem_at(-1, "none of the record layouts' conditions holds");
     return found(Finding::no_layout, std::move(problem));
+}
+
+// A record that ends where its counter says would lose what is not counted; one of a fixed length
+// holds it.
+std::optional<conversion::Problem> DocumentConversion::problem_of_counter() {
+    if (!document_.uncounted()) return std::nullopt;
+    conversion::Problem problem = *document_.uncounted();
+    const conversion::Place place =
+        wanted_.has_lengths ? conversion::Place{} : document_.place_of(1);
+    problem.place.file = document_.shown_name();
+    problem.place.record = document_.count();
+    problem.place.line = place.line;
+    problem.place.column = place.column;
+    if (wanted_.has_lengths) return problem;
+    if (!report_.count(Finding::uncounted)) return std::nullopt;
+    return found(Finding::uncounted, std::move(problem));
 }
 
 // With the line and column of the record.

@@ -70,6 +70,7 @@ class DocumentConversion {
     void convert();
     std::span<const std::uint8_t> record();
     std::optional<conversion::Problem> problem_of_record();
+    std::optional<conversion::Problem> problem_of_counter();
     std::optional<conversion::Problem> problem_of(const conversion::FieldTrouble& trouble);
     std::optional<conversion::Problem> problem_of(const conversion::UnusedData& data);
     std::optional<conversion::Problem> found(Finding finding, conversion::Problem problem);

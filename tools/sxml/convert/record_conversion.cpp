@@ -75,9 +75,15 @@ void RecordConversion::convert(const conversion::Record& record) {
         record.data, static_cast<std::int32_t>(record.length), std::nullopt, record.position());
     if (problem) return reject(record, *std::move(problem));
     const conversion::OutputDocument::Outcome& outcome = document_->outcome();
-    for (const conversion::Field* field : outcome.bad_numbers) report_number(record, *field);
+    for (const conversion::Field* field : outcome.bad_numbers) {
+        report_number(record, *field, Finding::bad_number, "not a valid number");
+    }
+    for (const conversion::Field* field : outcome.inexact_numbers) {
+        report_number(record, *field, Finding::inexact_number, conversion::INEXACT_NUMBER);
+    }
     for (const LostControls& lost : outcome.lost_controls) report_controls(record, lost);
     if (!outcome.is_of_a_layout) report_layout(record);
+    if (outcome.uncounted) report_uncounted(record, *outcome.uncounted);
 }
 
 void RecordConversion::reject(const conversion::Record& record, conversion::Problem problem) {
@@ -116,14 +122,27 @@ void RecordConversion::report_controls(const conversion::Record& record, const L
 }
 
 void RecordConversion::report_number(const conversion::Record& record,
-                                     const conversion::Field& field) {
-    if (!report_.count(Finding::bad_number)) return;
+                                     const conversion::Field& field, Finding finding,
+                                     const std::string& what) {
+    if (!report_.count(finding)) return;
     conversion::Problem problem = problem_at(record, field.item, field.offset);
     const std::int32_t offset = document_->offset_in_record(field.offset);
     problem.evidence.assign(reinterpret_cast<const char*>(record.data) + offset,
                             static_cast<std::size_t>(field.length));
-    problem.what = "not a valid number: X'" + records::hexadecimal(problem.evidence) + "'";
-    report_.name(Finding::bad_number, problem);
+    problem.what = what + ": X'" + records::hexadecimal(problem.evidence) + "'";
+    report_.name(finding, problem);
+}
+
+void RecordConversion::report_uncounted(const conversion::Record& record,
+                                        conversion::Problem problem) {
+    if (!report_.count(Finding::uncounted)) return;
+    problem.place.file = input_.name();
+    problem.place.record = record.number;
+    problem.place.byte_offset = record.file_offset + problem.place.in_record.value_or(0);
+    if (!problem.evidence.empty()) {
+        problem.what += ": X'" + records::hexadecimal(problem.evidence) + "'";
+    }
+    report_.name(Finding::uncounted, problem);
 }
 
 void RecordConversion::report_layout(const conversion::Record& record) {

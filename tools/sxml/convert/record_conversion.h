@@ -50,8 +50,10 @@ class RecordConversion {
     conversion::Problem problem_at(const conversion::Record& record, std::int32_t item,
                                    std::int32_t offset) const;
     void report_controls(const conversion::Record& record, const LostControls& lost);
-    void report_number(const conversion::Record& record, const conversion::Field& field);
+    void report_number(const conversion::Record& record, const conversion::Field& field,
+                       Finding finding, const std::string& what);
     void report_layout(const conversion::Record& record);
+    void report_uncounted(const conversion::Record& record, conversion::Problem problem);
 
     RecordInput& input_;
     const records::Description& description_;

@@ -38,6 +38,8 @@ constexpr std::array<Wording, FINDINGS> WORDINGS = {{
      " of no layout; only the fields that all layouts have were taken"},
     {"unused", "text or attribute list", " went into no field"},
     {"rejected", "record", " rejected"},
+    {"uncounted", "record", " whose table has other entries than its counter says"},
+    {"inexact_numbers", "number", " too large or too small for the text, which differs"},
 }};
 
 // Of each report.

@@ -42,15 +42,17 @@ void add_report_options(Command command, ReportOptions& options);
 void note_outputs(const ReportOptions& options, RunFiles& files);
 
 enum class Finding : std::uint8_t {
-    bad_number,    // a field without a valid number
-    lost_control,  // control characters of a text were dropped or replaced, as was asked for
-    lost_number,   // a text that is not a number that fits the field
-    cut_text,      // a text longer than its field
-    no_layout,     // a record of none of the layouts
-    unused_data,   // of a document: went into no field
-    rejected       // a record that was not converted
+    bad_number,     // a field without a valid number
+    lost_control,   // control characters of a text were dropped or replaced, as was asked for
+    lost_number,    // a text that is not a number that fits the field
+    cut_text,       // a text longer than its field
+    no_layout,      // a record of none of the layouts
+    unused_data,    // of a document: went into no field
+    rejected,       // a record that was not converted
+    uncounted,      // a record with data that the counter of its table does not count
+    inexact_number  // a field with a number that is too large or too small for its text
 };
-constexpr std::size_t FINDINGS = 7;
+constexpr std::size_t FINDINGS = 9;
 
 class RunReport {
   public:
