@@ -27,8 +27,10 @@ void apply_settings(const std::vector<std::string>& assignments) {
         }
         const std::string name = assignment.substr(0, equals);
         if (!host::is_known_setting(name)) {
-            fail_usage("--set " + name +
-                       ": there is no such setting; there are:" + known_settings());
+            // A list has a line for each.
+            throw Failure("--set " + conversion::shown_in_line(name) +
+                              ": there is no such setting; there are:" + known_settings(),
+                          EXIT_USAGE);
         }
         std::string problem;
         if (!host::set_config(name, assignment.substr(equals + 1), &problem)) {
