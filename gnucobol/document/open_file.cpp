@@ -215,7 +215,9 @@ Result OpenFile::read() {
 Result OpenFile::tell_troubles() {
     const auto& unused = input_->unused_data();
     const bool has_data = std::any_of(unused.begin(), unused.end(), is_data);
-    const conversion::Done& uncounted = input_->uncounted();
+    // Of several layouts, the program itself knows which one a record has.
+    const conversion::Done uncounted =
+        layouts().size() == 1 ? input_->uncounted() : conversion::Done();
     if (input_->troubles().empty() && unused.empty() && input_->is_of_a_layout() && !uncounted) {
         return {};
     }

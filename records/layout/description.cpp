@@ -173,6 +173,9 @@ std::optional<CountedEnd> Description::counted_end(const void* record, std::int3
     const auto* bytes = static_cast<const std::uint8_t*>(record);
     const LengthRule* const rule = find_rule(*data_, bytes, length, position);
     if (rule == nullptr) return std::nullopt;
+    // Without a condition it does not say which of several layouts the record must have.
+    const bool has_several = (data_->block.flags & XFD_SEVERAL_LAYOUTS) != 0;
+    if (has_several && rule->condition == 0) return std::nullopt;
     if (const auto counted = length_by(*rule, bytes, length)) return CountedEnd{*counted, {}};
     return CountedEnd{
         length, CounterProblem{rule->counter.value, rule->counter.offset, rule->min, rule->max}};
