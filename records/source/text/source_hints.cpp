@@ -76,7 +76,7 @@ class ColumnHints {
             if (!is_error_here(one)) continue;
             const int line = line_cut_before(file_.file->lines, one.place.line);
             if (line == 0) continue;
-            note_at(line, FIXED_MARGIN + 1,
+            note_at(line, static_cast<int>(FIXED_MARGIN) + 1,
                     "in fixed format text ends in column 72; to read the text beyond it, give "
                     "--format variable");
             return;
@@ -97,11 +97,11 @@ class ColumnHints {
         return one.severity == Severity::error && one.place.file == file_.file->name;
     }
 
-    void note_at(int line, std::size_t column, std::string message) {
+    void note_at(int line, int column, std::string message) {
         Place place;
         place.file = file_.file->name;
         place.line = line;
-        place.column = static_cast<int>(column);
+        place.column = column;
         if (line > 0) place.text = file_.file->lines[static_cast<std::size_t>(line) - 1];
         diagnostics_.note(std::move(place), std::move(message));
     }
