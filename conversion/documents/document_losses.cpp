@@ -1,7 +1,5 @@
 #include "conversion/documents/document_losses.h"
 
-#include <array>
-#include <cstdio>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -184,10 +182,8 @@ class LossSearch {
              {});
     }
     void note_character(char32_t code) {
-        std::array<char, 16> shown{};
-        std::snprintf(shown.data(), shown.size(), "U+%04X", static_cast<unsigned>(code));
         note(found_.characters,
-             std::string("the character ") + shown.data() +
+             "the character " + character_name(code) +
                  " is lost, because the document declares ISO-8859-1 and its texts are kept in it",
              "convert the document to UTF-8 first, as `xmllint --encode UTF-8` does");
     }

@@ -482,19 +482,21 @@ void InputDocument::pack() {
     packed_.clear();
     if (problem_) return;
     sliding_->pack(record_.data(), packed_);
-    const Xfd& xfd = *module_file_.xfd;
-    for (const Field& field : fields_.layouts()[chosen].fields) {
-        if (fate(field.item) == FieldFate::not_in_document) continue;
-        if (sliding_->has_all(field.offset, field.length)) continue;
-        const std::uint8_t* const bytes = record_.data() + field.offset;
-        if (is_blank(xfd.items[field.item], bytes, characters())) continue;
-        if (is_repeated(field.item)) continue;
-        problem_ = uncounted_problem(field, fields_);
-        return;
-    }
+    problem_ = find_uncounted(fields_.layouts()[chosen]);
 }
 
-// The same of a record that does not slide.
+// An entry that its table's counter does not count, and that has data.
+Done InputDocument::find_uncounted(const RecordLayout& layout) const {
+    for (const Field& field : layout.fields) {
+        if (fate(field.item) == FieldFate::not_in_document || is_used(field.item)) continue;
+        const std::uint8_t* const bytes = record_.data() + field.offset;
+        if (is_blank(module_file_.xfd->items[field.item], bytes, characters())) continue;
+        if (!is_repeated(field.item)) return uncounted_problem(field, fields_);
+    }
+    return std::nullopt;
+}
+
+// Of a record that does not slide.
 void InputDocument::check_counted_end() {
     uncounted_.reset();
     const std::optional<std::size_t> chosen = layout();
@@ -507,15 +509,7 @@ void InputDocument::check_counted_end() {
         uncounted_->place.in_record.reset();
         return;
     }
-    const Xfd& xfd = *module_file_.xfd;
-    for (const Field& field : own.fields) {
-        if (field.offset < counted_ || fate(field.item) == FieldFate::not_in_document) continue;
-        const std::uint8_t* const bytes = record_.data() + field.offset;
-        if (is_blank(xfd.items[field.item], bytes, characters())) continue;
-        if (is_repeated(field.item)) continue;
-        uncounted_ = uncounted_problem(field, fields_);
-        return;
-    }
+    uncounted_ = find_uncounted(own);
 }
 
 // Matched loosely, elements of a table's only entry are taken for every entry.

@@ -200,6 +200,7 @@ class InputDocument {
     bool is_counted(std::int32_t item, std::int32_t used) const;
     void pack();
     void check_counted_end();
+    Done find_uncounted(const RecordLayout& layout) const;
     bool is_used(std::int32_t item) const;
     bool is_repeated(std::int32_t item) const;
     std::string path_of(std::size_t element) const;

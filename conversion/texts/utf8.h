@@ -1,4 +1,4 @@
-// Texts in UTF-8: characters appended, and texts cut at characters.
+// Characters and texts in UTF-8: appended, cut, named.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +11,9 @@ namespace conversion {
 
 // Appends a character's bytes.
 void append_utf8(char32_t code, std::string& text);
+
+// "U+20AC"
+std::string character_name(char32_t character);
 
 // How many of a text's first `size` bytes are whole characters: `size`, or up to three fewer. All
 // of a text that is no longer than that.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -102,7 +103,7 @@ class ColumnHints {
         place.file = file_.file->name;
         place.line = line;
         place.column = column;
-        if (line > 0) place.text = file_.file->lines[static_cast<std::size_t>(line) - 1];
+        if (line > 0) place.text = shown_line(*file_.file, static_cast<std::size_t>(line));
         diagnostics_.note(std::move(place), std::move(message));
     }
 
@@ -131,7 +132,10 @@ bool looks_like_ebcdic(std::string_view text) {
 }
 
 void add_source_hints(const std::vector<ReadFile>& files, Diagnostics& diagnostics) {
-    for (const ReadFile& file : files) ColumnHints(file, diagnostics).add();
+    std::set<const SourceFile*> seen;  // a file may be copied more than once
+    for (const ReadFile& file : files) {
+        if (seen.insert(file.file.get()).second) ColumnHints(file, diagnostics).add();
+    }
     if (auto place = late_comment(diagnostics)) {
         diagnostics.note(std::move(*place),
                          "the * of a comment must be in column 7; this one is in column 8");

@@ -66,6 +66,10 @@ std::uint32_t SourceSet::include(std::shared_ptr<const SourceFile> file, Positio
     return static_cast<std::uint32_t>(inclusions_.size() - 1);
 }
 
+std::string shown_line(const SourceFile& file, std::size_t line) {
+    return std::string(file.lines[line - 1].substr(0, MAX_SHOWN_LINE));
+}
+
 Place SourceSet::place(Position position) const {
     if (position.inclusion >= inclusions_.size()) return {};
     const Inclusion& inclusion = inclusions_[position.inclusion];
@@ -75,7 +79,7 @@ Place SourceSet::place(Position position) const {
     if (position.line == 0 || position.line > inclusion.file->lines.size()) return place;
     place.line = static_cast<int>(position.line);
     place.column = static_cast<int>(position.column);
-    place.text = inclusion.file->lines[position.line - 1].substr(0, MAX_SHOWN_LINE);
+    place.text = shown_line(*inclusion.file, position.line);
     return place;
 }
 

@@ -33,6 +33,9 @@ struct SourceFile {
 std::shared_ptr<const SourceFile> make_source_file(std::string name, std::string text,
                                                    int tab_width);
 
+// A line, counted from 1, for a message: its beginning, when it is very long.
+std::string shown_line(const SourceFile& file, std::size_t line);
+
 class SourceSet {
   public:
     // Registers one more inclusion of a file, copied by the statement at `from` (line 0: not

@@ -1,8 +1,6 @@
 #include "tools/sxml/convert/document_conversion.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <utility>
 
 #include "conversion/texts/counted.h"
@@ -24,12 +22,6 @@ std::string quoted(const std::string& text) {
     constexpr std::size_t MOST_SHOWN = 40;
     const std::string shown = text.substr(0, conversion::whole_characters(text, MOST_SHOWN));
     return "'" + shown + (shown.size() < text.size() ? "...'" : "'");
-}
-
-std::string character_name(char32_t character) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "U+%04X", static_cast<unsigned>(character));
-    return text.data();
 }
 
 const char* hint_text(conversion::UnusedData::Hint hint) {
@@ -194,7 +186,8 @@ std::optional<conversion::Problem> DocumentConversion::problem_of(
     const conversion::FieldTrouble& trouble) {
     switch (trouble.fate) {
         case FieldFate::lost_character:
-            return problem_at(trouble, "its character " + character_name(trouble.character) +
+            return problem_at(trouble, "its character " +
+                                           conversion::character_name(trouble.character) +
                                            " is not in " + document_.characters().name());
         case FieldFate::no_number:
             if (!report_.count(Finding::lost_number)) return std::nullopt;
