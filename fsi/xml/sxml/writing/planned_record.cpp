@@ -205,12 +205,13 @@ void write_text(RecordWriter& writer, const PlanStep& step, Room& room) {
 
 // The host makes the text where it is to be.
 void write_number(RecordWriter& writer, const PlanStep& step, Room& room) {
-    constexpr std::size_t RUN = 16;
     XfdItem& field = writer.xfd.items[step.item];
     const std::size_t length = step.length;
     char* const text = room.at;
-    std::memset(text, ' ', RUN);
-    for (std::size_t i = RUN; i < length; i += RUN) std::memset(text + i, ' ', RUN);
+    std::memset(text, ' ', NUMBER_RUN);
+    for (std::size_t i = NUMBER_RUN; i < length; i += NUMBER_RUN) {
+        std::memset(text + i, ' ', NUMBER_RUN);
+    }
     convert_number(field, writer.record + step.offset, {text, length});
     const bool is_plain = ascii::is_printable(text, std::max(length, WORD_SIZE));
     const bool has_point =

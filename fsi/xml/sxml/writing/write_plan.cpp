@@ -35,9 +35,8 @@ std::uint32_t length_of(const XfdItem& field, PlanStep::Kind kind) {
 
 // Room for a field and the markup before it, unless that is put in pieces.
 std::uint32_t room_of(const PlanStep& step) {
-    constexpr std::size_t RUN = 16;  // in which blanks for a number are put
     const std::size_t field = step.kind == PlanStep::TEXT     ? room_for_text(step.length)
-                              : step.kind == PlanStep::NUMBER ? MOST_NUMBER_TEXT + RUN
+                              : step.kind == PlanStep::NUMBER ? MOST_NUMBER_TEXT + NUMBER_RUN
                                                               : 0;
     const std::size_t markup = step.markup_length > MOST_MARKUP_AT_ONCE ? 0 : step.markup_length;
     return static_cast<std::uint32_t>(markup + MARKUP_READ_SIZE + field);

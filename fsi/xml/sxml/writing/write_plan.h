@@ -60,6 +60,8 @@ struct WritePlan {
 constexpr std::int32_t MOST_PLANNED_TEXT = 1024;
 // So many bytes may be read from where any piece of markup begins, in steps of as many.
 constexpr std::size_t MARKUP_READ_SIZE = 32;
+// Blanks for a number are put in runs of so many bytes, the last one whole.
+constexpr std::size_t NUMBER_RUN = 16;
 // Longer markup is put in pieces.
 constexpr std::size_t MOST_MARKUP_AT_ONCE = 1024;
 
